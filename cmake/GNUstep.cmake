@@ -1,0 +1,20 @@
+# Foundation as GNUstep has it. gnustep::base is linked with --no-as-needed: code that reaches classes by name
+# only would otherwise lose the library, and every class would be nil without a word.
+find_program(GNUSTEP_CONFIG gnustep-config REQUIRED)
+execute_process(COMMAND ${GNUSTEP_CONFIG} --variable=GNUSTEP_SYSTEM_HEADERS
+    OUTPUT_VARIABLE gnustep_headers OUTPUT_STRIP_TRAILING_WHITESPACE)
+find_library(GNUSTEP_BASE gnustep-base REQUIRED)
+find_library(OBJC_RUNTIME objc REQUIRED PATH_SUFFIXES gcc/${CMAKE_LIBRARY_ARCHITECTURE}/12
+    PATHS /usr/lib/gcc/${CMAKE_LIBRARY_ARCHITECTURE}/12)
+
+# What every Objective-C file of the platform is compiled with.
+add_library(gnustep_flags INTERFACE)
+target_compile_options(gnustep_flags INTERFACE
+    $<$<COMPILE_LANGUAGE:OBJC,OBJCXX>:-fobjc-exceptions -fexceptions -fconstant-string-class=NSConstantString>)
+target_compile_definitions(gnustep_flags INTERFACE
+    $<$<COMPILE_LANGUAGE:OBJC,OBJCXX>:_NATIVE_OBJC_EXCEPTIONS GNUSTEP GNUSTEP_BASE_LIBRARY=1 GNU_RUNTIME=1>)
+
+add_library(gnustep_base INTERFACE)
+add_library(gnustep::base ALIAS gnustep_base)
+target_link_libraries(gnustep_base INTERFACE gnustep_flags
+    "-Wl,--push-state,--no-as-needed" ${GNUSTEP_BASE} ${OBJC_RUNTIME} "-Wl,--pop-state")
