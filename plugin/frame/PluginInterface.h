@@ -45,11 +45,13 @@ typedef struct REALstringStruct {
 } REALstringStruct;
 typedef REALstringStruct* REALstring;
 
-/* A host array of one dimension. The third word points to the packed elements: references of one word, 4-byte
- * integers and singles, 1-byte booleans, 8-byte integers and doubles. The first two are the host's. */
+/* A host array of one dimension, itself a host object (so it may stand where a variant is due). The third word
+ * points to the packed elements: references of one word, 4-byte integers and singles, 1-byte booleans, 8-byte
+ * integers and doubles. The other words are the host's. */
 typedef struct REALarrayStruct {
     void* host[2];
     void* elements;
+    void* hostLast;
 } REALarrayStruct;
 typedef REALarrayStruct* REALarray;
 
