@@ -1,0 +1,155 @@
+// A drive and the medium in it, as the rest of the platform sees them.
+#pragma once
+
+#include "Error.hpp"
+#include "MediumKind.hpp"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace engine {
+
+enum class Interconnect : uint8_t { ATAPI, FibreChannel, FireWire, SCSI, USB };
+enum class InterconnectLocation : uint8_t { Internal, External, Unknown };
+
+/// Who a drive is. Fixed while it is attached.
+struct DriveIdentity {
+    std::string id; ///< stable and unique: for a virtual drive the absolute path of its folder
+    std::string vendor;
+    std::string product;
+    std::string firmwareRevision;
+    Interconnect interconnect = Interconnect::ATAPI;
+    InterconnectLocation location = InterconnectLocation::Internal;
+    bool isVirtual = false;
+};
+
+/// What a drive can do whatever medium is in it.
+struct DriveCapabilities {
+    std::vector<MediumKind> writes; ///< kinds it can write
+    bool canTestWriteCD = false;
+    bool canTestWriteDVD = false;
+    bool canUnderrunProtectCD = false;
+    bool canUnderrunProtectDVD = false;
+    bool writesCDText = false;
+    bool writesIndexPoints = false;
+    bool writesISRC = false;
+    bool writesTrackAtOnce = false;
+    bool writesSessionAtOnce = false;
+    bool writesRaw = false;
+    uint32_t writeBufferBytes = 0;
+
+    bool canWrite(MediumKind kind) const noexcept;
+    bool canWriteAny(MediumClass mediumClass) const noexcept;
+};
+
+/// How a medium goes in and out.
+struct LoadingMechanism {
+    bool canEject = true;  ///< the drive itself can push the medium out
+    bool canInject = true; ///< and pull it in
+    bool canOpen = true;   ///< it has a tray
+};
+
+enum class MediumState : uint8_t {
+    Blank,      ///< nothing written
+    Appendable, ///< at least one session, and another may follow
+    Complete,   ///< closed; nothing can be appended
+    Incomplete, ///< a burn was cut off or failed: what is on it can't be trusted, nothing can be appended
+};
+
+enum class TrackMode : uint8_t { Data };
+
+/// One track that is on a medium. Addresses and lengths in blocks.
+struct TrackInfo {
+    uint32_t number = 1; ///< from 1, counted through all sessions
+    TrackMode mode = TrackMode::Data;
+    uint64_t startBlock = 0;
+    uint64_t blocks = 0;
+    std::string volumeName; ///< of the file system in it; empty when not known
+};
+
+struct SessionInfo {
+    uint32_t number = 1; ///< from 1
+    std::vector<TrackInfo> tracks;
+};
+
+/// A medium at one moment.
+struct MediumInfo {
+    MediumKind kind = MediumKind::DVDPlusRW;
+    MediumState state = MediumState::Blank;
+    uint64_t capacityBlocks = 0;
+    bool blank = false;
+    bool appendable = false; ///< more can be written behind what is there (true for a blank writable medium)
+    bool overwritable = false; ///< writable from block 0 now: re-writable kinds, and blank write-once ones
+    bool erasable = false;     ///< can be made blank again
+    uint64_t blocksFree = 0;   ///< that can be appended
+    uint64_t blocksUsed = 0;   ///< that are written
+    uint64_t blocksOverwritable = 0; ///< when writing starts again at block 0
+    std::vector<SessionInfo> sessions;
+    std::vector<double> speeds; ///< KB/s, ascending; what this drive offers for this medium
+    std::string
+        path; ///< of the file that holds the medium's data, for people; empty when it has none (blank)
+
+    uint32_t sessionCount() const noexcept { return static_cast<uint32_t>(sessions.size()); }
+    uint32_t trackCount() const noexcept;
+};
+
+class BurnTarget; // how a job writes; see BurnTarget.hpp, not for users of the engine
+
+/// A drive. One object stands for one drive as long as it is attached (see drives()). Every member may be
+/// called from any thread, and none throws.
+class Drive {
+  public:
+    Drive(const Drive&) = delete;
+    Drive& operator=(const Drive&) = delete;
+    virtual ~Drive() = default;
+
+    virtual const DriveIdentity& identity() const noexcept = 0;
+    virtual const DriveCapabilities& capabilities() const noexcept = 0;
+    virtual const LoadingMechanism& loadingMechanism() const noexcept = 0;
+
+    /// Vendor and product, as people see it: "Virtual Disc Drive 1".
+    std::string displayName() const;
+
+    /// Still attached. A drive that went away stays invalid, also when one like it comes later.
+    virtual bool isValid() const = 0;
+
+    /// The medium now; empty with no medium or with an open tray. A medium whose description can't be read is
+    /// an error, MediaInvalid.
+    virtual Result<std::optional<MediumInfo>> readMedium() const = 0;
+
+    /// readMedium() for those who show and don't explain: an unreadable medium counts as none.
+    std::optional<MediumInfo> mediumInfo() const;
+
+    virtual bool isTrayOpen() const = 0;
+    /// With a medium inside this does nothing and answers BurnNotAllowed: use eject().
+    virtual Result<void> openTray() = 0;
+    virtual Result<void> closeTray() = 0;
+    /// Opens the tray with the medium on it; with none it is openTray(). DeviceBusy while somebody writes.
+    virtual Result<void> eject() = 0;
+
+    /// Someone, this process included, writes to the medium or keeps the drive for himself.
+    virtual bool isBusy() const = 0;
+
+    /// Keeps every other process out until released as often as acquired. DeviceBusy when another process (or
+    /// a job of this one) has it. A job of this process may run while this process holds it.
+    virtual Result<void> acquireExclusiveAccess() = 0;
+    virtual void releaseExclusiveAccess() = 0;
+    virtual bool hasExclusiveAccess() const = 0;
+
+    /// For BurnJob only: takes the drive for one job. DeviceBusy, MediaBusy, DeviceInvalid, MediaNotPresent.
+    virtual Result<std::unique_ptr<BurnTarget>> beginBurn() = 0;
+
+  protected:
+    Drive() = default;
+};
+
+using DriveRef = std::shared_ptr<Drive>;
+
+/// The drives attached now, in the order of their ids; the same object for the same drive at every call. When
+/// no drive is configured, one is made with a blank DVD+RW (see README.md for where, and for how to have
+/// none). An error is an unusable drives folder (DeviceAccess); single broken drives are left out.
+Result<std::vector<DriveRef>> drives();
+
+} // namespace engine
