@@ -1,0 +1,35 @@
+// Platform.hpp: the host's own view of the platform, found at run time; without one everything here does
+// nothing.
+#pragma once
+
+#include "plugin/frame/PluginInterface.h"
+
+#include <string_view>
+
+namespace host {
+
+bool hasPlatform();
+
+// An autorelease pool around a top-level statement, or around an event handler on a thread of the platform's.
+class Pool {
+  public:
+    Pool();
+    ~Pool();
+    Pool(const Pool&) = delete;
+    Pool& operator=(const Pool&) = delete;
+
+  private:
+    void* pool_;
+};
+
+// Makes the calling thread known to the platform until it ends; the main thread needs none of it.
+void registerThread();
+
+// Lets the platform deliver what waits for this thread's run loop, for at most that many seconds, with the
+// BASIC lock given up meanwhile. Without a platform it sleeps. What App.DoEvents and Sleep do.
+void runLoop(double seconds);
+
+// A new platform string, or null without a platform or when it can't decode the bytes.
+CFStringRef newPlatformString(REALstring string);
+
+} // namespace host
