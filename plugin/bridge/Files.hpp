@@ -1,0 +1,17 @@
+// Files.hpp: host folder items as platform URLs and paths.
+#pragma once
+
+#include "plugin/bridge/CoreFoundation.hpp"
+
+using CFURLRef = const struct __CFURL*;
+
+// A URL that the caller releases. Three routes, the first that succeeds wins: an existing item by its
+// reference, an item that does not exist yet by its parent and name, and at last the item's file
+// specification. Null for a nil item.
+CFURLRef MakeCFURLfromFolderItem(REALfolderItem item);
+
+// The same URL, belonging to the current autorelease pool.
+objc::Id NewNSURLfile(REALfolderItem item);
+
+// The item's POSIX path, belonging to the current autorelease pool, or nil.
+objc::Id NewNSStringPath(REALfolderItem item);

@@ -1,0 +1,67 @@
+// TrackStrings.hpp: the string constants that DRTrackQRX hands to programs.
+#pragma once
+
+// In the order of declaration.
+#define TRACK_STRINGS(X)                                                                                     \
+    X(DRTrackLengthKey)                                                                                      \
+    X(DRBlockSizeKey)                                                                                        \
+    X(DRBlockTypeKey)                                                                                        \
+    X(DRDataFormKey)                                                                                         \
+    X(DRSessionFormatKey)                                                                                    \
+    X(DRTrackModeKey)                                                                                        \
+    X(DRVerificationTypeKey)                                                                                 \
+    X(DRMaxBurnSpeedKey)                                                                                     \
+    X(DRPreGapLengthKey)                                                                                     \
+    X(DRPreGapIsRequiredKey)                                                                                 \
+    X(DRDVDTimestampKey)                                                                                     \
+    X(DRDVDCopyrightInfoKey)                                                                                 \
+    X(DRTrackISRCKey)                                                                                        \
+    X(DRIndexPointsKey)                                                                                      \
+    X(DRAudioPreEmphasisKey)                                                                                 \
+    X(DRAudioFourChannelKey)                                                                                 \
+    X(DRSerialCopyManagementStateKey)                                                                        \
+    X(DRVerificationTypeProduceAgain)                                                                        \
+    X(DRVerificationTypeReceiveData)                                                                         \
+    X(DRVerificationTypeChecksum)                                                                            \
+    X(DRVerificationTypeNone)                                                                                \
+    X(DRSCMSCopyrightFree)                                                                                   \
+    X(DRSCMSCopyrightProtectedOriginal)                                                                      \
+    X(DRSCMSCopyrightProtectedCopy)                                                                          \
+    X(DRNextWritableAddressKey)                                                                              \
+    X(DRTrackStartAddressKey)                                                                                \
+    X(DRFreeBlocksKey)                                                                                       \
+    X(DRTrackNumberKey)                                                                                      \
+    X(DRSessionNumberKey)                                                                                    \
+    X(DRTrackTypeKey)                                                                                        \
+    X(DRTrackIsEmptyKey)                                                                                     \
+    X(DRTrackPacketTypeKey)                                                                                  \
+    X(DRTrackPacketSizeKey)                                                                                  \
+    X(DRTrackTypeInvisible)                                                                                  \
+    X(DRTrackTypeIncomplete)                                                                                 \
+    X(DRTrackTypeReserved)                                                                                   \
+    X(DRTrackTypeClosed)                                                                                     \
+    X(DRTrackPacketTypeFixed)                                                                                \
+    X(DRTrackPacketTypeVariable)                                                                             \
+    X(DRISOLevel)                                                                                            \
+    X(DRVolumeSet)                                                                                           \
+    X(DRPublisher)                                                                                           \
+    X(DRDataPreparer)                                                                                        \
+    X(DRApplicationIdentifier)                                                                               \
+    X(DRSystemIdentifier)                                                                                    \
+    X(DRCopyrightFile)                                                                                       \
+    X(DRAbstractFile)                                                                                        \
+    X(DRBibliographicFile)                                                                                   \
+    X(DRBlockSize)                                                                                           \
+    X(DRDefaultDate)                                                                                         \
+    X(DRVolumeCreationDate)                                                                                  \
+    X(DRVolumeModificationDate)                                                                              \
+    X(DRVolumeCheckedDate)                                                                                   \
+    X(DRVolumeExpirationDate)                                                                                \
+    X(DRVolumeEffectiveDate)                                                                                 \
+    X(DRISOMacExtensions)                                                                                    \
+    X(DRISORockRidgeExtensions)                                                                              \
+    X(DRSuppressMacSpecificFiles)                                                                            \
+    X(DRSubchannelDataFormKey)                                                                               \
+    X(DRSubchannelDataFormNone)                                                                              \
+    X(DRSubchannelDataFormPack)                                                                              \
+    X(DRSubchannelDataFormRaw)
