@@ -1,0 +1,165 @@
+// BurnTest.cpp: burns, through the members that DRBurnQRX declares.
+#include "plugin/bridge/Dictionaries.hpp"
+#include "plugin/bridge/Registry.hpp"
+#include "tests/plugin/Companion.hpp"
+#include "tests/plugin/Drives.hpp"
+#include "tests/plugin/PluginTest.hpp"
+
+#include <chrono>
+#include <thread>
+
+namespace {
+
+using namespace test;
+
+constexpr const char* className = "DRBurnQRX";
+const Raised noDevice{"NilObjectException", "device is nil"};
+const Raised tooOften{"UnsupportedOperationException",
+                      "Constructor called too often. Object is already initialized."};
+
+class Burn : public LoadedTest {
+  protected:
+    void SetUp() override {
+        companion::offerRegistry();
+        LoadedTest::SetUp();
+        writeFile(drives.scratch / "content/read me.txt", "burned by a test\n");
+    }
+
+    Ref device() {
+        return Ref::adopt(
+            call<REALobject>("DRDeviceQRX", "device(index as UInt32) as DRDeviceQRX", uint32_t{0}));
+    }
+    void construct(const Ref& burn, const Ref& drive) {
+        call<void>(className, "Constructor(device as DRDeviceQRX)", burn.get(), drive.get());
+    }
+    Ref burnFor(const Ref& drive) {
+        Ref burn = make(className);
+        construct(burn, drive);
+        return burn;
+    }
+    Ref track() {
+        const Ref folder =
+            Ref::adopt(call<REALobject>("DRFolderQRX", "folderWithPath(path as string) as DRFolderQRX",
+                                        String((drives.scratch / "content").string()).get()));
+        return Ref::adopt(call<REALobject>(
+            "DRTrackQRX", "trackForRootFolder(folder as DRFolderQRX) as DRTrackQRX", folder.get()));
+    }
+    Ref status(const Ref& burn) {
+        return Ref::adopt(call<REALobject>(className, "status as dictionary", burn.get()));
+    }
+    std::string state(const Ref& burn) {
+        const Ref all = status(burn);
+        const Ref key = Ref::adopt(REALNewVariantString(String("DRStatusStateKey").get()));
+        const Ref value = Ref::adopt(GetDictionaryValue(all.get(), key.get()));
+        REALstring text = nullptr;
+        REALGetPropValueString(value.get(), "StringValue", &text);
+        return textOf(text);
+    }
+    std::string finalState(const Ref& burn) {
+        for (int i = 0; i < 1000; ++i) {
+            const std::string now = state(burn);
+            if (now == "DRStatusStateDone" || now == "DRStatusStateFailed") return now;
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        }
+        return "still " + state(burn);
+    }
+
+    OwnDrives drives;
+};
+
+TEST_F(Burn, ANilDriveIsRefusedFirstAlsoOnABurnThatIsAlreadyMade) {
+    const Ref burn = make(className), empty = make("DRDeviceQRX");
+    construct(burn, Ref());
+    EXPECT_EQ(raised(), noDevice);
+    construct(burn, empty);
+    EXPECT_EQ(raised(), noDevice);
+    EXPECT_EQ(frame::slot(burn.get()), nullptr);
+    construct(burn, device());
+    EXPECT_EQ(raised(), std::nullopt);
+    construct(burn, Ref());
+    EXPECT_EQ(raised(), noDevice) << "deliberately before the test for a second call";
+    construct(burn, device());
+    EXPECT_EQ(raised(), tooOften);
+}
+
+TEST_F(Burn, TheConstructorRegistersSoThatThePlatformBurnComesBackAsIt) {
+    const Ref burn = burnFor(device());
+    EXPECT_EQ(FindInstance(frame::slot(burn.get())), burn.get());
+}
+
+TEST_F(Burn, KnowsItsDriveAndItsStateBeforeTheStart) {
+    const Ref drive = device(), burn = burnFor(drive);
+    EXPECT_EQ(Ref::adopt(call<REALobject>(className, "device as DRDeviceQRX", burn.get())).get(),
+              drive.get());
+    EXPECT_EQ(state(burn), "DRStatusStateNone");
+    const Ref shared = Ref::adopt(
+        call<REALobject>(className, "burnForDevice(device as DRDeviceQRX) as DRBurnQRX", drive.get()));
+    EXPECT_EQ(state(shared), "DRStatusStateNone");
+}
+
+TEST_F(Burn, PropertiesReadTheirDefaultsAndWhatWasAssigned) {
+    const Ref burn = burnFor(device());
+    const auto flag = [&](const char* declaration) { return call<bool>(className, declaration, burn.get()); };
+    const auto assign = [&](const char* declaration, bool value) {
+        harness::setterOf<void(REALobject, bool)>(className, declaration)(burn.get(), value);
+    };
+    EXPECT_TRUE(flag("verifyDisc as boolean"));
+    EXPECT_FALSE(flag("appendable as boolean"));
+    EXPECT_FALSE(flag("Overwrite as boolean"));
+    for (const char* declaration :
+         {"verifyDisc as boolean", "appendable as boolean", "Overwrite as boolean"}) {
+        for (const bool value : {true, false, true}) {
+            assign(declaration, value);
+            EXPECT_EQ(flag(declaration), value) << declaration;
+        }
+    }
+    const float maximum = call<float>("DRDeviceQRX", "DRDeviceBurnSpeedMax as single");
+    harness::setterOf<void(REALobject, float)>(className, "requestedBurnSpeed as single")(burn.get(),
+                                                                                          maximum);
+    EXPECT_EQ((call<float>(className, "requestedBurnSpeed as single", burn.get())), maximum);
+    harness::setterOf<void(REALobject, REALstring)>(className, "completionAction as string")(
+        burn.get(), String("DRBurnCompletionActionMount").get());
+    EXPECT_EQ(textOf(call<REALstring>(className, "completionAction as string", burn.get())),
+              "DRBurnCompletionActionMount");
+    EXPECT_EQ(raised(), std::nullopt);
+}
+
+TEST_F(Burn, AnEmptyOneAnswersEmptyAndIgnoresAssignments) {
+    const Ref burn = make(className);
+    EXPECT_FALSE(status(burn));
+    EXPECT_EQ((call<REALobject>(className, "device as DRDeviceQRX", burn.get())), nullptr);
+    EXPECT_EQ((call<float>(className, "requestedBurnSpeed as single", burn.get())), 0.0f);
+    harness::setterOf<void(REALobject, bool)>(className, "Overwrite as boolean")(burn.get(), true);
+    EXPECT_FALSE((call<bool>(className, "Overwrite as boolean", burn.get())));
+    call<void>(className, "abort", burn.get());
+    call<void>(className, "writeLayout(track as DRTrackQRX)", burn.get(), track().get());
+    EXPECT_EQ(raised(), std::nullopt);
+}
+
+TEST_F(Burn, WritingNothingDoesNothingAndRaisesNothing) {
+    const Ref burn = burnFor(device()), empty = make("DRTrackQRX");
+    call<void>(className, "writeLayout(track as DRTrackQRX)", burn.get(), REALobject{nullptr});
+    call<void>(className, "writeLayout(track as DRTrackQRX)", burn.get(), empty.get());
+    EXPECT_EQ(state(burn), "DRStatusStateNone");
+    EXPECT_EQ(raised(), std::nullopt);
+}
+
+TEST_F(Burn, ATrackIsBurnedAndTheMediumIsNoLongerBlank) {
+    const Ref drive = device(), burn = burnFor(drive);
+    harness::setterOf<void(REALobject, REALstring)>(className, "completionAction as string")(
+        burn.get(), String("DRBurnCompletionActionMount").get());
+    call<void>(className, "writeLayout(track as DRTrackQRX)", burn.get(), track().get());
+    EXPECT_EQ(finalState(burn), "DRStatusStateDone");
+    EXPECT_FALSE((call<bool>("DRDeviceQRX", "mediaIsBlank as boolean", drive.get())));
+}
+
+TEST_F(Burn, DroppingTheLastReferenceStopsARunningBurn) {
+    const Ref drive = device();
+    {
+        const Ref burn = burnFor(drive);
+        call<void>(className, "writeLayout(track as DRTrackQRX)", burn.get(), track().get());
+    }
+    EXPECT_FALSE((call<bool>("DRDeviceQRX", "mediaIsBusy as boolean", drive.get())));
+}
+
+} // namespace
