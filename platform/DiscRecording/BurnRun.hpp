@@ -1,0 +1,46 @@
+// BurnRun: a job of the engine, and what is done with the medium after it.
+#pragma once
+
+#include "BurnJob.hpp"
+
+#include <atomic>
+#include <optional>
+#include <thread>
+
+namespace discrecording {
+
+struct BurnPlan {
+    engine::Layout layout;
+    engine::BurnOptions options;
+    bool ejectWhenDone = true;
+    bool ejectWhenFailed = true;
+};
+
+/// Starts at once. status() and abort() may be called from any thread.
+class BurnRun {
+  public:
+    BurnRun(engine::DriveRef drive, BurnPlan plan);
+    BurnRun(const BurnRun&) = delete;
+    BurnRun& operator=(const BurnRun&) = delete;
+    /// Ends a running burn and waits until the medium is consistent.
+    ~BurnRun();
+
+    /// Done and Failed are told only when the medium has been ejected, if it is to be: who sees them may use
+    /// the drive.
+    engine::BurnStatus status() const;
+    void abort();
+    /// Returns when status() is final.
+    void wait();
+
+  private:
+    void finish();
+
+    engine::BurnJob job_;
+    std::optional<engine::Error> refused_; // set before the thread starts, when the job would not
+    bool ejectWhenDone_;
+    bool ejectWhenFailed_;
+    std::atomic<bool> settled_ = false;
+    std::thread finisher_;
+};
+
+} // namespace discrecording

@@ -1,0 +1,22 @@
+// DRDevicePrivate: the engine's drive behind a DRDevice.
+#ifndef DISCRECORDING_DRDEVICEPRIVATE_H
+#define DISCRECORDING_DRDEVICEPRIVATE_H
+
+#import "DRDevice.h"
+
+#include "Drive.hpp"
+
+@interface DRDevice (Private)
+- (const engine::DriveRef&)drive;
+@end
+
+/// The value of DRDeviceMediaTypeKey for a kind of medium.
+NSString* DRMediaTypeOfKind(engine::MediumKind kind);
+
+/// As DRMSF counts: what is beyond 2^32-1 blocks is cut off there.
+DRMSF* DRMSFOfBlocks(uint64_t blocks);
+
+/// The name of the medium under /dev, or what stands for it on a virtual drive.
+NSString* DRBSDNameOfDrive(const engine::Drive& drive);
+
+#endif

@@ -1,0 +1,150 @@
+// DRFolder: a folder of a disc's content.
+#import "DRFolder.h"
+#import "DRFSObjectPrivate.h"
+#import "DRFile.h"
+#include "Elements.hpp"
+#include "PathStrings.hpp"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <vector>
+
+#include <dirent.h>
+#include <sys/stat.h>
+
+namespace {
+
+struct Entry {
+    std::string name;
+    bool isFolder;
+};
+
+// What a folder holds, in the order of the names' bytes so that equal folders make equal discs. The system's
+// error number when it can't be read.
+int listFolder(const std::string& path, std::vector<Entry>& entries) {
+    DIR* folder = ::opendir(path.c_str());
+    if (folder == nullptr)
+        return errno;
+    for (;;) {
+        errno = 0;
+        const dirent* entry = ::readdir(folder);
+        if (entry == nullptr)
+            break;
+        const std::string_view name = entry->d_name;
+        if (name == "." || name == "..")
+            continue;
+        struct stat status {};
+        const std::string whole = path + "/" + entry->d_name;
+        const bool isFolder = ::lstat(whole.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+        entries.push_back({std::string(name), isFolder});
+    }
+    const int error = errno;
+    ::closedir(folder);
+    std::sort(entries.begin(), entries.end(), [](const Entry& a, const Entry& b) { return a.name < b.name; });
+    return error;
+}
+
+} // namespace
+
+@implementation DRFolder
+
++ (DRFolder*)folderWithPath:(NSString*)path {
+    return [[[self alloc] initWithPath:path] autorelease];
+}
+
+- (id)initWithPath:(NSString*)path {
+    return [self initWithSourcePath:path];
+}
+
++ (DRFolder*)virtualFolderWithName:(NSString*)name {
+    return [[static_cast<DRFolder*>([self alloc]) initWithName:name] autorelease];
+}
+
+- (id)initWithName:(NSString*)name {
+    self = [self initWithBaseName:name];
+    if (self != nil)
+        _children = [[NSMutableArray alloc] init];
+    return self;
+}
+
+- (void)dealloc {
+    // Children may live on: they must not point at a folder that is gone.
+    for (DRFSObject* child : discrecording::Elements<DRFSObject*>(_children)) {
+        [child setParent:nil];
+    }
+    [_children release];
+    [super dealloc];
+}
+
+- (void)makeVirtual {
+    if ([self isVirtual])
+        return;
+    std::vector<Entry> entries;
+    const std::string path = pathnames::bytesOf([self sourcePath]);
+    const int error = listFolder(path, entries);
+    if (error != 0) {
+        NSString* reason = [NSString
+            stringWithFormat:@"The folder \"%@\" can't be made virtual, because it can't be read: %s.",
+                             [self sourcePath], std::strerror(error)];
+        [NSException raise:NSInternalInconsistencyException format:@"%@", reason];
+    }
+    _children = [[NSMutableArray alloc] initWithCapacity:entries.size()];
+    for (const Entry& entry : entries) {
+        NSString* whole = pathnames::textOf(path + "/" + entry.name);
+        DRFSObject* child =
+            entry.isFolder ? [[DRFolder alloc] initWithPath:whole] : [[DRFile alloc] initWithPath:whole];
+        [child setParent:self];
+        [_children addObject:child];
+        [child release];
+    }
+    [self forgetSource];
+}
+
+- (void)requireVirtualFor:(NSString*)action {
+    if ([self isVirtual])
+        return;
+    [NSException
+         raise:NSInternalInconsistencyException
+        format:@"The folder \"%@\" is a real folder, so it can't %@ children; send it makeVirtual first.",
+               [self baseName], action];
+}
+
+- (void)addChild:(DRFSObject*)child {
+    [self requireVirtualFor:@"be given"];
+    if (child == nil || [child parent] == self)
+        return;
+    if (![child isKindOfClass:[DRFSObject class]]) {
+        [NSException raise:NSInvalidArgumentException
+                    format:@"The folder \"%@\" can hold files and folders only, not a %@.", [self baseName],
+                           [child class]];
+    }
+    for (DRFSObject* above = self; above != nil; above = [above parent]) {
+        if (above != child)
+            continue;
+        [NSException raise:NSInvalidArgumentException
+                    format:@"The folder \"%@\" can't be put into itself or into a folder inside it.",
+                           [child baseName]];
+    }
+    [_children addObject:child]; // before it leaves its old parent, which may hold its last reference
+    [[child parent] removeChild:child];
+    [child setParent:self];
+}
+
+- (void)removeChild:(DRFSObject*)child {
+    [self requireVirtualFor:@"lose"];
+    if (child == nil || [child parent] != self)
+        return;
+    [child setParent:nil];
+    [_children removeObjectIdenticalTo:child];
+}
+
+- (NSArray*)children {
+    return _children == nil ? nil : [NSArray arrayWithArray:_children];
+}
+
+- (uint32_t)count {
+    return static_cast<uint32_t>([_children count]);
+}
+
+@end

@@ -1,0 +1,25 @@
+// LayoutReader: turns tracks, folders and properties into what the engine burns.
+#pragma once
+
+#import "DRTrack.h"
+
+#include "BurnJob.hpp"
+
+namespace discrecording {
+
+/// The sessions of a layout, each an NSArray of DRTrack objects. A layout is a DRTrack, an array of them (one
+/// session), or an array of such arrays. Anything else, and an empty array, raises
+/// NSInvalidArgumentException.
+NSArray* sessionsOfLayout(id layout);
+
+/// What a track of a root folder burns. Errors: BadLayout, FileLocationConflict, FunctionNotSupported, and
+/// those of properties that can't be honoured.
+engine::Result<engine::DataTrack> dataTrackOf(DRTrack* track);
+
+/// The engine's layout for sessionsOfLayout()'s answer. TrackReused when a track comes twice.
+engine::Result<engine::Layout> layoutOfSessions(NSArray* sessions);
+
+/// The lowest DRMaxBurnSpeedKey of the tracks in KB/s; the engine's maximum when none has one.
+double speedLimitOfSessions(NSArray* sessions);
+
+} // namespace discrecording

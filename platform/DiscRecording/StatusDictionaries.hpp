@@ -1,0 +1,16 @@
+// StatusDictionaries: a job of the engine as the dictionary that programs read.
+#pragma once
+
+#import <Foundation/Foundation.h>
+
+#include "BurnJob.hpp"
+
+namespace discrecording {
+
+/// Autoreleased; with every key that holds for the state.
+NSDictionary* statusDictionary(const engine::BurnStatus& status);
+
+/// The value of DRErrorStatusKey.
+NSDictionary* errorDictionary(const engine::Error& error);
+
+} // namespace discrecording

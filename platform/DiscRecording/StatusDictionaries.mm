@@ -1,0 +1,77 @@
+// StatusDictionaries: a job of the engine as the dictionary that programs read.
+#include "StatusDictionaries.hpp"
+
+#import "DRStatusConstants.h"
+#include "PathStrings.hpp"
+
+namespace discrecording {
+namespace {
+
+NSString* stateText(engine::BurnState state) {
+    switch (state) {
+    case engine::BurnState::None:
+        return DRStatusStateNone;
+    case engine::BurnState::Preparing:
+        return DRStatusStatePreparing;
+    case engine::BurnState::SessionOpen:
+        return DRStatusStateSessionOpen;
+    case engine::BurnState::TrackOpen:
+        return DRStatusStateTrackOpen;
+    case engine::BurnState::TrackWrite:
+        return DRStatusStateTrackWrite;
+    case engine::BurnState::TrackClose:
+        return DRStatusStateTrackClose;
+    case engine::BurnState::SessionClose:
+        return DRStatusStateSessionClose;
+    case engine::BurnState::Finishing:
+        return DRStatusStateFinishing;
+    case engine::BurnState::Verifying:
+        return DRStatusStateVerifying;
+    case engine::BurnState::Done:
+        return DRStatusStateDone;
+    case engine::BurnState::Failed:
+        return DRStatusStateFailed;
+    }
+    return DRStatusStateNone;
+}
+
+NSNumber* real(double value) { return [NSNumber numberWithFloat:static_cast<float>(value)]; }
+NSNumber* count(uint32_t value) { return [NSNumber numberWithUnsignedInt:value]; }
+
+} // namespace
+
+NSDictionary* errorDictionary(const engine::Error& error) {
+    NSMutableDictionary* told = [NSMutableDictionary dictionary];
+    // An OSStatus is signed.
+    [told setObject:[NSNumber numberWithInt:static_cast<int32_t>(error.code)] forKey:DRErrorStatusErrorKey];
+    [told setObject:pathnames::textOf(error.message) forKey:DRErrorStatusErrorStringKey];
+    if (!error.info.empty()) {
+        [told setObject:pathnames::textOf(error.info) forKey:DRErrorStatusErrorInfoStringKey];
+    }
+    return [NSDictionary dictionaryWithDictionary:told];
+}
+
+NSDictionary* statusDictionary(const engine::BurnStatus& status) {
+    NSMutableDictionary* told = [NSMutableDictionary dictionary];
+    [told setObject:stateText(status.state) forKey:DRStatusStateKey];
+    [told setObject:real(status.percent) forKey:DRStatusPercentCompleteKey];
+    [told setObject:count(status.currentSession) forKey:DRStatusCurrentSessionKey];
+    [told setObject:count(status.currentTrack) forKey:DRStatusCurrentTrackKey];
+    [told setObject:count(status.totalSessions) forKey:DRStatusTotalSessionsKey];
+    [told setObject:count(status.totalTracks) forKey:DRStatusTotalTracksKey];
+    [told setObject:real(status.speed) forKey:DRStatusCurrentSpeedKey];
+    if (status.speed > 0) {
+        [told setObject:[NSDictionary dictionaryWithObjectsAndKeys:real(status.speed),
+                                                                   DRStatusProgressCurrentKPS,
+                                                                   real(status.xFactor),
+                                                                   DRStatusProgressCurrentXFactor, nil]
+                 forKey:DRStatusProgressInfoKey];
+    }
+    if (status.state == engine::BurnState::Failed) {
+        const engine::Error unknown = engine::makeError(engine::ErrorCode::Internal);
+        [told setObject:errorDictionary(status.error.value_or(unknown)) forKey:DRErrorStatusKey];
+    }
+    return [NSDictionary dictionaryWithDictionary:told];
+}
+
+} // namespace discrecording
