@@ -31,7 +31,8 @@ void GuardedMessage(benchmark::State& state) {
     const Id object = receiver();
     for (auto _ : state) {
         unsigned int result = 0;
-        if (objc::caughtIn([&] { result = objc::send<"seven", unsigned int>(object); })) state.SkipWithError("raised");
+        if (objc::caughtIn([&] { result = objc::send<"seven", unsigned int>(object); }))
+            state.SkipWithError("raised");
         benchmark::DoNotOptimize(result);
     }
 }
