@@ -1,5 +1,6 @@
 // CFString: CoreFoundation's strings, which are Foundation's.
 #import "CoreServices.h"
+#import "UnitStrings.h"
 #import <Foundation/Foundation.h>
 
 #include <string.h>
@@ -44,7 +45,7 @@ CFStringRef CFStringCreateWithCharacters(CFAllocatorRef allocator, const UniChar
     (void)allocator;
     if (count < 0 || (characters == NULL && count > 0))
         return NULL;
-    return (CFStringRef)[[NSString alloc] initWithCharacters:characters length:(NSUInteger)count];
+    return (CFStringRef)NewStringOfUnits(characters, (NSUInteger)count);
 }
 
 CFStringRef CFStringCreateWithCString(CFAllocatorRef allocator, const char* text, CFStringEncoding encoding) {
@@ -82,10 +83,10 @@ CFStringRef CFStringCreateWithBytes(CFAllocatorRef allocator, const UInt8* bytes
     @try {
         text = [[NSString alloc] initWithBytes:bytes length:(NSUInteger)count encoding:foundation];
         if (marked && text != nil) {
-            const unichar mark = 0xFEFF;
-            NSString* rest = text;
-            text = [[[NSString stringWithCharacters:&mark length:1] stringByAppendingString:rest] retain];
-            [rest release];
+            NSMutableString* whole = [[NSMutableString alloc] initWithFormat:@"%C", (unichar)0xFEFF];
+            [whole appendString:text];
+            [text release];
+            text = whole;
         }
     } @catch (NSException* refused) {
         return NULL;
@@ -97,7 +98,12 @@ CFMutableStringRef CFStringCreateMutableCopy(CFAllocatorRef allocator, CFIndex m
                                              CFStringRef string) {
     (void)allocator;
     (void)maximumLength;
-    return (CFMutableStringRef)[(NSString*)string mutableCopy];
+    if (string == NULL)
+        return NULL;
+    // Foundation's mutableCopy loses a text with a surrogate that has no partner.
+    NSMutableString* copy = [[NSMutableString alloc] init];
+    [copy setString:(NSString*)string];
+    return (CFMutableStringRef)copy;
 }
 
 // Foundation's normaliser loses a text with a surrogate that has no partner.

@@ -4,6 +4,7 @@
 #import <Foundation/Foundation.h>
 
 #include "PathNames.hpp"
+#import "UnitStrings.h"
 
 namespace pathnames {
 
@@ -18,7 +19,7 @@ inline std::string bytesOf(NSString* text) {
 /// Autoreleased.
 inline NSString* textOf(std::string_view bytes) {
     const std::u16string units = decode(bytes);
-    return [NSString stringWithCharacters:reinterpret_cast<const unichar*>(units.data()) length:units.size()];
+    return [NewStringOfUnits(reinterpret_cast<const unichar*>(units.data()), units.size()) autorelease];
 }
 
 } // namespace pathnames
