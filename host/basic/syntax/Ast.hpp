@@ -326,7 +326,6 @@ struct Parameter {
     bool byRef = false;
     bool optional = false;
     bool assigns = false;
-    bool rest = false; // ParamArray
 };
 
 enum class Access : uint8_t { everyone, family, classOnly };

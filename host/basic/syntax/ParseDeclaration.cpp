@@ -54,9 +54,6 @@ Parameter Parser::parameter() {
         } else if (at("assigns") && ahead().kind == TokenKind::name && !ahead().is("as")) {
             take();
             made.assigns = true;
-        } else if (at("paramarray") && ahead().kind == TokenKind::name && !ahead().is("as")) {
-            take();
-            made.rest = true;
         } else
             break;
     }

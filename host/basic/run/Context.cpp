@@ -1,0 +1,55 @@
+// Threads that run BASIC: stack limits, turns, and stopping.
+#include "Context.hpp"
+
+#include "host/runtime/Lock.hpp"
+
+#include <algorithm>
+#include <pthread.h>
+
+namespace host::basic {
+
+namespace {
+
+// Raising, unwinding and what a plug-in does below the last BASIC call need room.
+constexpr size_t kReserve = size_t{384} << 10;
+constexpr double kCleanUpSeconds = 5;
+
+const char* stackLimitOfThisThread() {
+    pthread_attr_t attributes;
+    if (::pthread_getattr_np(::pthread_self(), &attributes) != 0) return nullptr;
+    void* lowest = nullptr;
+    size_t size = 0;
+    ::pthread_attr_getstack(&attributes, &lowest, &size);
+    ::pthread_attr_destroy(&attributes);
+    // A stack without a limit is still used up to a sensible size only.
+    const auto* top = static_cast<const char*>(lowest) + size;
+    const size_t used = std::min<size_t>(size, size_t{64} << 20);
+    return top - used + std::min(kReserve, used / 2);
+}
+
+} // namespace
+
+Context::Context() : stackLimit_(stackLimitOfThisThread()) {}
+
+Context& Context::ofThisThread() {
+    thread_local Context context;
+    return context;
+}
+
+void Context::pollNow() {
+    giveWay();
+    if (stop::requested() && (!leaving || stop::secondsSinceRequest() > kCleanUpSeconds)) {
+        leaving = true;
+        throw Stopped{};
+    }
+    if (!leaving) throwStrayException();
+}
+
+void Context::overflow() { raise("StackOverflowException", "the program calls itself too deeply"); }
+
+void Context::noteRaised(const Exception& exception) {
+    if (raised_.object() == exception.object().object() && raised_.object()) return;
+    keepRaised(exception.object(), place);
+}
+
+} // namespace host::basic

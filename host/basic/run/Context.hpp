@@ -1,0 +1,53 @@
+// What a thread that runs BASIC keeps: where it is, how much stack is left, what is being handled.
+#pragma once
+
+#include "Stop.hpp"
+#include "host/basic/syntax/Source.hpp"
+#include "host/runtime/Exceptions.hpp"
+
+#include <vector>
+
+namespace host::basic {
+
+class Context {
+  public:
+    static Context& ofThisThread();
+
+    Place place; // of the statement or call that runs
+
+    /// At every statement: lets other threads have their turn, and leaves when a stop is requested.
+    void poll() {
+        if ((++ticks_ & 31u) == 0 || stop::requested()) pollNow();
+    }
+    void pollNow();
+
+    /// Raises StackOverflowException when a call would come too near to the end of the thread's stack.
+    void checkStack() const {
+        if (static_cast<const char*>(__builtin_frame_address(0)) < stackLimit_) overflow();
+    }
+
+    /// Remembers where an exception was first seen on its way out; later calls for the same one change nothing.
+    void noteRaised(const Exception& exception);
+    void forgetRaised() { raised_ = Value(); }
+    Place raisedPlace() const { return raisedPlace_; }
+    void keepRaised(const Value& exception, Place place) {
+        raised_ = exception;
+        raisedPlace_ = place;
+    }
+
+    std::vector<std::pair<Value, Place>> handling; // exceptions of the Catch blocks that run, innermost last
+
+    /// Set while a stop is on its way out: statements of Finally blocks and destructors run in spite of it.
+    bool leaving = false;
+
+  private:
+    Context();
+    [[noreturn]] static void overflow();
+
+    uint32_t ticks_ = 0;
+    const char* stackLimit_;
+    Value raised_;
+    Place raisedPlace_;
+};
+
+} // namespace host::basic
