@@ -68,7 +68,7 @@ struct ClassSpec {
     // A Property without body is stored. An Event with a body implements that event; without, it declares a
     // new one.
     std::vector<MemberSpec> members;
-    // Runs first when the last reference goes; what it throws is reported and dropped. May be empty.
+    // Runs first when the last reference goes; what it throws becomes a stray exception. May be empty.
     std::function<void(REALobject self)> destructor;
     // Runs in every new object of the class, after the superclasses' and before a declared constructor. May
     // be empty.
@@ -111,6 +111,8 @@ class Class {
     const std::function<void(REALobject)>& initializer() const { return initializer_; }
     const std::function<void(REALobject)>& destructor() const { return destructor_; }
     uintptr_t dataSize() const { return dataSize_; }
+    void (*nativeConstructor() const)(REALobject) { return nativeConstructor_; }
+    void (*nativeDestructor() const)(REALobject) { return nativeDestructor_; }
     const std::vector<std::unique_ptr<Member>>& handlers() const { return handlers_; }
 
   private:
@@ -120,6 +122,8 @@ class Class {
     const REALclassDefinition* definition_ = nullptr;
     bool isBasic_ = false;
     uintptr_t dataSize_ = 0;
+    void (*nativeConstructor_)(REALobject) = nullptr;
+    void (*nativeDestructor_)(REALobject) = nullptr;
     std::vector<std::unique_ptr<Member>> members_;
     std::vector<std::unique_ptr<Member>> handlers_; // name, parameters and body
     std::function<void(REALobject)> initializer_, destructor_;

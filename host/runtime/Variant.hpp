@@ -9,6 +9,8 @@
 #include "host/runtime/Value.hpp"
 
 #include <cstdint>
+#include <optional>
+#include <string_view>
 
 namespace host {
 
@@ -21,5 +23,8 @@ int32_t variantType(REALvariant variant);
 REALvariant boxVariant(const Value& value);
 // The value in the box; an object that is no box is the value itself. Borrows.
 Value unboxVariant(REALvariant variant);
+
+// The properties named above, of any value; nothing when the name is none of them.
+std::optional<Value> variantProperty(const Value& value, std::string_view name);
 
 } // namespace host

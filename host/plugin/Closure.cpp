@@ -1,0 +1,136 @@
+// Closure.cpp: C functions made at run time with libffi.
+#include "host/plugin/Closure.hpp"
+
+#include "host/plugin/Marshal.hpp"
+#include "host/runtime/Invoke.hpp"
+#include "host/runtime/Lock.hpp"
+#include "host/runtime/Pending.hpp"
+#include "host/services/Platform.hpp"
+
+#include <cstring>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <utility>
+
+namespace host {
+namespace {
+
+struct Closure {
+    const Member* member = nullptr;
+    Declaration declaration; // of the event, which may name its parameters otherwise than the handler does
+    std::vector<ffi_type*> types;
+    ffi_cif cif{};
+    ffi_closure* closure = nullptr;
+    void* code = nullptr;
+
+    bool hasObject() const { return member->owner && !member->shared; }
+};
+
+// A thread of the platform's that enters BASIC: known to the platform, and with a pool of its own. A thread
+// that a program runs on has both already.
+class ThreadEntry {
+  public:
+    ThreadEntry() {
+        if (holdsLock() || isInForeignCall()) return;
+        registerThread();
+        pool_.emplace();
+    }
+
+  private:
+    std::optional<Pool> pool_;
+};
+
+Value readArgument(const Parameter& parameter, void* address) {
+    Slot slot{};
+    const Slot* from = static_cast<Slot*>(address);
+    if (parameter.byRef) {
+        from = *static_cast<Slot**>(address);
+        if (!from) return Value::defaultFor(parameter.type);
+    }
+    std::memcpy(&slot, from, parameter.type.isReference() ? sizeof(void*) : sizeOf(parameter.type.kind));
+    return peekSlot(parameter.type, slot);
+}
+
+void writeArgument(const Parameter& parameter, void* address, const Value& value) {
+    void* to = *static_cast<void**>(address);
+    if (!to) return;
+    const Value fitting = convert(value, parameter.type, "ByRef parameter " + parameter.name);
+    const std::size_t size = parameter.type.isReference() ? sizeof(void*) : sizeOf(parameter.type.kind);
+    Slot before{}, after{};
+    std::memcpy(&before, to, size);
+    storeSlot(fitting, parameter.type, after);
+    std::memcpy(to, &after, size);
+    dropSlot(parameter.type, before);
+}
+
+void callBody(const Closure& closure, void* result, void** addresses) {
+    const auto& parameters = closure.declaration.parameters;
+    REALobject self = closure.hasObject() ? *static_cast<REALobject*>(*addresses++) : nullptr;
+    const Ref alive = Ref::borrow(self);
+    std::vector<Value> arguments;
+    for (std::size_t i = 0; i < parameters.size(); ++i)
+        arguments.push_back(readArgument(parameters[i], addresses[i]));
+    const Value value = closure.member->body(self, arguments);
+    for (std::size_t i = 0; i < parameters.size(); ++i)
+        if (parameters[i].byRef) writeArgument(parameters[i], addresses[i], arguments[i]);
+    const Type& type = closure.declaration.result;
+    if (type.kind != Kind::None)
+        storeResult(convert(value, type, "the result of " + closure.declaration.name), type, result);
+}
+
+void enter(ffi_cif*, void* result, void** addresses, void* user) {
+    const auto& closure = *static_cast<Closure*>(user);
+    zeroResult(closure.declaration.result, result);
+    std::exception_ptr thrown;
+    {
+        const ThreadEntry entry;
+        const Locked lock;
+        const PendingAside aside;
+        try {
+            callBody(closure, result, addresses);
+        } catch (...) {
+            thrown = std::current_exception();
+            zeroResult(closure.declaration.result, result);
+        }
+    }
+    if (thrown) keepForLater(std::move(thrown));
+}
+
+bool prepare(Closure& made) {
+    if (made.hasObject()) made.types.push_back(&ffi_type_pointer);
+    for (const auto& parameter : made.declaration.parameters)
+        made.types.push_back(foreignType(parameter.type, parameter.byRef));
+    const auto count = static_cast<unsigned>(made.types.size());
+    ffi_type* resultType = foreignType(made.declaration.result);
+    if (ffi_prep_cif(&made.cif, FFI_DEFAULT_ABI, count, resultType, made.types.data()) != FFI_OK)
+        return false;
+    made.closure = static_cast<ffi_closure*>(ffi_closure_alloc(sizeof(ffi_closure), &made.code));
+    return made.closure && ffi_prep_closure_loc(made.closure, &made.cif, enter, &made, made.code) == FFI_OK;
+}
+
+std::mutex mutex;
+
+auto& closures() {
+    static auto& known = *new std::map<std::pair<const Member*, std::string>, std::unique_ptr<Closure>>;
+    return known;
+}
+
+} // namespace
+
+REALproc closureFor(const Member& member, const Declaration& declaration) {
+    std::lock_guard guard(mutex);
+    auto& entry = closures()[{&member, declaration.text()}];
+    if (!entry) {
+        entry = std::make_unique<Closure>();
+        entry->member = &member;
+        entry->declaration = declaration;
+        if (!prepare(*entry)) {
+            entry.reset();
+            return nullptr;
+        }
+    }
+    return reinterpret_cast<REALproc>(entry->code);
+}
+
+} // namespace host

@@ -1,0 +1,106 @@
+// Platform.cpp: the platform reached through its runtime's C functions, looked up by name.
+#include "host/services/Platform.hpp"
+
+#include "host/runtime/Lock.hpp"
+#include "host/runtime/String.hpp"
+
+#include <chrono>
+#include <dlfcn.h>
+#include <thread>
+#include <vector>
+
+namespace host {
+namespace {
+
+using Id = void*;
+
+// Each looked up until it is found: the platform comes with the first plug-in that needs it.
+template <class Function>
+Function* symbol(const char* name) {
+    return reinterpret_cast<Function*>(dlsym(RTLD_DEFAULT, name));
+}
+
+Id classNamed(const char* name) {
+    static auto* lookUp = symbol<Id(const char*)>("objc_getClass");
+    if (!lookUp) lookUp = symbol<Id(const char*)>("objc_getClass");
+    return lookUp ? lookUp(name) : nullptr;
+}
+
+// Sends a message. The runtimes differ in how: one looks the method up, the other sends. Called with a class
+// or object in hand, so the runtime is there.
+template <class Result, class... Arguments>
+Result send(Id receiver, const char* selectorName, Arguments... arguments) {
+    if (!receiver) return Result();
+    using Method = Result(Id, void*, Arguments...);
+    static auto* const selector = symbol<void*(const char*)>("sel_registerName");
+    static auto* const lookUp = symbol<void*(Id, void*)>("objc_msg_lookup");
+    static auto* const message = symbol<Method>("objc_msgSend");
+    if (!selector || (!lookUp && !message)) return Result();
+    void* name = selector(selectorName);
+    Method* method = lookUp ? reinterpret_cast<Method*>(lookUp(receiver, name)) : message;
+    return method(receiver, name, arguments...);
+}
+
+using CreateWithBytes = CFStringRef(const void*, const uint8_t*, long, uint32_t, uint8_t);
+using CreateWithCharacters = CFStringRef(const void*, const uint16_t*, long);
+
+CFStringRef fromUTF16(std::string_view bytes) {
+    auto* create = symbol<CreateWithCharacters>("CFStringCreateWithCharacters");
+    if (!create) return nullptr;
+    std::vector<uint16_t> units(bytes.size() / 2);
+    bytes.copy(reinterpret_cast<char*>(units.data()), units.size() * 2); // an odd last byte is no unit
+    return create(nullptr, units.data(), static_cast<long>(units.size()));
+}
+
+CFStringRef fromBytes(std::string_view bytes, uint32_t encoding) {
+    auto* create = symbol<CreateWithBytes>("CFStringCreateWithBytes");
+    if (!create) return nullptr;
+    return create(nullptr, reinterpret_cast<const uint8_t*>(bytes.data()), static_cast<long>(bytes.size()),
+                  encoding, 0);
+}
+
+} // namespace
+
+bool hasPlatform() { return classNamed("NSAutoreleasePool") != nullptr; }
+
+Pool::Pool() : pool_(send<Id>(send<Id>(classNamed("NSAutoreleasePool"), "alloc"), "init")) {}
+
+Pool::~Pool() { send<void>(pool_, "release"); }
+
+void registerThread() {
+    // Told to the platform once for each thread, and taken back when the thread ends.
+    struct Registration {
+        bool isDone = false;
+        ~Registration() {
+            if (auto* forget = symbol<void()>("GSUnregisterCurrentThread"); isDone && forget) forget();
+        }
+    };
+    thread_local Registration registration;
+    if (registration.isDone) return;
+    if (auto* make = symbol<uint8_t()>("GSRegisterCurrentThread")) registration.isDone = make() != 0;
+}
+
+void runLoop(double seconds) {
+    const Pool pool;
+    const Unlocked unlocked;
+    const Id date = send<Id>(classNamed("NSDate"), "dateWithTimeIntervalSinceNow:", seconds);
+    const Id loop = send<Id>(classNamed("NSRunLoop"), "currentRunLoop");
+    const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
+    if (date && loop) send<void>(loop, "runUntilDate:", date);
+    // A run loop without sources returns at once.
+    std::this_thread::sleep_until(end);
+}
+
+CFStringRef newPlatformString(REALstring string) {
+    if (!string) return nullptr;
+    auto encoding = encodingOf(string);
+    if (encoding == kREALEncodingUTF16) return fromUTF16(bytesOf(string));
+    if (encoding == kREALEncodingUnknown)
+        encoding = isValidUTF8(bytesOf(string)) ? kREALEncodingUTF8 : kREALEncodingDefault;
+    if (CFStringRef made = fromBytes(bytesOf(string), encoding)) return made;
+    // An encoding that the platform does not have, or damaged text: by way of what this host can read.
+    const auto converted = String::adopt(convertString(string, kREALEncodingUTF16));
+    return converted.get() ? fromUTF16(converted.bytes()) : nullptr;
+}
+
+} // namespace host
