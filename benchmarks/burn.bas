@@ -1,0 +1,42 @@
+' Burns a folder as fast as it goes, for the benchmarks.
+'
+'   disc-basic burn.bas FOLDER plain|verify|abort
+'
+' "abort" stops the burn after a third of it and prints how many milliseconds passed until the drive was idle.
+
+Dim drive As DRDeviceQRX = DRDeviceQRX.device(0)
+Dim burn As New DRBurnQRX(drive)
+Dim how As String = App.Arguments(1)
+burn.verifyDisc = how = "verify"
+burn.completionAction = DRBurnQRX.DRBurnCompletionActionMount
+burn.Overwrite = True
+
+Dim root As DRFolderQRX = DRFolderQRX.folderWithPath(App.Arguments(0))
+root.baseName = "BENCHMARK"
+burn.writeLayout(DRTrackQRX.trackForRootFolder(root))
+
+Dim state As String
+Dim stopped As Double
+Do
+    App.DoEvents(1)
+    Dim status As Dictionary = burn.status
+    state = status.Value(DRBurnQRX.DRStatusStateKey)
+    If how = "abort" And stopped = 0 And state = DRBurnQRX.DRStatusStateTrackWrite Then
+        If status.Value(DRBurnQRX.DRStatusPercentCompleteKey).DoubleValue > 0.33 Then
+            stopped = Microseconds
+            burn.abort
+        End If
+    End If
+Loop Until state = DRBurnQRX.DRStatusStateDone Or state = DRBurnQRX.DRStatusStateFailed
+
+If stopped > 0 Then
+    While drive.mediaIsBusy
+    Wend
+    Print Format((Microseconds - stopped) / 1000, "0.0")
+    Quit(0)
+End If
+If state = DRBurnQRX.DRStatusStateFailed Then
+    Dim problem As Dictionary = burn.status.Value(DRBurnQRX.DRErrorStatusKey)
+    StdErr.WriteLine(problem.Value(DRBurnQRX.DRErrorStatusErrorStringKey))
+    Quit(1)
+End If
