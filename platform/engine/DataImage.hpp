@@ -1,0 +1,48 @@
+// The file-system image of a data track: planned exactly before anything is written, then given as bytes.
+#pragma once
+
+#include "Layout.hpp"
+#include "Signal.hpp"
+#include "SourceList.hpp"
+
+#include <cstdint>
+#include <memory>
+#include <span>
+
+namespace engine {
+
+/// libisofs lays out the tree and writes the descriptors, path tables and directories, which stand in front.
+/// The contents follow in the order of the source list; they are read here in large pieces, because libisofs
+/// hands data over in 2 KiB pieces and hides short files behind zeros.
+class DataImage {
+  public:
+    /// Reads the tree and lays it out. `track` must outlive the image. Throws the errors of ImageTree.hpp,
+    /// BadLayout, UserCanceled.
+    static std::shared_ptr<DataImage> plan(const DataTrack& track, const Signal& signal);
+    DataImage(const DataImage&) = delete;
+    DataImage& operator=(const DataImage&) = delete;
+    ~DataImage();
+
+    /// Exact length of the image.
+    uint64_t blocks() const noexcept { return blocks_; }
+
+    /// Fills `buffer` (a multiple of the block size) with what comes next; less than the whole only at the
+    /// end of the image. Throws FileModifiedDuringBurn, DataProduction, Internal.
+    size_t read(std::span<std::byte> buffer);
+
+    /// At the end: that the folders are still as they were read. Throws FileModifiedDuringBurn.
+    void checkSources() const { reader_.checkFolders(); }
+
+  private:
+    struct Generator;
+    DataImage();
+
+    std::unique_ptr<Generator> generator_; ///< libisofs's side; gone when all it has to say is read
+    SourceList sources_;
+    SourceReader reader_{sources_};
+    uint64_t blocks_ = 0;
+    uint64_t headBlocks_ = 0; ///< everything in front of the contents
+    uint64_t position_ = 0;   ///< bytes given so far
+};
+
+} // namespace engine

@@ -1,0 +1,35 @@
+// What every drive has in common.
+#include "Drive.hpp"
+
+#include <algorithm>
+
+namespace engine {
+
+bool DriveCapabilities::canWrite(MediumKind kind) const noexcept {
+    return std::find(writes.begin(), writes.end(), kind) != writes.end();
+}
+
+bool DriveCapabilities::canWriteAny(MediumClass mediumClass) const noexcept {
+    return std::any_of(writes.begin(), writes.end(),
+                       [&](MediumKind kind) { return factsOf(kind).mediumClass == mediumClass; });
+}
+
+uint32_t MediumInfo::trackCount() const noexcept {
+    size_t count = 0;
+    for (const SessionInfo& session : sessions)
+        count += session.tracks.size();
+    return static_cast<uint32_t>(count);
+}
+
+std::string Drive::displayName() const {
+    const DriveIdentity& who = identity();
+    if (who.vendor.empty() || who.product.empty()) return who.vendor + who.product;
+    return who.vendor + ' ' + who.product;
+}
+
+std::optional<MediumInfo> Drive::mediumInfo() const {
+    auto medium = readMedium();
+    return medium ? *std::move(medium) : std::nullopt;
+}
+
+} // namespace engine

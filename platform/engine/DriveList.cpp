@@ -1,0 +1,96 @@
+// Which drives there are.
+#include "Failure.hpp"
+#include "Files.hpp"
+#include "VirtualDrive.hpp"
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <map>
+#include <mutex>
+#include <unistd.h>
+
+namespace engine {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string environment(const char* name) {
+    const char* value = std::getenv(name);
+    return value != nullptr ? value : "";
+}
+
+fs::path drivesFolder() {
+    std::string folder = environment("DISC_DRIVES");
+    if (folder.empty()) {
+        std::string data = environment("XDG_DATA_HOME");
+        if (data.empty() || data.front() != '/') {
+            const std::string home = environment("HOME");
+            if (home.empty())
+                fail(ErrorCode::DeviceAccess, "Where are the drives? Neither DISC_DRIVES nor HOME is set; "
+                                              "set DISC_DRIVES to a folder.");
+            data = home + "/.local/share";
+        }
+        folder = data + "/disc-drives";
+    }
+    return fs::absolute(folder).lexically_normal();
+}
+
+std::vector<std::string> drivePaths(const fs::path& folder) {
+    std::vector<std::string> paths;
+    std::error_code problem;
+    for (const auto& entry : fs::directory_iterator(folder, problem)) {
+        std::error_code ignored;
+        const std::string name = entry.path().filename().string();
+        if (!name.starts_with('.') && fs::exists(entry.path() / names::drive, ignored))
+            paths.push_back(entry.path().string());
+    }
+    if (problem)
+        fail(ErrorCode::DeviceAccess,
+             "The folder " + inQuotes(folder.string()) + " for drives can't be read.", problem.message());
+    std::sort(paths.begin(), paths.end());
+    return paths;
+}
+
+struct Attached {
+    std::mutex mutex;
+    std::map<std::string, std::shared_ptr<VirtualDrive>> drives;
+};
+
+// Never destroyed: jobs may still use drives while the process exits.
+Attached& attached() {
+    static auto* instance = new Attached;
+    return *instance;
+}
+
+} // namespace
+
+Result<std::vector<DriveRef>> drives() {
+    return guarded([] {
+        const fs::path folder = drivesFolder();
+        makeFolders(folder.string());
+        std::vector<std::string> paths = drivePaths(folder);
+        std::error_code ignored;
+        if (paths.empty() && !fs::exists(folder / "none", ignored)) {
+            const auto made = makeVirtualDrive((folder / "drive-1").string(), {});
+            paths = drivePaths(folder); // not empty either when another process was faster
+            if (!made && paths.empty()) throw Failure(made.error());
+        }
+        Attached& all = attached();
+        const std::lock_guard lock(all.mutex);
+        std::erase_if(all.drives, [](const auto& each) { return !each.second->isValid(); });
+        std::vector<DriveRef> found;
+        for (const std::string& path : paths) {
+            auto known = all.drives.find(path);
+            if (known == all.drives.end()) {
+                const auto opened = guarded([&] { return VirtualDrive::open(path); });
+                if (!opened) continue;
+                known = all.drives.emplace(path, *opened).first;
+            }
+            found.push_back(known->second);
+        }
+        return found;
+    });
+}
+
+} // namespace engine

@@ -1,0 +1,148 @@
+// The file that holds a medium's bytes.
+#include "ImageFile.hpp"
+#include "Background.hpp"
+#include "Failure.hpp"
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/statvfs.h>
+#include <unistd.h>
+
+namespace engine {
+namespace {
+
+constexpr size_t pageBytes = 4096;
+constexpr uint64_t rhythmBytes = 8u << 20;
+
+Descriptor openImage(int folder, const std::string& name, int flags, bool& direct) {
+    Descriptor file(::openat(folder, name.c_str(), flags | O_CLOEXEC | O_NOFOLLOW | O_DIRECT, 0666));
+    direct = static_cast<bool>(file);
+    if (!file && errno == EINVAL)
+        file = Descriptor(::openat(folder, name.c_str(), flags | O_CLOEXEC | O_NOFOLLOW, 0666));
+    return file;
+}
+
+bool makeCached(int file) {
+    const int flags = ::fcntl(file, F_GETFL);
+    return flags >= 0 && (flags & O_DIRECT) != 0 && ::fcntl(file, F_SETFL, flags & ~O_DIRECT) == 0;
+}
+
+[[noreturn]] void writingFailed(int errorNumber) {
+    if (errorNumber == ENOSPC || errorNumber == EDQUOT || errorNumber == EFBIG)
+        fail(ErrorCode::MediaWriteFailure,
+             "The computer's disk has no room left for the disc; make room and burn again.",
+             systemText(errorNumber));
+    fail(ErrorCode::MediaWriteFailure, "The disc's file can't be written.", systemText(errorNumber));
+}
+
+} // namespace
+
+ImageFile::ImageFile(int folder, std::string name) : folder_(folder), name_(std::move(name)) {
+    file_ = std::make_shared<Descriptor>(openImage(folder, name_, O_RDWR | O_CREAT | O_TRUNC, direct_));
+    if (!*file_) writingFailed(errno);
+}
+
+ImageFile::~ImageFile() {
+    try {
+        runInBackground("disc-close", [file = std::move(file_)] {});
+    } catch (...) {
+        file_.reset();
+    }
+}
+
+void ImageFile::reserve(uint64_t bytes, const std::string& driveName) {
+    struct statvfs space {};
+    const bool known = ::fstatvfs(file_->get(), &space) == 0;
+    const uint64_t free = known ? uint64_t{space.f_bavail} * space.f_frsize : UINT64_MAX;
+    int problem = 0;
+    if (free < bytes) {
+        problem = ENOSPC;
+    } else if (bytes > 0 && ::fallocate(file_->get(), 0, 0, static_cast<off_t>(bytes)) != 0) {
+        problem = errno;
+    }
+    // Without fallocate the check of the free space has to do; writing reports the rest.
+    if (problem == 0 || problem == EOPNOTSUPP || problem == ENOSYS) return;
+    if (problem == EFBIG)
+        fail(ErrorCode::MediaWriteFailure,
+             "The disc in " + inQuotes(driveName) + " needs a file of " + megabytes(bytes) +
+                 ", which is larger than this program is allowed to write.",
+             systemText(problem));
+    fail(ErrorCode::MediaWriteFailure,
+         "The computer's disk has only " + megabytes(known ? free : 0) + " free for the disc in " +
+             inQuotes(driveName) + ", which needs " + megabytes(bytes) + "; make room and burn again.",
+         systemText(problem));
+}
+
+void ImageFile::append(std::span<std::byte> buffer) {
+    const size_t padded = (buffer.size() + pageBytes - 1) / pageBytes * pageBytes;
+    std::memset(buffer.data() + buffer.size(), 0, padded - buffer.size());
+    size_t done = 0;
+    while (done < padded) {
+        const ssize_t count =
+            ::pwrite(file_->get(), buffer.data() + done, padded - done, static_cast<off_t>(position_ + done));
+        if (count > 0) {
+            done += static_cast<size_t>(count);
+            if (direct_ && done % pageBytes != 0) direct_ = !makeCached(file_->get());
+            continue;
+        }
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0 && errno == EINVAL && direct_ && makeCached(file_->get())) {
+            direct_ = false; // a device with larger sectors
+            continue;
+        }
+        writingFailed(count < 0 ? errno : EIO);
+    }
+    position_ += padded;
+    length_ += buffer.size();
+    if (!direct_) writeOutBehind();
+}
+
+void ImageFile::writeOutBehind() {
+    if (position_ - startedTo_ < rhythmBytes) return;
+    const auto start = static_cast<off_t>(startedTo_), length = static_cast<off_t>(position_ - startedTo_);
+    ::sync_file_range(file_->get(), start, length, SYNC_FILE_RANGE_WRITE);
+    if (startedTo_ >= rhythmBytes) {
+        ::sync_file_range(file_->get(), 0, start, SYNC_FILE_RANGE_WAIT_BEFORE | SYNC_FILE_RANGE_WAIT_AFTER);
+        ::posix_fadvise(file_->get(), 0, start, POSIX_FADV_DONTNEED);
+    }
+    startedTo_ = position_;
+}
+
+void ImageFile::flush(const SignalRef& signal) {
+    const std::shared_ptr<Descriptor> folder =
+        std::make_shared<Descriptor>(::fcntl(folder_, F_DUPFD_CLOEXEC, 0));
+    runAbandonable(signal, "disc-sync", [file = file_, folder, length = length_] {
+        if (::ftruncate(file->get(), static_cast<off_t>(length)) != 0) writingFailed(errno);
+        if (::fsync(file->get()) != 0) writingFailed(errno);
+        syncFolder(folder->get());
+        ::posix_fadvise(file->get(), 0, 0, POSIX_FADV_DONTNEED);
+        return true;
+    });
+}
+
+void ImageFile::openForReading() {
+    bool direct = false;
+    reader_ = openImage(folder_, name_, O_RDONLY, direct);
+    if (!reader_) fail(ErrorCode::VerificationFailed, "The disc can't be read back.", systemText(errno));
+}
+
+size_t ImageFile::read(uint64_t offset, std::span<std::byte> buffer) {
+    size_t filled = 0;
+    while (filled < buffer.size()) {
+        const ssize_t count = ::pread(reader_.get(), buffer.data() + filled, buffer.size() - filled,
+                                      static_cast<off_t>(offset + filled));
+        if (count == 0) break;
+        if (count > 0) {
+            filled += static_cast<size_t>(count);
+            // Only the end of the file gives part of a page, and a direct read must not go on from there.
+            if (filled % pageBytes != 0) break;
+            continue;
+        }
+        if (errno == EINTR || (errno == EINVAL && makeCached(reader_.get()))) continue;
+        fail(ErrorCode::VerificationFailed, "The disc can't be read back.", systemText(errno));
+    }
+    return filled;
+}
+
+} // namespace engine

@@ -1,0 +1,370 @@
+// Turns the content of a track into libisofs's tree.
+#include "ImageTree.hpp"
+#include "ExtentStream.h"
+#include "Failure.hpp"
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <dirent.h>
+#include <fcntl.h>
+#include <map>
+#include <unistd.h>
+
+namespace engine {
+namespace {
+
+constexpr uint64_t largestFile = 400'000'000'000; // libisofs refuses more; a medium holds less
+
+IsoNode* asNode(IsoDir* folder) noexcept { return reinterpret_cast<IsoNode*>(folder); }
+IsoNode* asNode(IsoFile* file) noexcept { return reinterpret_cast<IsoNode*>(file); }
+IsoNode* asNode(IsoSymlink* link) noexcept { return reinterpret_cast<IsoNode*>(link); }
+
+struct Entry {
+    std::string name;
+    struct stat status;
+};
+
+class TreeBuilder {
+  public:
+    TreeBuilder(IsoImage* image, SourceList& sources, const Signal& signal)
+        : image_(image), sources_(sources), signal_(signal), now_(std::time(nullptr)) {}
+
+    void build(const Content& root) {
+        IsoDir* top = iso_image_get_root(image_);
+        if (const auto* folder = std::get_if<VirtualFolder>(&root.source)) {
+            setVirtual(asNode(top), root.attributes, 0755);
+            addChildren(top, *folder);
+        } else if (const auto* item = std::get_if<RealItem>(&root.source)) {
+            struct stat status {};
+            if (::stat(item->path.c_str(), &status) != 0) missing(item->path, errno);
+            if (!S_ISDIR(status.st_mode))
+                fail(ErrorCode::FileLocationConflict,
+                     inQuotes(item->path) + " is not a folder; only a folder can become a disc.", item->path);
+            setReal(asNode(top), status);
+            apply(asNode(top), root.attributes);
+            pending_.push_back({top, item->path, Fingerprint::of(status)});
+        } else {
+            fail(ErrorCode::BadLayout,
+                 "The root of a disc must be a folder; " + inQuotes(root.name) + " is none.");
+        }
+        walkPending();
+    }
+
+  private:
+    struct PendingFolder {
+        IsoDir* node;
+        std::string path;
+        Fingerprint expected;
+    };
+
+    // ---- virtual items
+    // -----------------------------------------------------------------------------------------
+
+    void addChildren(IsoDir* parent, const VirtualFolder& folder) {
+        std::vector<const Content*> sorted;
+        sorted.reserve(folder.children.size());
+        for (const Content& child : folder.children)
+            sorted.push_back(&child);
+        // libisofs keeps children sorted by walking a list: the last name first finds its place at once.
+        std::sort(sorted.begin(), sorted.end(),
+                  [](auto* a, auto* b) { return nameOnDisc(*a) > nameOnDisc(*b); });
+        for (const Content* child : sorted) {
+            signal_.check();
+            addItem(parent, *child);
+        }
+    }
+
+    static std::string nameOnDisc(const Content& item) {
+        if (!item.name.empty()) return item.name;
+        const auto* real = std::get_if<RealItem>(&item.source);
+        if (real == nullptr) return {};
+        std::string path = real->path;
+        while (path.size() > 1 && path.back() == '/')
+            path.pop_back();
+        return path.substr(path.rfind('/') + 1);
+    }
+
+    void addItem(IsoDir* parent, const Content& item) {
+        const std::string name = nameOnDisc(item);
+        checkName(name);
+        if (const auto* folder = std::get_if<VirtualFolder>(&item.source)) {
+            IsoDir* node = addFolder(parent, name);
+            setVirtual(asNode(node), item.attributes, 0755);
+            addChildren(node, *folder);
+        } else if (const auto* data = std::get_if<DataFile>(&item.source)) {
+            SourceFile file;
+            file.fingerprint.size = data->bytes.size();
+            file.data = &data->bytes;
+            setVirtual(addFile(parent, name, name, file), item.attributes, 0644);
+        } else if (const auto* produced = std::get_if<ProducedFile>(&item.source)) {
+            setVirtual(addProduced(parent, name, *produced), item.attributes, 0644);
+        } else if (const auto* link = std::get_if<SymbolicLink>(&item.source)) {
+            setVirtual(addLink(parent, name, link->target), item.attributes, 0777);
+        } else {
+            addRealItem(parent, name, item);
+        }
+    }
+
+    IsoNode* addProduced(IsoDir* parent, const std::string& name, const ProducedFile& produced) {
+        if (!produced.producer)
+            fail(ErrorCode::DataProduction, "The file " + inQuotes(name) + " has no producer of its bytes.");
+        SourceFile file;
+        file.producer = produced.producer.get();
+        try {
+            file.fingerprint.size = file.producer->size();
+        } catch (const std::exception& problem) {
+            fail(ErrorCode::DataProduction,
+                 "The producer of the file " + inQuotes(name) + " can't tell its size.", problem.what());
+        }
+        return addFile(parent, name, name, file);
+    }
+
+    void addRealItem(IsoDir* parent, const std::string& name, const Content& item) {
+        const std::string& path = std::get<RealItem>(item.source).path;
+        struct stat status {};
+        if (::lstat(path.c_str(), &status) != 0) missing(path, errno);
+        IsoNode* node = nullptr;
+        if (S_ISDIR(status.st_mode)) {
+            IsoDir* folder = addFolder(parent, name);
+            pending_.push_back({folder, path, Fingerprint::of(status)});
+            node = asNode(folder);
+        } else {
+            node = addLeaf(parent, name, AT_FDCWD, path, SourceList::noFolder, path, status);
+        }
+        setReal(node, status);
+        apply(node, item.attributes);
+    }
+
+    // ---- what is on disk
+    // ---------------------------------------------------------------------------------------
+
+    void walkPending() {
+        while (!pending_.empty()) {
+            const PendingFolder folder = std::move(pending_.back());
+            pending_.pop_back();
+            walk(folder);
+        }
+    }
+
+    void walk(const PendingFolder& folder) {
+        const int number = ::open(folder.path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NONBLOCK);
+        if (number < 0) missing(folder.path, errno);
+        const std::unique_ptr<DIR, int (*)(DIR*)> stream(::fdopendir(number), ::closedir);
+        if (!stream) {
+            ::close(number);
+            fail(ErrorCode::FileLocationConflict, "The folder " + inQuotes(folder.path) + " can't be read.",
+                 systemText(errno));
+        }
+        struct stat status {};
+        if (::fstat(number, &status) != 0 || Fingerprint::of(status).inode != folder.expected.inode)
+            fail(ErrorCode::FileModifiedDuringBurn,
+                 "The folder " + inQuotes(folder.path) + " became another one while it was read.",
+                 folder.path);
+        const auto index = static_cast<uint32_t>(sources_.folders.size());
+        sources_.folders.push_back({folder.path, Fingerprint::of(status)});
+
+        std::vector<Entry> entries = readEntries(stream.get(), folder.path);
+        for (const Entry& entry : entries) {
+            const std::string path = folder.path + '/' + entry.name;
+            IsoNode* node = nullptr;
+            if (S_ISDIR(entry.status.st_mode)) {
+                IsoDir* child = addFolder(folder.node, entry.name);
+                pending_.push_back({child, path, Fingerprint::of(entry.status)});
+                node = asNode(child);
+            } else {
+                node = addLeaf(folder.node, entry.name, number, entry.name, index, path, entry.status);
+            }
+            setReal(node, entry.status);
+        }
+    }
+
+    // All entries, last name first (see addChildren).
+    std::vector<Entry> readEntries(DIR* stream, const std::string& path) {
+        std::vector<Entry> entries;
+        while (true) {
+            errno = 0;
+            const dirent* found = ::readdir(stream);
+            if (found == nullptr) {
+                if (errno != 0)
+                    fail(ErrorCode::FileLocationConflict, "The folder " + inQuotes(path) + " can't be read.",
+                         systemText(errno));
+                break;
+            }
+            const std::string_view name = found->d_name;
+            if (name == "." || name == "..") continue;
+            signal_.check();
+            Entry entry{std::string(name), {}};
+            if (::fstatat(::dirfd(stream), found->d_name, &entry.status, AT_SYMLINK_NOFOLLOW) != 0) {
+                if (errno == ENOENT)
+                    fail(ErrorCode::FileModifiedDuringBurn,
+                         inQuotes(path + '/' + entry.name) + " went away while its folder was read.",
+                         systemText(errno));
+                missing(path + '/' + entry.name, errno);
+            }
+            entries.push_back(std::move(entry));
+        }
+        std::sort(entries.begin(), entries.end(),
+                  [](const Entry& a, const Entry& b) { return a.name > b.name; });
+        return entries;
+    }
+
+    IsoNode* addLeaf(IsoDir* parent, const std::string& name, int folder, const std::string& nameThere,
+                     uint32_t folderIndex, const std::string& path, const struct stat& status) {
+        if (S_ISLNK(status.st_mode)) return addLink(parent, name, readLink(folder, nameThere, path));
+        if (!S_ISREG(status.st_mode)) {
+            const char* what = S_ISFIFO(status.st_mode)   ? "a pipe"
+                               : S_ISSOCK(status.st_mode) ? "a socket"
+                                                          : "a device";
+            fail(ErrorCode::FileLocationConflict,
+                 inQuotes(path) + " is " + what + ", which can't stand on a disc: take it out of the folder.",
+                 path);
+        }
+        // Files that all may read need no question; for the others it is asked before anything is written.
+        if ((status.st_mode & 0444) != 0444 && ::faccessat(folder, nameThere.c_str(), R_OK, AT_EACCESS) != 0)
+            fail(ErrorCode::FileLocationConflict, "The file " + inQuotes(path) + " can't be read.",
+                 systemText(errno));
+        SourceFile file;
+        file.fingerprint = Fingerprint::of(status);
+        file.folder = folderIndex;
+        if (status.st_nlink < 2) return addFile(parent, name, nameThere, file);
+        const auto [known, isNew] = linked_.try_emplace({status.st_dev, status.st_ino}, 0);
+        if (isNew) {
+            IsoNode* node = addFile(parent, name, nameThere, file);
+            known->second = sources_.files.size();
+            return node;
+        }
+        return addNode(parent, name, file.fingerprint.size, known->second);
+    }
+
+    static std::string readLink(int folder, const std::string& name, const std::string& path) {
+        std::string target(PATH_MAX, '\0');
+        const ssize_t length = ::readlinkat(folder, name.c_str(), target.data(), target.size());
+        if (length < 0 || static_cast<size_t>(length) == target.size())
+            fail(ErrorCode::FileLocationConflict, "The symbolic link " + inQuotes(path) + " can't be read.",
+                 systemText(errno));
+        target.resize(static_cast<size_t>(length));
+        return target;
+    }
+
+    [[noreturn]] static void missing(const std::string& path, int errorNumber) {
+        if (errorNumber == ENOENT || errorNumber == ENOTDIR)
+            fail(ErrorCode::FileLocationConflict, inQuotes(path) + " does not exist.",
+                 systemText(errorNumber));
+        fail(ErrorCode::FileLocationConflict, inQuotes(path) + " can't be read.", systemText(errorNumber));
+    }
+
+    // ---- libisofs's nodes
+    // --------------------------------------------------------------------------------------
+
+    static void checkName(const std::string& name) {
+        if (name.empty() || name == "." || name == ".." ||
+            name.find_first_of(std::string_view("/\0", 2)) != std::string::npos)
+            fail(ErrorCode::FileLocationConflict, inQuotes(name) + " can't be the name of a file or folder.");
+        if (name.size() > 255)
+            fail(ErrorCode::FileLocationConflict,
+                 "The name " + inQuotes(name) + " is longer than 255 bytes; give it a shorter one.");
+    }
+
+    [[noreturn]] static void refused(const std::string& name, int code) {
+        if (code == static_cast<int>(ISO_NODE_NAME_NOT_UNIQUE))
+            fail(ErrorCode::FileLocationConflict,
+                 "Two items of one folder are named " + inQuotes(name) + "; give one of them another name.",
+                 name);
+        fail(ErrorCode::FileLocationConflict, "The item " + inQuotes(name) + " can't be put on the disc.",
+             iso_error_to_msg(code));
+    }
+
+    IsoDir* addFolder(IsoDir* parent, const std::string& name) {
+        IsoDir* node = nullptr;
+        const int code = iso_image_add_new_dir(image_, parent, name.c_str(), &node);
+        if (code < 0) refused(name, code);
+        return node;
+    }
+
+    IsoNode* addLink(IsoDir* parent, const std::string& name, const std::string& target) {
+        if (target.empty() || target.find('\0') != std::string::npos)
+            fail(ErrorCode::FileLocationConflict, "The symbolic link " + inQuotes(name) + " points nowhere.");
+        IsoSymlink* node = nullptr;
+        const int code = iso_image_add_new_symlink(image_, parent, name.c_str(), target.c_str(), &node);
+        if (code < 0) refused(name, code);
+        return asNode(node);
+    }
+
+    // A file with contents of its own. Its number is its place in the list, from 1: libisofs lays out by it,
+    // because the image asks for sorting by weight.
+    IsoNode* addFile(IsoDir* parent, const std::string& name, const std::string& nameThere, SourceFile file) {
+        if (file.fingerprint.size > largestFile)
+            fail(ErrorCode::FileLocationConflict, "The file " + inQuotes(name) + " of " +
+                                                      megabytes(file.fingerprint.size) +
+                                                      " is larger than any disc.");
+        if (sources_.names.size() + nameThere.size() >= INT_MAX)
+            fail(ErrorCode::FileLocationConflict, "There are too many files for one disc.");
+        IsoNode* node = addNode(parent, name, file.fingerprint.size, sources_.files.size() + 1);
+        file.nameAt = static_cast<uint32_t>(sources_.names.size());
+        sources_.names.append(nameThere.c_str(), nameThere.size() + 1);
+        sources_.files.push_back(file);
+        return node;
+    }
+
+    IsoNode* addNode(IsoDir* parent, const std::string& name, uint64_t size, uint64_t number) {
+        IsoStream* stream = engine_extent_stream(size, number);
+        if (stream == nullptr) throw std::bad_alloc();
+        IsoFile* node = nullptr;
+        const int code = iso_image_add_new_file(image_, parent, name.c_str(), stream, &node);
+        if (code < 0) {
+            iso_stream_unref(stream);
+            refused(name, code);
+        }
+        iso_node_set_sort_weight(asNode(node),
+                                 static_cast<int>(INT_MAX - number)); // heavier files lie further in front
+        return asNode(node);
+    }
+
+    // ---- attributes
+    // --------------------------------------------------------------------------------------------
+
+    static void setReal(IsoNode* node, const struct stat& status) {
+        iso_node_set_permissions(node, status.st_mode & 07777);
+        iso_node_set_uid(node, status.st_uid);
+        iso_node_set_gid(node, status.st_gid);
+        iso_node_set_mtime(node, status.st_mtime);
+        iso_node_set_atime(node, status.st_atime);
+        iso_node_set_ctime(node, status.st_ctime);
+    }
+
+    void setVirtual(IsoNode* node, const Attributes& attributes, mode_t mode) {
+        iso_node_set_permissions(node, mode);
+        iso_node_set_uid(node, 0);
+        iso_node_set_gid(node, 0);
+        iso_node_set_mtime(node, now_);
+        iso_node_set_atime(node, now_);
+        iso_node_set_ctime(node, now_);
+        apply(node, attributes);
+    }
+
+    static void apply(IsoNode* node, const Attributes& attributes) {
+        if (attributes.mode) iso_node_set_permissions(node, *attributes.mode & 07777);
+        if (attributes.owner) iso_node_set_uid(node, *attributes.owner);
+        if (attributes.group) iso_node_set_gid(node, *attributes.group);
+        if (attributes.modified) iso_node_set_mtime(node, *attributes.modified);
+        if (attributes.accessed) iso_node_set_atime(node, *attributes.accessed);
+        if (attributes.changed) iso_node_set_ctime(node, *attributes.changed);
+    }
+
+    IsoImage* image_;
+    SourceList& sources_;
+    const Signal& signal_;
+    std::time_t now_;
+    std::vector<PendingFolder> pending_;
+    std::map<std::pair<uint64_t, uint64_t>, uint64_t>
+        linked_; // device and inode to number, for files with several names
+};
+
+} // namespace
+
+void buildImageTree(IsoImage* image, const Content& root, SourceList& sources, const Signal& signal) {
+    TreeBuilder(image, sources, signal).build(root);
+}
+
+} // namespace engine

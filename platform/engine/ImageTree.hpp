@@ -1,0 +1,19 @@
+// Turns the content of a track into libisofs's tree, and lists where each file's bytes come from.
+#pragma once
+
+#include "Content.hpp"
+#include "Signal.hpp"
+#include "SourceList.hpp"
+
+#define LIBISOFS_WITHOUT_LIBBURN // asks for the declaration of struct burn_source
+#include <libisofs/libisofs.h>
+
+namespace engine {
+
+/// Adds everything of `root` to the image's root. Walks folders on disk with one fstatat for each entry and
+/// follows no link. `sources` gets the files in the order in which libisofs will lay them out; it points into
+/// `root`, which must outlive it. Throws FileLocationConflict for what is missing, can't be read or can't
+/// stand on a disc (sockets, pipes, devices, two children of one name), naming it; UserCanceled.
+void buildImageTree(IsoImage* image, const Content& root, SourceList& sources, const Signal& signal);
+
+} // namespace engine

@@ -1,0 +1,93 @@
+// One thread fills buffers while another uses them.
+#include "Pipeline.hpp"
+#include "Background.hpp"
+
+#include <algorithm>
+#include <xxhash.h>
+
+namespace engine {
+namespace {
+
+constexpr size_t pieceCount = 4;
+
+std::unique_ptr<Piece> makePiece() {
+    auto piece = std::make_unique<Piece>();
+    piece->memory.reset(static_cast<std::byte*>(std::aligned_alloc(4096, pieceBytes)));
+    if (!piece->memory) throw std::bad_alloc();
+    return piece;
+}
+
+void checksum(Piece& piece) {
+    piece.checksums.clear();
+    for (size_t offset = 0; offset < piece.filled; offset += checkedBytes)
+        piece.checksums.push_back(
+            XXH3_64bits(piece.memory.get() + offset, std::min(checkedBytes, piece.filled - offset)));
+}
+
+} // namespace
+
+Pipeline::Pipeline(SignalRef signal, const std::string& threadName, Fill fill)
+    : shared_(std::make_shared<Shared>(std::move(signal))) {
+    for (size_t count = 0; count < pieceCount; ++count)
+        shared_->empty.push_back(makePiece());
+    runInBackground(threadName, [shared = shared_, fill = std::move(fill)] { run(shared, fill); });
+}
+
+Pipeline::~Pipeline() {
+    const std::lock_guard lock(shared_->signal->mutex);
+    shared_->dropped = true;
+    shared_->signal->changed.notify_all();
+}
+
+void Pipeline::run(const std::shared_ptr<Shared>& shared, const Fill& fill) {
+    Signal& signal = *shared->signal;
+    std::exception_ptr problem;
+    try {
+        while (true) {
+            std::unique_ptr<Piece> piece;
+            {
+                std::unique_lock lock(signal.mutex);
+                signal.changed.wait(
+                    lock, [&] { return !shared->empty.empty() || shared->dropped || signal.isCanceled(); });
+                if (shared->dropped || signal.isCanceled()) break;
+                piece = std::move(shared->empty.front());
+                shared->empty.pop_front();
+            }
+            piece->filled = fill(piece->whole());
+            if (piece->filled == 0) break;
+            checksum(*piece);
+            const std::lock_guard lock(signal.mutex);
+            shared->full.push_back(std::move(piece));
+            signal.changed.notify_all();
+        }
+    } catch (...) {
+        problem = std::current_exception();
+    }
+    const std::lock_guard lock(signal.mutex);
+    shared->problem = problem;
+    shared->ended = true;
+    signal.changed.notify_all();
+}
+
+std::unique_ptr<Piece> Pipeline::take() {
+    Signal& signal = *shared_->signal;
+    std::unique_lock lock(signal.mutex);
+    signal.changed.wait(lock,
+                        [&] { return !shared_->full.empty() || shared_->ended || signal.isCanceled(); });
+    signal.check();
+    if (!shared_->full.empty()) {
+        auto piece = std::move(shared_->full.front());
+        shared_->full.pop_front();
+        return piece;
+    }
+    if (shared_->problem) std::rethrow_exception(shared_->problem);
+    return nullptr;
+}
+
+void Pipeline::giveBack(std::unique_ptr<Piece> piece) {
+    const std::lock_guard lock(shared_->signal->mutex);
+    shared_->empty.push_back(std::move(piece));
+    shared_->signal->changed.notify_all();
+}
+
+} // namespace engine

@@ -1,0 +1,242 @@
+// A folder that is a drive.
+#include "VirtualDrive.hpp"
+#include "Failure.hpp"
+#include "VirtualTarget.hpp"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <filesystem>
+#include <nlohmann/json.hpp>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace engine {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+Json readDescription(int folder, const std::string& path) {
+    const auto bytes = readSmallFile(folder, names::drive);
+    if (!bytes) fail(ErrorCode::DeviceInvalid, "There is no drive in " + inQuotes(path) + ".", path);
+    Json json = Json::parse(*bytes, nullptr, false);
+    if (json.is_discarded() || !json.is_object())
+        fail(ErrorCode::DeviceInvalid,
+             "The drive in " + inQuotes(path) + " can't be used: its drive.json is damaged.", path);
+    return json;
+}
+
+std::string textIn(const Json& json, const char* name) {
+    const auto found = json.find(name);
+    return found != json.end() && found->is_string() ? found->get<std::string>() : std::string();
+}
+
+// The lock file, locked; or not, when someone else has it.
+Descriptor tryLock(int folder) {
+    Descriptor file(::openat(folder, names::lock, O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0666));
+    if (!file) fail(ErrorCode::DeviceAccess, "The drive's lock can't be opened.", systemText(errno));
+    if (::flock(file.get(), LOCK_EX | LOCK_NB) == 0) return file;
+    if (errno != EWOULDBLOCK) fail(ErrorCode::DeviceAccess, "The drive can't be locked.", systemText(errno));
+    return {};
+}
+
+} // namespace
+
+Result<void> makeVirtualDrive(const std::string& folder, const VirtualDriveSetup& setup) {
+    return guarded([&] {
+        const std::filesystem::path target = std::filesystem::absolute(folder).lexically_normal();
+        makeFolders(target.parent_path().string());
+        std::string temporary =
+            (target.parent_path() / (".new-" + std::to_string(::getpid()) + "-XXXXXX")).string();
+        const auto failed = [&] {
+            const int number = errno;
+            std::error_code ignored;
+            std::filesystem::remove_all(temporary, ignored);
+            fail(ErrorCode::DeviceAccess, "The drive " + inQuotes(folder) + " can't be made.",
+                 systemText(number));
+        };
+        if (::mkdtemp(temporary.data()) == nullptr || ::chmod(temporary.c_str(), 0755) != 0) failed();
+        const Descriptor made(::open(temporary.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        if (!made) failed();
+        const Json json = {{"format", 1},
+                           {"vendor", setup.vendor},
+                           {"product", setup.product},
+                           {"firmwareRevision", setup.firmwareRevision},
+                           {"tray", "closed"}};
+        replaceSmallFile(made.get(), names::drive,
+                         json.dump(2, ' ', false, Json::error_handler_t::replace) + '\n');
+        if (setup.medium) saveMedium(made.get(), MediumRecord::blank(*setup.medium, setup.capacityBlocks));
+        // Fails when another process was faster, or when the folder exists and isn't empty.
+        if (::rename(temporary.c_str(), folder.c_str()) != 0) failed();
+    });
+}
+
+std::shared_ptr<VirtualDrive> VirtualDrive::open(const std::string& folder) {
+    const std::shared_ptr<VirtualDrive> drive(new VirtualDrive);
+    drive->folder_ = Descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!drive->folder_)
+        fail(ErrorCode::DeviceInvalid, "There is no drive in " + inQuotes(folder) + ".", systemText(errno));
+    const Json json = readDescription(drive->folder(), folder);
+    drive->identity_ = {folder,
+                        textIn(json, "vendor"),
+                        textIn(json, "product"),
+                        textIn(json, "firmwareRevision"),
+                        Interconnect::ATAPI,
+                        InterconnectLocation::Internal,
+                        true};
+    for (const MediumFacts& facts : allMediumKinds())
+        if (facts.writable) drive->capabilities_.writes.push_back(facts.kind);
+    drive->capabilities_.canUnderrunProtectCD = drive->capabilities_.canUnderrunProtectDVD = true;
+    drive->capabilities_.writesTrackAtOnce = drive->capabilities_.writesSessionAtOnce = true;
+    drive->capabilities_.writeBufferBytes = 8u << 20;
+    // What a process that died left behind is cleared away as soon as somebody looks, unless one is at work.
+    guarded([&] {
+        if (const Descriptor lock = tryLock(drive->folder())) recoverMedium(drive->folder());
+    }).ok();
+    return drive;
+}
+
+bool VirtualDrive::isValid() const {
+    if (gone_) return false;
+    struct stat now {
+    }, then{};
+    const std::string description = path() + '/' + names::drive;
+    const bool present = ::stat(path().c_str(), &now) == 0 && ::fstat(folder(), &then) == 0 &&
+                         now.st_ino == then.st_ino && now.st_dev == then.st_dev &&
+                         ::access(description.c_str(), F_OK) == 0;
+    if (!present) gone_ = true;
+    return present;
+}
+
+void VirtualDrive::requireValid() const {
+    if (!isValid())
+        fail(ErrorCode::DeviceInvalid,
+             "The drive " + inQuotes(displayName()) + " is no longer there; choose another one.", path());
+}
+
+std::optional<MediumRecord> VirtualDrive::presentMedium() const {
+    requireValid();
+    if (isTrayOpen()) return std::nullopt;
+    return loadMedium(folder());
+}
+
+Result<std::optional<MediumInfo>> VirtualDrive::readMedium() const {
+    return guarded([&]() -> std::optional<MediumInfo> {
+        const auto record = presentMedium();
+        if (!record) return std::nullopt;
+        return record->info(path());
+    });
+}
+
+bool VirtualDrive::isTrayOpen() const {
+    const auto json = guarded([&] { return readDescription(folder(), path()); });
+    return json && textIn(*json, "tray") == "open";
+}
+
+void VirtualDrive::setTray(bool open) {
+    requireValid();
+    const std::lock_guard lock(mutex_);
+    if (burning_)
+        fail(ErrorCode::DeviceBusy,
+             "The drive " + inQuotes(displayName()) + " is writing; wait until it is done.");
+    Json json = readDescription(folder(), path());
+    if ((textIn(json, "tray") == "open") == open) return;
+    lockLocked();
+    json["tray"] = open ? "open" : "closed";
+    const auto done = guarded([&] {
+        replaceSmallFile(folder(), names::drive,
+                         json.dump(2, ' ', false, Json::error_handler_t::replace) + '\n');
+    });
+    unlockLocked();
+    if (!done) throw Failure(done.error());
+}
+
+Result<void> VirtualDrive::openTray() {
+    return guarded([&] {
+        if (presentMedium())
+            fail(ErrorCode::BurnNotAllowed,
+                 "There is a disc in " + inQuotes(displayName()) + ": eject it instead.");
+        setTray(true);
+    });
+}
+
+Result<void> VirtualDrive::closeTray() {
+    return guarded([&] { setTray(false); });
+}
+
+Result<void> VirtualDrive::eject() {
+    return guarded([&] { setTray(true); });
+}
+
+bool VirtualDrive::isBusy() const {
+    const std::lock_guard lock(mutex_);
+    if (burning_ || exclusive_ > 0) return true;
+    const auto free = guarded([&] { return static_cast<bool>(tryLock(folder())); });
+    return free && !*free;
+}
+
+void VirtualDrive::lockLocked() {
+    if (lock_) return;
+    lock_ = tryLock(folder());
+    if (!lock_)
+        fail(ErrorCode::DeviceBusy,
+             "The drive " + inQuotes(displayName()) + " is in use by another program; try again later.");
+}
+
+void VirtualDrive::unlockLocked() {
+    if (exclusive_ == 0 && !burning_) lock_.reset();
+}
+
+Result<void> VirtualDrive::acquireExclusiveAccess() {
+    return guarded([&] {
+        requireValid();
+        const std::lock_guard lock(mutex_);
+        lockLocked();
+        ++exclusive_;
+    });
+}
+
+void VirtualDrive::releaseExclusiveAccess() {
+    const std::lock_guard lock(mutex_);
+    if (exclusive_ == 0) return;
+    --exclusive_;
+    unlockLocked();
+}
+
+bool VirtualDrive::hasExclusiveAccess() const {
+    const std::lock_guard lock(mutex_);
+    return exclusive_ > 0;
+}
+
+Result<std::unique_ptr<BurnTarget>> VirtualDrive::beginBurn() {
+    return guarded([&]() -> std::unique_ptr<BurnTarget> {
+        requireValid();
+        {
+            const std::lock_guard lock(mutex_);
+            if (burning_)
+                fail(ErrorCode::DeviceBusy,
+                     "The drive " + inQuotes(displayName()) + " is already writing; wait until it is done.");
+            lockLocked();
+            burning_ = true;
+        }
+        try {
+            recoverMedium(folder());
+            const auto record = presentMedium();
+            if (!record)
+                fail(ErrorCode::MediaNotPresent,
+                     "There is no disc in " + inQuotes(displayName()) + "; put one in.");
+            return makeVirtualTarget(shared_from_this(), *record);
+        } catch (...) {
+            endBurn();
+            throw;
+        }
+    });
+}
+
+void VirtualDrive::endBurn() {
+    const std::lock_guard lock(mutex_);
+    burning_ = false;
+    unlockLocked();
+}
+
+} // namespace engine
