@@ -1,7 +1,8 @@
 // DRBurn: one burn of one disc.
 #import "DRBurn.h"
-#include "BurnRun.hpp"
+#include "BurnProcess.hpp"
 #import "DRDevicePrivate.h"
+#include "Elements.hpp"
 #include "LayoutReader.hpp"
 #include "PathStrings.hpp"
 #include "StatusDictionaries.hpp"
@@ -12,7 +13,7 @@
 // At most one of the two holds: a running or ended burn, or the reason why none was begun.
 struct DRBurnInside {
     std::mutex mutex; // over the pointers; the run itself is safe for threads
-    std::shared_ptr<discrecording::BurnRun> run;
+    std::shared_ptr<discrecording::BurnProcess> run;
     std::optional<engine::Error> refused;
     bool used = false;
 };
@@ -71,8 +72,25 @@ Result<bool> ejects(NSDictionary* properties, NSString* key, NSString* ejectText
                                               ejectText, stayText]);
 }
 
+// A medium of any kind but CD takes its tracks one to a session.
+Result<void> checkTrackCount(const engine::Drive& drive, NSArray* sessions) {
+    const auto medium = drive.mediumInfo();
+    if (!medium || engine::factsOf(medium->kind).mediumClass == engine::MediumClass::CD)
+        return {};
+    for (NSArray* tracks : discrecording::Elements<NSArray*>(sessions)) {
+        if ([tracks count] > 1) {
+            return refusal(
+                ErrorCode::TooManyTracksForDVD,
+                [NSString stringWithFormat:@"The layout has %u tracks in a session, and a DVD takes one; "
+                                           @"put everything into one track.",
+                                           static_cast<unsigned>([tracks count])]);
+        }
+    }
+    return {};
+}
+
 Result<BurnPlan> planOf(DRDevice* device, NSArray* sessions, NSDictionary* properties, float speed) {
-    if ([device drive] == nullptr) {
+    if (DRDriveOfDevice(device) == nullptr) {
         return refusal(ErrorCode::DeviceInvalid,
                        @"The burn has no drive; make it for one of the drives that are there.");
     }
@@ -89,6 +107,8 @@ Result<BurnPlan> planOf(DRDevice* device, NSArray* sessions, NSDictionary* prope
     auto layout = discrecording::layoutOfSessions(sessions);
     if (!layout.ok())
         return layout.error();
+    if (const auto allowed = checkTrackCount(*DRDriveOfDevice(device), sessions); !allowed.ok())
+        return allowed.error();
 
     BurnPlan plan;
     plan.layout = std::move(*layout);
@@ -156,7 +176,7 @@ Result<BurnPlan> planOf(DRDevice* device, NSArray* sessions, NSDictionary* prope
         _inside->refused = plan.error();
         return;
     }
-    const auto run = std::make_shared<discrecording::BurnRun>([_device drive], std::move(*plan));
+    const auto run = std::make_shared<discrecording::BurnProcess>(DRDriveOfDevice(_device), std::move(*plan));
     {
         const std::lock_guard lock(_inside->mutex);
         _inside->run = run;
@@ -166,7 +186,7 @@ Result<BurnPlan> planOf(DRDevice* device, NSArray* sessions, NSDictionary* prope
 }
 
 - (void)abort {
-    std::shared_ptr<discrecording::BurnRun> run;
+    std::shared_ptr<discrecording::BurnProcess> run;
     {
         const std::lock_guard lock(_inside->mutex);
         run = _inside->run;
@@ -176,7 +196,7 @@ Result<BurnPlan> planOf(DRDevice* device, NSArray* sessions, NSDictionary* prope
 }
 
 - (NSDictionary*)status {
-    std::shared_ptr<discrecording::BurnRun> run;
+    std::shared_ptr<discrecording::BurnProcess> run;
     engine::BurnStatus status;
     {
         const std::lock_guard lock(_inside->mutex);

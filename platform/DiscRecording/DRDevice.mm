@@ -16,6 +16,7 @@ struct DRDeviceInside {
 
 @interface DRDevice (Making)
 - (id)initWithDrive:(engine::DriveRef)drive;
+- (DRDeviceInside*)inside;
 @end
 
 namespace {
@@ -257,15 +258,15 @@ bool canWriteAtAll(const engine::Drive& drive) { return !drive.capabilities().wr
     return self;
 }
 
-@end
-
-@implementation DRDevice (Private)
-
-- (const engine::DriveRef&)drive {
-    return _inside->drive;
+- (DRDeviceInside*)inside {
+    return _inside;
 }
 
 @end
+
+engine::DriveRef DRDriveOfDevice(DRDevice* device) {
+    return device == nil ? nullptr : [device inside]->drive;
+}
 
 DRMSF* DRMSFOfBlocks(uint64_t blocks) {
     return [DRMSF msfWithFrames:static_cast<uint32_t>(std::min<uint64_t>(blocks, UINT32_MAX))];

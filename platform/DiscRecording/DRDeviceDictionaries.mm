@@ -103,7 +103,7 @@ NSArray* burnSpeeds(const engine::MediumInfo& medium) {
 
 NSDictionary* mediaInfo(DRDevice* device, const engine::MediumInfo& medium) {
     return [NSDictionary
-        dictionaryWithObjectsAndKeys:DRBSDNameOfDrive(*[device drive]), DRDeviceMediaBSDNameKey,
+        dictionaryWithObjectsAndKeys:DRBSDNameOfDrive(*DRDriveOfDevice(device)), DRDeviceMediaBSDNameKey,
                                      boolean(medium.blank), DRDeviceMediaIsBlankKey,
                                      boolean(medium.appendable), DRDeviceMediaIsAppendableKey,
                                      boolean(medium.overwritable), DRDeviceMediaIsOverwritableKey,
@@ -193,7 +193,7 @@ NSString* DRMediaTypeOfKind(MediumKind kind) {
 @implementation DRDevice (Dictionaries)
 
 - (NSDictionary*)info {
-    const engine::DriveRef& drive = [self drive];
+    const engine::DriveRef drive = DRDriveOfDevice(self);
     if (drive == nullptr)
         return nil;
     const engine::DriveIdentity& identity = drive->identity();
@@ -216,7 +216,7 @@ NSString* DRMediaTypeOfKind(MediumKind kind) {
 }
 
 - (NSDictionary*)status {
-    const engine::DriveRef& drive = [self drive];
+    const engine::DriveRef drive = DRDriveOfDevice(self);
     if (drive == nullptr)
         return nil;
     // Read once, so that the dictionary is of one moment.

@@ -6,9 +6,9 @@
 
 #include "Drive.hpp"
 
-@interface DRDevice (Private)
-- (const engine::DriveRef&)drive;
-@end
+/// Null for nil, and for an object that stands for no drive. A function: a message to nil can't answer a C++
+/// object.
+engine::DriveRef DRDriveOfDevice(DRDevice* device);
 
 /// The value of DRDeviceMediaTypeKey for a kind of medium.
 NSString* DRMediaTypeOfKind(engine::MediumKind kind);

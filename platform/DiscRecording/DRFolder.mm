@@ -112,13 +112,15 @@ int listFolder(const std::string& path, std::vector<Entry>& entries) {
 
 - (void)addChild:(DRFSObject*)child {
     [self requireVirtualFor:@"be given"];
-    if (child == nil || [child parent] == self)
+    if (child == nil)
         return;
     if (![child isKindOfClass:[DRFSObject class]]) {
         [NSException raise:NSInvalidArgumentException
                     format:@"The folder \"%@\" can hold files and folders only, not a %@.", [self baseName],
                            [child class]];
     }
+    if ([child parent] == self)
+        return;
     for (DRFSObject* above = self; above != nil; above = [above parent]) {
         if (above != child)
             continue;

@@ -1,8 +1,6 @@
 // How lengths on a disc are written and read as text.
 #import "DRMSFText.h"
 
-#include <string.h>
-
 // A wider field than this is a mistake in the format, and would only fill memory.
 enum { WidestField = 255 };
 
@@ -131,13 +129,18 @@ static BOOL ReadFraction(const char** cursor, uint64_t* frames) {
 
 BOOL DRMSFFramesOfText(NSString* text, uint32_t* frames) {
     text = [text stringByTrimmingCharactersInSet:[NSCharacterSet whitespaceAndNewlineCharacterSet]];
-    // Only digits, colons and a point can follow, so a text that is not ASCII is no length.
+    // Only digits, colons and a point can follow, so a text that is not ASCII, or holds a zero, is no length.
     char ascii[128];
-    if (text == nil || ![text getCString:ascii maxLength:sizeof ascii encoding:NSASCIIStringEncoding])
+    const NSUInteger length = [text length];
+    if (text == nil || length >= sizeof ascii)
         return NO;
-    // A zero character would end the copy early and hide what comes after it.
-    if (strlen(ascii) != [text length])
-        return NO;
+    for (NSUInteger i = 0; i < length; i++) {
+        const unichar c = [text characterAtIndex:i];
+        if (c == 0 || c > 127)
+            return NO;
+        ascii[i] = (char)c;
+    }
+    ascii[length] = '\0';
 
     const char* cursor = ascii;
     uint64_t fields[3] = {0, 0, 0};

@@ -109,7 +109,7 @@ static void TestMakeVirtual(void) {
     PASS("files are files", [[children objectAtIndex:1] isKindOfClass:[DRFile class]]);
     PASS("folders are folders", [[children objectAtIndex:2] isKindOfClass:[DRFolder class]]);
     PASS("their parent",
-         [[children objectAtIndex:2] parent] == folder && ![[children objectAtIndex:2] isVirtual]);
+         [(DRFolder*)[children objectAtIndex:2] parent] == folder && ![[children objectAtIndex:2] isVirtual]);
     [folder makeVirtual];
     PASS("again does nothing", [folder count] == 3);
     [folder removeChild:[children objectAtIndex:1]];

@@ -160,7 +160,8 @@ static void TestReading(void) {
 }
 
 static void TestFormatter(void) {
-    DRMSFFormatter* formatter = [[[DRMSFFormatter alloc] initWithFormat:@"%m:%02s"] autorelease];
+    DRMSFFormatter* formatter =
+        [[(DRMSFFormatter*)[DRMSFFormatter alloc] initWithFormat:@"%m:%02s"] autorelease];
     SAME("keeps its format", [formatter format], @"%m:%02s");
     SAME("writes", [formatter stringForObjectValue:[DRMSF msfWithFrames:14250]], @"3:10");
     SAME("writes plain numbers of frames too", [formatter stringForObjectValue:[NSNumber numberWithInt:75]],

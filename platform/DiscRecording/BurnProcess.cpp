@@ -1,22 +1,22 @@
-// BurnRun: a job of the engine, and what is done with the medium after it.
-#include "BurnRun.hpp"
+// BurnProcess: a job of the engine, and what is done with the medium after it.
+#include "BurnProcess.hpp"
 
 namespace discrecording {
 
-BurnRun::BurnRun(engine::DriveRef drive, BurnPlan plan)
+BurnProcess::BurnProcess(engine::DriveRef drive, BurnPlan plan)
     : job_(std::move(drive)), ejectWhenDone_(plan.ejectWhenDone), ejectWhenFailed_(plan.ejectWhenFailed) {
     if (auto started = job_.start(std::move(plan.layout), plan.options); !started.ok())
         refused_ = started.error();
     finisher_ = std::thread([this] { finish(); });
 }
 
-BurnRun::~BurnRun() {
+BurnProcess::~BurnProcess() {
     job_.abort();
     wait();
     if (finisher_.joinable()) finisher_.join();
 }
 
-void BurnRun::finish() {
+void BurnProcess::finish() {
     const engine::BurnStatus end = job_.wait();
     const bool eject = end.state == engine::BurnState::Done ? ejectWhenDone_ : ejectWhenFailed_;
     // A medium that can't be ejected (someone else keeps the drive) stays inside: the burn itself went as it
@@ -26,7 +26,7 @@ void BurnRun::finish() {
     settled_.notify_all();
 }
 
-engine::BurnStatus BurnRun::status() const {
+engine::BurnStatus BurnProcess::status() const {
     const bool settled = settled_; // before the status: what is final then stays final
     engine::BurnStatus status = job_.status();
     if (refused_ && !status.isFinal()) {
@@ -40,8 +40,8 @@ engine::BurnStatus BurnRun::status() const {
     return status;
 }
 
-void BurnRun::abort() { job_.abort(); }
+void BurnProcess::abort() { job_.abort(); }
 
-void BurnRun::wait() { settled_.wait(false); }
+void BurnProcess::wait() { settled_.wait(false); }
 
 } // namespace discrecording

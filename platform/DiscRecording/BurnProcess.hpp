@@ -1,4 +1,4 @@
-// BurnRun: a job of the engine, and what is done with the medium after it.
+// BurnProcess: a job of the engine, and what is done with the medium after it.
 #pragma once
 
 #include "BurnJob.hpp"
@@ -17,13 +17,13 @@ struct BurnPlan {
 };
 
 /// Starts at once. status() and abort() may be called from any thread.
-class BurnRun {
+class BurnProcess {
   public:
-    BurnRun(engine::DriveRef drive, BurnPlan plan);
-    BurnRun(const BurnRun&) = delete;
-    BurnRun& operator=(const BurnRun&) = delete;
+    BurnProcess(engine::DriveRef drive, BurnPlan plan);
+    BurnProcess(const BurnProcess&) = delete;
+    BurnProcess& operator=(const BurnProcess&) = delete;
     /// Ends a running burn and waits until the medium is consistent.
-    ~BurnRun();
+    ~BurnProcess();
 
     /// Done and Failed are told only when the medium has been ejected, if it is to be: who sees them may use
     /// the drive.
