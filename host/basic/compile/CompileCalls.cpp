@@ -13,7 +13,7 @@ std::string counted(size_t number) { return std::to_string(number) + (number == 
 
 size_t fewest(const Declaration& declaration) {
     size_t count = 0;
-    for (const Parameter& parameter : declaration.parameters) {
+    for (const host::Parameter& parameter : declaration.parameters) {
         if (!parameter.defaultValue) ++count;
     }
     return count;
@@ -77,7 +77,7 @@ CallArguments Compiler::bind(const Declaration& declaration, std::vector<Typed> 
     CallArguments made;
     const size_t offset = values.size() - trees.size(); // a receiver in front has no tree
     for (size_t i = 0; i < declaration.parameters.size(); ++i) {
-        const Parameter& parameter = declaration.parameters[i];
+        const host::Parameter& parameter = declaration.parameters[i];
         if (i >= values.size()) {
             if (parameter.defaultValue) made.add(std::make_unique<LiteralNode>(place, converted(*parameter.defaultValue, parameter.type, false, what)));
             continue;
@@ -287,6 +287,7 @@ Typed Compiler::arrayMethod(Typed list, const std::string& name, const std::vect
         case 'I': return {Kind::Int64, {}, false};
         case 'S': return {Kind::String, {}, false};
         case 'A': return self;
+        case 'B': return {Kind::Boolean, {}, false};
         default: return {};
         }
     };

@@ -1,5 +1,6 @@
 // Classes of a program: their members are declared to the runtime before any body is compiled.
 #include "CompilerState.hpp"
+#include "host/basic/run/LiveObjects.hpp"
 
 namespace host::basic {
 
@@ -82,8 +83,15 @@ void Compiler::define(PendingClass& pending) {
     if (!pending.initials.empty()) {
         pending.initializer = std::make_shared<Code>();
         pending.initializer->name = tree.name;
-        spec.initializer = [code = pending.initializer](REALobject self) { CodeBody{code}(self, {}); };
     }
+    spec.initializer = [code = pending.initializer](REALobject self) {
+        noteAlive(self);
+        if (code) CodeBody{code}(self, {});
+    };
+    spec.destructor = [code = pending.destructor](REALobject self) {
+        noteGone(self);
+        if (code) CodeBody{code}(self, {});
+    };
     try {
         pending.made = &defineClass(std::move(spec));
     } catch (const Exception& exception) {
@@ -133,10 +141,10 @@ void Compiler::addRoutine(PendingClass& pending, ClassSpec& spec, const ast::Rou
     code->isShared = routine.shared;
     code->declaration = declarationOf(routine);
     if (routine.kind == RoutineKind::destructor) {
-        if (spec.destructor) fail(routine.place, "A class has one Destructor.");
+        if (pending.destructor) fail(routine.place, "A class has one Destructor.");
         if (!routine.parameters.empty()) fail(routine.place, "A Destructor has no parameters.");
         if (pending.tree->module) fail(routine.place, "A module has no Destructor.");
-        spec.destructor = [code](REALobject self) { CodeBody{code}(self, {}); };
+        pending.destructor = code;
         pending.routines.push_back({&routine, code});
         return;
     }

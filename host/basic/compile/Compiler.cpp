@@ -157,7 +157,7 @@ void Compiler::compileBody(const ast::Routine& tree, Code& code) {
     scope.result = code.declaration.result;
     scope.blocks.emplace_back();
     scope_ = &scope;
-    for (const Parameter& parameter : code.declaration.parameters) {
+    for (const host::Parameter& parameter : code.declaration.parameters) {
         Variable variable;
         variable.type = parameter.type;
         variable.slot = scope.slotCount++;

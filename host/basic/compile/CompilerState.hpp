@@ -68,7 +68,7 @@ class Compiler {
         const ast::ClassDeclaration* tree;
         Class* made = nullptr;
         std::vector<Routine> routines;
-        std::shared_ptr<Code> initializer;
+        std::shared_ptr<Code> initializer, destructor;
         std::vector<Initial> initials, sharedInitials;
         bool visiting = false, done = false;
     };

@@ -29,7 +29,7 @@ bool isNativeNamespace(std::string_view lowerName);
 std::vector<std::string> nativeNames();
 
 /// A method that arrays have. Parameters: E element, I integer, S text, A array of the same kind; lower case: may be
-/// left out. Result: - none, E, I, S, A as above.
+/// left out. Result: - none, B boolean, E, I, S, A as above.
 struct ArrayMethod {
     const char* name;
     const char* parameters;

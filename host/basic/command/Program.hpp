@@ -1,0 +1,15 @@
+// Runs one program from its file to its exit status.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace host::basic {
+
+enum ExitStatus : int { kExitGood = 0, kExitUncaught = 1, kExitUnusable = 2, kExitInterrupted = 130, kExitTerminated = 143 };
+
+/// Reads, compiles and runs the program. What goes wrong is told on standard error.
+/// `listLeaks`: names the objects that are still alive when everything was dropped.
+int runProgram(const std::string& file, const std::vector<std::string>& arguments, bool listLeaks);
+
+} // namespace host::basic
