@@ -1,5 +1,9 @@
-# Foundation as GNUstep has it. gnustep::base is linked with --no-as-needed: code that reaches classes by name
-# only would otherwise lose the library, and every class would be nil without a word.
+# Foundation as GNUstep has it.
+
+# Code that reaches classes by name only names no symbol of their library. A linker that drops what looks unneeded
+# would lose it, and every class would be nil without a word.
+add_link_options(LINKER:--no-as-needed)
+
 find_program(GNUSTEP_CONFIG gnustep-config REQUIRED)
 execute_process(COMMAND ${GNUSTEP_CONFIG} --variable=GNUSTEP_SYSTEM_HEADERS
     OUTPUT_VARIABLE gnustep_headers OUTPUT_STRIP_TRAILING_WHITESPACE)
@@ -16,5 +20,4 @@ target_compile_definitions(gnustep_flags INTERFACE
 
 add_library(gnustep_base INTERFACE)
 add_library(gnustep::base ALIAS gnustep_base)
-target_link_libraries(gnustep_base INTERFACE gnustep_flags
-    "-Wl,--push-state,--no-as-needed" ${GNUSTEP_BASE} ${OBJC_RUNTIME} "-Wl,--pop-state")
+target_link_libraries(gnustep_base INTERFACE gnustep_flags ${GNUSTEP_BASE} ${OBJC_RUNTIME})

@@ -28,7 +28,7 @@ Class ClassBuilder::finish() {
 
 void* ivarStorage(Id object, const char* name) {
     if (!object) return nullptr;
-    const Ivar found = class_getInstanceVariable(object_getClass(object), name);
+    const Ivar found = class_getInstanceVariable(send<"class", Class>(object), name);
     if (!found) return nullptr;
     return reinterpret_cast<char*>(object) + ivar_getOffset(found);
 }

@@ -29,7 +29,6 @@ struct Super {
 extern "C" {
 Sel sel_registerName(const char* name);
 Class objc_getClass(const char* name);
-Class object_getClass(Id object);
 const char* class_getName(Class cls);
 Class class_getSuperclass(Class cls);
 Boolean class_respondsToSelector(Class cls, Sel selector);

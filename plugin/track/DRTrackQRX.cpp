@@ -25,7 +25,8 @@ REALobject trackForRootFolder(REALobject folder) {
 REALobject trackForRootFolder2(REALfolderItem folder) {
     return guarded([=] {
         CocoaInit();
-        return trackFor(objc::sendClass<"DRFolder", "folderWithPath:">(NewNSStringPath(folder)));
+        const objc::Id path = NewNSStringPath(folder);
+        return path ? trackFor(objc::sendClass<"DRFolder", "folderWithPath:">(path)) : nullptr;
     });
 }
 

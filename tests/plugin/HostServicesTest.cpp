@@ -253,18 +253,22 @@ TEST_F(StringData, AnyEncodingTakesTheBufferSizeFromTheCallersRecord) {
 }
 
 TEST_F(StringData, IsNotGivenForANullStringOrWithoutTheServicesItNeeds) {
-    harness::withdraw("StringGetCString");
+    harness::withdraw("REALLoadGlobalMethod");
     loadWithoutStringData();
     REALstringData record{};
     const String text("burn");
-    EXPECT_FALSE(REALGetStringData(text.get(), kREALEncodingUTF8, &record));
-    harness::restore("StringGetCString");
-    harness::withdraw("REALLoadGlobalMethod");
     EXPECT_FALSE(REALGetStringData(text.get(), kREALEncodingUTF8, &record)) << "there is no LenB";
     harness::restore("REALLoadGlobalMethod");
     EXPECT_FALSE(REALGetStringData(nullptr, kREALEncodingUTF8, &record));
     EXPECT_TRUE(REALGetStringData(text.get(), kREALEncodingUTF8, &record));
     REALDisposeStringData(&record);
+}
+
+TEST_F(StringData, IsNotGivenWithoutTheBytesOfAString) {
+    harness::withdraw("StringGetCString");
+    loadWithoutStringData();
+    REALstringData record{};
+    EXPECT_FALSE(REALGetStringData(String("burn").get(), kREALEncodingUTF8, &record));
 }
 
 } // namespace
