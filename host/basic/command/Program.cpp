@@ -36,19 +36,27 @@ int runMain(const Compiled& compiled, const Source& source) {
         } catch (const Exception&) { // it is the output that fails, and was told
         }
         const std::string message = exception.message();
-        tell(source.describe(place) + ": uncaught " + exception.className() + (message.empty() ? "" : ": " + message) + "\n" + source.excerpt(place));
+        tell(source.describe(place) + ": uncaught " + exception.className() +
+             (message.empty() ? "" : ": " + message) + "\n" + source.excerpt(place));
     } catch (const std::bad_alloc&) {
-        tell(source.describe(context.place) + ": the program needs more memory than there is.\n" + source.excerpt(context.place));
+        tell(source.describe(context.place) + ": the program needs more memory than there is.\n" +
+             source.excerpt(context.place));
     }
     return kExitUncaught;
 }
 
 int statusOf(int status) {
     switch (stop::cause()) {
-    case StopCause::quit: return stop::exitCode() & 0xFF;
-    case StopCause::interrupted: tell("Interrupted.\n"); return kExitInterrupted;
-    case StopCause::terminated: tell("Interrupted.\n"); return kExitTerminated;
-    default: return status;
+    case StopCause::quit:
+        return stop::exitCode() & 0xFF;
+    case StopCause::interrupted:
+        tell("Interrupted.\n");
+        return kExitInterrupted;
+    case StopCause::terminated:
+        tell("Interrupted.\n");
+        return kExitTerminated;
+    default:
+        return status;
     }
 }
 
@@ -61,13 +69,16 @@ int run(const std::string& file, bool listLeaks) {
     const Source source = readProgram(file);
     Diagnostics diagnostics;
     std::unique_ptr<Compiled> compiled;
+    bool parsed = false;
     {
         const ast::Program program = parse(source, diagnostics);
-        if (diagnostics.empty()) compiled = compile(program, source, diagnostics);
+        parsed = diagnostics.empty();
+        if (parsed) compiled = compile(program, source, diagnostics);
     }
     if (!compiled) {
         tell(diagnostics.render(source));
-        if (loadedPlugins().empty()) tell("No plug-in is loaded.\n");
+        if (parsed && loadedPlugins().empty())
+            tell("No plug-in is loaded, so there are no classes but the host's own.\n");
         return kExitUnusable;
     }
     int status = runMain(*compiled, source);

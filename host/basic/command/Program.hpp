@@ -6,7 +6,13 @@
 
 namespace host::basic {
 
-enum ExitStatus : int { kExitGood = 0, kExitUncaught = 1, kExitUnusable = 2, kExitInterrupted = 130, kExitTerminated = 143 };
+enum ExitStatus : int {
+    kExitGood = 0,
+    kExitUncaught = 1,
+    kExitUnusable = 2,
+    kExitInterrupted = 130,
+    kExitTerminated = 143
+};
 
 /// Reads, compiles and runs the program. What goes wrong is told on standard error.
 /// `listLeaks`: names the objects that are still alive when everything was dropped.

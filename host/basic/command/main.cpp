@@ -52,15 +52,21 @@ std::optional<std::string> readOptions(const std::vector<std::string>& words, Op
     bool hasCommand = false;
     for (size_t i = 0; i < words.size(); ++i) {
         const std::string& word = words[i];
-        if (word == "--help" || word == "-h") options.help = true;
-        else if (word == "--version") options.version = true;
-        else if (word == "--without-companion") options.withoutCompanion = true;
-        else if (word == "--without-plugins") options.withoutPlugins = true;
-        else if (word == "--leaks") options.leaks = true;
+        if (word == "--help" || word == "-h")
+            options.help = true;
+        else if (word == "--version")
+            options.version = true;
+        else if (word == "--without-companion")
+            options.withoutCompanion = true;
+        else if (word == "--without-plugins")
+            options.withoutPlugins = true;
+        else if (word == "--leaks")
+            options.leaks = true;
         else if (word == "--plugin") {
             if (i + 1 == words.size()) return "--plugin needs the file of a plug-in.";
             options.plugins.push_back(words[++i]);
-        } else if (word.starts_with("--plugin=")) options.plugins.push_back(word.substr(9));
+        } else if (word.starts_with("--plugin="))
+            options.plugins.push_back(word.substr(9));
         else if (word == "--") {
             options.rest.assign(words.begin() + static_cast<std::ptrdiff_t>(i) + 1, words.end());
             return {};
@@ -85,7 +91,8 @@ void loadPlugins(const Options& options) {
         const auto self = std::filesystem::read_symlink("/proc/self/exe", error);
         const auto folder = self.parent_path().parent_path() / "plugins";
         const auto add = [&](const char* name) {
-            if (!error && std::filesystem::exists(folder / name, error)) files.push_back((folder / name).string());
+            if (!error && std::filesystem::exists(folder / name, error))
+                files.push_back((folder / name).string());
         };
         add("DiscRecording.so");
         if (!options.withoutCompanion) add("Companion.so");
@@ -97,7 +104,8 @@ void loadPlugins(const Options& options) {
 }
 
 void listClass(const Class& listed) {
-    std::printf("%s%s%s\n", listed.name().c_str(), listed.superName().empty() ? "" : " inherits ", listed.superName().c_str());
+    std::printf("%s%s%s\n", listed.name().c_str(), listed.superName().empty() ? "" : " inherits ",
+                listed.superName().c_str());
     for (const Listed& one : listDeclarations(listed))
         std::printf("  %-16s %s\n", one.kind.c_str(), one.text.c_str());
 }
@@ -110,7 +118,8 @@ int list(const Options& options) {
     if (options.rest.size() == 1) {
         const Class* wanted = findClass(options.rest[0]);
         if (!wanted) {
-            std::fprintf(stderr, "There is no class %s; disc-basic list shows all of them.\n", options.rest[0].c_str());
+            std::fprintf(stderr, "There is no class %s; disc-basic list shows all of them.\n",
+                         options.rest[0].c_str());
             return kExitUnusable;
         }
         listClass(*wanted);
@@ -145,7 +154,9 @@ int start(const Options& options) {
         }
     }
     if (options.rest.empty()) {
-        std::fputs("Name a program to run: disc-basic PROGRAM [ARGUMENTS...]; disc-basic --help shows more.\n", stderr);
+        std::fputs(
+            "Name a program to run: disc-basic PROGRAM [ARGUMENTS...]; disc-basic --help shows more.\n",
+            stderr);
         return kExitUnusable;
     }
     return runProgram(options.rest[0], {options.rest.begin() + 1, options.rest.end()}, options.leaks);

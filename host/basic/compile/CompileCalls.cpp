@@ -9,7 +9,9 @@ namespace {
 
 const Type kVariantType{Kind::Variant, {}, false};
 
-std::string counted(size_t number) { return std::to_string(number) + (number == 1 ? " argument" : " arguments"); }
+std::string counted(size_t number) {
+    return std::to_string(number) + (number == 1 ? " argument" : " arguments");
+}
 
 size_t fewest(const Declaration& declaration) {
     size_t count = 0;
@@ -21,15 +23,18 @@ size_t fewest(const Declaration& declaration) {
 
 } // namespace
 
-std::vector<Typed> Compiler::argumentValues(const std::vector<ExpressionPtr>& trees, const Declaration* only) {
+std::vector<Typed> Compiler::argumentValues(const std::vector<ExpressionPtr>& trees,
+                                            const Declaration* only) {
     std::vector<Typed> made;
     for (size_t i = 0; i < trees.size(); ++i)
-        made.push_back(required(*trees[i], only && i < only->parameters.size() ? &only->parameters[i].type : nullptr));
+        made.push_back(
+            required(*trees[i], only && i < only->parameters.size() ? &only->parameters[i].type : nullptr));
     return made;
 }
 
-int Compiler::selectOverload(const std::vector<const Declaration*>& overloads, const std::vector<Typed>& arguments, bool dynamic,
-                             const std::string& what, Place place) {
+int Compiler::selectOverload(const std::vector<const Declaration*>& overloads,
+                             const std::vector<Typed>& arguments, bool dynamic, const std::string& what,
+                             Place place) {
     int best = -1, bestScore = INT32_MAX, viable = 0;
     for (size_t i = 0; i < overloads.size(); ++i) {
         const auto& parameters = overloads[i]->parameters;
@@ -65,21 +70,24 @@ int Compiler::selectOverload(const std::vector<const Declaration*>& overloads, c
     }
     std::string types;
     for (const Typed& argument : arguments)
-        types += (types.empty() ? "" : ", ") + (argument.type.kind == Kind::Nil ? "Nil" : argument.type.text());
+        types +=
+            (types.empty() ? "" : ", ") + (argument.type.kind == Kind::Nil ? "Nil" : argument.type.text());
     std::string known;
     for (size_t i = 0; i < overloads.size() && i < 6; ++i)
         known += (i == 0 ? " There is " : "; ") + overloads[i]->text();
     fail(place, "No '" + what + "' takes (" + types + ")." + known + ".");
 }
 
-CallArguments Compiler::bind(const Declaration& declaration, std::vector<Typed> values, const std::vector<ExpressionPtr>& trees,
-                             const std::string& what, Place place) {
+CallArguments Compiler::bind(const Declaration& declaration, std::vector<Typed> values,
+                             const std::vector<ExpressionPtr>& trees, const std::string& what, Place place) {
     CallArguments made;
     const size_t offset = values.size() - trees.size(); // a receiver in front has no tree
     for (size_t i = 0; i < declaration.parameters.size(); ++i) {
         const host::Parameter& parameter = declaration.parameters[i];
         if (i >= values.size()) {
-            if (parameter.defaultValue) made.add(std::make_unique<LiteralNode>(place, converted(*parameter.defaultValue, parameter.type, false, what)));
+            if (parameter.defaultValue)
+                made.add(std::make_unique<LiteralNode>(
+                    place, converted(*parameter.defaultValue, parameter.type, false, what)));
             continue;
         }
         const Place at = i >= offset ? trees[i - offset]->place : place;
@@ -87,11 +95,13 @@ CallArguments Compiler::bind(const Declaration& declaration, std::vector<Typed> 
             Type type;
             TargetPtr into = target(*trees[i - offset], type);
             if (!(type == parameter.type))
-                fail(at, "'" + parameter.name + "' of '" + what + "' is ByRef and needs a variable of type " + parameter.type.text() + ", not " + type.text() + ".");
+                fail(at, "'" + parameter.name + "' of '" + what + "' is ByRef and needs a variable of type " +
+                             parameter.type.text() + ", not " + type.text() + ".");
             made.add(std::move(values[i].node), std::move(into));
             continue;
         }
-        made.add(coerce(std::move(values[i]), parameter.type, at, "'" + parameter.name + "' of '" + what + "'"));
+        made.add(
+            coerce(std::move(values[i]), parameter.type, at, "'" + parameter.name + "' of '" + what + "'"));
     }
     return made;
 }
@@ -104,23 +114,32 @@ CallArguments Compiler::loose(std::vector<Typed> values) {
     return made;
 }
 
-// ---- names --------------------------------------------------------------------------------------------------
+// ---- names
+// --------------------------------------------------------------------------------------------------
 
 Typed Compiler::nameValue(const NameExpression& tree) {
     if (const Variable* variable = findVariable(tree.name)) return variableValue(tree.place, *variable);
     static const std::vector<ExpressionPtr> none;
     if (scope_->owner && !scope_->owner->find(tree.name).empty()) {
-        Resolved object{scope_->shared ? nullptr : std::make_unique<SelfNode>(tree.place), scope_->owner, false};
+        Resolved object{scope_->shared ? nullptr : std::make_unique<SelfNode>(tree.place), scope_->owner,
+                        false};
         return memberOf(std::move(object), tree.name, none, false, tree.place);
     }
-    if (const auto found = routines_.find(tree.name); found != routines_.end()) return routine(tree.place, found->second, tree.name, none);
+    if (const auto found = routines_.find(tree.name); found != routines_.end())
+        return routine(tree.place, found->second, tree.name, none);
     const std::string lower = lowerName(tree.name);
     if (!findNatives(lower).empty()) return native(tree.place, lower, {}, none);
-    if (lower == "array") return arrayOf(CallExpression(tree.place, std::make_unique<NameExpression>(tree.place, tree.name), {}), nullptr);
-    if (const Class* found = findType(tree.name)) fail(tree.place, "'" + found->name() + "' is a class, not a value.");
-    if (isNativeNamespace(lower)) fail(tree.place, "'" + tree.name + "' needs a member: " + tree.name + ".Name.");
+    if (lower == "array")
+        return arrayOf(
+            CallExpression(tree.place, std::make_unique<NameExpression>(tree.place, tree.name), {}), nullptr);
+    if (const Class* found = findType(tree.name))
+        fail(tree.place, "'" + found->name() + "' is a class, not a value.");
+    if (isNativeNamespace(lower))
+        fail(tree.place, "'" + tree.name + "' needs a member: " + tree.name + ".Name.");
     const auto globals = findGlobal(tree.name);
-    if (!globals.empty()) return {std::make_unique<CallSharedNode>(tree.place, globals.front(), CallArguments{}), globals.front()->declaration.result};
+    if (!globals.empty())
+        return {std::make_unique<CallSharedNode>(tree.place, globals.front(), CallArguments{}),
+                globals.front()->declaration.result};
 
     std::vector<std::string> known = nativeNames();
     for (const auto& block : scope_->blocks) {
@@ -136,9 +155,12 @@ Typed Compiler::nameValue(const NameExpression& tree) {
 
 Typed Compiler::call(const CallExpression& tree, const Type* wanted) {
     switch (tree.callee->kind) {
-    case ExpressionKind::name: return callName(static_cast<const NameExpression&>(*tree.callee), tree, wanted);
-    case ExpressionKind::member: return member(static_cast<const MemberExpression&>(*tree.callee), tree.arguments, true);
-    default: return element(required(*tree.callee), tree.arguments, tree.place);
+    case ExpressionKind::name:
+        return callName(static_cast<const NameExpression&>(*tree.callee), tree, wanted);
+    case ExpressionKind::member:
+        return member(static_cast<const MemberExpression&>(*tree.callee), tree.arguments, true);
+    default:
+        return element(required(*tree.callee), tree.arguments, tree.place);
     }
 }
 
@@ -147,14 +169,17 @@ Typed Compiler::callName(const NameExpression& callee, const CallExpression& tre
     const auto& arguments = tree.arguments;
     if (const Variable* variable = findVariable(name)) {
         if (!variable->type.array && !isVariant(variable->type))
-            fail(callee.place, "'" + name + "' is " + described(variable->type) + ", not an array or a function.");
+            fail(callee.place,
+                 "'" + name + "' is " + described(variable->type) + ", not an array or a function.");
         return element(variableValue(callee.place, *variable), arguments, callee.place);
     }
     if (scope_->owner && !scope_->owner->find(name).empty()) {
-        Resolved object{scope_->shared ? nullptr : std::make_unique<SelfNode>(callee.place), scope_->owner, false};
+        Resolved object{scope_->shared ? nullptr : std::make_unique<SelfNode>(callee.place), scope_->owner,
+                        false};
         return memberOf(std::move(object), name, arguments, true, callee.place);
     }
-    if (const auto found = routines_.find(name); found != routines_.end()) return routine(callee.place, found->second, name, arguments);
+    if (const auto found = routines_.find(name); found != routines_.end())
+        return routine(callee.place, found->second, name, arguments);
     const std::string lower = lowerName(name);
     if (lower == "array") return arrayOf(tree, wanted);
     if (isArrayMethod(lower) && !arguments.empty()) {
@@ -163,38 +188,51 @@ Typed Compiler::callName(const NameExpression& callee, const CallExpression& tre
     }
     if (!findNatives(lower).empty()) {
         const auto overloads = findNatives(lower);
-        return native(callee.place, lower, argumentValues(arguments, overloads.size() == 1 ? &overloads[0].declaration : nullptr), arguments);
+        return native(callee.place, lower,
+                      argumentValues(arguments, overloads.size() == 1 ? &overloads[0].declaration : nullptr),
+                      arguments);
     }
     const Type named = typeNamed(name);
     if (named.kind != Kind::Object || isAnyObject(named) || findType(name)) {
-        if (arguments.size() != 1) fail(callee.place, "The conversion " + name + "(value) takes 1 argument, not " + std::to_string(arguments.size()) + ".");
+        if (arguments.size() != 1)
+            fail(callee.place, "The conversion " + name + "(value) takes 1 argument, not " +
+                                   std::to_string(arguments.size()) + ".");
         Typed value = required(*arguments[0]);
         if (named.kind != Kind::Object) {
-            if (value.type.array || value.type.kind == Kind::Object || value.type.kind == Kind::Nil) fail(callee.place, "This is " + described(value.type) + ", which can't become " + described(named) + ".");
-            return {std::make_unique<ConvertNode>(callee.place, std::move(value.node), named, true, "The value"), named};
+            if (value.type.array || value.type.kind == Kind::Object || value.type.kind == Kind::Nil)
+                fail(callee.place,
+                     "This is " + described(value.type) + ", which can't become " + described(named) + ".");
+            return {
+                std::make_unique<ConvertNode>(callee.place, std::move(value.node), named, true, "The value"),
+                named};
         }
         if (isAnyObject(named)) return {coerce(std::move(value), named, callee.place, "The value"), named};
         Class* wantedClass = findType(name);
         const Type type{Kind::Object, wantedClass->name(), false};
         if (typeFit(value.type, type) < 0 && typeFit(type, value.type) < 0)
-            fail(callee.place, "This is " + described(value.type) + " and can never be " + described(type) + ".");
+            fail(callee.place,
+                 "This is " + described(value.type) + " and can never be " + described(type) + ".");
         return {std::make_unique<CastNode>(callee.place, std::move(value.node), wantedClass), type};
     }
     const auto globals = findGlobal(name);
     if (!globals.empty()) {
-        CallArguments bound = bind(globals.front()->declaration, argumentValues(arguments), arguments, name, callee.place);
-        return {std::make_unique<CallSharedNode>(callee.place, globals.front(), std::move(bound)), globals.front()->declaration.result};
+        CallArguments bound =
+            bind(globals.front()->declaration, argumentValues(arguments), arguments, name, callee.place);
+        return {std::make_unique<CallSharedNode>(callee.place, globals.front(), std::move(bound)),
+                globals.front()->declaration.result};
     }
     return nameValue(callee); // reports the name
 }
 
-Typed Compiler::routine(Place place, const std::vector<Routine>& overloads, const std::string& name, const std::vector<ExpressionPtr>& arguments) {
+Typed Compiler::routine(Place place, const std::vector<Routine>& overloads, const std::string& name,
+                        const std::vector<ExpressionPtr>& arguments) {
     std::vector<const Declaration*> declarations;
     for (const Routine& one : overloads) {
         if (!one.code->declaration.isAssigning()) declarations.push_back(&one.code->declaration);
     }
     if (declarations.empty()) fail(place, "'" + name + "' can only be assigned to.");
-    std::vector<Typed> values = argumentValues(arguments, declarations.size() == 1 ? declarations[0] : nullptr);
+    std::vector<Typed> values =
+        argumentValues(arguments, declarations.size() == 1 ? declarations[0] : nullptr);
     const int chosen = selectOverload(declarations, values, false, name, place);
     const Declaration& declaration = *declarations[static_cast<size_t>(chosen)];
     const Code* code = nullptr;
@@ -223,8 +261,8 @@ struct CodeTarget final : Target {
 
 } // namespace
 
-TargetPtr Compiler::routineTarget(const std::vector<Routine>& overloads, const std::string& name, const std::vector<ExpressionPtr>& arguments,
-                                  Place place, Type& type) {
+TargetPtr Compiler::routineTarget(const std::vector<Routine>& overloads, const std::string& name,
+                                  const std::vector<ExpressionPtr>& arguments, Place place, Type& type) {
     for (const Routine& one : overloads) {
         const Declaration& declaration = one.code->declaration;
         if (!declaration.isAssigning() || declaration.parameters.size() != arguments.size() + 1) continue;
@@ -232,16 +270,20 @@ TargetPtr Compiler::routineTarget(const std::vector<Routine>& overloads, const s
         made->place = place;
         made->code = one.code.get();
         for (size_t i = 0; i < arguments.size(); ++i)
-            made->arguments.add(valueFor(*arguments[i], declaration.parameters[i].type, "'" + declaration.parameters[i].name + "' of '" + name + "'"));
+            made->arguments.add(valueFor(*arguments[i], declaration.parameters[i].type,
+                                         "'" + declaration.parameters[i].name + "' of '" + name + "'"));
         type = declaration.parameters.back().type;
         return made;
     }
-    fail(place, "'" + name + "' can't be assigned to: it has no Assigns parameter after " + counted(arguments.size()) + ".");
+    fail(place, "'" + name + "' can't be assigned to: it has no Assigns parameter after " +
+                    counted(arguments.size()) + ".");
 }
 
 Typed Compiler::element(Typed list, const std::vector<ExpressionPtr>& arguments, Place place) {
-    if (!list.type.array && !isVariant(list.type)) fail(place, "Only arrays have elements; this is " + described(list.type) + ".");
-    if (arguments.size() != 1) fail(place, "An element is chosen by one index, not by " + std::to_string(arguments.size()) + ".");
+    if (!list.type.array && !isVariant(list.type))
+        fail(place, "Only arrays have elements; this is " + described(list.type) + ".");
+    if (arguments.size() != 1)
+        fail(place, "An element is chosen by one index, not by " + std::to_string(arguments.size()) + ".");
     NodePtr index = valueFor(*arguments[0], {Kind::Int64, {}, false}, "An index");
     const Type type = list.type.array ? list.type.element() : kVariantType;
     return {std::make_unique<IndexNode>(place, std::move(list.node), std::move(index)), type};
@@ -255,26 +297,34 @@ Typed Compiler::arrayOf(const CallExpression& tree, const Type* wanted) {
     } else if (!values.empty()) {
         element = values[0].type;
         for (const Typed& value : values) {
-            if (typeFit(value.type, element) >= 0 && !isVariant(value.type) && !(isNumber(element) && isNumber(value.type))) continue;
-            if (isNumber(element) && isNumber(value.type)) element = value.type == element ? element : arithmeticType(element, value.type);
-            else if (typeFit(element, value.type) >= 0 && !isVariant(element)) element = value.type;
-            else element = kVariantType;
+            if (typeFit(value.type, element) >= 0 && !isVariant(value.type) &&
+                !(isNumber(element) && isNumber(value.type)))
+                continue;
+            if (isNumber(element) && isNumber(value.type))
+                element = value.type == element ? element : arithmeticType(element, value.type);
+            else if (typeFit(element, value.type) >= 0 && !isVariant(element))
+                element = value.type;
+            else
+                element = kVariantType;
         }
         if (element.kind == Kind::Nil || element.array) element = kVariantType;
     }
     auto made = std::make_unique<ArrayNode>(tree.place, element);
     for (size_t i = 0; i < values.size(); ++i)
-        made->elements.push_back(coerce(std::move(values[i]), element, tree.arguments[i]->place, "An element"));
+        made->elements.push_back(
+            coerce(std::move(values[i]), element, tree.arguments[i]->place, "An element"));
     Type type = element;
     type.array = true;
     return {std::move(made), type};
 }
 
-Typed Compiler::arrayMethod(Typed list, const std::string& name, const std::vector<ExpressionPtr>& arguments, size_t from, Place place) {
+Typed Compiler::arrayMethod(Typed list, const std::string& name, const std::vector<ExpressionPtr>& arguments,
+                            size_t from, Place place) {
     const size_t count = arguments.size() - from;
     const ArrayMethod* method = findArrayMethod(lowerName(name), count);
     if (!method) {
-        if (isArrayMethod(lowerName(name))) fail(place, "An array's '" + name + "' does not take " + counted(count) + ".");
+        if (isArrayMethod(lowerName(name)))
+            fail(place, "An array's '" + name + "' does not take " + counted(count) + ".");
         fail(place, "An array has no '" + name + "'.");
     }
     const Type element = list.type.element();
@@ -283,23 +333,31 @@ Typed Compiler::arrayMethod(Typed list, const std::string& name, const std::vect
     bound.add(std::move(list.node));
     const auto typeFor = [&](char letter) -> Type {
         switch (letter & ~0x20) {
-        case 'E': return element;
-        case 'I': return {Kind::Int64, {}, false};
-        case 'S': return {Kind::String, {}, false};
-        case 'A': return self;
-        case 'B': return {Kind::Boolean, {}, false};
-        default: return {};
+        case 'E':
+            return element;
+        case 'I':
+            return {Kind::Int64, {}, false};
+        case 'S':
+            return {Kind::String, {}, false};
+        case 'A':
+            return self;
+        case 'B':
+            return {Kind::Boolean, {}, false};
+        default:
+            return {};
         }
     };
     for (size_t i = 0; i < count; ++i)
-        bound.add(valueFor(*arguments[from + i], typeFor(method->parameters[i]), "The argument of '" + name + "'"));
+        bound.add(
+            valueFor(*arguments[from + i], typeFor(method->parameters[i]), "The argument of '" + name + "'"));
     Type result = typeFor(method->result);
     if (method->result == 'I') result.kind = Kind::Int32;
     if (method->result == '-') result = {};
     return {std::make_unique<CallNativeNode>(place, method->function, std::move(bound)), result};
 }
 
-Typed Compiler::native(Place place, const std::string& lower, std::vector<Typed> values, const std::vector<ExpressionPtr>& trees) {
+Typed Compiler::native(Place place, const std::string& lower, std::vector<Typed> values,
+                       const std::vector<ExpressionPtr>& trees) {
     const auto overloads = findNatives(lower);
     std::vector<const Declaration*> declarations;
     for (const NativeFunction& one : overloads) {
@@ -308,9 +366,11 @@ Typed Compiler::native(Place place, const std::string& lower, std::vector<Typed>
             for (size_t i = 0; i < values.size(); ++i) {
                 const auto& parameters = one.declaration.parameters;
                 const Type& type = i < parameters.size() ? parameters[i].type : kVariantType;
-                bound.add(coerce(std::move(values[i]), type, trees[i]->place, "An argument of '" + one.name + "'"));
+                bound.add(
+                    coerce(std::move(values[i]), type, trees[i]->place, "An argument of '" + one.name + "'"));
             }
-            return {std::make_unique<CallNativeNode>(place, one.function, std::move(bound)), one.declaration.result};
+            return {std::make_unique<CallNativeNode>(place, one.function, std::move(bound)),
+                    one.declaration.result};
         }
         if (!one.declaration.isAssigning()) declarations.push_back(&one.declaration);
     }
@@ -320,7 +380,8 @@ Typed Compiler::native(Place place, const std::string& lower, std::vector<Typed>
     for (const NativeFunction& one : overloads) {
         if (&one.declaration != declarations[chosen]) continue;
         CallArguments bound = bind(one.declaration, std::move(values), trees, name, place);
-        return {std::make_unique<CallNativeNode>(place, one.function, std::move(bound)), one.declaration.result};
+        return {std::make_unique<CallNativeNode>(place, one.function, std::move(bound)),
+                one.declaration.result};
     }
     fail(place, "'" + name + "' can't be called.");
 }

@@ -8,9 +8,12 @@ namespace {
 
 Scope scopeOf(ast::Access access) {
     switch (access) {
-    case ast::Access::classOnly: return Scope::Private;
-    case ast::Access::family: return Scope::Protected;
-    default: return Scope::Public;
+    case ast::Access::classOnly:
+        return Scope::Private;
+    case ast::Access::family:
+        return Scope::Protected;
+    default:
+        return Scope::Public;
     }
 }
 
@@ -111,7 +114,8 @@ void Compiler::addProperty(PendingClass& pending, ClassSpec& spec, const ast::Pr
     member.shared = property.shared;
     member.scope = scopeOf(property.access);
     for (const MemberSpec& other : spec.members) {
-        if (sameName(other.declaration.name, property.name)) fail(property.place, "The class has two members with the name '" + property.name + "'.");
+        if (sameName(other.declaration.name, property.name))
+            fail(property.place, "The class has two members with the name '" + property.name + "'.");
     }
     const auto accessor = [&](const ast::Routine& tree) {
         auto code = std::make_shared<Code>();
@@ -166,7 +170,8 @@ void Compiler::addRoutine(PendingClass& pending, ClassSpec& spec, const ast::Rou
     spec.members.push_back(std::move(member));
 }
 
-void Compiler::checkEvent(const ClassSpec& spec, const ast::Routine& routine, const Declaration& declaration) {
+void Compiler::checkEvent(const ClassSpec& spec, const ast::Routine& routine,
+                          const Declaration& declaration) {
     const Class* super = spec.superName.empty() ? nullptr : findClass(spec.superName);
     const Member* event = super ? super->event(routine.name) : nullptr;
     if (!event) {
@@ -176,20 +181,26 @@ void Compiler::checkEvent(const ClassSpec& spec, const ast::Routine& routine, co
                 if (member->kind == MemberKind::Event) known.push_back(member->declaration.name);
             }
         }
-        fail(routine.place, "No superclass declares the event '" + routine.name + "'" + suggestion(routine.name, known) + ".");
+        fail(routine.place, "No superclass declares the event '" + routine.name + "'" +
+                                suggestion(routine.name, known) + ".");
     }
     const auto& wanted = event->declaration.parameters;
-    bool same = wanted.size() == declaration.parameters.size() && event->declaration.result == declaration.result;
+    bool same =
+        wanted.size() == declaration.parameters.size() && event->declaration.result == declaration.result;
     for (size_t i = 0; same && i < wanted.size(); ++i)
-        same = wanted[i].type == declaration.parameters[i].type && wanted[i].byRef == declaration.parameters[i].byRef;
-    if (!same) fail(routine.place, "The event is declared as '" + event->declaration.text() + "'; its parameters and result must have the same types here.");
+        same = wanted[i].type == declaration.parameters[i].type &&
+               wanted[i].byRef == declaration.parameters[i].byRef;
+    if (!same)
+        fail(routine.place, "The event is declared as '" + event->declaration.text() +
+                                "'; its parameters and result must have the same types here.");
 }
 
 ActionPtr Compiler::initialAction(const Initial& initial, Class& owner, bool shared) {
     const ast::PropertyDeclaration& tree = *initial.tree;
     const Member* member = nullptr;
     for (const auto& one : owner.members()) {
-        if (one->kind == MemberKind::Property && sameName(one->declaration.name, initial.name)) member = one.get();
+        if (one->kind == MemberKind::Property && sameName(one->declaration.name, initial.name))
+            member = one.get();
     }
     if (!member) fail(tree.place, "The property '" + tree.name + "' could not be declared.");
     const Type& type = member->declaration.result;
@@ -202,7 +213,8 @@ ActionPtr Compiler::initialAction(const Initial& initial, Class& owner, bool sha
         value = initialValue(tree.place, type, tree.bounds);
     }
     NodePtr object = shared ? nullptr : std::make_unique<SelfNode>(tree.place);
-    auto target = std::make_unique<PropertyTarget>(tree.place, std::move(object), member, CallArguments{}, true);
+    auto target =
+        std::make_unique<PropertyTarget>(tree.place, std::move(object), member, CallArguments{}, true);
     return std::make_unique<AssignAction>(tree.place, std::move(target), std::move(value));
 }
 

@@ -18,17 +18,28 @@ Typed literal(Place place, Value value) {
 
 const char* symbolOf(Operator op) {
     switch (op) {
-    case Operator::add: return "+";
-    case Operator::subtract: return "-";
-    case Operator::multiply: return "*";
-    case Operator::divide: return "/";
-    case Operator::integerDivide: return "\\";
-    case Operator::modulo: return "Mod";
-    case Operator::power: return "^";
-    case Operator::logicalAnd: return "And";
-    case Operator::logicalOr: return "Or";
-    case Operator::logicalXor: return "Xor";
-    default: return "this operator";
+    case Operator::add:
+        return "+";
+    case Operator::subtract:
+        return "-";
+    case Operator::multiply:
+        return "*";
+    case Operator::divide:
+        return "/";
+    case Operator::integerDivide:
+        return "\\";
+    case Operator::modulo:
+        return "Mod";
+    case Operator::power:
+        return "^";
+    case Operator::logicalAnd:
+        return "And";
+    case Operator::logicalOr:
+        return "Or";
+    case Operator::logicalXor:
+        return "Xor";
+    default:
+        return "this operator";
     }
 }
 
@@ -50,20 +61,34 @@ Typed Compiler::expression(const Expression& tree, const Type* wanted) {
         if (value <= INT64_MAX) return literal(tree.place, Value(static_cast<int64_t>(value)));
         return literal(tree.place, Value(value));
     }
-    case ExpressionKind::real: return literal(tree.place, Value(static_cast<const RealLiteral&>(tree).value));
-    case ExpressionKind::text: return literal(tree.place, Value(static_cast<const TextLiteral&>(tree).value));
-    case ExpressionKind::boolean: return literal(tree.place, Value(static_cast<const BooleanLiteral&>(tree).value));
-    case ExpressionKind::nil: return {std::make_unique<LiteralNode>(tree.place, Value()), {Kind::Nil, {}, false}};
-    case ExpressionKind::name: return nameValue(static_cast<const NameExpression&>(tree));
-    case ExpressionKind::member: return member(static_cast<const MemberExpression&>(tree), {}, false);
-    case ExpressionKind::call: return call(static_cast<const CallExpression&>(tree), wanted);
-    case ExpressionKind::make: return makeNew(static_cast<const NewExpression&>(tree));
-    case ExpressionKind::unary: return unary(static_cast<const UnaryExpression&>(tree));
-    case ExpressionKind::binary: return binary(static_cast<const BinaryExpression&>(tree));
-    case ExpressionKind::isA: return isA(static_cast<const IsAExpression&>(tree));
-    case ExpressionKind::self: return selfValue(tree.place);
-    case ExpressionKind::choose: return choose(static_cast<const ChooseExpression&>(tree));
-    case ExpressionKind::super: break;
+    case ExpressionKind::real:
+        return literal(tree.place, Value(static_cast<const RealLiteral&>(tree).value));
+    case ExpressionKind::text:
+        return literal(tree.place, Value(static_cast<const TextLiteral&>(tree).value));
+    case ExpressionKind::boolean:
+        return literal(tree.place, Value(static_cast<const BooleanLiteral&>(tree).value));
+    case ExpressionKind::nil:
+        return {std::make_unique<LiteralNode>(tree.place, Value()), {Kind::Nil, {}, false}};
+    case ExpressionKind::name:
+        return nameValue(static_cast<const NameExpression&>(tree));
+    case ExpressionKind::member:
+        return member(static_cast<const MemberExpression&>(tree), {}, false);
+    case ExpressionKind::call:
+        return call(static_cast<const CallExpression&>(tree), wanted);
+    case ExpressionKind::make:
+        return makeNew(static_cast<const NewExpression&>(tree));
+    case ExpressionKind::unary:
+        return unary(static_cast<const UnaryExpression&>(tree));
+    case ExpressionKind::binary:
+        return binary(static_cast<const BinaryExpression&>(tree));
+    case ExpressionKind::isA:
+        return isA(static_cast<const IsAExpression&>(tree));
+    case ExpressionKind::self:
+        return selfValue(tree.place);
+    case ExpressionKind::choose:
+        return choose(static_cast<const ChooseExpression&>(tree));
+    case ExpressionKind::super:
+        break;
     }
     fail(tree.place, "'Super' needs a member: write Super.Name.");
 }
@@ -81,9 +106,12 @@ const Variable* Compiler::findVariable(std::string_view name) const {
 
 Typed Compiler::variableValue(Place place, const Variable& variable) {
     switch (variable.where) {
-    case Variable::Where::local: return {std::make_unique<LocalNode>(place, variable.slot), variable.type};
-    case Variable::Where::global: return {std::make_unique<GlobalNode>(place, variable.global), variable.type};
-    default: return {std::make_unique<LiteralNode>(place, variable.value), variable.type, true};
+    case Variable::Where::local:
+        return {std::make_unique<LocalNode>(place, variable.slot), variable.type};
+    case Variable::Where::global:
+        return {std::make_unique<GlobalNode>(place, variable.global), variable.type};
+    default:
+        return {std::make_unique<LiteralNode>(place, variable.value), variable.type, true};
     }
 }
 
@@ -92,7 +120,8 @@ Typed Compiler::selfValue(Place place) {
     return {std::make_unique<SelfNode>(place), {Kind::Object, scope_->owner->name(), false}};
 }
 
-// A node whose parts are all constant is computed now; what fails here fails again, with its place, when it runs.
+// A node whose parts are all constant is computed now; what fails here fails again, with its place, when it
+// runs.
 Typed Compiler::folded(Typed made) {
     if (!made.constant) return made;
     Frame frame{Context::ofThisThread(), nullptr, nullptr, Value(), 0};
@@ -113,9 +142,13 @@ Typed Compiler::unary(const UnaryExpression& tree) {
     const bool number = isNumber(operand.type) || isVariant(operand.type);
     const bool truth = isBoolean(operand.type) || isInteger(operand.type) || isVariant(operand.type);
     if (tree.op == Operator::logicalNot ? !truth : !number)
-        fail(tree.place, std::string(tree.op == Operator::logicalNot ? "Not takes a Boolean or an integer" : "A sign takes a number") + ", not " + described(operand.type) + ".");
+        fail(tree.place, std::string(tree.op == Operator::logicalNot ? "Not takes a Boolean or an integer"
+                                                                     : "A sign takes a number") +
+                             ", not " + described(operand.type) + ".");
     Typed made;
-    made.type = tree.op == Operator::negate && isInteger(operand.type) ? arithmeticType(operand.type, operand.type) : operand.type;
+    made.type = tree.op == Operator::negate && isInteger(operand.type)
+                    ? arithmeticType(operand.type, operand.type)
+                    : operand.type;
     if (tree.op == Operator::negate && made.type.kind == Kind::UInt64) made.type.kind = Kind::Int64;
     made.constant = operand.constant;
     made.loose = operand.loose || tree.op == Operator::negate;
@@ -133,8 +166,9 @@ void Compiler::flattenJoin(const Expression& tree, std::vector<NodePtr>& parts) 
         }
     }
     Typed part = required(tree);
-    const bool shown = isText(part.type) || isNumber(part.type) || isBoolean(part.type) || isVariant(part.type) ||
-                       (part.type.kind == Kind::Object && !part.type.array && sameName(part.type.className, "Date"));
+    const bool shown =
+        isText(part.type) || isNumber(part.type) || isBoolean(part.type) || isVariant(part.type) ||
+        (part.type.kind == Kind::Object && !part.type.array && sameName(part.type.className, "Date"));
     if (!shown) fail(tree.place, "& joins texts and numbers, not " + described(part.type) + ".");
     parts.push_back(std::move(part.node));
 }
@@ -159,7 +193,8 @@ Typed Compiler::combine(Operator op, Typed left, Typed right, Place place) {
     const bool constant = left.constant && right.constant;
     const bool variant = isVariant(left.type) || isVariant(right.type);
     const auto mismatch = [&](const std::string& advice) {
-        fail(place, std::string("'") + symbolOf(op) + "' " + advice + ", not " + described(left.type) + " and " + described(right.type) + ".");
+        fail(place, std::string("'") + symbolOf(op) + "' " + advice + ", not " + described(left.type) +
+                        " and " + described(right.type) + ".");
     };
     Typed made;
     made.constant = constant;
@@ -172,7 +207,8 @@ Typed Compiler::combine(Operator op, Typed left, Typed right, Place place) {
     if (op == Operator::join) {
         std::vector<NodePtr> parts;
         for (const Typed* part : {&left, &right}) {
-            if (part->type.array || part->type.kind == Kind::Object || part->type.kind == Kind::Nil) mismatch("joins texts and numbers");
+            if (part->type.array || part->type.kind == Kind::Object || part->type.kind == Kind::Nil)
+                mismatch("joins texts and numbers");
         }
         parts.push_back(std::move(left.node));
         parts.push_back(std::move(right.node));
@@ -181,8 +217,11 @@ Typed Compiler::combine(Operator op, Typed left, Typed right, Place place) {
     if (op == Operator::logicalAnd || op == Operator::logicalOr || op == Operator::logicalXor) {
         const bool booleans = isBoolean(left.type) && isBoolean(right.type);
         const bool integers = isInteger(left.type) && isInteger(right.type);
-        const auto possible = [](const Type& type) { return isVariant(type) || isBoolean(type) || isInteger(type); };
-        if (!booleans && !integers && !(variant && possible(left.type) && possible(right.type))) mismatch("takes two Booleans or two integers");
+        const auto possible = [](const Type& type) {
+            return isVariant(type) || isBoolean(type) || isInteger(type);
+        };
+        if (!booleans && !integers && !(variant && possible(left.type) && possible(right.type)))
+            mismatch("takes two Booleans or two integers");
         made.type = booleans ? kBooleanType : integers ? arithmeticType(left.type, right.type) : kVariantType;
         made.loose = integers;
         made.node = std::make_unique<LogicalNode>(place, op, std::move(left.node), std::move(right.node));
@@ -191,12 +230,16 @@ Typed Compiler::combine(Operator op, Typed left, Typed right, Place place) {
     if (op == Operator::add && isText(left.type) && isText(right.type)) {
         made.type = kStringType;
     } else if (isNumber(left.type) && isNumber(right.type)) {
-        made.type = op == Operator::divide ? Type{Kind::Double, {}, false} : arithmeticType(left.type, right.type);
+        made.type =
+            op == Operator::divide ? Type{Kind::Double, {}, false} : arithmeticType(left.type, right.type);
         made.loose = true;
     } else {
-        const auto possible = [&](const Type& type) { return isVariant(type) || isNumber(type) || (op == Operator::add && isText(type)); };
+        const auto possible = [&](const Type& type) {
+            return isVariant(type) || isNumber(type) || (op == Operator::add && isText(type));
+        };
         if (!variant || !possible(left.type) || !possible(right.type))
-            mismatch(op == Operator::add ? "adds two numbers or joins two texts (use & to join others)" : "takes two numbers");
+            mismatch(op == Operator::add ? "adds two numbers or joins two texts (use & to join others)"
+                                         : "takes two numbers");
         made.type = kVariantType;
     }
     made.node = std::make_unique<ArithmeticNode>(place, op, std::move(left.node), std::move(right.node));
@@ -204,20 +247,31 @@ Typed Compiler::combine(Operator op, Typed left, Typed right, Place place) {
 }
 
 void Compiler::checkComparable(Operator op, const Type& left, const Type& right, Place place) {
-    const auto isReference = [](const Type& type) { return type.array || type.kind == Kind::Object || type.kind == Kind::Nil; };
+    const auto isReference = [](const Type& type) {
+        return type.array || type.kind == Kind::Object || type.kind == Kind::Nil;
+    };
     const bool identity = op == Operator::equal || op == Operator::notEqual || op == Operator::is;
     bool good = isVariant(left) || isVariant(right);
-    if (op == Operator::is) good = (isVariant(left) || isReference(left)) && (isVariant(right) || isReference(right));
-    else good = good || (isNumber(left) && isNumber(right)) || (isText(left) && isText(right));
-    if (identity) good = good || (isReference(left) && isReference(right)) || (op != Operator::is && isBoolean(left) && isBoolean(right));
-    const auto isDate = [](const Type& type) { return type.kind == Kind::Object && !type.array && sameName(type.className, "Date"); };
+    if (op == Operator::is)
+        good = (isVariant(left) || isReference(left)) && (isVariant(right) || isReference(right));
+    else
+        good = good || (isNumber(left) && isNumber(right)) || (isText(left) && isText(right));
+    if (identity)
+        good = good || (isReference(left) && isReference(right)) ||
+               (op != Operator::is && isBoolean(left) && isBoolean(right));
+    const auto isDate = [](const Type& type) {
+        return type.kind == Kind::Object && !type.array && sameName(type.className, "Date");
+    };
     good = good || (isDate(left) && isDate(right));
-    if (!good) fail(place, "These can't be compared" + std::string(op == Operator::is ? " with Is" : "") + ": " + described(left) + " and " + described(right) + ".");
+    if (!good)
+        fail(place, "These can't be compared" + std::string(op == Operator::is ? " with Is" : "") + ": " +
+                        described(left) + " and " + described(right) + ".");
 }
 
 Typed Compiler::isA(const IsAExpression& tree) {
     Typed operand = required(*tree.operand);
-    if (isNumber(operand.type) || isText(operand.type) || isBoolean(operand.type)) fail(tree.place, "IsA asks for the class of an object, not of " + described(operand.type) + ".");
+    if (isNumber(operand.type) || isText(operand.type) || isBoolean(operand.type))
+        fail(tree.place, "IsA asks for the class of an object, not of " + described(operand.type) + ".");
     Class& wanted = classNamed(tree.type);
     return {std::make_unique<IsANode>(tree.place, std::move(operand.node), &wanted), kBooleanType};
 }
@@ -231,10 +285,12 @@ Typed Compiler::choose(const ChooseExpression& tree) {
     if (isNumber(yes.type) && isNumber(no.type)) type = arithmeticType(yes.type, no.type);
     if (isVariant(yes.type) || isVariant(no.type)) type = kVariantType;
     if (typeFit(yes.type, type) < 0 || typeFit(no.type, type) < 0)
-        fail(tree.place, "The two values of If have types that do not go together: " + described(yes.type) + " and " + described(no.type) + ".");
+        fail(tree.place, "The two values of If have types that do not go together: " + described(yes.type) +
+                             " and " + described(no.type) + ".");
     NodePtr first = coerce(std::move(yes), type, tree.yes->place, "The value of If");
     NodePtr second = coerce(std::move(no), type, tree.no->place, "The value of If");
-    return {std::make_unique<ChooseNode>(tree.place, std::move(test), std::move(first), std::move(second)), type};
+    return {std::make_unique<ChooseNode>(tree.place, std::move(test), std::move(first), std::move(second)),
+            type};
 }
 
 NodePtr Compiler::valueFor(const Expression& tree, const Type& type, const std::string& what) {
@@ -245,13 +301,17 @@ NodePtr Compiler::coerce(Typed value, const Type& type, Place place, const std::
     const int fits = typeFit(value.type, type);
     if (fits < 0) {
         std::string advice;
-        if (isText(type) && isNumber(value.type)) advice = "; Str makes a text of a number";
-        else if (isNumber(type) && isText(value.type)) advice = "; Val reads a number from a text";
-        else if (typeFit(type, value.type) >= 0 && classOfType(type)) advice = "; if it is one, convert it: " + type.className + "(value)";
+        if (isText(type) && isNumber(value.type))
+            advice = "; Str makes a text of a number";
+        else if (isNumber(type) && isText(value.type))
+            advice = "; Val reads a number from a text";
+        else if (typeFit(type, value.type) >= 0 && classOfType(type))
+            advice = "; if it is one, convert it: " + type.className + "(value)";
         fail(place, what + " must be " + described(type) + ", not " + described(value.type) + advice + ".");
     }
     if (isVariant(type) || value.type.kind == Kind::Nil) return std::move(value.node);
-    if (isVariant(value.type)) return std::make_unique<ConvertNode>(place, std::move(value.node), type, true, what);
+    if (isVariant(value.type))
+        return std::make_unique<ConvertNode>(place, std::move(value.node), type, true, what);
     if (!isNumber(type)) return std::move(value.node);
     if (value.type == type && !value.loose) return std::move(value.node);
     if (value.constant) {
@@ -260,7 +320,8 @@ NodePtr Compiler::coerce(Typed value, const Type& type, Place place, const std::
         const bool whole = given.isInteger() && isIntegerKind(type.kind) && sizeOf(type.kind) < 8;
         const int bits = static_cast<int>(sizeOf(type.kind)) * 8;
         const int64_t number = given.toInt64();
-        if (whole && (given.kind() == Kind::UInt64 || number >= (int64_t{1} << bits) || number < -(int64_t{1} << (bits - 1))))
+        if (whole && (given.kind() == Kind::UInt64 || number >= (int64_t{1} << bits) ||
+                      number < -(int64_t{1} << (bits - 1))))
             fail(place, "The number " + given.toText() + " does not fit into " + described(type) + ".");
         return std::make_unique<LiteralNode>(place, converted(given, type, false, what));
     }
@@ -271,13 +332,16 @@ TargetPtr Compiler::target(const Expression& tree, Type& type) {
     if (tree.kind == ExpressionKind::name) {
         const auto& name = static_cast<const NameExpression&>(tree).name;
         if (const Variable* variable = findVariable(name)) {
-            if (!variable->assignable) fail(tree.place, "'" + name + "' is a constant and can't be assigned to.");
+            if (!variable->assignable)
+                fail(tree.place, "'" + name + "' is a constant and can't be assigned to.");
             type = variable->type;
-            if (variable->where == Variable::Where::local) return std::make_unique<LocalTarget>(variable->slot);
+            if (variable->where == Variable::Where::local)
+                return std::make_unique<LocalTarget>(variable->slot);
             return std::make_unique<GlobalTarget>(variable->global);
         }
         if (scope_->owner && !scope_->owner->find(name).empty()) {
-            Resolved object{scope_->shared ? nullptr : std::make_unique<SelfNode>(tree.place), scope_->owner, false};
+            Resolved object{scope_->shared ? nullptr : std::make_unique<SelfNode>(tree.place), scope_->owner,
+                            false};
             return memberTarget(std::move(object), name, {}, tree.place, type);
         }
         if (const auto natives = findNatives(lowerName(name)); !natives.empty() || routines_.contains(name))
@@ -285,7 +349,8 @@ TargetPtr Compiler::target(const Expression& tree, Type& type) {
         nameValue(static_cast<const NameExpression&>(tree)); // reports what is wrong with the name
         fail(tree.place, "'" + name + "' can't be assigned to.");
     }
-    const CallExpression* list = tree.kind == ExpressionKind::call ? static_cast<const CallExpression*>(&tree) : nullptr;
+    const CallExpression* list =
+        tree.kind == ExpressionKind::call ? static_cast<const CallExpression*>(&tree) : nullptr;
     const Expression& callee = list ? *list->callee : tree;
     static const std::vector<ExpressionPtr> none;
     const auto& arguments = list ? list->arguments : none;
@@ -294,10 +359,14 @@ TargetPtr Compiler::target(const Expression& tree, Type& type) {
         const auto& memberTree = static_cast<const MemberExpression&>(callee);
         Resolved object;
         const Expression& owner = *memberTree.object;
-        if (owner.kind == ExpressionKind::name && !findVariable(static_cast<const NameExpression&>(owner).name)) {
-            const std::string full = lowerName(static_cast<const NameExpression&>(owner).name) + "." + lowerName(memberTree.name);
+        if (owner.kind == ExpressionKind::name &&
+            !findVariable(static_cast<const NameExpression&>(owner).name)) {
+            const std::string full =
+                lowerName(static_cast<const NameExpression&>(owner).name) + "." + lowerName(memberTree.name);
             for (const NativeFunction& native : findNatives(full)) {
-                if (!native.declaration.isAssigning() || native.declaration.parameters.size() != arguments.size() + 1) continue;
+                if (!native.declaration.isAssigning() ||
+                    native.declaration.parameters.size() != arguments.size() + 1)
+                    continue;
                 CallArguments bound;
                 for (size_t i = 0; i < arguments.size(); ++i)
                     bound.add(valueFor(*arguments[i], native.declaration.parameters[i].type, "The argument"));
@@ -310,10 +379,13 @@ TargetPtr Compiler::target(const Expression& tree, Type& type) {
             if (isVariant(value.type) || isAnyObject(value.type)) {
                 type = kVariantType;
                 scope_->foreign = true;
-                return std::make_unique<InvokeTarget>(memberTree.place, std::move(value.node), memberTree.name, loose(argumentValues(arguments)));
+                return std::make_unique<InvokeTarget>(memberTree.place, std::move(value.node),
+                                                      memberTree.name, loose(argumentValues(arguments)));
             }
             object.objectClass = classOfType(value.type);
-            if (!object.objectClass) fail(memberTree.place, "'" + memberTree.name + "' can't be assigned to: " + described(value.type) + " has no properties.");
+            if (!object.objectClass)
+                fail(memberTree.place, "'" + memberTree.name + "' can't be assigned to: " +
+                                           described(value.type) + " has no properties.");
             object.object = std::move(value.node);
         }
         return memberTarget(std::move(object), memberTree.name, arguments, memberTree.place, type);
@@ -323,10 +395,12 @@ TargetPtr Compiler::target(const Expression& tree, Type& type) {
     if (callee.kind == ExpressionKind::name) {
         const auto& name = static_cast<const NameExpression&>(callee).name;
         if (!findVariable(name) && scope_->owner && !scope_->owner->find(name).empty()) {
-            Resolved object{scope_->shared ? nullptr : std::make_unique<SelfNode>(tree.place), scope_->owner, false};
+            Resolved object{scope_->shared ? nullptr : std::make_unique<SelfNode>(tree.place), scope_->owner,
+                            false};
             return memberTarget(std::move(object), name, arguments, tree.place, type);
         }
-        if (!findVariable(name) && routines_.contains(name)) return routineTarget(routines_.at(name), name, arguments, tree.place, type);
+        if (!findVariable(name) && routines_.contains(name))
+            return routineTarget(routines_.at(name), name, arguments, tree.place, type);
     }
     if (arguments.size() != 1) fail(tree.place, "An element is chosen by one index.");
     Typed array = required(callee);
@@ -334,7 +408,8 @@ TargetPtr Compiler::target(const Expression& tree, Type& type) {
 }
 
 TargetPtr Compiler::elementTarget(Typed array, const Expression& indexTree, Place place, Type& type) {
-    if (!array.type.array && !isVariant(array.type)) fail(place, "Only elements of arrays can be assigned to; this is " + described(array.type) + ".");
+    if (!array.type.array && !isVariant(array.type))
+        fail(place, "Only elements of arrays can be assigned to; this is " + described(array.type) + ".");
     type = array.type.array ? array.type.element() : kVariantType;
     auto made = std::make_unique<OwningTarget>();
     made->first = std::move(array.node);

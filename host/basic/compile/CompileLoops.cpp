@@ -15,10 +15,14 @@ struct InLoop {
 
 const char* loopName(LoopKind kind) {
     switch (kind) {
-    case LoopKind::forLoop: return "For";
-    case LoopKind::whileLoop: return "While";
-    case LoopKind::doLoop: return "Do";
-    default: return "loop";
+    case LoopKind::forLoop:
+        return "For";
+    case LoopKind::whileLoop:
+        return "While";
+    case LoopKind::doLoop:
+        return "Do";
+    default:
+        return "loop";
     }
 }
 
@@ -47,7 +51,8 @@ ActionPtr Compiler::countLoop(const CountLoop& tree) {
             made->to = valueForLoop(*tree.to, made->type);
             if (tree.step) made->step = valueForLoop(*tree.step, made->type);
         }
-        if (!isNumber(made->type)) fail(variable.place, "A For loop counts with a number, not with " + described(made->type) + ".");
+        if (!isNumber(made->type))
+            fail(variable.place, "A For loop counts with a number, not with " + described(made->type) + ".");
         made->read = required(variable).node;
         made->down = tree.down;
     } catch (const Unusable&) {
@@ -72,7 +77,8 @@ ActionPtr Compiler::eachLoop(const EachLoop& tree) {
     const Block block(*this);
     try {
         Typed list = required(*tree.list);
-        if (!list.type.array && !isVariant(list.type)) fail(tree.list->place, "For Each goes through an array, not " + described(list.type) + ".");
+        if (!list.type.array && !isVariant(list.type))
+            fail(tree.list->place, "For Each goes through an array, not " + described(list.type) + ".");
         const Type element = list.type.array ? list.type.element() : Type{Kind::Variant, {}, false};
         made->list = std::move(list.node);
         if (const Variable* known = tree.type.given() ? nullptr : findVariable(tree.name)) {
@@ -84,9 +90,11 @@ ActionPtr Compiler::eachLoop(const EachLoop& tree) {
             Variable& variable = declareName(tree.name, tree.namePlace, made->type);
             made->variable = std::make_unique<LocalTarget>(variable.slot);
         }
-        // Elements may be of a subclass: an array of objects is gone through with a variable of the class that is meant.
+        // Elements may be of a subclass: an array of objects is gone through with a variable of the class
+        // that is meant.
         if (typeFit(element, made->type) < 0 && typeFit(made->type, element) < 0)
-            fail(tree.namePlace, "The elements are of type " + element.text() + ", which '" + tree.name + "' can't hold.");
+            fail(tree.namePlace,
+                 "The elements are of type " + element.text() + ", which '" + tree.name + "' can't hold.");
     } catch (const Unusable&) {
         if (!findVariable(tree.name)) declareName(tree.name, tree.namePlace, {Kind::Variant, {}, false});
     }
@@ -119,9 +127,11 @@ ActionPtr Compiler::conditionLoop(const ConditionLoop& tree) {
 
 ActionPtr Compiler::jump(Place place, LoopKind kind, Flow flow) {
     for (auto loop = scope_->loops.rbegin(); loop != scope_->loops.rend(); ++loop) {
-        if (kind == LoopKind::any || loop->kind == kind) return std::make_unique<JumpAction>(place, flow, loop->id);
+        if (kind == LoopKind::any || loop->kind == kind)
+            return std::make_unique<JumpAction>(place, flow, loop->id);
     }
-    fail(place, std::string(flow == Flow::leave ? "Exit" : "Continue") + " stands outside of a " + loopName(kind) + (kind == LoopKind::any ? "." : " loop."));
+    fail(place, std::string(flow == Flow::leave ? "Exit" : "Continue") + " stands outside of a " +
+                    loopName(kind) + (kind == LoopKind::any ? "." : " loop."));
 }
 
 } // namespace host::basic

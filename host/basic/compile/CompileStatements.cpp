@@ -26,24 +26,40 @@ void Compiler::statementInto(const Statement& tree, Actions& into) {
 
 ActionPtr Compiler::statement(const Statement& tree, Actions& into) {
     switch (tree.kind) {
-    case StatementKind::declare: declare(static_cast<const DeclareStatement&>(tree), into); return nullptr;
+    case StatementKind::declare:
+        declare(static_cast<const DeclareStatement&>(tree), into);
+        return nullptr;
     case StatementKind::constant:
         // Those of the top level are known already.
-        if (!(scope_->isMain && scope_->blocks.size() == 1)) constant(static_cast<const ConstantStatement&>(tree));
+        if (!(scope_->isMain && scope_->blocks.size() == 1))
+            constant(static_cast<const ConstantStatement&>(tree));
         return nullptr;
-    case StatementKind::assign: return assign(static_cast<const AssignStatement&>(tree));
-    case StatementKind::call: return callStatement(static_cast<const CallStatement&>(tree));
-    case StatementKind::branch: return branch(static_cast<const BranchStatement&>(tree));
-    case StatementKind::select: return select(static_cast<const SelectStatement&>(tree));
-    case StatementKind::countLoop: return countLoop(static_cast<const CountLoop&>(tree));
-    case StatementKind::eachLoop: return eachLoop(static_cast<const EachLoop&>(tree));
-    case StatementKind::conditionLoop: return conditionLoop(static_cast<const ConditionLoop&>(tree));
-    case StatementKind::leave: return jump(tree.place, static_cast<const LeaveStatement&>(tree).loop, Flow::leave);
-    case StatementKind::proceed: return jump(tree.place, static_cast<const ProceedStatement&>(tree).loop, Flow::proceed);
-    case StatementKind::giveBack: return giveBack(static_cast<const ReturnStatement&>(tree));
-    case StatementKind::guard: return guard(static_cast<const GuardStatement&>(tree));
-    case StatementKind::raise: return raiseAgain(static_cast<const RaiseStatement&>(tree));
-    case StatementKind::resize: return resize(static_cast<const ResizeStatement&>(tree));
+    case StatementKind::assign:
+        return assign(static_cast<const AssignStatement&>(tree));
+    case StatementKind::call:
+        return callStatement(static_cast<const CallStatement&>(tree));
+    case StatementKind::branch:
+        return branch(static_cast<const BranchStatement&>(tree));
+    case StatementKind::select:
+        return select(static_cast<const SelectStatement&>(tree));
+    case StatementKind::countLoop:
+        return countLoop(static_cast<const CountLoop&>(tree));
+    case StatementKind::eachLoop:
+        return eachLoop(static_cast<const EachLoop&>(tree));
+    case StatementKind::conditionLoop:
+        return conditionLoop(static_cast<const ConditionLoop&>(tree));
+    case StatementKind::leave:
+        return jump(tree.place, static_cast<const LeaveStatement&>(tree).loop, Flow::leave);
+    case StatementKind::proceed:
+        return jump(tree.place, static_cast<const ProceedStatement&>(tree).loop, Flow::proceed);
+    case StatementKind::giveBack:
+        return giveBack(static_cast<const ReturnStatement&>(tree));
+    case StatementKind::guard:
+        return guard(static_cast<const GuardStatement&>(tree));
+    case StatementKind::raise:
+        return raiseAgain(static_cast<const RaiseStatement&>(tree));
+    case StatementKind::resize:
+        return resize(static_cast<const ResizeStatement&>(tree));
     }
     return nullptr;
 }
@@ -54,7 +70,8 @@ Variable& Compiler::declareName(const std::string& name, Place place, const Type
     // A name may not hide one of the same routine: that is a mistake more often than not.
     if (&block != &globals_) {
         for (const Names& outer : scope_->blocks) {
-            if (outer.contains(name)) fail(place, "The name '" + name + "' is already declared around this block.");
+            if (outer.contains(name))
+                fail(place, "The name '" + name + "' is already declared around this block.");
         }
     }
     Variable variable;
@@ -73,7 +90,8 @@ Variable& Compiler::declareName(const std::string& name, Place place, const Type
 NodePtr Compiler::initialValue(Place place, const Type& type, const std::vector<ExpressionPtr>& bounds) {
     if (!type.array) return std::make_unique<LiteralNode>(place, Value::defaultFor(type));
     auto made = std::make_unique<ArrayNode>(place, type.element());
-    if (!bounds.empty()) made->bound = valueFor(*bounds[0], {Kind::Int64, {}, false}, "The array's last index");
+    if (!bounds.empty())
+        made->bound = valueFor(*bounds[0], {Kind::Int64, {}, false}, "The array's last index");
     return made;
 }
 
@@ -92,23 +110,29 @@ void Compiler::declare(const DeclareStatement& tree, Actions& into) {
                 const TypeName& name = tree.type;
                 value = makeNewOf(name, tree.arguments, name.place);
             } else if (tree.value) {
-                if (!one.bounds.empty()) fail(one.place, "An array has either a size or a value at its start, not both.");
+                if (!one.bounds.empty())
+                    fail(one.place, "An array has either a size or a value at its start, not both.");
                 if (type.kind == Kind::None) { // the type is that of the value
                     Typed made = required(*tree.value);
                     type = made.type;
                     if (type.kind == Kind::Nil) type = {Kind::Variant, {}, false};
-                    value = coerce(std::move(made), type, tree.value->place, "The value of '" + one.name + "'");
+                    value =
+                        coerce(std::move(made), type, tree.value->place, "The value of '" + one.name + "'");
                 } else {
                     value = valueFor(*tree.value, type, "The value of '" + one.name + "'");
                 }
             } else {
-                if (type.kind == Kind::None) fail(one.place, "'" + one.name + "' needs a type or a value: Dim " + one.name + " As Integer.");
+                if (type.kind == Kind::None)
+                    fail(one.place,
+                         "'" + one.name + "' needs a type or a value: Dim " + one.name + " As Integer.");
                 value = initialValue(one.place, type, one.bounds);
             }
             const Variable& variable = declareName(one.name, one.place, type, tree.isStatic);
             TargetPtr target;
-            if (variable.where == Variable::Where::local) target = std::make_unique<LocalTarget>(variable.slot);
-            else target = std::make_unique<GlobalTarget>(variable.global);
+            if (variable.where == Variable::Where::local)
+                target = std::make_unique<LocalTarget>(variable.slot);
+            else
+                target = std::make_unique<GlobalTarget>(variable.global);
             ActionPtr action = std::make_unique<AssignAction>(one.place, std::move(target), std::move(value));
             if (scope_->foreign) action = std::make_unique<PoolAction>(one.place, std::move(action));
             if (tree.isStatic) action = std::make_unique<OnceAction>(one.place, std::move(action));
@@ -142,18 +166,21 @@ ActionPtr Compiler::assign(const AssignStatement& tree) {
     Type type;
     TargetPtr into = target(*tree.target, type);
     const std::string what = "The assigned value";
-    if (!tree.op) return std::make_unique<AssignAction>(tree.place, std::move(into), valueFor(*tree.value, type, what));
+    if (!tree.op)
+        return std::make_unique<AssignAction>(tree.place, std::move(into), valueFor(*tree.value, type, what));
     Typed left = required(*tree.target);
     Typed right = required(*tree.value);
     Typed result = combine(*tree.op, std::move(left), std::move(right), tree.value->place);
-    return std::make_unique<AssignAction>(tree.place, std::move(into), coerce(std::move(result), type, tree.value->place, what));
+    return std::make_unique<AssignAction>(tree.place, std::move(into),
+                                          coerce(std::move(result), type, tree.value->place, what));
 }
 
 ActionPtr Compiler::callStatement(const CallStatement& tree) {
     Typed made = expression(*tree.call);
     const Node* node = made.node.get();
-    const bool idle = made.node->isSimple() || dynamic_cast<const FieldNode*>(node) || dynamic_cast<const IndexNode*>(node) ||
-                      dynamic_cast<const SharedFieldNode*>(node) || dynamic_cast<const CastNode*>(node);
+    const bool idle = made.node->isSimple() || dynamic_cast<const FieldNode*>(node) ||
+                      dynamic_cast<const IndexNode*>(node) || dynamic_cast<const SharedFieldNode*>(node) ||
+                      dynamic_cast<const CastNode*>(node);
     if (idle) fail(tree.place, "This value is not used; a statement has to do something.");
     return std::make_unique<CallAction>(tree.place, std::move(made.node));
 }
@@ -230,7 +257,8 @@ ActionPtr Compiler::select(const SelectStatement& tree) {
 ActionPtr Compiler::giveBack(const ReturnStatement& tree) {
     NodePtr value;
     if (tree.value) {
-        if (scope_->result.kind == Kind::None) fail(tree.value->place, "A Sub gives nothing back; make it a Function, or write Return alone.");
+        if (scope_->result.kind == Kind::None)
+            fail(tree.value->place, "A Sub gives nothing back; make it a Function, or write Return alone.");
         value = valueFor(*tree.value, scope_->result, "The value of Return");
     } else if (!tree.isExit && !scope_->isMain && scope_->result.kind != Kind::None) {
         fail(tree.place, "A Function has to return a value.");
@@ -251,7 +279,8 @@ ActionPtr Compiler::guard(const GuardStatement& tree) {
             one.caught = findClass("RuntimeException");
             if (handler.type.given()) {
                 one.caught = &classNamed(handler.type);
-                if (!one.caught->isA(*findClass("RuntimeException"))) fail(handler.type.place, "'" + handler.type.name + "' is not an exception.");
+                if (!one.caught->isA(*findClass("RuntimeException")))
+                    fail(handler.type.place, "'" + handler.type.name + "' is not an exception.");
             }
             if (!handler.name.empty()) {
                 const Type type{Kind::Object, one.caught->name(), false};
@@ -272,7 +301,9 @@ ActionPtr Compiler::guard(const GuardStatement& tree) {
 
 ActionPtr Compiler::raiseAgain(const RaiseStatement& tree) {
     if (!tree.exception) {
-        if (scope_->handlers == 0) fail(tree.place, "'Raise' alone raises the caught exception again; it works in a Catch block only.");
+        if (scope_->handlers == 0)
+            fail(tree.place,
+                 "'Raise' alone raises the caught exception again; it works in a Catch block only.");
         return std::make_unique<RaiseAction>(tree.place, nullptr);
     }
     const Type type{Kind::Object, "RuntimeException", false};
@@ -281,7 +312,8 @@ ActionPtr Compiler::raiseAgain(const RaiseStatement& tree) {
 
 ActionPtr Compiler::resize(const ResizeStatement& tree) {
     Typed array = required(*tree.array);
-    if (!array.type.array && !isVariant(array.type)) fail(tree.place, "Redim changes the size of an array, not of " + described(array.type) + ".");
+    if (!array.type.array && !isVariant(array.type))
+        fail(tree.place, "Redim changes the size of an array, not of " + described(array.type) + ".");
     NodePtr bound = valueFor(*tree.bound, {Kind::Int64, {}, false}, "The array's last index");
     return std::make_unique<ResizeAction>(tree.place, std::move(array.node), std::move(bound));
 }

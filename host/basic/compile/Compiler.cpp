@@ -5,7 +5,8 @@
 
 namespace host::basic {
 
-std::unique_ptr<Compiled> compile(const ast::Program& program, const Source& source, Diagnostics& diagnostics) {
+std::unique_ptr<Compiled> compile(const ast::Program& program, const Source& source,
+                                  Diagnostics& diagnostics) {
     return Compiler(program, source, diagnostics).run();
 }
 
@@ -41,7 +42,8 @@ std::unique_ptr<Compiled> Compiler::run() {
     }
     statements(program_.statements, main->body);
     main->slotCount = scope.slotCount;
-    main->body.insert(main->body.begin(), std::make_move_iterator(shared.begin()), std::make_move_iterator(shared.end()));
+    main->body.insert(main->body.begin(), std::make_move_iterator(shared.begin()),
+                      std::make_move_iterator(shared.end()));
     scope_ = nullptr;
 
     for (auto& [name, overloads] : routines_) {
@@ -86,7 +88,8 @@ void Compiler::collectRoutines() {
             for (const Routine& other : overloads) {
                 const auto& a = other.code->declaration.parameters;
                 const auto& b = code->declaration.parameters;
-                if (std::equal(a.begin(), a.end(), b.begin(), b.end(), [](const Parameter& x, const Parameter& y) { return x.type == y.type; }))
+                if (std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                               [](const Parameter& x, const Parameter& y) { return x.type == y.type; }))
                     fail(tree->place, "There is already a '" + tree->name + "' with these parameters.");
             }
             compiled_->routines.push_back(code);
@@ -102,9 +105,11 @@ Declaration Compiler::declarationOf(const ast::Routine& routine) {
     made.hasParentheses = true;
     bool optional = false;
     for (const ast::Parameter& tree : routine.parameters) {
-        if (!made.parameters.empty() && made.parameters.back().assigns) fail(tree.place, "The Assigns parameter must be the last one.");
+        if (!made.parameters.empty() && made.parameters.back().assigns)
+            fail(tree.place, "The Assigns parameter must be the last one.");
         for (const Parameter& other : made.parameters) {
-            if (sameName(other.name, tree.name)) fail(tree.place, "There are two parameters with the name '" + tree.name + "'.");
+            if (sameName(other.name, tree.name))
+                fail(tree.place, "There are two parameters with the name '" + tree.name + "'.");
         }
         Parameter one;
         one.name = tree.name;
@@ -113,10 +118,13 @@ Declaration Compiler::declarationOf(const ast::Routine& routine) {
         one.assigns = tree.assigns;
         if (tree.optional) {
             if (tree.byRef) fail(tree.place, "A ByRef parameter can't be left out.");
-            one.defaultValue = tree.defaultValue ? constantValue(*tree.defaultValue, &one.type, "A default value") : Value::defaultFor(one.type);
+            one.defaultValue = tree.defaultValue
+                                   ? constantValue(*tree.defaultValue, &one.type, "A default value")
+                                   : Value::defaultFor(one.type);
             optional = true;
         } else if (optional && !tree.assigns) {
-            fail(tree.place, "The parameter '" + tree.name + "' must have a default value, because one before it has.");
+            fail(tree.place,
+                 "The parameter '" + tree.name + "' must have a default value, because one before it has.");
         }
         made.parameters.push_back(std::move(one));
     }
@@ -139,7 +147,9 @@ Value Compiler::constantValue(const ast::Expression& tree, const Type* type, con
 
     Typed made = required(tree, type);
     const Place place = tree.place;
-    if (!made.constant && made.type.kind != Kind::Nil) fail(place, std::string(what) + " must be a constant: a number, a text or what can be computed from constants.");
+    if (!made.constant && made.type.kind != Kind::Nil)
+        fail(place, std::string(what) +
+                        " must be a constant: a number, a text or what can be computed from constants.");
     NodePtr node = type ? coerce(std::move(made), *type, place, what) : std::move(made.node);
     Context& context = Context::ofThisThread();
     Frame frame{context, nullptr, nullptr, Value(), 0};
@@ -176,7 +186,8 @@ void Compiler::compileBody(const ast::Routine& tree, Code& code) {
 Class* Compiler::findType(std::string_view name) const { return findClass(name); }
 
 Class* Compiler::classOfType(const Type& type) const {
-    return type.kind == Kind::Object && !type.array && !isAnyObject(type) ? findClass(type.className) : nullptr;
+    return type.kind == Kind::Object && !type.array && !isAnyObject(type) ? findClass(type.className)
+                                                                          : nullptr;
 }
 
 Type Compiler::typeOf(const ast::TypeName& name) {
@@ -187,7 +198,8 @@ Type Compiler::typeOf(const ast::TypeName& name) {
         type.className = found->name();
         return type;
     }
-    std::vector<std::string> known{"Integer", "Int64", "UInt32", "UInt64", "Single", "Double", "Boolean", "String", "Variant", "Object"};
+    std::vector<std::string> known{"Integer", "Int64",   "UInt32", "UInt64",  "Single",
+                                   "Double",  "Boolean", "String", "Variant", "Object"};
     for (const auto& one : classes_) {
         if (sameName(one->tree->name, type.className)) {
             type.className = one->tree->name;
@@ -232,7 +244,7 @@ std::string Compiler::suggestion(const std::string& name, const std::vector<std:
             found = candidate;
         }
     }
-    return found.empty() ? "" : "; did you mean '" + found + "'?";
+    return found.empty() ? "" : "; perhaps '" + found + "' is meant";
 }
 
 } // namespace host::basic

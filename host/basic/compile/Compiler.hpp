@@ -17,6 +17,7 @@ struct Compiled {
 };
 
 /// Null when something was reported. Defines the program's classes in the runtime.
-std::unique_ptr<Compiled> compile(const ast::Program& program, const Source& source, Diagnostics& diagnostics);
+std::unique_ptr<Compiled> compile(const ast::Program& program, const Source& source,
+                                  Diagnostics& diagnostics);
 
 } // namespace host::basic

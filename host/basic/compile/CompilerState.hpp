@@ -77,7 +77,7 @@ class Compiler {
         explicit Block(Compiler& c) : compiler(c) { compiler.scope_->blocks.emplace_back(); }
         ~Block() { compiler.scope_->blocks.pop_back(); }
     };
-    struct Resolved { // an object expression that may be a class or nothing at all
+    struct Resolved {   // an object expression that may be a class or nothing at all
         NodePtr object; // null: shared
         Class* objectClass = nullptr;
         bool fixed = false; // Super
@@ -141,7 +141,8 @@ class Compiler {
     Typed isA(const ast::IsAExpression& tree);
     Typed choose(const ast::ChooseExpression& tree);
     Typed makeNew(const ast::NewExpression& tree);
-    NodePtr makeNewOf(const ast::TypeName& name, const std::vector<ast::ExpressionPtr>& arguments, Place place);
+    NodePtr makeNewOf(const ast::TypeName& name, const std::vector<ast::ExpressionPtr>& arguments,
+                      Place place);
     Typed combine(ast::Operator op, Typed left, Typed right, Place place);
     void checkComparable(ast::Operator op, const Type& left, const Type& right, Place place);
     NodePtr valueForLoop(const ast::Expression& tree, const Type& type);
@@ -151,27 +152,36 @@ class Compiler {
     const Variable* findVariable(std::string_view name) const;
 
     // -- calls and members (CompileCalls.cpp)
-    Typed member(const ast::MemberExpression& tree, const std::vector<ast::ExpressionPtr>& arguments, bool hasList);
+    Typed member(const ast::MemberExpression& tree, const std::vector<ast::ExpressionPtr>& arguments,
+                 bool hasList);
     Typed call(const ast::CallExpression& tree, const Type* wanted);
     Typed callName(const ast::NameExpression& callee, const ast::CallExpression& tree, const Type* wanted);
     Typed element(Typed list, const std::vector<ast::ExpressionPtr>& arguments, Place place);
     Typed arrayOf(const ast::CallExpression& tree, const Type* wanted);
-    Typed arrayMethod(Typed list, const std::string& name, const std::vector<ast::ExpressionPtr>& arguments, size_t from, Place place);
-    Typed native(Place place, const std::string& lowerName, std::vector<Typed> arguments, const std::vector<ast::ExpressionPtr>& trees);
-    Typed memberOf(Resolved object, const std::string& name, const std::vector<ast::ExpressionPtr>& arguments, bool hasList, Place place);
-    Typed routine(Place place, const std::vector<Routine>& overloads, const std::string& name, const std::vector<ast::ExpressionPtr>& arguments);
-    TargetPtr memberTarget(Resolved object, const std::string& name, const std::vector<ast::ExpressionPtr>& arguments, Place place, Type& type);
-    TargetPtr routineTarget(const std::vector<Routine>& overloads, const std::string& name, const std::vector<ast::ExpressionPtr>& arguments, Place place, Type& type);
+    Typed arrayMethod(Typed list, const std::string& name, const std::vector<ast::ExpressionPtr>& arguments,
+                      size_t from, Place place);
+    Typed native(Place place, const std::string& lowerName, std::vector<Typed> arguments,
+                 const std::vector<ast::ExpressionPtr>& trees);
+    Typed memberOf(Resolved object, const std::string& name, const std::vector<ast::ExpressionPtr>& arguments,
+                   bool hasList, Place place);
+    Typed routine(Place place, const std::vector<Routine>& overloads, const std::string& name,
+                  const std::vector<ast::ExpressionPtr>& arguments);
+    TargetPtr memberTarget(Resolved object, const std::string& name,
+                           const std::vector<ast::ExpressionPtr>& arguments, Place place, Type& type);
+    TargetPtr routineTarget(const std::vector<Routine>& overloads, const std::string& name,
+                            const std::vector<ast::ExpressionPtr>& arguments, Place place, Type& type);
     TargetPtr elementTarget(Typed array, const ast::Expression& index, Place place, Type& type);
-    bool resolveObject(const ast::Expression& tree, Resolved& resolved); // a class, Super or Me's class; false: a value
+    bool resolveObject(const ast::Expression& tree,
+                       Resolved& resolved); // a class, Super or Me's class; false: a value
     /// With a declaration, arrays that are written out get the element types of its parameters.
-    std::vector<Typed> argumentValues(const std::vector<ast::ExpressionPtr>& trees, const Declaration* only = nullptr);
-    /// Picks an overload; with `dynamic`, -1 when it depends on values that are known only when the program runs.
-    /// Reports when none fits.
-    int selectOverload(const std::vector<const Declaration*>& overloads, const std::vector<Typed>& arguments, bool dynamic,
-                       const std::string& what, Place place);
-    CallArguments bind(const Declaration& declaration, std::vector<Typed> values, const std::vector<ast::ExpressionPtr>& trees,
-                       const std::string& what, Place place);
+    std::vector<Typed> argumentValues(const std::vector<ast::ExpressionPtr>& trees,
+                                      const Declaration* only = nullptr);
+    /// Picks an overload; with `dynamic`, -1 when it depends on values that are known only when the program
+    /// runs. Reports when none fits.
+    int selectOverload(const std::vector<const Declaration*>& overloads, const std::vector<Typed>& arguments,
+                       bool dynamic, const std::string& what, Place place);
+    CallArguments bind(const Declaration& declaration, std::vector<Typed> values,
+                       const std::vector<ast::ExpressionPtr>& trees, const std::string& what, Place place);
     CallArguments loose(std::vector<Typed> values);
     void checkAccess(const Member& found, Place place);
     [[noreturn]] void unknownMember(const Class& in, const std::string& name, Place place);

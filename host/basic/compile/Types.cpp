@@ -12,7 +12,8 @@ bool isReal(Kind kind) { return kind == Kind::Single || kind == Kind::Double; }
 int numberFit(Kind from, Kind to) {
     if (from == to) return 0;
     if (isIntegerKind(from) && isIntegerKind(to)) {
-        const bool holdsAll = isUnsigned(from) == isUnsigned(to) ? bits(to) >= bits(from) : !isUnsigned(to) && bits(to) > bits(from);
+        const bool holdsAll = isUnsigned(from) == isUnsigned(to) ? bits(to) >= bits(from)
+                                                                 : !isUnsigned(to) && bits(to) > bits(from);
         return holdsAll ? 1 : 3;
     }
     if (isIntegerKind(from)) return to == Kind::Double ? 2 : 4;
@@ -42,7 +43,8 @@ int typeFit(const Type& from, const Type& to) {
     if (from.array || to.array) {
         if (from.array && !to.array) return to.kind == Kind::Object && isAnyObject(to) ? 8 : -1;
         if (!from.array) return -1;
-        if (from.kind == Kind::Object && to.kind == Kind::Object) return classFit(from.element(), to.element());
+        if (from.kind == Kind::Object && to.kind == Kind::Object)
+            return classFit(from.element(), to.element());
         return from.kind == to.kind ? 0 : -1;
     }
     if (isNumberKind(from.kind) && isNumberKind(to.kind)) return numberFit(from.kind, to.kind);
@@ -58,12 +60,19 @@ Type arithmeticType(const Type& left, const Type& right) {
 }
 
 std::string described(const Type& type) {
-    if (type.array) return "an array of " + (isAnyObject(type.element()) ? std::string("objects") : type.kind == Kind::Int32 ? "Integer" : type.element().text());
+    if (type.array)
+        return "an array of " + (isAnyObject(type.element()) ? std::string("objects")
+                                 : type.kind == Kind::Int32  ? "Integer"
+                                                             : type.element().text());
     switch (type.kind) {
-    case Kind::None: return "no value";
-    case Kind::Nil: return "Nil";
-    case Kind::Int32: return "an Integer";
-    case Kind::Object: return isAnyObject(type) ? "an object" : "a " + type.className;
+    case Kind::None:
+        return "no value";
+    case Kind::Nil:
+        return "Nil";
+    case Kind::Int32:
+        return "an Integer";
+    case Kind::Object:
+        return isAnyObject(type) ? "an object" : "a " + type.className;
     default: {
         const std::string text = type.text();
         return (text.starts_with('I') ? "an " : "a ") + text;

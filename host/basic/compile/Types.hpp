@@ -12,7 +12,8 @@ namespace host::basic {
 int typeFit(const Type& from, const Type& to);
 
 inline bool isAnyObject(const Type& type) {
-    return type.kind == Kind::Object && !type.array && (type.className.empty() || sameName(type.className, "Object"));
+    return type.kind == Kind::Object && !type.array &&
+           (type.className.empty() || sameName(type.className, "Object"));
 }
 inline bool isVariant(const Type& type) { return type.kind == Kind::Variant && !type.array; }
 inline bool isText(const Type& type) { return type.kind == Kind::String && !type.array; }

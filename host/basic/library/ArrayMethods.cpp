@@ -32,7 +32,9 @@ Value removeAll(Context&, Arguments a) {
 }
 Value lastIndex(Context&, Arguments a) { return Value(upperBound(listOf(a[0]))); }
 Value count(Context&, Arguments a) { return Value(upperBound(listOf(a[0])) + 1); }
-Value indexOf(Context&, Arguments a) { return Value(arrayIndexOf(listOf(a[0]), a[1], a.size() > 2 ? a[2].toInt32() : 0)); }
+Value indexOf(Context&, Arguments a) {
+    return Value(arrayIndexOf(listOf(a[0]), a[1], a.size() > 2 ? a[2].toInt32() : 0));
+}
 Value contains(Context&, Arguments a) { return Value(arrayIndexOf(listOf(a[0]), a[1]) >= 0); }
 Value resize(Context&, Arguments a) {
     arrayResize(listOf(a[0]), a[1].toInt64());
@@ -62,7 +64,8 @@ void setElements(REALobject list, const std::vector<Value>& values) {
 Value sort(Context&, Arguments a) {
     REALobject list = listOf(a[0]);
     std::vector<Value> values = elements(list);
-    std::stable_sort(values.begin(), values.end(), [](const Value& x, const Value& y) { return compareValues(x, y) < 0; });
+    std::stable_sort(values.begin(), values.end(),
+                     [](const Value& x, const Value& y) { return compareValues(x, y) < 0; });
     setElements(list, values);
     return {};
 }
@@ -93,13 +96,27 @@ Value join(Context&, Arguments a) {
 }
 
 constexpr ArrayMethod kMethods[] = {
-    {"append", "E", '-', append},       {"add", "E", '-', append},          {"addrow", "E", '-', append},
-    {"insert", "IE", '-', insert},      {"addat", "IE", '-', insert},       {"remove", "I", '-', removeAt},
-    {"removeat", "I", '-', removeAt},   {"removerowat", "I", '-', removeAt}, {"removeall", "", '-', removeAll},
-    {"ubound", "", 'I', lastIndex},     {"lastindex", "", 'I', lastIndex},  {"lastrowindex", "", 'I', lastIndex},
-    {"count", "", 'I', count},          {"indexof", "Ei", 'I', indexOf},    {"contains", "E", 'B', contains},
-    {"resizeto", "I", '-', resize},     {"pop", "", 'E', pop},              {"sort", "", '-', sort},
-    {"reverse", "", '-', reverse},      {"clone", "", 'A', clone},          {"join", "s", 'S', join},
+    {"append", "E", '-', append},
+    {"add", "E", '-', append},
+    {"addrow", "E", '-', append},
+    {"insert", "IE", '-', insert},
+    {"addat", "IE", '-', insert},
+    {"remove", "I", '-', removeAt},
+    {"removeat", "I", '-', removeAt},
+    {"removerowat", "I", '-', removeAt},
+    {"removeall", "", '-', removeAll},
+    {"ubound", "", 'I', lastIndex},
+    {"lastindex", "", 'I', lastIndex},
+    {"lastrowindex", "", 'I', lastIndex},
+    {"count", "", 'I', count},
+    {"indexof", "Ei", 'I', indexOf},
+    {"contains", "E", 'B', contains},
+    {"resizeto", "I", '-', resize},
+    {"pop", "", 'E', pop},
+    {"sort", "", '-', sort},
+    {"reverse", "", '-', reverse},
+    {"clone", "", 'A', clone},
+    {"join", "s", 'S', join},
 };
 
 } // namespace
@@ -108,14 +125,16 @@ const ArrayMethod* findArrayMethod(std::string_view lower, size_t arguments) {
     for (const ArrayMethod& method : kMethods) {
         if (lower != method.name) continue;
         const std::string_view parameters = method.parameters;
-        const auto needed = static_cast<size_t>(std::count_if(parameters.begin(), parameters.end(), [](char c) { return c >= 'A' && c <= 'Z'; }));
+        const auto needed = static_cast<size_t>(
+            std::count_if(parameters.begin(), parameters.end(), [](char c) { return c >= 'A' && c <= 'Z'; }));
         if (arguments >= needed && arguments <= parameters.size()) return &method;
     }
     return nullptr;
 }
 
 bool isArrayMethod(std::string_view lower) {
-    return std::any_of(std::begin(kMethods), std::end(kMethods), [&](const ArrayMethod& method) { return lower == method.name; });
+    return std::any_of(std::begin(kMethods), std::end(kMethods),
+                       [&](const ArrayMethod& method) { return lower == method.name; });
 }
 
 } // namespace host::basic

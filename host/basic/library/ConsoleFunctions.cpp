@@ -20,7 +20,8 @@ void writeAll(int file, std::string_view text, const char* name) {
     while (!text.empty()) {
         const ssize_t written = ::write(file, text.data(), text.size());
         if (written < 0 && errno == EINTR) continue;
-        if (written < 0) raise("IOException", std::string(name) + " can't be written: " + std::strerror(errno));
+        if (written < 0)
+            raise("IOException", std::string(name) + " can't be written: " + std::strerror(errno));
         text.remove_prefix(static_cast<size_t>(written));
     }
 }
@@ -66,28 +67,73 @@ int32_t terminalWidth() {
 }
 
 #define CONSOLE_FUNCTION [](Context&, Arguments a) -> Value
-constexpr NativeEntry kEntries[] = {
-    {"Print(...)", CONSOLE_FUNCTION { writeShown(a, true, false); return {}; }},
-    {"StdOut.Write(...)", CONSOLE_FUNCTION { writeShown(a, false, false); flushOut(); return {}; }},
-    {"StdOut.WriteLine(...)", CONSOLE_FUNCTION { writeShown(a, true, false); return {}; }},
-    {"StdOut.Flush()", CONSOLE_FUNCTION { (void)a; flushOut(); return {}; }},
-    {"StdOut.IsTerminal As Boolean", CONSOLE_FUNCTION { (void)a; return Value(::isatty(STDOUT_FILENO) == 1); }},
-    {"StdErr.Write(...)", CONSOLE_FUNCTION { writeShown(a, false, true); return {}; }},
-    {"StdErr.WriteLine(...)", CONSOLE_FUNCTION { writeShown(a, true, true); return {}; }},
-    {"System.DebugLog(...)", CONSOLE_FUNCTION { writeShown(a, true, true); return {}; }},
-    {"StdIn.ReadLine As String", CONSOLE_FUNCTION { (void)a; return readLine(); }},
-    {"StdIn.ReadAll As String", CONSOLE_FUNCTION {
-         (void)a;
-         while (readMore()) {
-         }
-         return Value(std::exchange(inputBuffer, {}));
-     }},
-    {"StdIn.EOF As Boolean", CONSOLE_FUNCTION { (void)a; return Value(inputBuffer.empty() && !readMore() && inputEnded); }},
-    {"Input As String", CONSOLE_FUNCTION { (void)a; return readLine(); }},
-    {"Input(prompt As String) As String", CONSOLE_FUNCTION { writeOut(a[0].toText()); return readLine(); }},
-    {"System.IsTerminal As Boolean", CONSOLE_FUNCTION { (void)a; return Value(::isatty(STDOUT_FILENO) == 1); }},
-    {"System.TerminalWidth As Integer", CONSOLE_FUNCTION { (void)a; return Value(terminalWidth()); }},
-};
+constexpr NativeEntry kEntries[] = {{"Print(...)", CONSOLE_FUNCTION{writeShown(a, true, false);
+return {};
+} // namespace
+} // namespace host::basic
+, {"StdOut.Write(...)", CONSOLE_FUNCTION{writeShown(a, false, false);
+flushOut();
+return {};
+}
+}
+, {"StdOut.WriteLine(...)", CONSOLE_FUNCTION{writeShown(a, true, false);
+return {};
+}
+}
+, {"StdOut.Flush()", CONSOLE_FUNCTION{(void)a;
+flushOut();
+return {};
+}
+}
+, {"StdOut.IsTerminal As Boolean", CONSOLE_FUNCTION{(void)a;
+return Value(::isatty(STDOUT_FILENO) == 1);
+}
+}
+, {"StdErr.Write(...)", CONSOLE_FUNCTION{writeShown(a, false, true);
+return {};
+}
+}
+, {"StdErr.WriteLine(...)", CONSOLE_FUNCTION{writeShown(a, true, true);
+return {};
+}
+}
+, {"System.DebugLog(...)", CONSOLE_FUNCTION{writeShown(a, true, true);
+return {};
+}
+}
+, {"StdIn.ReadLine As String", CONSOLE_FUNCTION{(void)a;
+return readLine();
+}
+}
+, {"StdIn.ReadAll As String", CONSOLE_FUNCTION{(void)a;
+while (readMore()) {
+}
+return Value(std::exchange(inputBuffer, {}));
+}
+}
+, {"StdIn.EOF As Boolean", CONSOLE_FUNCTION{(void)a;
+return Value(inputBuffer.empty() && !readMore() && inputEnded);
+}
+}
+, {"Input As String", CONSOLE_FUNCTION{(void)a;
+return readLine();
+}
+}
+, {"Input(prompt As String) As String", CONSOLE_FUNCTION{writeOut(a[0].toText());
+return readLine();
+}
+}
+, {"System.IsTerminal As Boolean", CONSOLE_FUNCTION{(void)a;
+return Value(::isatty(STDOUT_FILENO) == 1);
+}
+}
+, {"System.TerminalWidth As Integer", CONSOLE_FUNCTION{(void)a;
+return Value(terminalWidth());
+}
+}
+,
+}
+;
 #undef CONSOLE_FUNCTION
 
 } // namespace

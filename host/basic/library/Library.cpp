@@ -16,7 +16,8 @@ struct Catalogue {
     std::vector<std::string> names;
 
     Catalogue() {
-        for (const auto table : {textFunctions(), encodingFunctions(), numberFunctions(), consoleFunctions(), systemFunctions()}) {
+        for (const auto table : {textFunctions(), encodingFunctions(), numberFunctions(), consoleFunctions(),
+                                 systemFunctions()}) {
             for (const NativeEntry& entry : table)
                 add(entry);
         }
@@ -30,7 +31,8 @@ struct Catalogue {
         if (rest != std::string::npos) {
             made.variadic = true;
             declaration.erase(rest, 3);
-            if (const size_t comma = declaration.rfind(", )"); comma != std::string::npos) declaration.erase(comma, 2);
+            if (const size_t comma = declaration.rfind(", )"); comma != std::string::npos)
+                declaration.erase(comma, 2);
         }
         std::string space;
         const size_t dot = declaration.find('.');
@@ -65,7 +67,8 @@ std::vector<std::string> nativeNames() { return catalogue().names; }
 
 Text::Text(const Value& value) {
     encoding_ = value.isString() ? encodingOf(value.string()) : uint32_t{kREALEncodingUTF8};
-    if (encoding_ == kREALEncodingUTF8 || encoding_ == kREALEncodingASCII || encoding_ == kREALEncodingUnknown) {
+    if (encoding_ == kREALEncodingUTF8 || encoding_ == kREALEncodingASCII ||
+        encoding_ == kREALEncodingUnknown) {
         view_ = bytesOf(value.string());
     } else {
         own_ = value.toText();
@@ -81,7 +84,8 @@ Value Text::piece(std::string_view part) const {
 
 std::string shownText(const Value& value, const char* by) {
     if (value.isObject() && !isA(value.object(), "Date"))
-        raise("TypeMismatchException", std::string(by) + " shows texts, numbers and dates, not " + value.typeName());
+        raise("TypeMismatchException",
+              std::string(by) + " shows texts, numbers and dates, not " + value.typeName());
     return value.toText();
 }
 

@@ -8,8 +8,9 @@
 
 namespace host::basic {
 
-/// One function as its file lists it: "Left(text As String, count As Integer) As String". A name with a dot belongs to a
-/// namespace: "StdErr.Write(text As String)". "..." at the end takes any number of further values.
+/// One function as its file lists it: "Left(text As String, count As Integer) As String". A name with a dot
+/// belongs to a namespace: "StdErr.Write(text As String)". "..." at the end takes any number of further
+/// values.
 struct NativeEntry {
     const char* declaration;
     Native function;
@@ -28,8 +29,8 @@ bool isNativeNamespace(std::string_view lowerName);
 /// The names of all functions, for suggestions and for `disc-basic list`.
 std::vector<std::string> nativeNames();
 
-/// A method that arrays have. Parameters: E element, I integer, S text, A array of the same kind; lower case: may be
-/// left out. Result: - none, B boolean, E, I, S, A as above.
+/// A method that arrays have. Parameters: E element, I integer, S text, A array of the same kind; lower case:
+/// may be left out. Result: - none, B boolean, E, I, S, A as above.
 struct ArrayMethod {
     const char* name;
     const char* parameters;

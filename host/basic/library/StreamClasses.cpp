@@ -19,7 +19,9 @@ FILE* openFile(REALobject self) {
     return reinterpret_cast<FILE*>(address);
 }
 
-[[noreturn]] void refuse(const std::string& doing) { raise("IOException", doing + ": " + std::strerror(errno)); }
+[[noreturn]] void refuse(const std::string& doing) {
+    raise("IOException", doing + ": " + std::strerror(errno));
+}
 
 Value makeStream(const char* className, const Value& item, const char* mode, const char* doing) {
     if (item.isNil()) raise("NilObjectException", std::string("the file to be ") + doing + " is nil");
@@ -41,7 +43,8 @@ Value closeStream(REALobject self, Arguments) {
     const auto address = static_cast<intptr_t>(handleOf(self).toInt64());
     if (address == 0) return {};
     handleOf(self) = Value(int64_t{0});
-    if (std::fclose(reinterpret_cast<FILE*>(address)) != 0) refuse("the file could not be written to its end");
+    if (std::fclose(reinterpret_cast<FILE*>(address)) != 0)
+        refuse("the file could not be written to its end");
     return {};
 }
 
@@ -66,7 +69,8 @@ std::string readBytes(FILE* file, int64_t count) {
     std::string bytes;
     char chunk[16384];
     while (count != 0) {
-        const size_t wanted = count < 0 ? sizeof chunk : static_cast<size_t>(std::min<int64_t>(count, sizeof chunk));
+        const size_t wanted =
+            count < 0 ? sizeof chunk : static_cast<size_t>(std::min<int64_t>(count, sizeof chunk));
         const size_t got = std::fread(chunk, 1, wanted, file);
         bytes.append(chunk, got);
         if (count > 0) count -= static_cast<int64_t>(got);
@@ -81,7 +85,8 @@ void writeBytes(FILE* file, std::string_view bytes) {
 }
 
 Value textOf(std::string bytes) {
-    return Value::adopt(newString(bytes, isValidUTF8(bytes) ? uint32_t{kREALEncodingUTF8} : uint32_t{kREALEncodingUnknown}));
+    return Value::adopt(
+        newString(bytes, isValidUTF8(bytes) ? uint32_t{kREALEncodingUTF8} : uint32_t{kREALEncodingUnknown}));
 }
 
 Value readLine(REALobject self, Arguments) {
@@ -129,35 +134,45 @@ ClassSpec streamClass(const char* name) {
 
 void defineTextInput() {
     ClassSpec made = streamClass("TextInputStream");
-    made.members.push_back(member("Open(file As FolderItem) As TextInputStream",
-                                  [](REALobject, Arguments a) -> Value { return makeStream("TextInputStream", a[0], "rbe", "read"); }, true));
+    made.members.push_back(member(
+        "Open(file As FolderItem) As TextInputStream",
+        [](REALobject, Arguments a) -> Value { return makeStream("TextInputStream", a[0], "rbe", "read"); },
+        true));
     made.members.push_back(member("ReadLine As String", readLine));
-    made.members.push_back(member("ReadAll As String", [](REALobject self, Arguments) -> Value { return textOf(readBytes(openFile(self), -1)); }));
-    made.members.push_back(member("Read(count As Integer) As String", [](REALobject self, Arguments a) -> Value {
-        return textOf(readBytes(openFile(self), std::max<int64_t>(a[0].toInt64(), 0)));
+    made.members.push_back(member("ReadAll As String", [](REALobject self, Arguments) -> Value {
+        return textOf(readBytes(openFile(self), -1));
     }));
+    made.members.push_back(
+        member("Read(count As Integer) As String", [](REALobject self, Arguments a) -> Value {
+            return textOf(readBytes(openFile(self), std::max<int64_t>(a[0].toInt64(), 0)));
+        }));
     for (const char* name : {"EOF As Boolean", "EndOfFile As Boolean"})
-        made.members.push_back(property(name, [](REALobject self, Arguments) -> Value { return Value(atEnd(openFile(self))); }));
+        made.members.push_back(
+            property(name, [](REALobject self, Arguments) -> Value { return Value(atEnd(openFile(self))); }));
     defineClass(std::move(made));
 }
 
 void defineTextOutput() {
     ClassSpec made = streamClass("TextOutputStream");
     const auto opener = [](const char* mode) {
-        return [mode](REALobject, Arguments a) -> Value { return makeStream("TextOutputStream", a[0], mode, "written"); };
+        return [mode](REALobject, Arguments a) -> Value {
+            return makeStream("TextOutputStream", a[0], mode, "written");
+        };
     };
     made.members.push_back(member("Create(file As FolderItem) As TextOutputStream", opener("wbe"), true));
-    for (const char* name : {"Append(file As FolderItem) As TextOutputStream", "Open(file As FolderItem) As TextOutputStream"})
+    for (const char* name :
+         {"Append(file As FolderItem) As TextOutputStream", "Open(file As FolderItem) As TextOutputStream"})
         made.members.push_back(member(name, opener("abe"), true));
     made.members.push_back(member("Write(text As String)", [](REALobject self, Arguments a) -> Value {
         writeBytes(openFile(self), bytesOf(a[0].string()));
         return {};
     }));
-    made.members.push_back(member("WriteLine(Optional text As String)", [](REALobject self, Arguments a) -> Value {
-        writeBytes(openFile(self), bytesOf(a[0].string()));
-        writeBytes(openFile(self), "\n");
-        return {};
-    }));
+    made.members.push_back(
+        member("WriteLine(Optional text As String)", [](REALobject self, Arguments a) -> Value {
+            writeBytes(openFile(self), bytesOf(a[0].string()));
+            writeBytes(openFile(self), "\n");
+            return {};
+        }));
     made.members.push_back(member("Flush()", [](REALobject self, Arguments) -> Value {
         if (std::fflush(openFile(self)) != 0) refuse("the file can't be written");
         return {};
@@ -171,17 +186,23 @@ void defineBinary() {
         "Open(file As FolderItem, Optional writable As Boolean) As BinaryStream",
         [](REALobject, Arguments a) -> Value {
             const bool writable = a[1].toBoolean();
-            return makeStream("BinaryStream", a[0], writable ? "r+be" : "rbe", writable ? "opened for writing" : "read");
+            return makeStream("BinaryStream", a[0], writable ? "r+be" : "rbe",
+                              writable ? "opened for writing" : "read");
         },
         true));
-    made.members.push_back(member("Create(file As FolderItem, Optional overwrite As Boolean) As BinaryStream",
-                                  [](REALobject, Arguments a) -> Value { return makeStream("BinaryStream", a[0], a[1].toBoolean() ? "w+be" : "w+bxe", "created"); },
-                                  true));
-    made.members.push_back(member("Read(count As Int64) As String", [](REALobject self, Arguments a) -> Value {
-        FILE* file = openFile(self);
-        settle(file);
-        return Value::adopt(newString(readBytes(file, std::max<int64_t>(a[0].toInt64(), 0)), kREALEncodingUnknown));
-    }));
+    made.members.push_back(member(
+        "Create(file As FolderItem, Optional overwrite As Boolean) As BinaryStream",
+        [](REALobject, Arguments a) -> Value {
+            return makeStream("BinaryStream", a[0], a[1].toBoolean() ? "w+be" : "w+bxe", "created");
+        },
+        true));
+    made.members.push_back(
+        member("Read(count As Int64) As String", [](REALobject self, Arguments a) -> Value {
+            FILE* file = openFile(self);
+            settle(file);
+            return Value::adopt(
+                newString(readBytes(file, std::max<int64_t>(a[0].toInt64(), 0)), kREALEncodingUnknown));
+        }));
     made.members.push_back(member("ReadByte As Integer", [](REALobject self, Arguments) -> Value {
         FILE* file = openFile(self);
         settle(file);
@@ -203,9 +224,13 @@ void defineBinary() {
         return {};
     }));
     made.members.push_back(property(
-        "Position As Int64", [](REALobject self, Arguments) -> Value { return Value(static_cast<int64_t>(::ftello(openFile(self)))); },
+        "Position As Int64",
+        [](REALobject self, Arguments) -> Value {
+            return Value(static_cast<int64_t>(::ftello(openFile(self))));
+        },
         [](REALobject self, Arguments a) -> Value {
-            if (::fseeko(openFile(self), static_cast<off_t>(a[0].toInt64()), SEEK_SET) != 0) refuse("the position can't be set");
+            if (::fseeko(openFile(self), static_cast<off_t>(a[0].toInt64()), SEEK_SET) != 0)
+                refuse("the position can't be set");
             return {};
         }));
     made.members.push_back(property("Length As Int64", [](REALobject self, Arguments) -> Value {

@@ -47,39 +47,69 @@ Value environment(const Value& name) {
 }
 
 #define SYSTEM_FUNCTION [](Context & context, Arguments a) -> Value
-constexpr NativeEntry kEntries[] = {
-    {"Ticks As Integer", SYSTEM_FUNCTION { (void)context, (void)a; return Value(static_cast<int32_t>(static_cast<int64_t>(secondsSinceStart() * 60))); }},
-    {"Microseconds As Double", SYSTEM_FUNCTION { (void)context, (void)a; return Value(secondsSinceStart() * 1e6); }},
-    {"Sleep(milliseconds As Double)", SYSTEM_FUNCTION { waitFor(context, a[0].toDouble()); return {}; }},
-    {"App.DoEvents()", SYSTEM_FUNCTION { (void)a; waitFor(context, 0); return {}; }},
-    {"App.DoEvents(milliseconds As Double)", SYSTEM_FUNCTION { waitFor(context, a[0].toDouble()); return {}; }},
-    {"App.Arguments As String()",
-     SYSTEM_FUNCTION {
-         (void)context, (void)a;
-         const Ref made = newArray({Kind::String, {}, false});
-         for (const std::string& argument : programArguments)
-             arrayAppend(made.get(), Value(argument));
-         return Value::borrow(made.get());
-     }},
-    {"App.ExecutableFile As FolderItem", SYSTEM_FUNCTION { (void)context, (void)a; return Value(newFolderItem(programFile)); }},
-    {"Quit()", SYSTEM_FUNCTION { (void)a; stop::quit(0); context.pollNow(); return {}; }},
-    {"Quit(code As Integer)", SYSTEM_FUNCTION { stop::quit(a[0].toInt32()); context.pollNow(); return {}; }},
-    {"GetFolderItem(path As String) As FolderItem",
-     SYSTEM_FUNCTION {
-         (void)context;
-         if (bytesOf(a[0].string()).find('\0') != std::string_view::npos) raise("InvalidArgumentException", "a path can't contain a zero character");
-         return Value(newFolderItem(a[0].toText()));
-     }},
-    {"System.EnvironmentVariable(name As String) As String", SYSTEM_FUNCTION { (void)context; return environment(a[0]); }},
-    {"System.EnvironmentVariable(name As String, Assigns value As String)",
-     SYSTEM_FUNCTION {
-         (void)context;
-         const std::string name = a[0].toText();
-         if (::setenv(name.c_str(), a[1].toText().c_str(), 1) != 0)
-             raise("InvalidArgumentException", "'" + name + "' can't be the name of an environment variable");
-         return {};
-     }},
-};
+constexpr NativeEntry kEntries[] = {{"Ticks As Integer", SYSTEM_FUNCTION{(void)context, (void)a;
+return Value(static_cast<int32_t>(static_cast<int64_t>(secondsSinceStart() * 60)));
+} // namespace
+} // namespace host::basic
+, {"Microseconds As Double", SYSTEM_FUNCTION{(void)context, (void)a;
+return Value(secondsSinceStart() * 1e6);
+}
+}
+, {"Sleep(milliseconds As Double)", SYSTEM_FUNCTION{waitFor(context, a[0].toDouble());
+return {};
+}
+}
+, {"App.DoEvents()", SYSTEM_FUNCTION{(void)a;
+waitFor(context, 0);
+return {};
+}
+}
+, {"App.DoEvents(milliseconds As Double)", SYSTEM_FUNCTION{waitFor(context, a[0].toDouble());
+return {};
+}
+}
+, {"App.Arguments As String()", SYSTEM_FUNCTION{(void)context, (void)a;
+const Ref made = newArray({Kind::String, {}, false});
+for (const std::string& argument : programArguments)
+    arrayAppend(made.get(), Value(argument));
+return Value::borrow(made.get());
+}
+}
+, {"App.ExecutableFile As FolderItem", SYSTEM_FUNCTION{(void)context, (void)a;
+return Value(newFolderItem(programFile));
+}
+}
+, {"Quit()", SYSTEM_FUNCTION{(void)a;
+stop::quit(0);
+context.pollNow();
+return {};
+}
+}
+, {"Quit(code As Integer)", SYSTEM_FUNCTION{stop::quit(a[0].toInt32());
+context.pollNow();
+return {};
+}
+}
+, {"GetFolderItem(path As String) As FolderItem", SYSTEM_FUNCTION{(void)context;
+if (bytesOf(a[0].string()).find('\0') != std::string_view::npos)
+    raise("InvalidArgumentException", "a path can't contain a zero character");
+return Value(newFolderItem(a[0].toText()));
+}
+}
+, {"System.EnvironmentVariable(name As String) As String", SYSTEM_FUNCTION{(void)context;
+return environment(a[0]);
+}
+}
+, {"System.EnvironmentVariable(name As String, Assigns value As String)", SYSTEM_FUNCTION{(void)context;
+const std::string name = a[0].toText();
+if (::setenv(name.c_str(), a[1].toText().c_str(), 1) != 0)
+    raise("InvalidArgumentException", "'" + name + "' can't be the name of an environment variable");
+return {};
+}
+}
+,
+}
+;
 #undef SYSTEM_FUNCTION
 
 } // namespace

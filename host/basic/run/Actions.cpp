@@ -76,7 +76,9 @@ Flow SelectAction::run(Frame& frame) const {
     return runAll(otherwise, frame);
 }
 
-Flow CountAction::run(Frame& frame) const { return isIntegerKind(type.kind) ? runIntegers(frame) : runReals(frame); }
+Flow CountAction::run(Frame& frame) const {
+    return isIntegerKind(type.kind) ? runIntegers(frame) : runReals(frame);
+}
 
 Flow CountAction::runIntegers(Frame& frame) const {
     // 64 bits, so that a loop up to a small type's last number ends.
@@ -110,7 +112,8 @@ Flow CountAction::runReals(Frame& frame) const {
     if (down) stride = -stride;
     if (stride == 0) raise("InvalidArgumentException", "the Step of a For loop is 0, so it would never end");
     const auto assign = [&] {
-        variable->store(frame, type.kind == Kind::Single ? Value(static_cast<float>(counter)) : Value(counter));
+        variable->store(frame,
+                        type.kind == Kind::Single ? Value(static_cast<float>(counter)) : Value(counter));
     };
     assign();
     while (stride > 0 ? counter <= last : counter >= last) {
@@ -130,7 +133,8 @@ Flow EachAction::run(Frame& frame) const {
     const Value values = list->eval(frame);
     frame.context.place = list->place;
     if (values.isNil()) raise("NilObjectException", "the array that For Each is to go through is nil");
-    if (!values.isArray()) raise("TypeMismatchException", "For Each goes through an array, not " + values.typeName());
+    if (!values.isArray())
+        raise("TypeMismatchException", "For Each goes through an array, not " + values.typeName());
     for (int32_t i = 0; i <= upperBound(values.object()); ++i) {
         frame.context.place = place;
         frame.context.poll();
@@ -234,7 +238,8 @@ Flow GuardAction::runGuarded(Frame& frame) const {
 Flow RaiseAction::run(Frame& frame) const {
     if (!exception) {
         frame.context.place = place;
-        if (frame.context.handling.empty()) raise("UnsupportedOperationException", "'Raise' alone works in a Catch block only");
+        if (frame.context.handling.empty())
+            raise("UnsupportedOperationException", "'Raise' alone works in a Catch block only");
         const auto [again, where] = frame.context.handling.back();
         frame.context.keepRaised(again, where);
         throw Exception(again);

@@ -42,7 +42,9 @@ const Member* overrideIn(Class& objectClass, const Member& member) {
     const auto& wanted = member.declaration.parameters;
     for (const Member* candidate : objectClass.find(member.declaration.name)) {
         const auto& has = candidate->declaration.parameters;
-        if (candidate->shared != member.shared || candidate->kind != member.kind || has.size() != wanted.size()) continue;
+        if (candidate->shared != member.shared || candidate->kind != member.kind ||
+            has.size() != wanted.size())
+            continue;
         bool same = true;
         for (size_t i = 0; i < has.size(); ++i)
             same = same && has[i].type == wanted[i].type && has[i].byRef == wanted[i].byRef;
@@ -69,7 +71,8 @@ Value CallMemberNode::eval(Frame& frame) const {
         }
         chosen = seenMember_;
     }
-    if (const Code* code = codeOf(chosen->body)) return runCode(frame, *code, target.object(), arguments, place);
+    if (const Code* code = codeOf(chosen->body))
+        return runCode(frame, *code, target.object(), arguments, place);
     Prepared prepared(frame, arguments);
     frame.context.place = place;
     Value result = call(*chosen, target.object(), prepared.span);

@@ -35,8 +35,8 @@ struct CallCodeNode final : Node {
     Value eval(Frame& frame) const override;
 };
 
-/// object.Method(arguments) with a method that was chosen by the types of the arguments; the object's class may
-/// override it.
+/// object.Method(arguments) with a method that was chosen by the types of the arguments; the object's class
+/// may override it.
 struct CallMemberNode final : Node {
     NodePtr object;
     const Member* member;
@@ -64,7 +64,8 @@ struct InvokeNode final : Node {
     NodePtr object;
     std::string name;
     CallArguments arguments;
-    Class* start; // where to look: for Super a superclass, without an object the class whose shared members are meant
+    Class* start; // where to look: for Super a superclass, without an object the class whose shared members
+                  // are meant
     InvokeNode(Place p, NodePtr o, std::string n, CallArguments a, Class* s = nullptr)
         : Node(p), object(std::move(o)), name(std::move(n)), arguments(std::move(a)), start(s) {}
     Value eval(Frame& frame) const override;

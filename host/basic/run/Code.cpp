@@ -8,7 +8,8 @@ namespace host::basic {
 Value Code::run(Context& context, REALobject self, Value* slots) const {
     context.checkStack();
     const Place caller = context.place;
-    const Ref keepsSelf = Ref::borrow(self); // the last variable that holds the object may go while its method runs
+    const Ref keepsSelf =
+        Ref::borrow(self); // the last variable that holds the object may go while its method runs
     Frame frame{context, slots, self, Value::defaultFor(declaration.result), 0};
     try {
         context.poll(); // a Sub without statements may still call itself for ever

@@ -26,7 +26,8 @@ class Context {
         if (static_cast<const char*>(__builtin_frame_address(0)) < stackLimit_) overflow();
     }
 
-    /// Remembers where an exception was first seen on its way out; later calls for the same one change nothing.
+    /// Remembers where an exception was first seen on its way out; later calls for the same one change
+    /// nothing.
     void noteRaised(const Exception& exception);
     void forgetRaised() { raised_ = Value(); }
     Place raisedPlace() const { return raisedPlace_; }

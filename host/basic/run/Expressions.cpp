@@ -16,7 +16,8 @@ struct Operands {
     const Value& left;
     const Value& right;
     Operands(Frame& frame, const Node& l, const Node& r)
-        : left(r.isSimple() ? l.view(frame, leftScratch) : (leftScratch = l.eval(frame))), right(r.view(frame, rightScratch)) {}
+        : left(r.isSimple() ? l.view(frame, leftScratch) : (leftScratch = l.eval(frame))),
+          right(r.view(frame, rightScratch)) {}
 };
 
 } // namespace
@@ -91,7 +92,8 @@ Value JoinNode::eval(Frame& frame) const {
     bool plain = whole.isString() && encodingOf(whole.string()) == kREALEncodingUTF8;
     for (size_t i = 1; i < parts.size(); ++i) {
         values.push_back(parts[i]->eval(frame));
-        plain = plain && (!values.back().isString() || encodingOf(values.back().string()) == kREALEncodingUTF8);
+        plain =
+            plain && (!values.back().isString() || encodingOf(values.back().string()) == kREALEncodingUTF8);
     }
     if (!plain) {
         for (const Value& value : values)

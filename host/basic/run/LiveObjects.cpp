@@ -51,7 +51,9 @@ void clearSharedProperties() {
     for (Class* one : allClasses()) {
         if (!one->isBasic()) continue;
         for (const auto& member : one->members()) {
-            if (!member->shared || member->kind != MemberKind::Property || member->body || member->value.isNil()) continue;
+            if (!member->shared || member->kind != MemberKind::Property || member->body ||
+                member->value.isNil())
+                continue;
             try {
                 callSetter(*member, nullptr, {}, Value::defaultFor(member->declaration.result));
             } catch (const Exception&) { // a destructor's exception; the program is over

@@ -1,4 +1,5 @@
-// The objects of a program's own classes that live, so that those which hold each other can be freed at its end.
+// The objects of a program's own classes that live, so that those which hold each other can be freed at its
+// end.
 #pragma once
 
 #include "host/runtime/Object.hpp"

@@ -69,8 +69,8 @@ struct Code {
     Class* owner = nullptr; // of a method
     bool isShared = false;
 
-    /// Runs it; the arguments stand in the first slots, converted to the parameters' types. ByRef parameters are left
-    /// there with their last value.
+    /// Runs it; the arguments stand in the first slots, converted to the parameters' types. ByRef parameters
+    /// are left there with their last value.
     Value run(Context& context, REALobject self, Value* slots) const;
 };
 

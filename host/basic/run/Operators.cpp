@@ -12,7 +12,8 @@ using ast::Operator;
 namespace {
 
 [[noreturn]] void mismatch(const char* what, const Value& left, const Value& right) {
-    raise("TypeMismatchException", std::string(what) + ", not " + left.typeName() + " and " + right.typeName());
+    raise("TypeMismatchException",
+          std::string(what) + ", not " + left.typeName() + " and " + right.typeName());
 }
 
 bool isReal(const Value& value) { return value.kind() == Kind::Single || value.kind() == Kind::Double; }
@@ -42,15 +43,19 @@ Value integers(Operator op, const Value& left, const Value& right) {
     const bool isUnsigned = left.kind() == Kind::UInt64 || right.kind() == Kind::UInt64;
     const auto sa = static_cast<int64_t>(a), sb = static_cast<int64_t>(b);
     switch (op) {
-    case Operator::add: return integerResult(a + b, left, right);
-    case Operator::subtract: return integerResult(a - b, left, right);
-    case Operator::multiply: return integerResult(a * b, left, right);
+    case Operator::add:
+        return integerResult(a + b, left, right);
+    case Operator::subtract:
+        return integerResult(a - b, left, right);
+    case Operator::multiply:
+        return integerResult(a * b, left, right);
     case Operator::integerDivide:
     case Operator::modulo: {
         const bool quotient = op == Operator::integerDivide;
         if (b == 0) raise("DivisionByZeroException", quotient ? "\\ divides by zero" : "Mod divides by zero");
         if (isUnsigned) return integerResult(quotient ? a / b : a % b, left, right);
-        if (sb == -1) return integerResult(quotient ? 0 - a : 0, left, right); // the smallest number has no opposite
+        if (sb == -1)
+            return integerResult(quotient ? 0 - a : 0, left, right); // the smallest number has no opposite
         return integerResult(static_cast<uint64_t>(quotient ? sa / sb : sa % sb), left, right);
     }
     case Operator::power:
@@ -60,17 +65,23 @@ Value integers(Operator op, const Value& left, const Value& right) {
             if (std::fabs(estimate) < 9e18) return integerResult(integerPower(a, b), left, right);
         }
         return Value(std::pow(left.toDouble(), right.toDouble()));
-    default: return Value(left.toDouble() / right.toDouble());
+    default:
+        return Value(left.toDouble() / right.toDouble());
     }
 }
 
 Value reals(Operator op, double a, double b) {
     switch (op) {
-    case Operator::add: return a + b;
-    case Operator::subtract: return a - b;
-    case Operator::multiply: return a * b;
-    case Operator::divide: return a / b;
-    case Operator::power: return std::pow(a, b);
+    case Operator::add:
+        return a + b;
+    case Operator::subtract:
+        return a - b;
+    case Operator::multiply:
+        return a * b;
+    case Operator::divide:
+        return a / b;
+    case Operator::power:
+        return std::pow(a, b);
     case Operator::modulo:
         if (b == 0) raise("DivisionByZeroException", "Mod divides by zero");
         return std::fmod(a, b);
@@ -84,16 +95,20 @@ Value reals(Operator op, double a, double b) {
 
 Value arithmetic(Operator op, const Value& left, const Value& right) {
     if (left.isNumber() && right.isNumber()) {
-        if (op == Operator::divide || isReal(left) || isReal(right)) return reals(op, left.toDouble(), right.toDouble());
+        if (op == Operator::divide || isReal(left) || isReal(right))
+            return reals(op, left.toDouble(), right.toDouble());
         return integers(op, left, right);
     }
     if (op == Operator::add && left.isString() && right.isString()) return joined(left, right);
-    if (op == Operator::add) mismatch("'+' adds two numbers or joins two texts (use & to join others)", left, right);
+    if (op == Operator::add)
+        mismatch("'+' adds two numbers or joins two texts (use & to join others)", left, right);
     mismatch("this operator takes two numbers", left, right);
 }
 
 Value negated(const Value& value) {
-    if (isReal(value)) return value.kind() == Kind::Single ? Value(-static_cast<float>(value.toDouble())) : Value(-value.toDouble());
+    if (isReal(value))
+        return value.kind() == Kind::Single ? Value(-static_cast<float>(value.toDouble()))
+                                            : Value(-value.toDouble());
     if (!value.isInteger()) raise("TypeMismatchException", "'-' takes a number, not " + value.typeName());
     // The type of an unsigned number is left: -x is below zero.
     const auto bits = 0 - static_cast<uint64_t>(value.toInt64());
@@ -122,27 +137,37 @@ Value inverted(const Value& value) {
 bool compared(Operator op, const Value& left, const Value& right) {
     if (op == Operator::equal) return equalValues(left, right);
     if (op == Operator::notEqual) return !equalValues(left, right);
-    if (op == Operator::is) return (left.isNil() && right.isNil()) || (left.object() && left.object() == right.object());
+    if (op == Operator::is)
+        return (left.isNil() && right.isNil()) || (left.object() && left.object() == right.object());
     if (left.isNumber() && right.isNumber() && (isReal(left) || isReal(right))) {
         const double a = left.toDouble(), b = right.toDouble(); // nothing is less or greater than "no number"
         switch (op) {
-        case Operator::less: return a < b;
-        case Operator::lessOrEqual: return a <= b;
-        case Operator::greater: return a > b;
-        default: return a >= b;
+        case Operator::less:
+            return a < b;
+        case Operator::lessOrEqual:
+            return a <= b;
+        case Operator::greater:
+            return a > b;
+        default:
+            return a >= b;
         }
     }
     const int order = compareValues(left, right);
     switch (op) {
-    case Operator::less: return order < 0;
-    case Operator::lessOrEqual: return order <= 0;
-    case Operator::greater: return order > 0;
-    default: return order >= 0;
+    case Operator::less:
+        return order < 0;
+    case Operator::lessOrEqual:
+        return order <= 0;
+    case Operator::greater:
+        return order > 0;
+    default:
+        return order >= 0;
     }
 }
 
 Value joined(const Value& left, const Value& right) {
-    const bool sameEncoding = left.isString() && right.isString() && encodingOf(left.string()) == encodingOf(right.string());
+    const bool sameEncoding =
+        left.isString() && right.isString() && encodingOf(left.string()) == encodingOf(right.string());
     if (sameEncoding) {
         const std::string_view a = bytesOf(left.string()), b = bytesOf(right.string());
         std::string both;
@@ -166,13 +191,21 @@ Value converted(Value value, const Type& type, bool fromVariant, std::string_vie
         const bool numbers = value.isNumber() && isNumberKind(type.kind);
         if (numbers || (fromVariant && !value.isArray())) {
             switch (type.kind) {
-            case Kind::Boolean: return Value(value.toBoolean());
-            case Kind::Single: return Value(static_cast<float>(value.toDouble()));
-            case Kind::Double: return Value(value.toDouble());
-            case Kind::String: return Value(value.toText());
-            case Kind::Int32: return value.isInteger() ? Value::integer(Kind::Int32, value.toInt64()) : Value(value.toInt32());
-            case Kind::UInt64: return Value(value.isInteger() ? static_cast<uint64_t>(value.toInt64()) : value.toUInt64());
-            default: return Value::integer(type.kind, value.toInt64());
+            case Kind::Boolean:
+                return Value(value.toBoolean());
+            case Kind::Single:
+                return Value(static_cast<float>(value.toDouble()));
+            case Kind::Double:
+                return Value(value.toDouble());
+            case Kind::String:
+                return Value(value.toText());
+            case Kind::Int32:
+                return value.isInteger() ? Value::integer(Kind::Int32, value.toInt64())
+                                         : Value(value.toInt32());
+            case Kind::UInt64:
+                return Value(value.isInteger() ? static_cast<uint64_t>(value.toInt64()) : value.toUInt64());
+            default:
+                return Value::integer(type.kind, value.toInt64());
             }
         }
     }

@@ -6,9 +6,10 @@
 
 namespace host::basic {
 
-/// Integers are computed with 64 bits and wrap around there; a result that fits stays 32 bits wide when both operands
-/// were. Unsigned 64-bit numbers make the result unsigned. A real operand makes the result real.
-/// Raises TypeMismatchException for operands that the operator does not take, DivisionByZeroException for \ and Mod.
+/// Integers are computed with 64 bits and wrap around there; a result that fits stays 32 bits wide when both
+/// operands were. Unsigned 64-bit numbers make the result unsigned. A real operand makes the result real.
+/// Raises TypeMismatchException for operands that the operator does not take, DivisionByZeroException for
+/// \ and Mod.
 Value arithmetic(ast::Operator op, const Value& left, const Value& right);
 Value negated(const Value& value);
 /// And, Or, Xor of two booleans or of the bits of two integers.

@@ -23,8 +23,8 @@ int exitCode();
 
 /// SIGINT and SIGTERM request a stop. Three more of them during the clean-up end the process at once.
 void installSignalHandlers();
-/// Waits until a stop is requested, `milliseconds` have passed, or (when `file` is not negative) the file can be read.
-/// Gives the lock of BASIC away meanwhile. Answers true when the file can be read.
+/// Waits until a stop is requested, `milliseconds` have passed, or (when `file` is not negative) the file can
+/// be read. Gives the lock of BASIC away meanwhile. Answers true when the file can be read.
 bool wait(double milliseconds, int file = -1);
 /// Seconds since the request; the clean-up is bounded by it.
 double secondsSinceRequest();

@@ -95,6 +95,16 @@ constexpr std::string_view kClosers[] = {
     "end module", "end constructor", "end destructor", "end event", "end property",
     "end get",    "end set"};
 
+// "end if" as it is usually written: "End If".
+std::string titled(std::string_view words) {
+    std::string made(words);
+    for (size_t i = 0; i < made.size(); ++i) {
+        if ((i == 0 || made[i - 1] == ' ') && made[i] >= 'a' && made[i] <= 'z')
+            made[i] = static_cast<char>(made[i] - 32);
+    }
+    return made;
+}
+
 bool matches(const Token& now, const Token& next, std::string_view word) {
     const size_t space = word.find(' ');
     if (space == std::string_view::npos) return now.is(word);
@@ -115,7 +125,7 @@ bool Parser::block(Block& into, std::initializer_list<std::string_view> stops, P
     const Deeper deeper(*this);
     const auto missing = [&] {
         diagnostics_.report(opened, std::string(what) + " that begins here is not closed; its end, '" +
-                                        std::string(*(stops.end() - 1)) + "', is missing.");
+                                        titled(*(stops.end() - 1)) + "', is missing.");
         return false;
     };
     open_.push_back(stops);
@@ -147,8 +157,7 @@ void Parser::statementInto(Block& block) {
             if (matches(now(), ahead(), closer)) {
                 const Place place = now().place;
                 skipToLineEnd();
-                fail(place,
-                     "'" + std::string(closer) + "' stands here without the block that it belongs to.");
+                fail(place, "'" + titled(closer) + "' stands here without the block that it belongs to.");
             }
         }
         if (StatementPtr made = statement()) block.push_back(std::move(made));
