@@ -1,13 +1,13 @@
 // CFURL: CoreFoundation's URLs, which are Foundation's.
 #import "CFURLPaths.h"
 
-// What Foundation refuses with an exception answers null here: these calls have no other way to fail.
-#define NULL_WHEN_REFUSED(expression)                                                                        \
-    @try {                                                                                                   \
-        return (expression);                                                                                 \
-    } @catch (NSException * refused) {                                                                       \
-        return NULL;                                                                                         \
-    }
+// A file URL with or without the "/" that marks a folder. Null for a path that is no proper text: Foundation
+// raises an exception for it, and loses an object on the way.
+static CFURLRef NewFileURL(NSString* path, BOOL isDirectory) {
+    if (![path canBeConvertedToEncoding:NSUTF8StringEncoding])
+        return NULL;
+    return (CFURLRef)[[NSURL alloc] initFileURLWithPath:path isDirectory:isDirectory];
+}
 
 CFURLRef CFURLCreateFromFSRef(CFAllocatorRef allocator, const FSRef* ref) {
     (void)allocator;
@@ -15,7 +15,7 @@ CFURLRef CFURLCreateFromFSRef(CFAllocatorRef allocator, const FSRef* ref) {
     NSString* path = PathOfReference(ref, &isDirectory);
     if (path == nil)
         return NULL;
-    NULL_WHEN_REFUSED((CFURLRef)[[NSURL alloc] initFileURLWithPath:path isDirectory:isDirectory])
+    return NewFileURL(path, isDirectory);
 }
 
 Boolean CFURLGetFSRef(CFURLRef url, FSRef* ref) {
@@ -26,10 +26,6 @@ Boolean CFURLGetFSRef(CFURLRef url, FSRef* ref) {
     return path != nil && ReferenceOfPath(path, ref);
 }
 
-// A file URL's path with or without the "/" that marks a folder.
-static CFURLRef FileURL(NSString* path, BOOL isDirectory){
-    NULL_WHEN_REFUSED((CFURLRef)[[NSURL alloc] initFileURLWithPath:path isDirectory:isDirectory])}
-
 CFURLRef CFURLCreateCopyAppendingPathComponent(CFAllocatorRef allocator, CFURLRef url, CFStringRef name,
                                                Boolean isDirectory) {
     (void)allocator;
@@ -38,7 +34,7 @@ CFURLRef CFURLCreateCopyAppendingPathComponent(CFAllocatorRef allocator, CFURLRe
         return NULL;
     NSString* folder = [location path];
     NSString* slash = [folder hasSuffix:@"/"] ? @"" : @"/";
-    return FileURL([NSString stringWithFormat:@"%@%@%@", folder, slash, (NSString*)name], isDirectory);
+    return NewFileURL([NSString stringWithFormat:@"%@%@%@", folder, slash, (NSString*)name], isDirectory);
 }
 
 CFURLRef CFURLCreateCopyDeletingLastPathComponent(CFAllocatorRef allocator, CFURLRef url) {
@@ -50,7 +46,7 @@ CFURLRef CFURLCreateCopyDeletingLastPathComponent(CFAllocatorRef allocator, CFUR
     NSRange slash = [path rangeOfString:@"/" options:NSBackwardsSearch];
     if (slash.location == NSNotFound)
         return NULL;
-    return FileURL(slash.location == 0 ? @"/" : [path substringToIndex:slash.location], YES);
+    return NewFileURL(slash.location == 0 ? @"/" : [path substringToIndex:slash.location], YES);
 }
 
 CFStringRef CFURLCopyLastPathComponent(CFURLRef url) {

@@ -45,8 +45,18 @@ static inline void Check(BOOL holds, const char* sentence, const char* file, int
         PASS(sentence " (reason)", [[raised_ reason] rangeOfString:(text)].length != 0);                     \
     } while (0)
 
+#if defined(__SANITIZE_ADDRESS__)
+void __lsan_do_leak_check(void);
+// Leaks are looked for before the process winds up: on its way out Foundation forgets, but does not free,
+// objects that it has kept from the start.
+#define LOOK_FOR_LEAKS() __lsan_do_leak_check()
+#else
+#define LOOK_FOR_LEAKS() ((void)0)
+#endif
+
 // The end of a test program: its exit status. A program that checked nothing has failed.
 static inline int Finish(void) {
+    LOOK_FOR_LEAKS();
     printf("%d checks, %d failed\n", checksMade, checksFailed);
     return checksMade == 0 || checksFailed != 0;
 }

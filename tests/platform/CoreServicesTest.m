@@ -212,9 +212,11 @@ static void TestObjectDictionaries(void) {
     PASS("and removes from it", [theirs count] == 0);
 }
 
-static char* In(const char* folder, const char* name) {
-    char* path = NULL;
-    return asprintf(&path, "%s/%s", folder, name) < 0 ? NULL : path; // kept until the program ends
+// A path inside a folder; it lives as long as the surrounding pool.
+static const char* In(const char* folder, const char* name) {
+    NSMutableData* path = [NSMutableData dataWithLength:strlen(folder) + strlen(name) + 2];
+    sprintf([path mutableBytes], "%s/%s", folder, name);
+    return [path bytes];
 }
 
 static const char* PathOf(const FSRef* ref) {
