@@ -22,7 +22,7 @@ Do
     Dim status As Dictionary = burn.status
     state = status.Value(DRBurnQRX.DRStatusStateKey)
     If how = "abort" And stopped = 0 And state = DRBurnQRX.DRStatusStateTrackWrite Then
-        If status.Value(DRBurnQRX.DRStatusPercentCompleteKey).DoubleValue > 0.33 Then
+        If status.Value(DRBurnQRX.DRStatusPercentCompleteKey) > 0.33 Then
             stopped = Microseconds
             burn.abort
         End If

@@ -55,8 +55,8 @@ Class Progress
     Private mSince As Double
 
     Sub Show(status As Dictionary)
-        Dim state As String = NameOfState(status.Value(DRBurnQRX.DRStatusStateKey).StringValue)
-        Dim percent As Double = status.Value(DRBurnQRX.DRStatusPercentCompleteKey).DoubleValue
+        Dim state As String = NameOfState(status.Value(DRBurnQRX.DRStatusStateKey))
+        Dim percent As Double = status.Value(DRBurnQRX.DRStatusPercentCompleteKey)
         If state <> mState Then
             mState = state
             mQuarter = 0
@@ -65,7 +65,7 @@ Class Progress
         End If
         If percent < 0 Then percent = 0
         If System.IsTerminal Then
-            Bar(state, percent, status.Value(DRBurnQRX.DRStatusCurrentSpeedKey).DoubleValue)
+            Bar(state, percent, status.Value(DRBurnQRX.DRStatusCurrentSpeedKey))
         ElseIf Floor(percent * 4) > mQuarter Then
             mQuarter = Floor(percent * 4)
             Print "  " + Format(percent, "0%")
