@@ -18,7 +18,8 @@ std::string parametersOf(const Member& member, bool forAssign) {
     const auto text = declaration.text();
     const auto from = text.find('(');
     std::string list = from == std::string::npos ? "" : text.substr(from, text.rfind(')') + 1 - from);
-    if (forAssign && member.kind == MemberKind::Property) list += " = " + declaration.result.text();
+    if (forAssign && member.kind == MemberKind::Property)
+        list += (list.empty() ? "" : " = ") + declaration.result.text();
     return list;
 }
 

@@ -1,0 +1,155 @@
+// PlatformTest.cpp: the host with the platform in its process: strings, file references, pools, run loops.
+#include "host/services/Platform.hpp"
+#include "host/runtime/FolderItem.hpp"
+#include "host/services/PathNames.hpp"
+#include "tests/host/Support.hpp"
+
+#include <chrono>
+#include <cstdlib>
+#include <dlfcn.h>
+#include <filesystem>
+#include <fstream>
+
+namespace {
+
+using namespace test;
+namespace fs = std::filesystem;
+
+class WithPlatform : public NothingLeft {
+  protected:
+    void SetUp() override {
+        ASSERT_TRUE(hasPlatform());
+        char pattern[] = "/tmp/host-platform-XXXXXX";
+        folder = mkdtemp(pattern);
+    }
+    void TearDown() override { fs::remove_all(folder); }
+    Services host;
+    std::string folder;
+};
+
+// The platform string's text in UTF-8; releases it.
+std::string taken(CFStringRef string) {
+    const auto get = reinterpret_cast<uint8_t (*)(CFStringRef, char*, long, uint32_t)>(
+        dlsym(RTLD_DEFAULT, "CFStringGetCString"));
+    const auto release = reinterpret_cast<void (*)(CFStringRef)>(dlsym(RTLD_DEFAULT, "CFRelease"));
+    if (!string || !get || !release) return "(null)";
+    char text[256];
+    const bool fits = get(string, text, sizeof text, kREALEncodingUTF8) != 0;
+    release(string);
+    return fits ? text : "(does not fit)";
+}
+
+TEST_F(WithPlatform, HostStringsOfEveryEncodingBecomePlatformStrings) {
+    const Pool pool;
+    const std::string_view text = "Grüße €";
+    for (const uint32_t encoding :
+         {uint32_t{kREALEncodingUTF8}, uint32_t{kREALEncodingUTF16}, uint32_t{kREALEncodingUTF32},
+          uint32_t{kREALEncodingDefault}, 0x0500u, 0x10000100u, 0x0632u}) {
+        std::string bytes;
+        ASSERT_TRUE(transcode(text, kREALEncodingUTF8, encoding, bytes));
+        const auto string = String::adopt(newString(bytes, encoding));
+        EXPECT_EQ(taken(host.REALGetStringCFString(string.get(), 0)), text) << std::hex << encoding;
+    }
+    const auto unknown = String::adopt(newString("\x8A", kREALEncodingUnknown));
+    EXPECT_EQ(taken(host.REALGetStringCFString(unknown.get(), 0)), "ä");
+    EXPECT_EQ(host.REALGetStringCFString(nullptr, 0), nullptr);
+}
+
+TEST_F(WithPlatform, AFolderItemThatExistsBecomesAReferenceAndComesBack) {
+    std::ofstream(folder + "/ä.txt") << "x";
+    const Value item = newFolderItem(folder + "/ä.txt");
+    FSRef ref{}, parent{};
+    HFSUniStr255 name{};
+    ASSERT_EQ(host.REALFSRefFromFolderItem(item.object(), &ref, nullptr), 1);
+    ASSERT_EQ(host.REALFSRefFromFolderItem(item.object(), &parent, &name), 1);
+    EXPECT_EQ(std::u16string(name.unicode, name.unicode + name.length), u"ä.txt");
+    const Value back = Value::adopt(host.REALFolderItemFromParentFSRef(&parent, &name));
+    EXPECT_EQ(pathOf(back.object()), folder + "/ä.txt");
+    FSSpec spec{};
+    ASSERT_EQ(host.REALFSSpecFromFolderItem(item.object(), &spec), 1);
+    const Value fromSpec = Value::adopt(host.FolderItemFromFSSpec(&spec));
+    ASSERT_FALSE(fromSpec.isNil());
+    EXPECT_EQ(pathOf(fromSpec.object()), folder + "/ä.txt");
+}
+
+TEST_F(WithPlatform, AFolderItemThatDoesNotExistHasAParentAndALeafName) {
+    const Value item = newFolderItem(folder + "/new file");
+    FSRef ref{};
+    HFSUniStr255 name{};
+    EXPECT_EQ(host.REALFSRefFromFolderItem(item.object(), &ref, nullptr), 0);
+    ASSERT_EQ(host.REALFSRefFromFolderItem(item.object(), &ref, &name), 1);
+    EXPECT_EQ(name.length, 8);
+    FSSpec spec{};
+    EXPECT_EQ(host.REALFSSpecFromFolderItem(item.object(), &spec), 0);
+    const Value back = Value::adopt(host.REALFolderItemFromParentFSRef(&ref, &name));
+    EXPECT_EQ(pathOf(back.object()), folder + "/new file");
+    const Value orphan = newFolderItem(folder + "/no/such");
+    EXPECT_EQ(host.REALFSRefFromFolderItem(orphan.object(), &ref, &name), 0);
+    const Value root = newFolderItem("/");
+    EXPECT_EQ(host.REALFSRefFromFolderItem(root.object(), &ref, nullptr), 1);
+    EXPECT_EQ(host.REALFSRefFromFolderItem(root.object(), &ref, &name), 0) << "the root has no leaf name";
+}
+
+TEST_F(WithPlatform, LeafNamesThatAreNoNameOfOneItemAreRefused) {
+    const Value item = newFolderItem(folder + "/x");
+    FSRef parent{};
+    HFSUniStr255 name{};
+    ASSERT_EQ(host.REALFSRefFromFolderItem(item.object(), &parent, &name), 1);
+    const auto refused = [&](std::u16string text) {
+        name.length = static_cast<uint16_t>(text.size());
+        std::copy(text.begin(), text.end(), name.unicode);
+        return host.REALFolderItemFromParentFSRef(&parent, &name) == nullptr;
+    };
+    EXPECT_TRUE(refused(u""));
+    EXPECT_TRUE(refused(u"."));
+    EXPECT_TRUE(refused(u".."));
+    EXPECT_TRUE(refused(u"a/b"));
+    EXPECT_TRUE(refused(std::u16string(u"a\0b", 3)));
+}
+
+TEST_F(WithPlatform, NamesThatAreNoUTF8ComeBackAsTheyWere) {
+    for (const std::string name :
+         {"caf\xE9", "\xFF\xFE", "ok", "\U0001F4BF", "\xEE\xBE\x80", "a\xED\xA0\x80z"}) {
+        EXPECT_EQ(nameOnDisk(nameFromDisk(name)), name);
+        std::ofstream(folder + "/" + name) << "x";
+        const Value item = newFolderItem(folder + "/" + name);
+        FSRef parent{};
+        HFSUniStr255 leaf{};
+        ASSERT_EQ(host.REALFSRefFromFolderItem(item.object(), &parent, &leaf), 1);
+        const Value back = Value::adopt(host.REALFolderItemFromParentFSRef(&parent, &leaf));
+        ASSERT_FALSE(back.isNil());
+        EXPECT_TRUE(fs::exists(pathOf(back.object())));
+    }
+}
+
+TEST_F(WithPlatform, TheRunLoopRunsForTheTimeItIsGiven) {
+    const auto start = std::chrono::steady_clock::now();
+    Locked lock;
+    runLoop(0.1);
+    const auto passed = std::chrono::steady_clock::now() - start;
+    EXPECT_GE(passed, std::chrono::milliseconds(100));
+    EXPECT_LT(passed, std::chrono::seconds(5));
+    EXPECT_TRUE(holdsLock());
+}
+
+TEST_F(WithPlatform, EventsOnForeignThreadsRunInsideAPool) {
+    testPlugin();
+    defineClass({"PoolUser",
+                 "TestBase",
+                 {on("notify",
+                     [](REALobject, Arguments) -> Value {
+                         // An autoreleased string on this thread: without a pool the platform
+                         // would complain, and the string would leak.
+                         const auto create =
+                             reinterpret_cast<void* (*)(const char*)>(dlsym(RTLD_DEFAULT, "objc_getClass"));
+                         EXPECT_NE(create("NSAutoreleasePool"), nullptr);
+                         return {};
+                     })},
+                 {},
+                 {}});
+    const Value user = make("PoolUser", {1});
+    ASSERT_TRUE(ask(user, "startThread").toBoolean());
+    ask(user, "joinThread");
+}
+
+} // namespace
