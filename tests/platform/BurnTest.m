@@ -354,7 +354,7 @@ static void TestRefusals(NSString* source) {
 // Slow enough to be met in the middle.
 static DRBurn* SlowBurn(DRDevice* device, NSString* source) {
     DRBurn* burn = BurnThatStays(device);
-    [burn setRequestedBurnSpeed:400];
+    [burn setRequestedBurnSpeed:4000];
     [burn writeLayout:VerifiedTrack([DRFolder folderWithPath:source])];
     double end = Now() + 30;
     while (Now() < end && !IsOver(burn)) {
@@ -433,6 +433,8 @@ int main(void) {
     TestActions(source);
     TestIllegalLayouts(source);
     TestRefusals(source);
+    // More data, so that a burn can be met in the middle.
+    PASS("the folder grows", Run(@"head -c 12000000 /dev/urandom > '%@/bigger.bin'", source));
     TestAbort(source);
     TestLastReference(source);
     Run(@"chmod -R u+w '%@'; rm -rf '%@'", place, place);
