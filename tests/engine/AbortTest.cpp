@@ -1,0 +1,173 @@
+// Abort in every state: idle within 50 ms, and the medium is as it was or openly incomplete.
+#include "Background.hpp"
+#include "Fixture.hpp"
+
+#include <chrono>
+#include <future>
+#include <thread>
+
+using namespace engine;
+using Clock = std::chrono::steady_clock;
+
+// Sanitizers make all slower; the limit is that of a normal build.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr auto limit = std::chrono::milliseconds(500);
+#else
+constexpr auto limit = std::chrono::milliseconds(50);
+#endif
+
+class AbortTest : public EngineTest, public ::testing::WithParamInterface<BurnState> {
+  protected:
+    // Aborts from another thread as soon as the state is entered, and checks how long it takes.
+    BurnStatus abortIn(BurnState state, DriveRef drive, BurnOptions options) {
+        BurnJob job(std::move(drive));
+        std::promise<void> reached;
+        bool told = false;
+        job.setObserver([&](const BurnStatus& status) {
+            if (status.state != state || told) return;
+            told = true;
+            reached.set_value();
+            std::this_thread::sleep_for(std::chrono::milliseconds(5)); // so that the abort meets this state
+        });
+        EXPECT_TRUE(job.start(layout(), options).ok());
+        reached.get_future().wait();
+        const auto asked = Clock::now();
+        job.abort();
+        const BurnStatus last = job.wait();
+        EXPECT_LT(Clock::now() - asked, limit);
+        return last;
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(EveryState, AbortTest,
+                         ::testing::Values(BurnState::Preparing, BurnState::SessionOpen, BurnState::TrackOpen,
+                                           BurnState::TrackWrite, BurnState::TrackClose,
+                                           BurnState::SessionClose, BurnState::Finishing,
+                                           BurnState::Verifying),
+                         [](const auto& each) { return std::string(nameOf(each.param)); });
+
+TEST_P(AbortTest, leavesARewritableMediumAsItWas) {
+    const auto drive = makeDrive();
+    write("old.bin", noise(500'000));
+    EXPECT_DONE(burn(drive, layout()));
+    const std::string before = bytesOf(image()), description = bytesOf(drivePath() / "medium.json");
+    write("new.bin", noise(6'000'000, 7));
+    BurnOptions options;
+    options.overwrite = true;
+    EXPECT_FAILED(abortIn(GetParam(), drive, options), UserCanceled, "The burn was canceled.");
+    EXPECT_EQ(bytesOf(image()), before);
+    EXPECT_EQ(bytesOf(drivePath() / "medium.json"), description);
+    EXPECT_EQ(driveFiles(), "drive.json lock medium.iso medium.json ");
+    EXPECT_FALSE(drive->isBusy());
+    EXPECT_DONE(burn(drive, layout(), options)); // at once again
+}
+
+TEST_P(AbortTest, leavesAWriteOnceMediumBlankOrOpenlyIncomplete) {
+    const auto drive = makeDrive(MediumKind::DVDR);
+    write("new.bin", noise(6'000'000, 7));
+    EXPECT_FAILED(abortIn(GetParam(), drive, {}), UserCanceled, "The burn was canceled.");
+    const auto medium = drive->mediumInfo();
+    ASSERT_TRUE(medium);
+    if (GetParam() <= BurnState::TrackOpen) {
+        EXPECT_TRUE(medium->blank);
+    } else {
+        EXPECT_EQ(medium->state, MediumState::Incomplete);
+        EXPECT_EQ(medium->blocksFree, 0u);
+    }
+}
+
+TEST_F(AbortTest, endsAWaitForTheRequestedSpeed) {
+    write("a.bin", noise(20'000'000));
+    BurnJob job(makeDrive());
+    BurnOptions options;
+    options.requestedSpeed = 100;
+    ASSERT_TRUE(job.start(layout(), options).ok());
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    const BurnStatus status = job.status();
+    EXPECT_EQ(nameOf(status.state), "TrackWrite");
+    EXPECT_GT(status.percent, 0);
+    EXPECT_LT(status.percent, 0.5);
+    EXPECT_EQ(status.currentTrack, 1u);
+    EXPECT_EQ(status.totalTracks, 1u);
+    const auto asked = Clock::now();
+    job.abort();
+    EXPECT_EQ(job.wait().error->code, ErrorCode::UserCanceled);
+    EXPECT_LT(Clock::now() - asked, limit);
+}
+
+namespace {
+class Stuck : public FileProducer {
+  public:
+    explicit Stuck(std::shared_future<void> release) : release_(std::move(release)) {}
+    uint64_t size() override { return 4096; }
+    size_t read(uint64_t, std::span<std::byte> buffer) override {
+        release_.wait();
+        return buffer.size();
+    }
+
+  private:
+    std::shared_future<void> release_;
+};
+} // namespace
+
+TEST_F(AbortTest, doesNotWaitForAProducerThatSleeps) {
+    std::promise<void> release;
+    const auto producer = std::make_shared<Stuck>(release.get_future().share());
+    BurnJob job(makeDrive());
+    ASSERT_TRUE(job.start(layoutOf(Content::folder("X", {Content::produced("p", producer)}))).ok());
+    while (job.status().state < BurnState::TrackWrite)
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    const auto asked = Clock::now();
+    job.abort();
+    EXPECT_EQ(job.wait().error->code, ErrorCode::UserCanceled);
+    EXPECT_LT(Clock::now() - asked, limit);
+    release.set_value();
+    EXPECT_TRUE(waitForBackground(std::chrono::seconds(5)));
+}
+
+TEST_F(AbortTest, happensWhenARunningJobIsDropped) {
+    write("a.bin", noise(20'000'000));
+    const auto drive = makeDrive();
+    {
+        BurnJob job(drive);
+        BurnOptions options;
+        options.requestedSpeed = slowly;
+        ASSERT_TRUE(job.start(layout(), options).ok());
+        while (job.status().state < BurnState::TrackWrite)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    EXPECT_FALSE(drive->isBusy());
+    EXPECT_EQ(driveFiles(), "drive.json lock medium.json ");
+}
+
+TEST_F(AbortTest, hasNoEffectBeforeTheStartAndAfterTheEnd) {
+    BurnJob job(makeDrive());
+    job.abort();
+    EXPECT_EQ(nameOf(job.wait().state), "None");
+    ASSERT_TRUE(job.start(layout()).ok());
+    EXPECT_DONE(job.wait());
+    job.abort();
+    EXPECT_DONE(job.status());
+}
+
+TEST_F(AbortTest, aBurnGoesThroughTheStatesInOrder) {
+    write("a.bin", noise(3'000'000));
+    BurnJob job(makeDrive());
+    std::string states;
+    BurnState last = BurnState::None;
+    double percent = -1;
+    job.setObserver([&](const BurnStatus& status) {
+        if (status.state == last) {
+            EXPECT_GE(status.percent, percent);
+        } else {
+            states += std::string(nameOf(status.state)) + ' ';
+        }
+        last = status.state;
+        percent = status.percent;
+    });
+    ASSERT_TRUE(job.start(layout()).ok());
+    EXPECT_DONE(job.wait());
+    EXPECT_EQ(states,
+              "Preparing SessionOpen TrackOpen TrackWrite TrackClose SessionClose Finishing Verifying Done ");
+    EXPECT_EQ(job.status().percent, 1);
+}

@@ -1,0 +1,141 @@
+// Virtual drives: where they are, the default one, trays and exclusive access.
+#include "Fixture.hpp"
+
+#include <chrono>
+#include <thread>
+
+using namespace engine;
+
+class DriveTest : public EngineTest {};
+
+TEST_F(DriveTest, oneIsMadeWithABlankRewritableMediumWhenThereIsNone) {
+    const auto found = drives();
+    ASSERT_TRUE(found);
+    ASSERT_EQ(found->size(), 1u);
+    Drive& drive = *found->front();
+    EXPECT_EQ(drive.displayName(), "Virtual Disc Drive 1");
+    EXPECT_EQ(drive.identity().id, drivePath().string());
+    EXPECT_TRUE(drive.isValid());
+    EXPECT_FALSE(drive.isBusy());
+    const auto medium = drive.mediumInfo();
+    ASSERT_TRUE(medium);
+    EXPECT_EQ(medium->kind, MediumKind::DVDPlusRW);
+    EXPECT_TRUE(medium->blank);
+    EXPECT_EQ(medium->blocksFree, 2295104u);
+}
+
+TEST_F(DriveTest, isTheSameObjectAtEveryCall) {
+    const auto first = drives(), second = drives();
+    ASSERT_TRUE(first && second);
+    EXPECT_EQ(first->front(), second->front());
+}
+
+TEST_F(DriveTest, noneIsMadeWhereAFileNamedNoneSaysSo) {
+    fs::create_directories(base / "drives");
+    std::ofstream(base / "drives" / "none");
+    const auto found = drives();
+    ASSERT_TRUE(found);
+    EXPECT_TRUE(found->empty());
+}
+
+TEST_F(DriveTest, aBrokenDriveIsLeftOut) {
+    makeDrive();
+    fs::create_directories(base / "drives" / "broken");
+    std::ofstream(base / "drives" / "broken" / "drive.json") << "{";
+    const auto found = drives();
+    ASSERT_TRUE(found);
+    EXPECT_EQ(found->size(), 1u);
+}
+
+TEST_F(DriveTest, anUnusableDrivesFolderIsAnError) {
+    std::ofstream(base / "drives") << "a file";
+    const auto found = drives();
+    ASSERT_FALSE(found);
+    EXPECT_EQ(found.error().code, ErrorCode::DeviceAccess);
+}
+
+TEST_F(DriveTest, isInvalidForGoodWhenItsFolderWentAway) {
+    const DriveRef drive = drives()->front();
+    fs::rename(drivePath(), base / "elsewhere");
+    EXPECT_FALSE(drive->isValid());
+    fs::rename(base / "elsewhere", drivePath());
+    EXPECT_FALSE(drive->isValid());
+    EXPECT_NE(drives()->front(), drive);
+    const auto status = burn(drive, layout());
+    EXPECT_FAILED(status, DeviceInvalid,
+                  "The drive \"Virtual Disc Drive 1\" is no longer there; choose another one.");
+}
+
+TEST_F(DriveTest, hasNoMediumWhileItsTrayIsOpen) {
+    const auto drive = makeDrive();
+    EXPECT_EQ(drive->openTray().error().code, ErrorCode::BurnNotAllowed);
+    EXPECT_TRUE(drive->eject().ok());
+    EXPECT_TRUE(drive->isTrayOpen());
+    EXPECT_FALSE(drive->mediumInfo());
+    EXPECT_TRUE(openDrive()->isTrayOpen());
+    EXPECT_FAILED(burn(drive, layout()), MediaNotPresent,
+                  "There is no disc in \"Virtual Disc Drive 1\"; put one in.");
+    EXPECT_TRUE(drive->closeTray().ok());
+    EXPECT_FALSE(drive->isTrayOpen());
+    EXPECT_TRUE(drive->mediumInfo());
+}
+
+TEST_F(DriveTest, keepsOthersOutAsOftenAsItWasAcquired) {
+    const auto drive = makeDrive(), other = openDrive();
+    EXPECT_TRUE(drive->acquireExclusiveAccess().ok());
+    EXPECT_TRUE(drive->acquireExclusiveAccess().ok());
+    EXPECT_EQ(other->acquireExclusiveAccess().error().code, ErrorCode::DeviceBusy);
+    EXPECT_TRUE(other->isBusy());
+    drive->releaseExclusiveAccess();
+    EXPECT_EQ(other->acquireExclusiveAccess().error().code, ErrorCode::DeviceBusy);
+    drive->releaseExclusiveAccess();
+    drive->releaseExclusiveAccess();
+    EXPECT_TRUE(other->acquireExclusiveAccess().ok());
+}
+
+TEST_F(DriveTest, burnsForTheProcessThatHasExclusiveAccess) {
+    write("a.txt", "a");
+    const auto drive = makeDrive();
+    EXPECT_TRUE(drive->acquireExclusiveAccess().ok());
+    EXPECT_DONE(burn(drive, layout()));
+    EXPECT_TRUE(drive->hasExclusiveAccess());
+}
+
+TEST_F(DriveTest, isKeptFromOtherProcesses) {
+    write("a.txt", noise(4'000'000));
+    const auto drive = makeDrive();
+    BurnJob job(drive);
+    BurnOptions options;
+    options.requestedSpeed = slowly;
+    ASSERT_TRUE(job.start(layout(), options).ok());
+    while (job.status().state < BurnState::TrackWrite)
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    // A program of its own, which uses flock as any other process would.
+    const std::string command = "flock -n " + (drivePath() / "lock").string() + " true";
+    EXPECT_NE(std::system(command.c_str()), 0);
+    EXPECT_EQ(drive->eject().error().code, ErrorCode::DeviceBusy);
+    job.abort();
+    job.wait();
+    EXPECT_EQ(std::system(command.c_str()), 0);
+}
+
+TEST_F(DriveTest, refusesASecondJob) {
+    write("a.txt", noise(4'000'000));
+    const auto drive = makeDrive();
+    BurnJob job(drive);
+    BurnOptions options;
+    options.requestedSpeed = slowly;
+    ASSERT_TRUE(job.start(layout(), options).ok());
+    while (job.status().state < BurnState::TrackWrite)
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    EXPECT_FAILED(burn(drive, layout()), DeviceBusy,
+                  "The drive \"Virtual Disc Drive 1\" is already writing; wait until it is done.");
+    EXPECT_FAILED(burn(openDrive(), layout()), DeviceBusy,
+                  "The drive \"Virtual Disc Drive 1\" is in use by another program; try again later.");
+    EXPECT_TRUE(drive->isBusy());
+    options = {};
+    job.abort();
+    job.wait();
+    EXPECT_FALSE(drive->isBusy());
+    EXPECT_DONE(burn(drive, layout()));
+}

@@ -1,0 +1,119 @@
+// medium.json: what is written is read, what is damaged is said, what was cut off is ended.
+#include "Failure.hpp"
+#include "Fixture.hpp"
+
+using namespace engine;
+
+class MediumRecordTest : public EngineTest {
+  protected:
+    MediumRecordTest() : folder(::open(base.c_str(), O_RDONLY | O_DIRECTORY)) {}
+    void put(const std::string& name, const std::string& bytes) { std::ofstream(base / name) << bytes; }
+    std::string damage(const std::string& json) {
+        put("medium.json", json);
+        const auto loaded = guarded([&] { return loadMedium(folder.get()); });
+        if (loaded) return "no error";
+        EXPECT_EQ(loaded.error().code, ErrorCode::MediaInvalid);
+        return loaded.error().info;
+    }
+    static MediumRecord complete(const std::string& image) {
+        MediumRecord record = MediumRecord::blank(MediumKind::DVDPlusRW, 1000);
+        record.state = MediumState::Complete;
+        record.image = image;
+        record.sessions = {SessionInfo{1, {TrackInfo{1, TrackMode::Data, 0, 40, "Grüße \"x\""}}}};
+        return record;
+    }
+
+    Descriptor folder;
+};
+
+TEST_F(MediumRecordTest, survivesBeingWrittenAndRead) {
+    saveMedium(folder.get(), complete("medium.iso"));
+    const auto read = loadMedium(folder.get());
+    ASSERT_TRUE(read);
+    EXPECT_EQ(read->kind, MediumKind::DVDPlusRW);
+    EXPECT_EQ(read->state, MediumState::Complete);
+    EXPECT_EQ(read->capacityBlocks, 1000u);
+    EXPECT_EQ(read->image, "medium.iso");
+    ASSERT_EQ(read->sessions.size(), 1u);
+    EXPECT_EQ(read->sessions[0].tracks[0].blocks, 40u);
+    EXPECT_EQ(read->sessions[0].tracks[0].volumeName, "Grüße \"x\"");
+    EXPECT_FALSE(fs::exists(base / "medium.json.new"));
+}
+
+TEST_F(MediumRecordTest, isNoneWithoutAFile) { EXPECT_FALSE(loadMedium(folder.get())); }
+
+TEST_F(MediumRecordTest, saysWhatIsDamaged) {
+    EXPECT_EQ(damage(""), "it is not JSON");
+    EXPECT_EQ(damage("[1]"), "it is not JSON");
+    EXPECT_EQ(damage("{}"), "\"format\" is missing");
+    EXPECT_EQ(damage(R"({"format": 2})"), "its format is of a later version");
+    EXPECT_EQ(damage(R"({"format": 1, "kind": 3})"), "\"kind\" is of the wrong type");
+    EXPECT_EQ(damage(R"({"format": 1, "kind": "LP"})"), "no medium is of the kind \"LP\"");
+    EXPECT_EQ(damage(R"({"format": 1, "kind": "CD-R", "capacityBlocks": -5})"),
+              "\"capacityBlocks\" is of the wrong type");
+    EXPECT_EQ(damage(R"({"format": 1, "kind": "CD-R", "capacityBlocks": 5, "state": "new"})"),
+              "\"state\" is \"new\"");
+    EXPECT_EQ(
+        damage(
+            R"({"format": 1, "kind": "CD-R", "capacityBlocks": 5, "state": "blank", "image": "../x", "sessions": []})"),
+        "its image lies in another folder");
+    EXPECT_EQ(
+        damage(
+            R"({"format": 1, "kind": "CD-R", "capacityBlocks": 5, "state": "blank", "sessions": [{"tracks": [7]}]})"),
+        "a track is no object");
+    EXPECT_EQ(
+        damage(R"({"format": 1, "kind": "CD-R", "capacityBlocks": 5, "state": "complete", "sessions": []})"),
+        "it is complete but has no image");
+}
+
+TEST_F(MediumRecordTest, obeysItsKind) {
+    const MediumInfo blankR = MediumRecord::blank(MediumKind::DVDPlusR).info("/d");
+    EXPECT_TRUE(blankR.blank && blankR.appendable && blankR.overwritable);
+    EXPECT_FALSE(blankR.erasable);
+    EXPECT_EQ(blankR.blocksFree, 2295104u);
+    EXPECT_EQ(blankR.path, "");
+    MediumRecord full = complete("medium.iso");
+    const MediumInfo fullRW = full.info("/d");
+    EXPECT_TRUE(fullRW.overwritable && fullRW.erasable);
+    EXPECT_FALSE(fullRW.blank || fullRW.appendable);
+    EXPECT_EQ(fullRW.blocksFree, 0u);
+    EXPECT_EQ(fullRW.blocksUsed, 40u);
+    EXPECT_EQ(fullRW.blocksOverwritable, 1000u);
+    EXPECT_EQ(fullRW.path, "/d/medium.iso");
+    full.kind = MediumKind::CDR;
+    EXPECT_FALSE(full.info("/d").overwritable);
+    EXPECT_EQ(full.info("/d").blocksOverwritable, 0u);
+    const MediumInfo rom = MediumRecord::blank(MediumKind::CDROM).info("/d");
+    EXPECT_FALSE(rom.overwritable || rom.appendable || rom.erasable);
+    EXPECT_EQ(rom.blocksFree, 0u);
+}
+
+// The four steps of a commit, cut off after each.
+TEST_F(MediumRecordTest, isTheOldOneWhenCutOffBeforeItsDescriptionNamesTheNewImage) {
+    saveMedium(folder.get(), complete("medium.iso"));
+    put("medium.iso", "old");
+    put("medium.new.iso", "half");
+    put("medium.json.new", "{");
+    recoverMedium(folder.get());
+    EXPECT_EQ(bytesOf(base / "medium.iso"), "old");
+    EXPECT_FALSE(fs::exists(base / "medium.new.iso"));
+    EXPECT_FALSE(fs::exists(base / "medium.json.new"));
+}
+
+TEST_F(MediumRecordTest, isTheNewOneWhenCutOffAfterwards) {
+    saveMedium(folder.get(), complete("medium.new.iso"));
+    put("medium.iso", "old");
+    put("medium.new.iso", "new");
+    recoverMedium(folder.get());
+    EXPECT_EQ(bytesOf(base / "medium.iso"), "new");
+    EXPECT_FALSE(fs::exists(base / "medium.new.iso"));
+    EXPECT_EQ(loadMedium(folder.get())->image, "medium.iso");
+}
+
+TEST_F(MediumRecordTest, isTheNewOneWhenCutOffAfterTheRename) {
+    saveMedium(folder.get(), complete("medium.new.iso"));
+    put("medium.iso", "new");
+    recoverMedium(folder.get());
+    EXPECT_EQ(bytesOf(base / "medium.iso"), "new");
+    EXPECT_EQ(loadMedium(folder.get())->image, "medium.iso");
+}
