@@ -10,6 +10,8 @@
 namespace engine {
 namespace {
 
+constexpr size_t pacedBytes =
+    64u << 10; // written at once when the speed is held down, so that the status moves
 constexpr auto reportInterval = std::chrono::milliseconds(100);
 static_assert(pieceBytes % checkedBytes == 0);
 
@@ -121,14 +123,19 @@ void BurnRun::writeTrack(BurnTarget& target, const std::shared_ptr<DataImage>& i
         if (count == 0) image->checkSources();
         return count;
     });
+    const size_t step = isPaced() ? pacedBytes : pieceBytes;
     uint64_t written = 0;
     while (auto piece = pipeline.take()) {
-        target.write(piece->content());
         checksums_.insert(checksums_.end(), piece->checksums.begin(), piece->checksums.end());
-        written += piece->filled;
+        for (size_t offset = 0; offset < piece->filled;) {
+            const auto part = piece->content().subspan(offset).first(std::min(piece->filled - offset, step));
+            target.write(part);
+            offset += part.size();
+            written += part.size();
+            pace(written);
+            progress(written);
+        }
         pipeline.giveBack(std::move(piece));
-        progress(written);
-        pace(written);
     }
     if (written != total) fail(ErrorCode::Internal, "The disc's image ended too early.");
 }
@@ -196,9 +203,13 @@ void BurnRun::progress(uint64_t bytesDone) {
     report_(status_);
 }
 
+bool BurnRun::isPaced() const {
+    return options_.requestedSpeed > 0 && options_.requestedSpeed < maximumSpeed;
+}
+
 // Holds the burn to the requested speed; an abort ends the wait.
 void BurnRun::pace(uint64_t bytesDone) {
-    if (options_.requestedSpeed <= 0 || options_.requestedSpeed >= maximumSpeed) return;
+    if (!isPaced()) return;
     const std::chrono::duration<double> due(static_cast<double>(bytesDone) /
                                             (options_.requestedSpeed * 1000));
     const auto until = stateBegan_ + std::chrono::duration_cast<Clock::duration>(due);

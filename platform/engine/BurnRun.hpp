@@ -36,6 +36,7 @@ class BurnRun {
     void verify(BurnTarget& target);
     void enter(BurnState state, uint64_t bytesTotal = 0);
     void progress(uint64_t bytesDone);
+    bool isPaced() const;
     void pace(uint64_t bytesDone);
 
     DriveRef drive_;

@@ -26,7 +26,7 @@ class BurnTarget {
 
     /// Makes room for the track. MediaWriteFailure when the computer's disk has too little.
     virtual void openTrack(const TrackInfo& track) = 0;
-    /// The next bytes, in order. Every call but the last has a multiple of 1 MiB; `buffer` starts at a page,
+    /// The next bytes, in order. Every call but the last has whole pages; `buffer` starts at a page,
     /// and can be written to up to the end of its last page.
     virtual void write(std::span<std::byte> buffer) = 0;
     /// All is written: it lasts when this returns. Throws UserCanceled as soon as the signal says so.

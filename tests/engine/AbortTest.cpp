@@ -80,7 +80,7 @@ TEST_F(AbortTest, endsAWaitForTheRequestedSpeed) {
     write("a.bin", noise(20'000'000));
     BurnJob job(makeDrive());
     BurnOptions options;
-    options.requestedSpeed = 100;
+    options.requestedSpeed = 500;
     ASSERT_TRUE(job.start(layout(), options).ok());
     std::this_thread::sleep_for(std::chrono::milliseconds(300));
     const BurnStatus status = job.status();

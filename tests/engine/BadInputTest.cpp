@@ -96,7 +96,7 @@ TEST_F(BadInputTest, aFileThatCannotBeRead) {
     ASSERT_EQ(::chmod(base.c_str(), 0777), 0);
     ASSERT_EQ(::chmod(source.c_str(), 0777), 0);
     makeDrive();
-    for (const auto& place : {base / "drives", drivePath()})
+    for (const auto& place : {base / "drives", drivePath(), drivePath() / "lock"})
         ASSERT_EQ(::chmod(place.c_str(), 0777), 0);
     if (::geteuid() == 0) {
         ASSERT_EQ(::seteuid(65534), 0); // nobody: root may read all
