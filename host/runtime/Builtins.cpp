@@ -35,6 +35,15 @@ void defineExceptionClasses() {
     root.spec.name = "RuntimeException";
     root.spec.members.push_back(storedProperty("Message As String"));
     root.spec.members.push_back(storedProperty("ErrorNumber As Int32"));
+    // Found among the members by their order: "Message" is field 0, "ErrorNumber" field 1.
+    const auto construct = [](REALobject self, Arguments arguments) -> Value {
+        for (std::size_t i = 0; i < arguments.size(); ++i)
+            fieldOf(self, i) = arguments[i];
+        return {};
+    };
+    for (const char* declaration : {"Constructor()", "Constructor(message As String)",
+                                    "Constructor(message As String, number As Integer)"})
+        root.spec.members.push_back(method(declaration, construct));
     defineBuiltin(std::move(root));
     for (const char* name : {"NilObjectException", "UnsupportedOperationException", "OutOfMemoryException",
                              "OutOfBoundsException", "TypeMismatchException", "IllegalCastException",

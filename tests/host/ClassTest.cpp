@@ -199,6 +199,9 @@ TEST_F(Classes, ExceptionsHaveAMessageAndProgramsInheritThem) {
     assign(trouble, "Message", {}, "out of discs");
     EXPECT_EQ(raisedBy([&] { throw Exception(trouble); }), "MyTrouble: out of discs");
     EXPECT_TRUE(isA(trouble.object(), "RuntimeException"));
+    const Value constructed = make("MyTrouble", {"from New", 7});
+    EXPECT_EQ(raisedBy([&] { throw Exception(constructed); }), "MyTrouble: from New");
+    EXPECT_EQ(ask(constructed, "ErrorNumber").toInt32(), 7);
     for (const char* name : {"NilObjectException", "UnsupportedOperationException", "OutOfMemoryException",
                              "OutOfBoundsException", "TypeMismatchException", "IllegalCastException",
                              "IOException", "KeyNotFoundException", "InvalidArgumentException"})

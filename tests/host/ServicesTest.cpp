@@ -54,6 +54,7 @@ TEST_F(ServiceCalls, ClassesAreRegisteredFoundHiddenAndFailOnDemand) {
     record.dataSize = 16;
     record.events = event;
     record.eventCount = 1;
+    harness::reset();
     host.PluginRegisterClass(&record);
     EXPECT_NE(event[0].identity, 0u);
     EXPECT_EQ(harness::registrations(), std::vector<std::string>{"ServiceClass"});
