@@ -9,11 +9,16 @@
 #include <dlfcn.h>
 #include <filesystem>
 #include <fstream>
+#ifdef __SANITIZE_ADDRESS__
+#include <sanitizer/lsan_interface.h>
+#endif
 
 // What the platform's own libraries keep until the end of the process is not for these tests. Here, and not
 // in the environment, because the list of the tests is asked for without one.
 extern "C" const char* __lsan_default_suppressions();
-extern "C" const char* __lsan_default_suppressions() { return "leak:objc_malloc\nleak:class_copyMethodList\n"; }
+extern "C" const char* __lsan_default_suppressions() {
+    return "leak:objc_malloc\nleak:class_copyMethodList\n";
+}
 
 namespace {
 
@@ -184,3 +189,13 @@ TEST_F(WithPlatform, EventsOnForeignThreadsRunInsideAPool) {
 }
 
 } // namespace
+
+// On its way out Foundation forgets objects that it kept, so leaks are looked for before main returns.
+int main(int argc, char** argv) {
+    ::testing::InitGoogleTest(&argc, argv);
+    const int result = RUN_ALL_TESTS();
+#ifdef __SANITIZE_ADDRESS__
+    __lsan_do_leak_check();
+#endif
+    return result;
+}
