@@ -141,6 +141,11 @@ Typed Compiler::nameValue(const NameExpression& tree) {
         return {std::make_unique<CallSharedNode>(tree.place, globals.front(), CallArguments{}),
                 globals.front()->declaration.result};
 
+    for (const auto& one : program_.routines) {
+        if (sameName(one->name, tree.name))
+            fail(tree.place,
+                 "'" + tree.name + "' can't be called here: a constant is computed from constants.");
+    }
     std::vector<std::string> known = nativeNames();
     for (const auto& block : scope_->blocks) {
         for (const auto& [name, variable] : block)

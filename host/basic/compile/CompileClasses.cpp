@@ -42,12 +42,21 @@ void Compiler::define(PendingClass& pending) {
     if (builtIn.kind != Kind::Object || findClass(tree.name) || isAnyObject(builtIn))
         fail(tree.place, "The name '" + tree.name + "' is taken by a type that is already there.");
     pending.visiting = true;
+    struct Done { // also when it fails: its error is told once
+        PendingClass& pending;
+        ~Done() {
+            pending.done = true;
+            pending.visiting = false;
+        }
+    } done{pending};
 
     ClassSpec spec;
     spec.name = tree.name;
     if (tree.superclass.given()) {
         for (const auto& other : classes_) {
-            if (sameName(other->tree->name, tree.superclass.name)) define(*other);
+            if (!sameName(other->tree->name, tree.superclass.name)) continue;
+            define(*other);
+            if (!other->made) throw Unusable{}; // told already
         }
         const Class* super = findClass(tree.superclass.name);
         if (!super) {
@@ -100,8 +109,6 @@ void Compiler::define(PendingClass& pending) {
     } catch (const Exception& exception) {
         fail(tree.place, exception.message() + ".");
     }
-    pending.done = true;
-    pending.visiting = false;
 }
 
 void Compiler::addProperty(PendingClass& pending, ClassSpec& spec, const ast::PropertyDeclaration& property) {

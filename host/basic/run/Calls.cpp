@@ -1,6 +1,7 @@
 // Calling.
 #include "Calls.hpp"
 
+#include "host/runtime/Variant.hpp"
 #include "host/services/Platform.hpp"
 
 namespace host::basic {
@@ -90,7 +91,9 @@ Value CallSharedNode::eval(Frame& frame) const {
 }
 
 Value InvokeNode::eval(Frame& frame) const {
-    const Value target = object ? object->eval(frame) : Value();
+    Value target = object ? object->eval(frame) : Value();
+    // Numbers and texts in a variant have the members that variants have.
+    if (!target.isNil() && !target.isObject()) target = Value::adopt(boxVariant(target));
     Prepared prepared(frame, arguments);
     frame.context.place = place;
     if (object && target.isNil()) raiseNil(name);

@@ -166,14 +166,19 @@ bool compared(Operator op, const Value& left, const Value& right) {
 }
 
 Value joined(const Value& left, const Value& right) {
-    const bool sameEncoding =
-        left.isString() && right.isString() && encodingOf(left.string()) == encodingOf(right.string());
-    if (sameEncoding) {
-        const std::string_view a = bytesOf(left.string()), b = bytesOf(right.string());
-        std::string both;
-        both.reserve(a.size() + b.size());
-        both.append(a).append(b);
-        return Value::adopt(newString(both, encodingOf(left.string())));
+    if (left.isString() && right.isString()) {
+        // Data stays data: bytes without a known encoding are joined as they are.
+        const uint32_t a = encodingOf(left.string()), b = encodingOf(right.string());
+        const auto plain = [](uint32_t encoding) {
+            return encoding == kREALEncodingUTF8 || encoding == kREALEncodingASCII;
+        };
+        const bool data = (a == kREALEncodingUnknown && plain(b)) || (b == kREALEncodingUnknown && plain(a));
+        if (a == b || data) {
+            std::string both;
+            both.reserve(bytesOf(left.string()).size() + bytesOf(right.string()).size());
+            both.append(bytesOf(left.string())).append(bytesOf(right.string()));
+            return Value::adopt(newString(both, data ? uint32_t{kREALEncodingUnknown} : a));
+        }
     }
     return Value(left.toText() + right.toText());
 }

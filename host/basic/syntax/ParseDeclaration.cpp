@@ -132,7 +132,7 @@ std::unique_ptr<ClassDeclaration> Parser::classDeclaration() {
         }
         try {
             classMember(*made);
-            endStatement();
+            endOrUnclosed();
         } catch (const StatementBroken&) {
             skipToLineEnd();
         }

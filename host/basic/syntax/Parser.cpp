@@ -1,6 +1,8 @@
 // The parser's frame: tokens, errors and recovery, blocks.
 #include "ParserState.hpp"
 
+#include <utility>
+
 namespace host::basic {
 
 using namespace ast;
@@ -37,6 +39,11 @@ void Parser::endStatement() {
     fail(now().place, "Expected the end of the statement but found " + shown(now()) + ".");
 }
 
+// After a block without its end the line that stands here belongs to something else.
+void Parser::endOrUnclosed() {
+    if (!std::exchange(unclosed_, false)) endStatement();
+}
+
 void Parser::skipLineEnds() {
     while (now().kind == TokenKind::newline)
         take();
@@ -64,7 +71,12 @@ std::string Parser::shown(const Token& token) const {
 }
 
 void Parser::fail(Place place, std::string message) {
-    diagnostics_.report(place, std::move(message));
+    // Where the text itself was broken, what follows from it on the same line is not told.
+    const uint32_t line = source_.locate(place).line;
+    bool told = false;
+    for (const Diagnostic& known : diagnostics_.list())
+        told = told || source_.locate(known.place).line == line;
+    if (!told) diagnostics_.report(place, std::move(message));
     throw StatementBroken{};
 }
 
@@ -126,6 +138,7 @@ bool Parser::block(Block& into, std::initializer_list<std::string_view> stops, P
     const auto missing = [&] {
         diagnostics_.report(opened, std::string(what) + " that begins here is not closed; its end, '" +
                                         titled(*(stops.end() - 1)) + "', is missing.");
+        unclosed_ = true;
         return false;
     };
     open_.push_back(stops);
@@ -161,7 +174,7 @@ void Parser::statementInto(Block& block) {
             }
         }
         if (StatementPtr made = statement()) block.push_back(std::move(made));
-        endStatement();
+        endOrUnclosed();
     } catch (const StatementBroken&) {
         skipToLineEnd();
     }
@@ -175,7 +188,7 @@ Program Parser::program() {
         if (startsDeclaration()) {
             try {
                 declaration(program);
-                endStatement();
+                endOrUnclosed();
             } catch (const StatementBroken&) {
                 skipToLineEnd();
             }

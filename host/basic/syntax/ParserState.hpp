@@ -37,6 +37,7 @@ class Parser {
     void expect(std::string_view word, const char* where);
     bool atLineEnd() const { return now().kind == TokenKind::newline || now().kind == TokenKind::end; }
     void endStatement();
+    void endOrUnclosed();
     void skipLineEnds();
     void skipToLineEnd();
     std::string shown(const Token& token) const;
@@ -102,6 +103,7 @@ class Parser {
     std::vector<Token> tokens_;
     size_t at_ = 0;
     uint32_t depth_ = 0;
+    bool unclosed_ = false; // the statement that was read last has no end, which was reported
     std::vector<std::initializer_list<std::string_view>> open_; // the stops of the blocks around this place
 };
 
