@@ -80,6 +80,13 @@ constexpr bool sameWord(std::string_view a, std::string_view b) {
     return true;
 }
 
+// Like string_view::find, which the sanitizers' build does not evaluate at compile time.
+constexpr std::size_t find(std::string_view text, char wanted) {
+    for (std::size_t i = 0; i < text.size(); ++i)
+        if (text[i] == wanted) return i;
+    return std::string_view::npos;
+}
+
 constexpr std::string_view trimmed(std::string_view text) {
     while (!text.empty() && text.front() == ' ')
         text.remove_prefix(1);
@@ -146,7 +153,7 @@ struct Signature {
 constexpr Signature parseDeclaration(std::string_view text) {
     Signature signature;
     std::string_view rest = text;
-    if (const std::size_t open = text.find('(');
+    if (const std::size_t open = detail::find(text, '(');
         open != std::string_view::npos && open < detail::findAs(text)) {
         // An array parameter has parentheses of its own: the list ends where they balance.
         std::size_t close = open, depth = 0;
@@ -156,7 +163,7 @@ constexpr Signature parseDeclaration(std::string_view text) {
         }
         std::string_view list = text.substr(open + 1, close - open - 1);
         while (!detail::trimmed(list).empty()) {
-            const std::size_t comma = list.find(',');
+            const std::size_t comma = detail::find(list, ',');
             signature.add(detail::crossingOfVariable(detail::trimmed(list.substr(0, comma))));
             list = comma == std::string_view::npos ? std::string_view() : list.substr(comma + 1);
         }

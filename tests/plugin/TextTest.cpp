@@ -33,6 +33,8 @@ struct HostKind {
     double version;
     bool hasCFString;
     bool hasStringData;
+
+    friend void PrintTo(const HostKind& kind, std::ostream* out) { *out << kind.name; }
 };
 
 class ToPlatform : public PluginTest, public testing::WithParamInterface<HostKind> {
