@@ -4,6 +4,7 @@
 #include "host/runtime/Lock.hpp"
 #include "host/runtime/String.hpp"
 
+#include <atomic>
 #include <chrono>
 #include <dlfcn.h>
 #include <thread>
@@ -21,8 +22,9 @@ Function* symbol(const char* name) {
 }
 
 Id classNamed(const char* name) {
-    static auto* lookUp = symbol<Id(const char*)>("objc_getClass");
-    if (!lookUp) lookUp = symbol<Id(const char*)>("objc_getClass");
+    static std::atomic<Id (*)(const char*)> known{nullptr}; // by any thread
+    auto* lookUp = known.load();
+    if (!lookUp) known = lookUp = symbol<Id(const char*)>("objc_getClass");
     return lookUp ? lookUp(name) : nullptr;
 }
 
