@@ -307,6 +307,25 @@ static void TestRefusals(NSString* source) {
     [virtual addChild:[DRFile fileWithPath:source]];
     CheckRefused("a folder as a file", BurnThatStays(device), [DRTrack trackForRootFolder:virtual],
                  0x80020101, @"is a folder");
+    DRFolder* deep = [DRFolder virtualFolderWithName:@"deep"];
+    DRFolder* deepest = deep;
+    for (int level = 0; level < 1001; level++) {
+        DRFolder* next = [DRFolder virtualFolderWithName:@"d"];
+        [deepest addChild:next];
+        deepest = next;
+    }
+    CheckRefused("a tree without end", BurnThatStays(device), [DRTrack trackForRootFolder:deep], 0x80020065,
+                 @"too deep");
+    DRFolder* twins = [DRFolder virtualFolderWithName:@"twins"];
+    [twins addChild:[DRFile virtualFileWithName:@"same" data:nil]];
+    [twins addChild:[DRFile virtualFileWithName:@"same" data:nil]];
+    CheckRefused("two items of one name", BurnThatStays(device), [DRTrack trackForRootFolder:twins],
+                 0x80020101, @"same");
+    CheckRefused(
+        "a long volume name", BurnThatStays(device),
+        [DRTrack
+            trackForRootFolder:[DRFolder virtualFolderWithName:@"a name longer than thirty-two characters"]],
+        0x80020065, @"at most 32");
     CheckRefused("no volume name", BurnThatStays(device),
                  [DRTrack trackForRootFolder:[DRFolder virtualFolderWithName:@""]], 0x80020065, @"name");
 
