@@ -26,11 +26,14 @@ void writeAll(int file, std::string_view text, const char* name) {
     }
 }
 
-// More input; false at its end. A stop wakes the waiting, and the next statement leaves.
+// More input; false at its end. A stop wakes the waiting.
 bool readMore() {
     if (inputEnded) return false;
     flushOut();
-    if (!stop::wait(-1, STDIN_FILENO)) return false;
+    if (!stop::wait(-1, STDIN_FILENO)) {
+        Context::ofThisThread().pollNow(); // leaves, unless this is a clean-up already
+        return false;
+    }
     char chunk[65536];
     const ssize_t got = ::read(STDIN_FILENO, chunk, sizeof chunk);
     if (got < 0 && errno == EINTR) return true;

@@ -4,6 +4,8 @@
 #include "host/runtime/Array.hpp"
 #include "host/services/Platform.hpp"
 
+#include <utility>
+
 namespace host::basic {
 
 using ast::Operator;
@@ -177,6 +179,18 @@ Flow ReturnAction::run(Frame& frame) const {
     return Flow::giveBack;
 }
 
+// A Finally block that has begun goes to its end, whatever stops the program meanwhile; the clean-up is
+// bounded anyway.
+Flow GuardAction::runLast(Frame& frame) const {
+    struct Leaving {
+        Context& context;
+        bool before;
+        explicit Leaving(Context& c) : context(c), before(std::exchange(c.leaving, true)) {}
+        ~Leaving() { context.leaving = before; }
+    } leaving{frame.context};
+    return runAll(last, frame);
+}
+
 Flow GuardAction::run(Frame& frame) const {
     Flow flow = Flow::next;
     try {
@@ -185,7 +199,7 @@ Flow GuardAction::run(Frame& frame) const {
         frame.context.noteRaised(exception);
         const Place raisedAt = frame.context.raisedPlace();
         const Exception kept = exception;
-        const Flow lastFlow = runAll(last, frame);
+        const Flow lastFlow = runLast(frame);
         if (lastFlow != Flow::next) { // a jump out of Finally drops the exception
             frame.context.forgetRaised();
             return lastFlow;
@@ -193,13 +207,13 @@ Flow GuardAction::run(Frame& frame) const {
         frame.context.keepRaised(kept.object(), raisedAt);
         throw;
     } catch (const Stopped&) {
-        runAll(last, frame);
+        runLast(frame);
         throw;
     }
     // A Return computes its value before Finally runs, and Finally can't change it unless it returns itself.
     Value result = frame.result;
     const uint32_t target = frame.loop;
-    const Flow lastFlow = runAll(last, frame);
+    const Flow lastFlow = runLast(frame);
     if (lastFlow != Flow::next) return lastFlow;
     frame.result = std::move(result);
     frame.loop = target;

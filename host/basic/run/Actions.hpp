@@ -117,6 +117,7 @@ struct GuardAction final : Action {
 
   private:
     Flow runGuarded(Frame& frame) const;
+    Flow runLast(Frame& frame) const;
 };
 struct RaiseAction final : Action {
     NodePtr exception; // null: again

@@ -36,6 +36,10 @@ Value CodeBody::operator()(REALobject self, Arguments arguments) const {
             if (code->declaration.parameters[i].byRef) arguments[i] = std::move(slots.data()[i]);
         }
         return result;
+    } catch (const Exception& exception) {
+        // It may come up again on the program's own thread, and has to be found at its own place there.
+        context.handOver(exception);
+        throw;
     } catch (const Stopped&) {
         // What called may be C: the stop goes no further here. The program's next statement leaves again.
         context.leaving = wasLeaving;

@@ -14,6 +14,13 @@ namespace {
 constexpr size_t kReserve = size_t{384} << 10;
 constexpr double kCleanUpSeconds = 5;
 
+// The last exception that left BASIC by an event handler, and where it was raised. Guarded by the lock of
+// BASIC.
+struct HandedOver {
+    REALobject exception = nullptr; // only compared, never used
+    Place place;
+} handedOver;
+
 const char* stackLimitOfThisThread() {
     pthread_attr_t attributes;
     if (::pthread_getattr_np(::pthread_self(), &attributes) != 0) return nullptr;
@@ -49,7 +56,14 @@ void Context::overflow() { raise("StackOverflowException", "the program calls it
 
 void Context::noteRaised(const Exception& exception) {
     if (raised_.object() == exception.object().object() && raised_.object()) return;
-    keepRaised(exception.object(), place);
+    const bool fromElsewhere = handedOver.exception == exception.object().object() && handedOver.exception;
+    keepRaised(exception.object(), fromElsewhere ? handedOver.place : place);
+    handedOver.exception = nullptr;
+}
+
+void Context::handOver(const Exception& exception) {
+    handedOver = {exception.object().object(), raisedPlace_};
+    forgetRaised();
 }
 
 } // namespace host::basic

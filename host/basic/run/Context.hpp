@@ -29,6 +29,8 @@ class Context {
     /// Remembers where an exception was first seen on its way out; later calls for the same one change
     /// nothing.
     void noteRaised(const Exception& exception);
+    /// The exception goes to code outside of BASIC, and perhaps to another thread: its place goes with it.
+    void handOver(const Exception& exception);
     void forgetRaised() { raised_ = Value(); }
     Place raisedPlace() const { return raisedPlace_; }
     void keepRaised(const Value& exception, Place place) {
