@@ -54,7 +54,8 @@ void BurnRun::run() {
     info.blocks = image->blocks();
     info.volumeName = track.root.name;
     target->openTrack(info);
-    writeTrack(*target, image, layout_);
+    const bool isVerified = options_.verify && track.verify;
+    writeTrack(*target, image, isVerified);
     enter(BurnState::TrackClose);
     signal_->check();
     status_.currentTrack = 0;
@@ -64,7 +65,7 @@ void BurnRun::run() {
     enter(BurnState::Finishing);
     signal_->check();
     target->flush(signal_);
-    if (options_.verify && track.verify) verify(*target);
+    if (isVerified) verify(*target);
     signal_->check();
     target->commit(true);
 }
@@ -112,13 +113,12 @@ void BurnRun::checkSpace(const MediumInfo& medium, uint64_t blocks) const {
          std::to_string(blocks) + " blocks needed, " + std::to_string(room) + " free");
 }
 
-void BurnRun::writeTrack(BurnTarget& target, const std::shared_ptr<DataImage>& image,
-                         const std::shared_ptr<const Layout>& keep) {
+void BurnRun::writeTrack(BurnTarget& target, const std::shared_ptr<DataImage>& image, bool isVerified) {
     const uint64_t total = image->blocks() * blockSize;
     enter(BurnState::TrackWrite, total);
     signal_->check();
     checksums_.reserve(total / checkedBytes + 1);
-    Pipeline pipeline(signal_, "disc-read", [image, keep](std::span<std::byte> buffer) {
+    Pipeline pipeline(signal_, "disc-read", isVerified, [image, keep = layout_](std::span<std::byte> buffer) {
         const size_t count = image->read(buffer);
         if (count == 0) image->checkSources();
         return count;
@@ -144,7 +144,7 @@ void BurnRun::verify(BurnTarget& target) {
     const uint64_t bytes = status_.bytesTotal;
     enter(BurnState::Verifying, bytes);
     signal_->check();
-    Pipeline pipeline(signal_, "disc-verify",
+    Pipeline pipeline(signal_, "disc-verify", true,
                       [read = target.reader(), offset = uint64_t{0}](std::span<std::byte> buffer) mutable {
                           const size_t count = read(offset, buffer);
                           offset += count;

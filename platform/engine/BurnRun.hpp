@@ -31,8 +31,7 @@ class BurnRun {
     void checkOptions() const;
     void checkMedium(const MediumInfo& medium) const;
     void checkSpace(const MediumInfo& medium, uint64_t blocks) const;
-    void writeTrack(BurnTarget& target, const std::shared_ptr<DataImage>& image,
-                    const std::shared_ptr<const Layout>& keep);
+    void writeTrack(BurnTarget& target, const std::shared_ptr<DataImage>& image, bool isVerified);
     void verify(BurnTarget& target);
     void enter(BurnState state, uint64_t bytesTotal = 0);
     void progress(uint64_t bytesDone);

@@ -1,5 +1,6 @@
 // The file-system image of a data track, with libisofs for the layout.
 #include "DataImage.hpp"
+#include "Background.hpp"
 #include "Failure.hpp"
 #include "ImageTree.hpp"
 #include "MediumKind.hpp"
@@ -95,7 +96,14 @@ struct DataImage::Generator {
 };
 
 DataImage::DataImage() = default;
-DataImage::~DataImage() = default;
+DataImage::~DataImage() {
+    if (!generator_) return;
+    try {
+        runInBackground("disc-free", [generator = std::shared_ptr<Generator>(std::move(generator_))] {});
+    } catch (...) {
+        generator_.reset();
+    }
+}
 
 std::shared_ptr<DataImage> DataImage::plan(const DataTrack& track, const Signal& signal) {
     const std::lock_guard lock(libraryMutex());
@@ -151,7 +159,10 @@ size_t DataImage::read(std::span<std::byte> buffer) {
         filled += static_cast<size_t>(wanted);
         position_ += static_cast<uint64_t>(wanted);
     }
-    if (position_ >= headBytes) generator_.reset();
+    if (position_ >= headBytes && generator_) {
+        // libisofs's tree of many small parts takes a while to free.
+        runInBackground("disc-free", [generator = std::shared_ptr<Generator>(std::move(generator_))] {});
+    }
     while (filled < buffer.size() && position_ < blocks_ * blockSize) {
         const size_t count = reader_.read(buffer.subspan(filled));
         if (count == 0) fail(ErrorCode::Internal, "The disc's image ended too early.");

@@ -42,8 +42,8 @@ struct Layout {
 inline constexpr size_t volumeNameLimit = 32;
 
 /// Whether a text can be a volume's name: UTF-8, 1 to 32 characters, none of them a control character or '/'.
-/// Joliet keeps the first 16 UTF-16 units of it, the ISO 9660 descriptor keeps it in capitals with '_' for
-/// all that isn't A-Z, 0-9 or '_'. BadLayout with a sentence.
+/// All of it is kept as UTF-8 in the ISO 9660 descriptor as far as its 32 bytes go, and the first 16 UTF-16
+/// units in Joliet's; a longer name is cut there, never refused. BadLayout with a sentence.
 Result<void> checkVolumeName(std::string_view name);
 
 /// Plans a track without writing: the blocks it takes on a disc, exactly, as long as the sources don't

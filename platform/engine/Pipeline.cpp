@@ -26,11 +26,13 @@ void checksum(Piece& piece) {
 
 } // namespace
 
-Pipeline::Pipeline(SignalRef signal, const std::string& threadName, Fill fill)
+Pipeline::Pipeline(SignalRef signal, const std::string& threadName, bool withChecksums, Fill fill)
     : shared_(std::make_shared<Shared>(std::move(signal))) {
     for (size_t count = 0; count < pieceCount; ++count)
         shared_->empty.push_back(makePiece());
-    runInBackground(threadName, [shared = shared_, fill = std::move(fill)] { run(shared, fill); });
+    runInBackground(threadName, [shared = shared_, withChecksums, fill = std::move(fill)] {
+        run(shared, withChecksums, fill);
+    });
 }
 
 Pipeline::~Pipeline() {
@@ -39,7 +41,7 @@ Pipeline::~Pipeline() {
     shared_->signal->changed.notify_all();
 }
 
-void Pipeline::run(const std::shared_ptr<Shared>& shared, const Fill& fill) {
+void Pipeline::run(const std::shared_ptr<Shared>& shared, bool withChecksums, const Fill& fill) {
     Signal& signal = *shared->signal;
     std::exception_ptr problem;
     try {
@@ -55,7 +57,7 @@ void Pipeline::run(const std::shared_ptr<Shared>& shared, const Fill& fill) {
             }
             piece->filled = fill(piece->whole());
             if (piece->filled == 0) break;
-            checksum(*piece);
+            if (withChecksums) checksum(*piece);
             const std::lock_guard lock(signal.mutex);
             shared->full.push_back(std::move(piece));
             signal.changed.notify_all();

@@ -17,10 +17,11 @@
 namespace engine {
 
 /// Bytes of a buffer, and bytes for which one checksum is kept.
-inline constexpr size_t pieceBytes = 2u << 20;
+inline constexpr size_t pieceBytes = 1u << 20;
 inline constexpr size_t checkedBytes = 1u << 20;
 
-/// A page-aligned buffer with what was filled in, and the XXH3 of each MiB of it.
+/// A page-aligned buffer with what was filled in, and the XXH3 of each MiB of it when checksums were asked
+/// for.
 struct Piece {
     struct Free {
         void operator()(std::byte* memory) const noexcept { std::free(memory); }
@@ -41,7 +42,7 @@ class Pipeline {
     /// Fills the front of a buffer; fewer bytes than the whole only at the end, then 0. May throw.
     using Fill = std::function<size_t(std::span<std::byte>)>;
 
-    Pipeline(SignalRef signal, const std::string& threadName, Fill fill);
+    Pipeline(SignalRef signal, const std::string& threadName, bool withChecksums, Fill fill);
     Pipeline(const Pipeline&) = delete;
     Pipeline& operator=(const Pipeline&) = delete;
     ~Pipeline();
@@ -58,7 +59,7 @@ class Pipeline {
         std::exception_ptr problem;
         bool ended = false, dropped = false;
     };
-    static void run(const std::shared_ptr<Shared>& shared, const Fill& fill);
+    static void run(const std::shared_ptr<Shared>& shared, bool withChecksums, const Fill& fill);
 
     std::shared_ptr<Shared> shared_;
 };
