@@ -106,6 +106,7 @@ If App.Arguments.LastIndex = 1 Then root.baseName = App.Arguments(1)
 
 If DRDeviceQRX.deviceCount = 0 Then Fail("there is no drive that can write discs")
 Dim drive As DRDeviceQRX = DRDeviceQRX.device(0)
+If drive.trayIsOpen Then Call drive.closeTray
 If Not drive.mediaIsPresent Then Fail("there is no disc in " + drive.displayName + "; insert one and try again")
 
 Dim kind As String = Replace(drive.mediaType, "DRDeviceMediaType", "")
@@ -116,6 +117,7 @@ Print "onto " + drive.displayName + " (" + kind + ", room for " + Megabytes(driv
 Dim burn As New DRBurnQRX(drive)
 burn.verifyDisc = True
 burn.completionAction = DRBurnQRX.DRBurnCompletionActionMount
+burn.BurnFailureAction = DRBurnQRX.DRBurnFailureActionNone
 If Not drive.mediaIsBlank Then
     Print "The disc holds data, which is overwritten."
     burn.Overwrite = True

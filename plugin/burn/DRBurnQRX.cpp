@@ -8,7 +8,10 @@
 #include "plugin/burn/Properties.hpp"
 #include "plugin/frame/Classes.hpp"
 
-extern "C" __attribute__((weak)) const objc::Id DRBurnOverwriteDiscKey;
+extern "C" {
+__attribute__((weak)) extern const objc::Id DRBurnFailureActionKey;
+__attribute__((weak)) extern const objc::Id DRBurnOverwriteDiscKey;
+}
 
 namespace {
 
@@ -51,6 +54,12 @@ void Constructor2(REALobject self, REALobject device) {
     });
 }
 
+REALstring getDRBurnFailureActionValue(REALobject self) {
+    return getStringProperty(self, &DRBurnFailureActionKey);
+}
+void setDRBurnFailureActionValue(REALobject self, REALstring value) {
+    setStringProperty(self, &DRBurnFailureActionKey, value);
+}
 bool getDRBurnOverwriteDiscValue(REALobject self) { return booleanProperty(self, &DRBurnOverwriteDiscKey); }
 void setDRBurnOverwriteDiscValue(REALobject self, bool value) {
     setBooleanProperty(self, &DRBurnOverwriteDiscKey, value);
@@ -75,6 +84,7 @@ REALmethodDefinition methods[] = {
     property<"completionAction as string", completionAction, setCompletionAction>(),
     property<"requestedBurnSpeed as single", requestedBurnSpeed, setRequestedBurnSpeed>(),
     method<"Constructor(device as DRDeviceQRX)", Constructor2>(),
+    property<"BurnFailureAction as string", getDRBurnFailureActionValue, setDRBurnFailureActionValue>(),
     property<"Overwrite as boolean", getDRBurnOverwriteDiscValue, setDRBurnOverwriteDiscValue>(),
 };
 

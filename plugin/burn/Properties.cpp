@@ -9,6 +9,10 @@ namespace {
 
 objc::Id valueOf(const objc::Id* key) { return key ? *key : nullptr; }
 
+objc::Id stored(REALobject object, const objc::Id* key) {
+    return objc::send<"objectForKey:">(objc::send<"properties">(frame::held(object)), valueOf(key));
+}
+
 void store(REALobject object, const objc::Id* key, objc::Id value) {
     const objc::Id target = frame::held(object);
     if (!target) return;
@@ -24,11 +28,15 @@ void setProperty(REALobject object, const objc::Id* key, objc::Id value) {
 }
 
 int32_t getIntegerProperty(REALobject object, const objc::Id* key) {
-    return guarded([=] {
-        const objc::Id properties = objc::send<"properties">(frame::held(object));
-        return static_cast<int32_t>(
-            objc::send<"longValue", long>(objc::send<"objectForKey:">(properties, valueOf(key))));
-    });
+    return guarded([=] { return static_cast<int32_t>(objc::send<"longValue", long>(stored(object, key))); });
+}
+
+REALstring getStringProperty(REALobject object, const objc::Id* key) {
+    return guarded([=] { return NSStringRB(stored(object, key)); });
+}
+
+void setStringProperty(REALobject object, const objc::Id* key, REALstring value) {
+    guarded([=] { store(object, key, NewNSString(value)); });
 }
 
 void setBooleanProperty(REALobject object, const objc::Id* key, bool value) {

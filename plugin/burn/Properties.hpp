@@ -21,6 +21,12 @@ inline bool booleanProperty(REALobject object, const objc::Id* key) {
     return (getIntegerProperty(object, key) & 0xFF) != 0;
 }
 
+// The value as text, null when there is none. There is no type test: what is no text is the platform's to
+// refuse.
+REALstring getStringProperty(REALobject object, const objc::Id* key);
+
+void setStringProperty(REALobject object, const objc::Id* key, REALstring value);
+
 void setBooleanProperty(REALobject object, const objc::Id* key, bool value);
 
 } // namespace bridge

@@ -124,6 +124,20 @@ TEST_F(Burn, PropertiesReadTheirDefaultsAndWhatWasAssigned) {
     EXPECT_EQ(raised(), std::nullopt);
 }
 
+TEST_F(Burn, AStringPropertyReadsBackAndANilTextIsRefusedWithThePreviousValueKept) {
+    const Ref burn = burnFor(device());
+    const char* declaration = "BurnFailureAction as string";
+    const auto assign = harness::setterOf<void(REALobject, REALstring)>(className, declaration);
+    EXPECT_EQ(textOf(call<REALstring>(className, declaration, burn.get())), "") << "not set";
+    assign(burn.get(), String("DRBurnFailureActionNone").get());
+    EXPECT_EQ(textOf(call<REALstring>(className, declaration, burn.get())), "DRBurnFailureActionNone");
+    testing::internal::CaptureStderr();
+    assign(burn.get(), nullptr);
+    testing::internal::GetCapturedStderr();
+    EXPECT_EQ(raised()->className, "RuntimeException");
+    EXPECT_EQ(textOf(call<REALstring>(className, declaration, burn.get())), "DRBurnFailureActionNone");
+}
+
 TEST_F(Burn, AnEmptyOneAnswersEmptyAndIgnoresAssignments) {
     const Ref burn = make(className);
     EXPECT_FALSE(status(burn));
