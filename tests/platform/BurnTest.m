@@ -1,4 +1,5 @@
 // BurnTest: burns from layout to disc, read back with another program; refusals, aborts and errors.
+// One file, though long: the steps share the folder to burn, the drive and the words of the test.
 #import "Check.h"
 #import "DRBurn.h"
 #import "DRFile.h"

@@ -1,4 +1,5 @@
 // CoreServicesTest: strings, dictionaries, URLs, file references and the application library.
+// One file, though long: strings, references and URLs share the folder that they are tried in.
 #import "CoreServices.h"
 #import "Check.h"
 
