@@ -80,7 +80,7 @@ bool wait(double milliseconds, int file) {
         pollfd watched[2] = {{wakePipe[0], POLLIN, 0}, {file, POLLIN, 0}};
         const int limit = milliseconds < 0 ? -1 : static_cast<int>(std::min(left * 1000 + 1, 1e9));
         const int ready = ::poll(watched, file < 0 ? 1 : 2, limit);
-        if (ready > 0 && file >= 0 && watched[1].revents != 0) return true;
+        if (ready > 0 && file >= 0 && watched[1].revents != 0) return !requested();
     }
 }
 

@@ -362,6 +362,18 @@ StatementPtr Parser::assignmentOrCall() {
         made->value = expression();
         return made;
     }
+    // "Print (a).b" prints a.b; "Print(a)" is a call however it is spaced.
+    const bool spaced = tokens_[start].kind == TokenKind::name && tokens_[start + 1].is("(") &&
+                        tokens_[start + 1].spaceBefore;
+    const bool command =
+        spaced && !(target->kind == ExpressionKind::call &&
+                    static_cast<CallExpression&>(*target).callee->kind == ExpressionKind::name);
+    if (command && atLineEnd()) {
+        at_ = start;
+        target = primary();
+        std::vector<ExpressionPtr> arguments = commandArguments();
+        target = checked(std::make_unique<CallExpression>(place, std::move(target), std::move(arguments)));
+    }
     if (!atLineEnd() && !at("else")) { // a call whose arguments stand without parentheses
         at_ = start;
         target = commandTarget();
@@ -390,7 +402,7 @@ ExpressionPtr Parser::commandTarget() {
             made = checked(std::make_unique<MemberExpression>(place, std::move(made), std::move(member)));
             continue;
         }
-        if (!at("(")) return made;
+        if (!at("(") || (made->kind == ExpressionKind::name && now().spaceBefore)) return made;
         const size_t start = at_;
         const Place place = made->place;
         std::vector<ExpressionPtr> arguments = argumentList();

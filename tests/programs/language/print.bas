@@ -8,3 +8,6 @@ Print -1 ' expect: -1
 Print True, False ' expect: True False
 Print "a ""quoted"" word" ' expect: a "quoted" word
 PRINT "any case" ' expect: any case
+Print ("in parentheses").Left(2) ' expect: in
+Dim names() As String = Array("a", "b")
+Print (names)(1), (names(0)) ' expect: b a
