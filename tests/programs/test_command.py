@@ -22,8 +22,9 @@ class Command(unittest.TestCase):
             file.write(content if isinstance(content, bytes) else content.encode())
         return path
 
-    def run_words(self, *words, limit=60):
-        done = subprocess.run([DISC_BASIC, *words], capture_output=True, timeout=limit, check=False, stdin=subprocess.DEVNULL)
+    def run_words(self, *words, limit=60, environment=None):
+        done = subprocess.run([DISC_BASIC, *words], capture_output=True, timeout=limit, check=False, stdin=subprocess.DEVNULL,
+                              env={**os.environ, **(environment or {})})
         return done.returncode, done.stdout.decode(errors="replace"), done.stderr.decode(errors="replace")
 
     def run_text(self, content, limit=60):
@@ -268,7 +269,8 @@ Print "never"
 
     def test_leaks_are_named_when_asked_for(self):
         path = self.file("Dim a() As Variant\na.Append a\nPrint 1\n")
-        code, out, err = self.run_words("--without-plugins", "--leaks", path)
+        # An array that holds itself is the one cycle that is not freed: a leak detector is right about it.
+        code, out, err = self.run_words("--without-plugins", "--leaks", path, environment={"ASAN_OPTIONS": "detect_leaks=0"})
         self.assertEqual((code, out), (0, "1\n"))
         self.assertIn("still alive at the end", err)
         path = self.file("Dim d As New Dictionary\nd.Value(\"a\") = New Date\nPrint 1\n")

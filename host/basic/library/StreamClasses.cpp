@@ -81,6 +81,7 @@ std::string readBytes(FILE* file, int64_t count) {
 }
 
 void writeBytes(FILE* file, std::string_view bytes) {
+    if (bytes.empty()) return;
     if (std::fwrite(bytes.data(), 1, bytes.size(), file) != bytes.size()) refuse("the file can't be written");
 }
 
