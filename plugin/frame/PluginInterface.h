@@ -34,9 +34,9 @@ typedef REALobjectStruct* REALdictionary;
 /* A host value of any type, itself an object; null is the nil variant. */
 typedef REALobjectStruct* REALvariant;
 
-/* A host string: bytes with an encoding. The text begins one byte after the start of the buffer (the first byte
- * holds the length of texts below 256 bytes), is `length` bytes long, and a zero byte follows it. Plug-ins read
- * this record only on hosts older than version 2013.0; the null handle is the empty string. */
+/* A host string: bytes with an encoding. The text begins one byte after the start of the buffer (the first
+ * byte holds the length of texts below 256 bytes), is `length` bytes long, and a zero byte follows it.
+ * Plug-ins read this record only on hosts older than version 2013.0; the null handle is the empty string. */
 typedef struct REALstringStruct {
     uintptr_t references;
     unsigned char* buffer;
@@ -45,9 +45,9 @@ typedef struct REALstringStruct {
 } REALstringStruct;
 typedef REALstringStruct* REALstring;
 
-/* A host array of one dimension, itself a host object (so it may stand where a variant is due). The third word
- * points to the packed elements: references of one word, 4-byte integers and singles, 1-byte booleans, 8-byte
- * integers and doubles. The other words are the host's. */
+/* A host array of one dimension, itself a host object (so it may stand where a variant is due). The third
+ * word points to the packed elements: references of one word, 4-byte integers and singles, 1-byte booleans,
+ * 8-byte integers and doubles. The other words are the host's. */
 typedef struct REALarrayStruct {
     void* host[2];
     void* elements;
@@ -80,8 +80,8 @@ enum {
 /* A plug-in function of any signature; the declaration beside it says which. */
 typedef void (*REALproc)(void);
 
-/* One method, property or shared method. A declaration that is a name followed by `as` and a type is a property
- * when there is a setter, and a method without arguments when there is none. */
+/* One method, property or shared method. A declaration that is a name followed by `as` and a type is a
+ * property when there is a setter, and a method without arguments when there is none. */
 typedef struct REALmethodDefinition {
     REALproc function; /* for a property, its getter */
     REALproc setter;   /* for a property: object, then any parameters, then the new value; else null */
@@ -89,8 +89,8 @@ typedef struct REALmethodDefinition {
     uintptr_t flags;
 } REALmethodDefinition;
 
-/* One event. The host writes the event's identity into the second word when the class is registered; that word
- * is what "GetEventInstance" takes. */
+/* One event. The host writes the event's identity into the second word when the class is registered; that
+ * word is what "GetEventInstance" takes. */
 typedef struct REALevent {
     const char* declaration;
     uintptr_t identity;
@@ -167,7 +167,8 @@ typedef REALproc (*REALresolver)(const char* entry);
 /* The one function that a plug-in exports. */
 typedef void (*REALPluginMainProc)(REALresolver);
 
-/* What "RuntimeArrayDirectGetInsertProc" answers: inserts an object at an index; the array takes a reference. */
+/* What "RuntimeArrayDirectGetInsertProc" answers: inserts an object at an index; the array takes a reference.
+ */
 typedef void (*REALarrayInsertProc)(REALarray array, int32_t index, REALobject value);
 
 /* Element types of "RuntimeArrayCreateSingleDimBoundedArray" that plug-ins use. */
@@ -175,64 +176,66 @@ enum { kREALArrayOfObjects = 4 };
 
 /* Every entry that plug-ins look up: X(result, entry name, parameters). A host implements each with this
  * signature; a plug-in calls each with it. Booleans are one byte. */
-#define REAL_HOST_ENTRIES(X)                                                                                   \
-    X(void, RegisterPluginVersion, (int32_t version))                                                          \
-    X(double, REALGetRBVersion, (void))                                                                        \
-    X(void, PluginRegisterClass, (REALclassDefinition* definition))                                            \
-    X(REALobject, PluginNewInstance, (const char* className))                                                  \
-    X(REALclassRef, pluginObjectType, (const char* className))                                                 \
-    X(uint8_t, RuntimeObjectIsa, (REALobject object, REALclassRef classRef))                                   \
-    X(void, REALLockObject, (REALobject object))                                                               \
-    X(void, REALUnlockObject, (REALobject object))                                                             \
-    X(void, REALLockString, (REALstring string))                                                               \
-    X(void, REALUnlockString, (REALstring string))                                                             \
-    X(REALstring, REALBuildString, (const char* bytes, int32_t length))                                        \
-    X(void, REALSetStringEncoding, (REALstring string, uint32_t encoding))                                     \
-    X(uint32_t, REALGetStringEncoding, (REALstring string))                                                    \
-    X(REALstring, REALConvertString, (REALstring string, uint32_t encoding))                                   \
-    X(uint8_t, PluginGetStringData, (REALstring string, uint32_t encoding, REALstringData* record))            \
-    X(void, PluginDisposeStringData, (REALstringData * record))                                                \
-    X(const char*, StringGetCString, (REALstring string))                                                      \
-    X(CFStringRef, REALGetStringCFString, (REALstring string, int32_t flag))                                   \
-    X(REALmemoryBlock, newMemoryBlock, (int32_t size))                                                         \
-    X(void*, memoryBlockGetPtr, (REALmemoryBlock block))                                                       \
-    X(int32_t, memoryBlockGetSize, (REALmemoryBlock block))                                                    \
-    X(REALmemoryBlock, PtrToMemoryBlock, (void* pointer))                                                      \
-    X(void, RuntimeRaiseException, (REALobject exception))                                                     \
-    X(REALproc, GetEventInstance, (REALobject object, uintptr_t identity))                                     \
-    X(REALproc, REALLoadObjectMethod, (REALobject object, const char* declaration))                            \
-    X(REALproc, REALLoadGlobalMethod, (void* reserved, const char* declaration))                               \
-    X(uint8_t, REALGetPropValueInt, (REALobject object, const char* name, int32_t* value))                     \
-    X(uint8_t, REALGetPropValueInt64, (REALobject object, const char* name, int64_t* value))                   \
-    X(uint8_t, REALGetPropValueSingle, (REALobject object, const char* name, float* value))                    \
-    X(uint8_t, REALGetPropValueDouble, (REALobject object, const char* name, double* value))                   \
-    X(uint8_t, REALGetPropValueString, (REALobject object, const char* name, REALstring* value))               \
-    X(uint8_t, REALGetPropValueObject, (REALobject object, const char* name, REALobject* value))               \
-    X(uint8_t, REALSetPropValueInt, (REALobject object, const char* name, int32_t value))                      \
-    X(uint8_t, REALSetPropValueString, (REALobject object, const char* name, REALstring value))                \
-    X(REALvariant, StringToVariant, (REALstring value))                                                        \
-    X(REALvariant, Int32ToVariant, (int32_t value))                                                            \
-    X(REALvariant, DoubleToVariant, (double value))                                                            \
-    X(REALvariant, BooleanToVariant, (uint8_t value))                                                          \
-    X(REALvariant, UInt32ToVariant, (uint32_t value))                                                          \
-    X(REALvariant, Int64ToVariant, (int64_t value))                                                            \
-    X(REALvariant, UInt64ToVariant, (uint64_t value))                                                          \
-    X(REALvariant, SingleToVariant, (float value))                                                             \
-    X(REALstring, VariantToString, (REALvariant value))                                                        \
-    X(int32_t, VariantToInt32, (REALvariant value))                                                            \
-    X(int64_t, VariantToInt64, (REALvariant value))                                                            \
-    X(float, VariantToSingle, (REALvariant value))                                                             \
-    X(double, VariantToDouble, (REALvariant value))                                                            \
-    X(REALarray, RuntimeArrayCreateSingleDimBoundedArray, (int32_t elementType, int32_t upperBound))           \
-    X(int32_t, RuntimeUBound, (REALarray array))                                                               \
-    X(REALobject, RuntimeDirectReadObjectArray, (REALarray array, int32_t index))                              \
-    X(REALarrayInsertProc, RuntimeArrayDirectGetInsertProc, (REALarray array))                                 \
-    /* The get procedure takes the array and an index and answers the element; references carry a new one. */  \
-    X(REALproc, RuntimeArrayDirectGetGetProc, (REALarray array))                                               \
-    X(REALfolderItem, FolderItemFromFSSpec, (const FSSpec* spec))                                              \
-    X(uint8_t, REALFSSpecFromFolderItem, (REALfolderItem item, FSSpec* spec))                                  \
-    /* With a leaf name: the parent's reference and the item's name, also for an item that does not exist. */  \
-    X(uint8_t, REALFSRefFromFolderItem, (REALfolderItem item, FSRef* ref, HFSUniStr255* leafName))             \
+#define REAL_HOST_ENTRIES(X)                                                                                 \
+    X(void, RegisterPluginVersion, (int32_t version))                                                        \
+    X(double, REALGetRBVersion, (void))                                                                      \
+    X(void, PluginRegisterClass, (REALclassDefinition * definition))                                         \
+    X(REALobject, PluginNewInstance, (const char* className))                                                \
+    X(REALclassRef, pluginObjectType, (const char* className))                                               \
+    X(uint8_t, RuntimeObjectIsa, (REALobject object, REALclassRef classRef))                                 \
+    X(void, REALLockObject, (REALobject object))                                                             \
+    X(void, REALUnlockObject, (REALobject object))                                                           \
+    X(void, REALLockString, (REALstring string))                                                             \
+    X(void, REALUnlockString, (REALstring string))                                                           \
+    X(REALstring, REALBuildString, (const char* bytes, int32_t length))                                      \
+    X(void, REALSetStringEncoding, (REALstring string, uint32_t encoding))                                   \
+    X(uint32_t, REALGetStringEncoding, (REALstring string))                                                  \
+    X(REALstring, REALConvertString, (REALstring string, uint32_t encoding))                                 \
+    X(uint8_t, PluginGetStringData, (REALstring string, uint32_t encoding, REALstringData * record))         \
+    X(void, PluginDisposeStringData, (REALstringData * record))                                              \
+    X(const char*, StringGetCString, (REALstring string))                                                    \
+    X(CFStringRef, REALGetStringCFString, (REALstring string, int32_t flag))                                 \
+    X(REALmemoryBlock, newMemoryBlock, (int32_t size))                                                       \
+    X(void*, memoryBlockGetPtr, (REALmemoryBlock block))                                                     \
+    X(int32_t, memoryBlockGetSize, (REALmemoryBlock block))                                                  \
+    X(REALmemoryBlock, PtrToMemoryBlock, (void* pointer))                                                    \
+    X(void, RuntimeRaiseException, (REALobject exception))                                                   \
+    X(REALproc, GetEventInstance, (REALobject object, uintptr_t identity))                                   \
+    X(REALproc, REALLoadObjectMethod, (REALobject object, const char* declaration))                          \
+    X(REALproc, REALLoadGlobalMethod, (void* reserved, const char* declaration))                             \
+    X(uint8_t, REALGetPropValueInt, (REALobject object, const char* name, int32_t* value))                   \
+    X(uint8_t, REALGetPropValueInt64, (REALobject object, const char* name, int64_t* value))                 \
+    X(uint8_t, REALGetPropValueSingle, (REALobject object, const char* name, float* value))                  \
+    X(uint8_t, REALGetPropValueDouble, (REALobject object, const char* name, double* value))                 \
+    X(uint8_t, REALGetPropValueString, (REALobject object, const char* name, REALstring* value))             \
+    X(uint8_t, REALGetPropValueObject, (REALobject object, const char* name, REALobject* value))             \
+    X(uint8_t, REALSetPropValueInt, (REALobject object, const char* name, int32_t value))                    \
+    X(uint8_t, REALSetPropValueString, (REALobject object, const char* name, REALstring value))              \
+    X(REALvariant, StringToVariant, (REALstring value))                                                      \
+    X(REALvariant, Int32ToVariant, (int32_t value))                                                          \
+    X(REALvariant, DoubleToVariant, (double value))                                                          \
+    X(REALvariant, BooleanToVariant, (uint8_t value))                                                        \
+    X(REALvariant, UInt32ToVariant, (uint32_t value))                                                        \
+    X(REALvariant, Int64ToVariant, (int64_t value))                                                          \
+    X(REALvariant, UInt64ToVariant, (uint64_t value))                                                        \
+    X(REALvariant, SingleToVariant, (float value))                                                           \
+    X(REALstring, VariantToString, (REALvariant value))                                                      \
+    X(int32_t, VariantToInt32, (REALvariant value))                                                          \
+    X(int64_t, VariantToInt64, (REALvariant value))                                                          \
+    X(float, VariantToSingle, (REALvariant value))                                                           \
+    X(double, VariantToDouble, (REALvariant value))                                                          \
+    X(REALarray, RuntimeArrayCreateSingleDimBoundedArray, (int32_t elementType, int32_t upperBound))         \
+    X(int32_t, RuntimeUBound, (REALarray array))                                                             \
+    X(REALobject, RuntimeDirectReadObjectArray, (REALarray array, int32_t index))                            \
+    X(REALarrayInsertProc, RuntimeArrayDirectGetInsertProc, (REALarray array))                               \
+    /* The get procedure takes the array and an index and answers the element; references carry a new one.   \
+     */                                                                                                      \
+    X(REALproc, RuntimeArrayDirectGetGetProc, (REALarray array))                                             \
+    X(REALfolderItem, FolderItemFromFSSpec, (const FSSpec* spec))                                            \
+    X(uint8_t, REALFSSpecFromFolderItem, (REALfolderItem item, FSSpec * spec))                               \
+    /* With a leaf name: the parent's reference and the item's name, also for an item that does not exist.   \
+     */                                                                                                      \
+    X(uint8_t, REALFSRefFromFolderItem, (REALfolderItem item, FSRef * ref, HFSUniStr255 * leafName))         \
     X(REALfolderItem, REALFolderItemFromParentFSRef, (const FSRef* parent, const HFSUniStr255* leafName))
 
 #ifdef __cplusplus

@@ -2,7 +2,8 @@
 #include "plugin/objc/ExceptionFrame.h"
 
 // The class is all that @catch needs to know; the platform's headers stay outside.
-__attribute__((objc_root_class)) @interface NSObject {
+__attribute__((objc_root_class))
+@interface NSObject {
     Class isa;
 }
 @end
