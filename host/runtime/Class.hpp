@@ -131,8 +131,7 @@ class Class {
     std::map<std::string, std::vector<const Member*>, NameLess> byName_;
 };
 
-// ---- the registry: all classes of the process, by name
-// ------------------------------------------------------------
+// ---- the registry: all classes of the process, by name -----------------------------------------------
 
 // Null when there is none.
 Class* findClass(std::string_view name);

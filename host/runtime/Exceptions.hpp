@@ -34,8 +34,7 @@ class Exception : public std::exception {
 [[noreturn]] void raise(std::string_view className, std::string_view message);
 Value newException(std::string_view className, std::string_view message);
 
-// ---- the pending exception
-// -----------------------------------------------------------------------------------------
+// ---- the pending exception ---------------------------------------------------------------------------
 // "RuntimeRaiseException" records; the call machinery throws it when the plug-in function has returned. Each
 // thread has its own. The first one recorded stays.
 

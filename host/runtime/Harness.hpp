@@ -19,8 +19,7 @@ REALresolver resolver();
 
 namespace harness {
 
-// ---- a host that lacks something
-// -----------------------------------------------------------------------------------
+// ---- a host that lacks something ---------------------------------------------------------------------
 void withdraw(std::string_view entry); // the resolver answers null for it from now on
 void restore(std::string_view entry);
 void setHostVersion(double version); // 2013.0 unless set; 0: there is no "REALGetRBVersion" entry
@@ -31,8 +30,8 @@ void failCreation(std::string_view className, int n = 1);
 void failNewMemoryBlock(bool fails); // "newMemoryBlock" answers null, as without memory
 void reset();                        // undoes all of the above and forgets logs and the pending exception
 
-// ---- calling members as a host calls them
-// --------------------------------------------------------------------------- The record of a class that a
+// ---- calling members as a host calls them ------------------------------------------------------------
+// The record of a class that a
 // plug-in registered, or null.
 const REALclassDefinition* definition(std::string_view className);
 // A member's function by its declaration (blanks and case do not matter), instance members first, then shared
@@ -51,8 +50,7 @@ Signature* setterOf(std::string_view className, std::string_view declaration) {
 // The service itself, withdrawn or not: service<decltype(f)>("REALLockObject").
 REALproc service(std::string_view entry);
 
-// ---- a look inside
-// --------------------------------------------------------------------------------------------------
+// ---- a look inside -----------------------------------------------------------------------------------
 struct Raised {
     std::string className;
     std::string message;

@@ -48,8 +48,8 @@ void callSetter(const Member& member, REALobject self, Arguments parameters, con
 // a handler the result is the default of the event's result type.
 Value raiseEvent(REALobject object, std::string_view eventName, Arguments arguments, bool* handled = nullptr);
 
-// ---- global functions
-// ------------------------------------------------------------------------------------------------- Those
+// ---- global functions --------------------------------------------------------------------------------
+// Those
 // that plug-ins reach by declaration ("VarType(value As Variant) As Int32", "LenB( s as string ) as
 // integer"), which are also callable by programs. The host defines these two; the standard library may add
 // more.

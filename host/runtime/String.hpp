@@ -10,8 +10,7 @@
 
 namespace host {
 
-// ---- raw strings: every maker gives one reference that the caller owns; null is the empty string
-// -----------------
+// ---- raw strings: every maker gives one reference that the caller owns; null is the empty string -----
 
 // Copies the bytes. An empty text in an encoding still gets a record of its own, so that its encoding is
 // kept.
@@ -28,8 +27,7 @@ std::string utf8Of(REALstring string);
 // A new string in the encoding; characters it lacks become "?". Null only when the encoding is not known.
 REALstring convertString(REALstring string, uint32_t encoding);
 
-// ---- encodings
-// ---------------------------------------------------------------------------------------------------
+// ---- encodings ---------------------------------------------------------------------------------------
 
 // The name that iconv knows for an encoding number, or null.
 const char* iconvName(uint32_t encoding);
@@ -39,8 +37,7 @@ bool isValidUTF8(std::string_view bytes);
 // Case folding for comparisons, of UTF-8 text.
 std::string foldCase(std::string_view utf8);
 
-// ---- an owned string
-// ---------------------------------------------------------------------------------------------
+// ---- an owned string ---------------------------------------------------------------------------------
 
 class String {
   public:

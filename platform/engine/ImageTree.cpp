@@ -58,8 +58,7 @@ class TreeBuilder {
         Fingerprint expected;
     };
 
-    // ---- virtual items
-    // -----------------------------------------------------------------------------------------
+    // ---- virtual items -------------------------------------------------------------------------------
 
     void addChildren(IsoDir* parent, const VirtualFolder& folder) {
         std::vector<const Content*> sorted;
@@ -136,8 +135,7 @@ class TreeBuilder {
         apply(node, item.attributes);
     }
 
-    // ---- what is on disk
-    // ---------------------------------------------------------------------------------------
+    // ---- what is on disk -----------------------------------------------------------------------------
 
     void walkPending() {
         while (!pending_.empty()) {
@@ -254,8 +252,7 @@ class TreeBuilder {
         fail(ErrorCode::FileLocationConflict, inQuotes(path) + " can't be read.", systemText(errorNumber));
     }
 
-    // ---- libisofs's nodes
-    // --------------------------------------------------------------------------------------
+    // ---- libisofs's nodes ----------------------------------------------------------------------------
 
     static void checkName(const std::string& name) {
         if (name.empty() || name == "." || name == ".." ||
@@ -321,8 +318,7 @@ class TreeBuilder {
         return asNode(node);
     }
 
-    // ---- attributes
-    // --------------------------------------------------------------------------------------------
+    // ---- attributes ----------------------------------------------------------------------------------
 
     static void setReal(IsoNode* node, const struct stat& status) {
         iso_node_set_permissions(node, status.st_mode & 07777);

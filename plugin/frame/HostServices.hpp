@@ -7,8 +7,8 @@
 
 #include <utility>
 
-// ---- one function per host entry: X(function, entry, result, (parameters), (arguments))
-// ---------------------- The entries' own signatures stand in PluginInterface.h; HostServices.cpp checks
+// ---- one function per host entry: X(function, entry, result, (parameters), (arguments)) --------------
+// The entries' own signatures stand in PluginInterface.h; HostServices.cpp checks
 // these against them.
 
 #define PLUGIN_HOST_SERVICES(X)                                                                              \
@@ -80,8 +80,7 @@
 PLUGIN_HOST_SERVICES(PLUGIN_DECLARE_SERVICE)
 #undef PLUGIN_DECLARE_SERVICE
 
-// ---- services that are more than a forward
-// -------------------------------------------------------------------
+// ---- services that are more than a forward -----------------------------------------------------------
 
 // Fills the record with a heap copy of the text in that encoding (0xFFFF: the bytes as they are), freed by
 // REALDisposeStringData. On a host without "PluginGetStringData" the copy is made here; then a caller that
@@ -97,8 +96,7 @@ CFStringRef REALCopyStringCFString(REALstring string);
 // A global function of the host by its declaration, or null.
 REALproc REALLoadFrameworkMethod(const char* declaration);
 
-// ---- arrays
-// --------------------------------------------------------------------------------------------------
+// ---- arrays ------------------------------------------------------------------------------------------
 
 void REALInsertArrayValueObject(REALarray array, int32_t index, REALobject value);
 
@@ -128,8 +126,7 @@ inline REALarray REALCreateArrayObject(int32_t count) { return REALCreateArray(k
 // Deliberately an object array: variants are objects, and the host takes either for the other.
 inline REALarray REALCreateArrayVariant(int32_t count) { return REALCreateArray(kREALArrayOfObjects, count); }
 
-// ---- type tests
-// ----------------------------------------------------------------------------------------------
+// ---- type tests --------------------------------------------------------------------------------------
 
 // By class name; false for a null object and for a class that the host does not know.
 bool REALObjectIsA(REALobject object, const char* className);

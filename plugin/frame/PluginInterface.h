@@ -176,66 +176,66 @@ enum { kREALArrayOfObjects = 4 };
 
 /* Every entry that plug-ins look up: X(result, entry name, parameters). A host implements each with this
  * signature; a plug-in calls each with it. Booleans are one byte. */
-#define REAL_HOST_ENTRIES(X)                                                                                 \
-    X(void, RegisterPluginVersion, (int32_t version))                                                        \
-    X(double, REALGetRBVersion, (void))                                                                      \
-    X(void, PluginRegisterClass, (REALclassDefinition * definition))                                         \
-    X(REALobject, PluginNewInstance, (const char* className))                                                \
-    X(REALclassRef, pluginObjectType, (const char* className))                                               \
-    X(uint8_t, RuntimeObjectIsa, (REALobject object, REALclassRef classRef))                                 \
-    X(void, REALLockObject, (REALobject object))                                                             \
-    X(void, REALUnlockObject, (REALobject object))                                                           \
-    X(void, REALLockString, (REALstring string))                                                             \
-    X(void, REALUnlockString, (REALstring string))                                                           \
-    X(REALstring, REALBuildString, (const char* bytes, int32_t length))                                      \
-    X(void, REALSetStringEncoding, (REALstring string, uint32_t encoding))                                   \
-    X(uint32_t, REALGetStringEncoding, (REALstring string))                                                  \
-    X(REALstring, REALConvertString, (REALstring string, uint32_t encoding))                                 \
-    X(uint8_t, PluginGetStringData, (REALstring string, uint32_t encoding, REALstringData * record))         \
-    X(void, PluginDisposeStringData, (REALstringData * record))                                              \
-    X(const char*, StringGetCString, (REALstring string))                                                    \
-    X(CFStringRef, REALGetStringCFString, (REALstring string, int32_t flag))                                 \
-    X(REALmemoryBlock, newMemoryBlock, (int32_t size))                                                       \
-    X(void*, memoryBlockGetPtr, (REALmemoryBlock block))                                                     \
-    X(int32_t, memoryBlockGetSize, (REALmemoryBlock block))                                                  \
-    X(REALmemoryBlock, PtrToMemoryBlock, (void* pointer))                                                    \
-    X(void, RuntimeRaiseException, (REALobject exception))                                                   \
-    X(REALproc, GetEventInstance, (REALobject object, uintptr_t identity))                                   \
-    X(REALproc, REALLoadObjectMethod, (REALobject object, const char* declaration))                          \
-    X(REALproc, REALLoadGlobalMethod, (void* reserved, const char* declaration))                             \
-    X(uint8_t, REALGetPropValueInt, (REALobject object, const char* name, int32_t* value))                   \
-    X(uint8_t, REALGetPropValueInt64, (REALobject object, const char* name, int64_t* value))                 \
-    X(uint8_t, REALGetPropValueSingle, (REALobject object, const char* name, float* value))                  \
-    X(uint8_t, REALGetPropValueDouble, (REALobject object, const char* name, double* value))                 \
-    X(uint8_t, REALGetPropValueString, (REALobject object, const char* name, REALstring* value))             \
-    X(uint8_t, REALGetPropValueObject, (REALobject object, const char* name, REALobject* value))             \
-    X(uint8_t, REALSetPropValueInt, (REALobject object, const char* name, int32_t value))                    \
-    X(uint8_t, REALSetPropValueString, (REALobject object, const char* name, REALstring value))              \
-    X(REALvariant, StringToVariant, (REALstring value))                                                      \
-    X(REALvariant, Int32ToVariant, (int32_t value))                                                          \
-    X(REALvariant, DoubleToVariant, (double value))                                                          \
-    X(REALvariant, BooleanToVariant, (uint8_t value))                                                        \
-    X(REALvariant, UInt32ToVariant, (uint32_t value))                                                        \
-    X(REALvariant, Int64ToVariant, (int64_t value))                                                          \
-    X(REALvariant, UInt64ToVariant, (uint64_t value))                                                        \
-    X(REALvariant, SingleToVariant, (float value))                                                           \
-    X(REALstring, VariantToString, (REALvariant value))                                                      \
-    X(int32_t, VariantToInt32, (REALvariant value))                                                          \
-    X(int64_t, VariantToInt64, (REALvariant value))                                                          \
-    X(float, VariantToSingle, (REALvariant value))                                                           \
-    X(double, VariantToDouble, (REALvariant value))                                                          \
-    X(REALarray, RuntimeArrayCreateSingleDimBoundedArray, (int32_t elementType, int32_t upperBound))         \
-    X(int32_t, RuntimeUBound, (REALarray array))                                                             \
-    X(REALobject, RuntimeDirectReadObjectArray, (REALarray array, int32_t index))                            \
-    X(REALarrayInsertProc, RuntimeArrayDirectGetInsertProc, (REALarray array))                               \
+#define REAL_HOST_ENTRIES(X)                                                                                   \
+    X(void, RegisterPluginVersion, (int32_t version))                                                          \
+    X(double, REALGetRBVersion, (void))                                                                        \
+    X(void, PluginRegisterClass, (REALclassDefinition * definition))                                           \
+    X(REALobject, PluginNewInstance, (const char* className))                                                  \
+    X(REALclassRef, pluginObjectType, (const char* className))                                                 \
+    X(uint8_t, RuntimeObjectIsa, (REALobject object, REALclassRef classRef))                                   \
+    X(void, REALLockObject, (REALobject object))                                                               \
+    X(void, REALUnlockObject, (REALobject object))                                                             \
+    X(void, REALLockString, (REALstring string))                                                               \
+    X(void, REALUnlockString, (REALstring string))                                                             \
+    X(REALstring, REALBuildString, (const char* bytes, int32_t length))                                        \
+    X(void, REALSetStringEncoding, (REALstring string, uint32_t encoding))                                     \
+    X(uint32_t, REALGetStringEncoding, (REALstring string))                                                    \
+    X(REALstring, REALConvertString, (REALstring string, uint32_t encoding))                                   \
+    X(uint8_t, PluginGetStringData, (REALstring string, uint32_t encoding, REALstringData * record))           \
+    X(void, PluginDisposeStringData, (REALstringData * record))                                                \
+    X(const char*, StringGetCString, (REALstring string))                                                      \
+    X(CFStringRef, REALGetStringCFString, (REALstring string, int32_t flag))                                   \
+    X(REALmemoryBlock, newMemoryBlock, (int32_t size))                                                         \
+    X(void*, memoryBlockGetPtr, (REALmemoryBlock block))                                                       \
+    X(int32_t, memoryBlockGetSize, (REALmemoryBlock block))                                                    \
+    X(REALmemoryBlock, PtrToMemoryBlock, (void* pointer))                                                      \
+    X(void, RuntimeRaiseException, (REALobject exception))                                                     \
+    X(REALproc, GetEventInstance, (REALobject object, uintptr_t identity))                                     \
+    X(REALproc, REALLoadObjectMethod, (REALobject object, const char* declaration))                            \
+    X(REALproc, REALLoadGlobalMethod, (void* reserved, const char* declaration))                               \
+    X(uint8_t, REALGetPropValueInt, (REALobject object, const char* name, int32_t* value))                     \
+    X(uint8_t, REALGetPropValueInt64, (REALobject object, const char* name, int64_t* value))                   \
+    X(uint8_t, REALGetPropValueSingle, (REALobject object, const char* name, float* value))                    \
+    X(uint8_t, REALGetPropValueDouble, (REALobject object, const char* name, double* value))                   \
+    X(uint8_t, REALGetPropValueString, (REALobject object, const char* name, REALstring* value))               \
+    X(uint8_t, REALGetPropValueObject, (REALobject object, const char* name, REALobject* value))               \
+    X(uint8_t, REALSetPropValueInt, (REALobject object, const char* name, int32_t value))                      \
+    X(uint8_t, REALSetPropValueString, (REALobject object, const char* name, REALstring value))                \
+    X(REALvariant, StringToVariant, (REALstring value))                                                        \
+    X(REALvariant, Int32ToVariant, (int32_t value))                                                            \
+    X(REALvariant, DoubleToVariant, (double value))                                                            \
+    X(REALvariant, BooleanToVariant, (uint8_t value))                                                          \
+    X(REALvariant, UInt32ToVariant, (uint32_t value))                                                          \
+    X(REALvariant, Int64ToVariant, (int64_t value))                                                            \
+    X(REALvariant, UInt64ToVariant, (uint64_t value))                                                          \
+    X(REALvariant, SingleToVariant, (float value))                                                             \
+    X(REALstring, VariantToString, (REALvariant value))                                                        \
+    X(int32_t, VariantToInt32, (REALvariant value))                                                            \
+    X(int64_t, VariantToInt64, (REALvariant value))                                                            \
+    X(float, VariantToSingle, (REALvariant value))                                                             \
+    X(double, VariantToDouble, (REALvariant value))                                                            \
+    X(REALarray, RuntimeArrayCreateSingleDimBoundedArray, (int32_t elementType, int32_t upperBound))           \
+    X(int32_t, RuntimeUBound, (REALarray array))                                                               \
+    X(REALobject, RuntimeDirectReadObjectArray, (REALarray array, int32_t index))                              \
+    X(REALarrayInsertProc, RuntimeArrayDirectGetInsertProc, (REALarray array))                                 \
     /* The get procedure takes the array and an index and answers the element; references carry a new one.   \
-     */                                                                                                      \
-    X(REALproc, RuntimeArrayDirectGetGetProc, (REALarray array))                                             \
-    X(REALfolderItem, FolderItemFromFSSpec, (const FSSpec* spec))                                            \
-    X(uint8_t, REALFSSpecFromFolderItem, (REALfolderItem item, FSSpec * spec))                               \
+     */ \
+    X(REALproc, RuntimeArrayDirectGetGetProc, (REALarray array))                                               \
+    X(REALfolderItem, FolderItemFromFSSpec, (const FSSpec* spec))                                              \
+    X(uint8_t, REALFSSpecFromFolderItem, (REALfolderItem item, FSSpec * spec))                                 \
     /* With a leaf name: the parent's reference and the item's name, also for an item that does not exist.   \
-     */                                                                                                      \
-    X(uint8_t, REALFSRefFromFolderItem, (REALfolderItem item, FSRef * ref, HFSUniStr255 * leafName))         \
+     */ \
+    X(uint8_t, REALFSRefFromFolderItem, (REALfolderItem item, FSRef * ref, HFSUniStr255 * leafName))           \
     X(REALfolderItem, REALFolderItemFromParentFSRef, (const FSRef* parent, const HFSUniStr255* leafName))
 
 #ifdef __cplusplus

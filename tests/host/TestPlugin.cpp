@@ -13,8 +13,7 @@ struct HostTable {
 } theHost;
 #undef TEST_CELL
 
-// ---- TestBase: instance data of 32 bytes
-// ---------------------------------------------------------------------
+// ---- TestBase: instance data of 32 bytes -------------------------------------------------------------
 
 struct BaseData {
     int32_t number;
@@ -165,8 +164,7 @@ REALstring pickShape(REALobject, REALobject) { return text("TestShape"); }
 REALstring pickShapes(REALobject, REALarray) { return text("TestShape()"); }
 REALstring pickTwo(REALobject, int32_t, REALstring) { return text("two"); }
 
-// ---- events
-// --------------------------------------------------------------------------------------------------
+// ---- events ------------------------------------------------------------------------------------------
 
 REALevent baseEvents[] = {
     {"compute(a as uint32, byref flags as uint32, note as string) as uint64", 0},
@@ -248,8 +246,7 @@ void joinThread(REALobject) {
     hasThread = false;
 }
 
-// ---- shared members
-// ----------------------------------------------------------------------------------------------
+// ---- shared members ----------------------------------------------------------------------------------
 
 int32_t sharedAnswer() { return 42; }
 REALstring sharedJoin(REALstring a, int32_t b) {

@@ -24,8 +24,7 @@ void addToNSException() {
                           objc::MethodTypes<decltype(function)>::text.data());
 }
 
-// ---- the instance registry: keys by identity, values never retained
-// -----------------------------------------
+// ---- the instance registry: keys by identity, values never retained ----------------------------------
 
 inline CFMutableDictionaryRef registry = nullptr;
 inline int registryAsked = 0;
@@ -40,8 +39,7 @@ inline void offerRegistry() {
     addToNSException<"GetInstancesDictionaryQRX", getInstances>();
 }
 
-// ---- exception conversion
-// ------------------------------------------------------------------------------------
+// ---- exception conversion ----------------------------------------------------------------------------
 
 inline int prepared = 0;
 inline objc::Id converted = nullptr;

@@ -44,8 +44,7 @@ TEST_F(Errors, NoMessageRaisesWithoutOne) {
     EXPECT_EQ(raised(), (Raised{"NilObjectException", ""}));
 }
 
-// ---- platform exceptions
-// -----------------------------------------------------------------------------------
+// ---- platform exceptions -----------------------------------------------------------------------------
 
 int32_t elementPastTheEnd() {
     return bridge::guarded([]() -> int32_t {
@@ -127,8 +126,7 @@ TEST_F(PlatformExceptions, WhatIsNoPlatformExceptionFliesThroughTheGuard) {
     EXPECT_EQ(raised(), std::nullopt);
 }
 
-// ---- start-up
-// ------------------------------------------------------------------------------------------------
+// ---- start-up ----------------------------------------------------------------------------------------
 
 using Startup = LoadedTest;
 

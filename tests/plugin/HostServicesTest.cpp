@@ -83,8 +83,7 @@ TEST_F(HostServices, RecognisesMemoryBlocksAndFolderItemsByAMethodThatOnlyTheyHa
     EXPECT_FALSE(IsFolderItem(dictionary.get()));
 }
 
-// ---- arrays: once through the host's procedures, once through the plug-in's own
-// ----------------------------
+// ---- arrays: once through the host's procedures, once through the plug-in's own ----------------------
 
 class Arrays : public PluginTest, public testing::WithParamInterface<bool> {
   protected:
@@ -190,8 +189,7 @@ TEST_F(OwnProcedures, OnceChosenTheyStay) {
     EXPECT_EQ(lookupsOf("RuntimeArrayDirectGetGetProc"), before);
 }
 
-// ---- string data
-// -------------------------------------------------------------------------------------------
+// ---- string data -------------------------------------------------------------------------------------
 
 class StringData : public PluginTest {
   protected:

@@ -25,8 +25,7 @@ std::string bytesOfPoints(std::u32string_view points) {
     return {reinterpret_cast<const char*>(points.data()), points.size() * 4};
 }
 
-// ---- host to platform, on every kind of host
-// ----------------------------------------------------------------
+// ---- host to platform, on every kind of host ---------------------------------------------------------
 
 struct HostKind {
     const char* name;
@@ -114,8 +113,7 @@ TEST_F(Text, TheHostsOwnPlatformStringIsPreferred) {
     EXPECT_EQ(std::find(names.begin(), names.end(), "PluginGetStringData"), names.end());
 }
 
-// ---- platform to host
-// ------------------------------------------------------------------------------------------
+// ---- platform to host --------------------------------------------------------------------------------
 
 TEST_F(Text, AnEmptyPlatformStringAndNilBothGiveTheNullString) {
     EXPECT_EQ(NSStringRB(nsString("")), nullptr);
@@ -145,8 +143,7 @@ TEST_F(Text, AZeroCharacterEndsThePlatformText) {
     EXPECT_EQ(textOf(CFString2RBString(string.get())), "ab");
 }
 
-// ---- strings from bytes
-// ----------------------------------------------------------------------------------------
+// ---- strings from bytes ------------------------------------------------------------------------------
 
 TEST_F(Text, BytesInAnyOtherEncodingAreKeptAndMarked) {
     const String made = String::adopt(REALBuildUnicodeString("caf\xE9", 4, 0x0201));
@@ -191,8 +188,7 @@ TEST_F(Text, NoBytesAndLengthsOutOfRangeGiveNull) {
     EXPECT_EQ(REALBuildUnicodeString("x", 0x7FFFFFFF, kREALEncodingUTF8), nullptr);
 }
 
-// ---- memory blocks
-// ---------------------------------------------------------------------------------------------
+// ---- memory blocks -----------------------------------------------------------------------------------
 
 TEST_F(Text, AMemoryBlockIsBuiltAsACopy) {
     char bytes[] = {1, 2, 3};
@@ -241,8 +237,7 @@ TEST_F(Text, AViewOfABlockTakesOffsetAndLengthAndLocksTheBlockWhileItStands) {
     EXPECT_EQ(none.length(), 0);
 }
 
-// ---- views of strings
-// ------------------------------------------------------------------------------------------
+// ---- views of strings --------------------------------------------------------------------------------
 
 class Views : public PluginTest, public testing::WithParamInterface<HostKind> {
   protected:
@@ -283,8 +278,7 @@ TEST_F(PluginTest, AnOlderHostsStringIsReadInPlaceAndLockedMeanwhile) {
     EXPECT_EQ(harness::references(string.get()), 2u);
 }
 
-// ---- memory
-// ----------------------------------------------------------------------------------------------------
+// ---- memory ------------------------------------------------------------------------------------------
 
 TEST(Memory, IsZeroFilledAndRefusedOutOfRange) {
     auto* memory = static_cast<char*>(AllocateClearMemory(64));

@@ -120,8 +120,7 @@ TEST_F(WithoutRegistry, TheSamePlatformObjectComesBackAsTwoHostObjectsThatDoNotD
     EXPECT_EQ((call<int32_t>("DRMSFQRX", "sectors as integer", second.get())), 75);
 }
 
-// ---- arrays
-// ----------------------------------------------------------------------------------------------------
+// ---- arrays ------------------------------------------------------------------------------------------
 
 Id arrayOf(std::initializer_list<Id> elements) {
     const Id array = objc::sendClass<"NSMutableArray", "array">();
@@ -164,8 +163,7 @@ TEST_F(WithRegistry, NoPlatformArrayFillsNothing) {
     EXPECT_EQ(REALGetArrayUBound(reinterpret_cast<REALarray>(array.get())), -1);
 }
 
-// ---- by the name of the class
-// ----------------------------------------------------------------------------------
+// ---- by the name of the class ------------------------------------------------------------------------
 
 // A host class named after a platform class, as a companion registers it.
 void registerHostClass(const char* name) {

@@ -114,8 +114,7 @@ CallArguments Compiler::loose(std::vector<Typed> values) {
     return made;
 }
 
-// ---- names
-// --------------------------------------------------------------------------------------------------
+// ---- names -------------------------------------------------------------------------------------------
 
 Typed Compiler::nameValue(const NameExpression& tree) {
     if (const Variable* variable = findVariable(tree.name)) return variableValue(tree.place, *variable);
