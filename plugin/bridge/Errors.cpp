@@ -40,8 +40,9 @@ void RaiseNSExceptionQRX(objc::Id exception) {
     NSLog(asObject(format.get()), objc::send<"name">(exception), reason, objc::send<"userInfo">(exception));
 
     const objc::Id exceptionClass = objc::classNamed<"NSException">();
+    // Asked deliberately: without a companion plug-in nobody answers, and a program must hear of the failure all the
+    // same. The reason is then all that it gets.
     if (!objc::respondsTo<"NewNSExceptionQRX:">(exceptionClass)) {
-        // No companion plug-in: the reason is all that a program needs to know.
         raiseWithMessage("RuntimeException", NSStringRB(reason));
         return;
     }

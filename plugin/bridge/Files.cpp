@@ -4,42 +4,27 @@
 #include "plugin/frame/HostServices.hpp"
 #include "plugin/objc/Ownership.hpp"
 
-extern "C" {
-using CFMutableStringRef = struct __CFString*;
-
-CFURLRef CFURLCreateFromFSRef(CFAllocatorRef allocator, const FSRef* ref);
-CFURLRef CFURLCreateCopyAppendingPathComponent(CFAllocatorRef allocator, CFURLRef url, CFStringRef component,
-                                               unsigned char isDirectory);
-CFStringRef CFURLCopyFileSystemPath(CFURLRef url, CFIndex style);
-CFMutableStringRef CFStringCreateMutableCopy(CFAllocatorRef allocator, CFIndex maxLength, CFStringRef string);
-void CFStringNormalize(CFMutableStringRef string, CFIndex form);
-int16_t FSpMakeFSRef(const FSSpec* spec, FSRef* ref);
-}
-
 namespace {
 
 using objc::Adopted;
 
-constexpr CFIndex canonicalDecomposition = 0; // normalisation form D
-constexpr CFIndex posixPathStyle = 0;
-
-// The leaf name as the platform's file systems store names; the name as it is if no copy can be made.
-CFStringRef createDecomposedName(const HFSUniStr255& leafName) {
-    Adopted name(CFStringCreateWithCharacters(nullptr, leafName.unicode, leafName.length));
-    Adopted<CFStringRef> copy(CFStringCreateMutableCopy(nullptr, 0, name.get()));
-    if (!copy) return name.give();
-    CFStringNormalize(const_cast<CFMutableStringRef>(copy.get()), canonicalDecomposition);
-    return copy.give();
-}
-
 CFURLRef urlInParent(const FSRef& parent, const HFSUniStr255& leafName) {
     const Adopted parentURL(CFURLCreateFromFSRef(nullptr, &parent));
     if (!parentURL || leafName.length == 0) return nullptr;
-    const Adopted name(createDecomposedName(leafName));
+    const Adopted name(
+        createDecomposedName(CFStringCreateWithCharacters(nullptr, leafName.unicode, leafName.length)));
     return CFURLCreateCopyAppendingPathComponent(nullptr, parentURL.get(), name.get(), 0);
 }
 
 } // namespace
+
+CFStringRef createDecomposedName(CFStringRef name) {
+    Adopted original(name);
+    Adopted<CFStringRef> copy(CFStringCreateMutableCopy(nullptr, 0, name));
+    if (!copy) return original.give();
+    CFStringNormalize(const_cast<CFMutableStringRef>(copy.get()), kCFStringNormalizationFormD);
+    return copy.give();
+}
 
 CFURLRef MakeCFURLfromFolderItem(REALfolderItem item) {
     if (!item) return nullptr;
@@ -58,13 +43,11 @@ CFURLRef MakeCFURLfromFolderItem(REALfolderItem item) {
 }
 
 objc::Id NewNSURLfile(REALfolderItem item) {
-    return objc::autoreleased(
-        reinterpret_cast<objc::Id>(const_cast<struct __CFURL*>(MakeCFURLfromFolderItem(item))));
+    return objc::autoreleased(asObject(MakeCFURLfromFolderItem(item)));
 }
 
 objc::Id NewNSStringPath(REALfolderItem item) {
     const objc::Id url = NewNSURLfile(item);
     if (!url) return nullptr;
-    return objc::autoreleased(
-        asObject(CFURLCopyFileSystemPath(reinterpret_cast<CFURLRef>(url), posixPathStyle)));
+    return objc::autoreleased(asObject(CFURLCopyFileSystemPath(asURL(url), kCFURLPOSIXPathStyle)));
 }

@@ -1,9 +1,9 @@
 // Files.hpp: host folder items as platform URLs and paths.
+//
+// Nothing here raises: every failure is null.
 #pragma once
 
-#include "plugin/bridge/CoreFoundation.hpp"
-
-using CFURLRef = const struct __CFURL*;
+#include "plugin/bridge/FileManager.hpp"
 
 // A URL that the caller releases. Three routes, the first that succeeds wins: an existing item by its
 // reference, an item that does not exist yet by its parent and name, and at last the item's file

@@ -46,11 +46,11 @@ struct String {
     static Platform toPlatform(Host value) { return NewNSString(value); }
 };
 
-// The low byte of the platform's answer, taken as it is.
+// The one byte crosses as it is, in both directions.
 struct Boolean {
     using Platform = objc::Boolean;
-    using Host = bool;
-    static Host toHost(Platform value) { return (value & 0xFF) != 0; }
+    using Host = REALboolean;
+    static Host toHost(Platform value) { return static_cast<Host>(value); }
     static Platform toPlatform(Host value) { return value; }
 };
 
@@ -63,11 +63,12 @@ struct Number {
     static Platform toPlatform(Host value) { return static_cast<Platform>(value); }
 };
 
-// A platform dictionary as a new host dictionary.
+// A whole dictionary, converted at every crossing.
 struct Dictionary {
     using Platform = objc::Id;
     using Host = REALdictionary;
     static Host toHost(Platform value) { return NSDictionaryRB(value); }
+    static Platform toPlatform(Host value) { return NewNSDictionary(value); }
 };
 
 // A platform object that comes back as its wrapper, made by `wrap`, and goes over as what a wrapper holds.

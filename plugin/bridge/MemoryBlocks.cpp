@@ -1,7 +1,10 @@
-// MemoryBlocks.cpp: new host memory blocks.
+// MemoryBlocks.cpp: new host memory blocks, and memory blocks to and from platform data.
+#include "plugin/bridge/DataView.hpp"
 #include "plugin/bridge/Errors.hpp"
 #include "plugin/bridge/Text.hpp"
+#include "plugin/bridge/Variants.hpp"
 #include "plugin/frame/HostServices.hpp"
+#include "plugin/objc/Message.hpp"
 
 #include <cinttypes>
 #include <cstdio>
@@ -24,4 +27,19 @@ REALmemoryBlock REALBuildMemoryblock(const void* bytes, int64_t length) {
                   length);
     RaiseException("OutOfMemoryException", message, kREALEncodingASCII);
     return nullptr;
+}
+
+REALmemoryBlock NSDataRB(objc::Id data) {
+    if (!data) return nullptr;
+    const auto length = static_cast<int64_t>(objc::send<"length", unsigned long>(data));
+    // Empty data is an empty block, not a missing one; the builder above has nothing to copy then.
+    if (length == 0) return REALNewMemoryBlockOriginal(0);
+    return REALBuildMemoryblock(objc::send<"bytes", const void*>(data), length);
+}
+
+objc::Id NewNSData(REALmemoryBlock block) {
+    const rbData view(block, 0, 0);
+    if (view.length() == 0) return nullptr;
+    return objc::sendClass<"NSData", "dataWithBytes:length:">(static_cast<const void*>(view.bytes()),
+                                                              static_cast<unsigned long>(view.length()));
 }

@@ -8,6 +8,7 @@
 
 #include <cstring>
 #include <memory>
+#include <string>
 
 namespace {
 
@@ -31,15 +32,21 @@ class ClearBuffer {
     Unit* data_;
 };
 
+// The bytes as UTF-16; an odd last byte is lost. They may lie at an odd address, so they are copied first.
+CFStringRef fromUnits(const rbData& view) {
+    std::u16string units(static_cast<std::size_t>(view.length() / 2), u'\0');
+    std::memcpy(units.data(), view.bytes(), units.size() * 2);
+    return CFStringCreateWithCharacters(nullptr, reinterpret_cast<const uint16_t*>(units.data()),
+                                        static_cast<CFIndex>(units.size()));
+}
+
 // The last way to a platform string: decode the bytes ourselves.
 CFStringRef decodeBytes(REALstring string) {
     uint32_t encoding = REALGetStringEncoding(string);
     if (encoding == kREALEncodingUnknown) encoding = kREALEncodingDefault;
     const rbData view(string);
     if (!view.bytes()) return nullptr;
-    if (encoding == kREALEncodingUTF16) // an odd last byte is lost
-        return CFStringCreateWithCharacters(nullptr, reinterpret_cast<const uint16_t*>(view.bytes()),
-                                            static_cast<CFIndex>(view.length() / 2));
+    if (encoding == kREALEncodingUTF16) return fromUnits(view);
     return CFStringCreateWithCString(nullptr, view.bytes(), encoding);
 }
 
@@ -83,11 +90,12 @@ REALstring CFString2RBString(CFStringRef string) {
     const CFIndex units = CFStringGetLength(string);
     if (units < 1) return nullptr;
     // A unit takes at most three bytes of UTF-8, so both sizes hold any text of that many units.
-    constexpr CFIndex stackCapacity = 600;
+    constexpr int64_t stackCapacity = 600;
     const bool onStack = units <= 99;
-    const CFIndex capacity = onStack ? stackCapacity : units * 6;
+    const int64_t capacity = onStack ? stackCapacity : int64_t{units} * 6;
     ClearBuffer<char, stackCapacity + 1> buffer(onStack, capacity);
-    if (!buffer.data() || !CFStringGetCString(string, buffer.data(), capacity, kREALEncodingUTF8))
+    if (!buffer.data() ||
+        !CFStringGetCString(string, buffer.data(), static_cast<CFIndex>(capacity), kREALEncodingUTF8))
         return nullptr;
     return REALBuildUnicodeString(buffer.data(), static_cast<int64_t>(std::strlen(buffer.data())),
                                   kREALEncodingUTF8);

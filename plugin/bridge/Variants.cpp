@@ -2,11 +2,13 @@
 // wins.
 #include "plugin/bridge/Variants.hpp"
 
-#include "plugin/bridge/DataView.hpp"
-#include "plugin/bridge/Dictionaries.hpp"
+#include "plugin/bridge/Dates.hpp"
+#include "plugin/bridge/FolderItems.hpp"
+#include "plugin/bridge/Geometry.hpp"
+#include "plugin/bridge/HostReference.hpp"
+#include "plugin/bridge/Nesting.hpp"
 #include "plugin/bridge/Text.hpp"
 #include "plugin/bridge/Wrappers.hpp"
-#include "plugin/frame/HostServices.hpp"
 #include "plugin/objc/Message.hpp"
 
 #include <string_view>
@@ -16,15 +18,20 @@ namespace {
 using objc::Id;
 using objc::send;
 
+std::string_view typeOf(Id value) {
+    const auto type = send<"objCType", const char*>(value);
+    return type ? type : std::string_view();
+}
+
 // The text by which the platform's booleans tell themselves from small numbers; it differs between platforms.
 std::string_view booleanType() {
     static const std::string_view type =
-        send<"objCType", const char*>(objc::sendClass<"NSNumber", "numberWithBool:">(objc::Boolean{1}));
+        typeOf(objc::sendClass<"NSNumber", "numberWithBool:">(objc::Boolean{1}));
     return type;
 }
 
 REALvariant variantFromNumber(Id number) {
-    const std::string_view type = send<"objCType", const char*>(number);
+    const std::string_view type = typeOf(number);
     // "c" is how booleans are stored where the platform's BOOL is a signed char, so it is never a small
     // integer.
     if (type == "c" || type == booleanType())
@@ -46,24 +53,56 @@ REALvariant variantFromNumber(Id number) {
     return REALNewVariantDouble(send<"doubleValue", double>(number));
 }
 
-REALvariant variantFromString(Id string) {
-    const REALstring text = NSStringRB(string);
-    const REALvariant variant = REALNewVariantString(text);
-    if (text) REALUnlockString(text);
-    return variant;
+REALvariant variantFromText(REALstring text) {
+    const HostReference owned(text);
+    return REALNewVariantString(text);
 }
 
 // A host array of variants. An array is a host object, so it stands for a variant itself.
 REALvariant variantFromArray(Id array) {
-    const REALarray made = REALCreateArrayVariant(-1);
+    const Nesting nesting(array);
+    if (nesting.endsHere()) return nullptr;
+    HostReference made(reinterpret_cast<REALobject>(REALCreateArrayVariant(-1)));
     const Id walk = send<"objectEnumerator">(array);
     int32_t index = 0;
     while (const Id element = send<"nextObject">(walk)) {
-        const REALvariant variant = NewVariantFromNSObject(element);
-        REALInsertArrayValue(made, index++, variant);
-        if (variant) REALUnlockObject(variant);
+        const HostReference variant(NewVariantFromNSObject(element));
+        REALInsertArrayValue(reinterpret_cast<REALarray>(made.get()), index++, variant.get());
     }
-    return reinterpret_cast<REALvariant>(made);
+    return made.give();
+}
+
+REALvariant variantFromURL(Id url) {
+    if (const REALfolderItem item = NSURLRBFile(url)) return item;
+    return variantFromText(NSURLRB(url));
+}
+
+// The messages that companions add to the platform's values; each answers a host object of their own.
+template <objc::FixedString message>
+REALvariant companionValue(Id value) {
+    return objc::respondsTo<message>(value) ? send<message, REALobject>(value) : nullptr;
+}
+
+// A kind of value by the exact text of its type, and what it becomes.
+struct ValueKind {
+    std::string_view type;
+    REALvariant (*convert)(Id value);
+};
+
+constexpr ValueKind companionKinds[] = {
+    {"{?=qll}", companionValue<"QTTimeValueQRX">},
+    {"{?={?=qll}{?=qll}}", companionValue<"QTTimeRangeValueQRX">},
+    {"{?=qiIq}", companionValue<"CMTimeValueQRX">},
+    {"{?={?=qiIq}{?=qiIq}}", companionValue<"CMTimeRangeValueQRX">},
+    {"{?={?={?=qiIq}{?=qiIq}}{?={?=qiIq}{?=qiIq}}}", companionValue<"CMTimeMappingValueQRX">},
+};
+
+REALvariant variantFromValue(Id value) {
+    const std::string_view type = typeOf(value);
+    if (const auto geometry = geometryFromValue(value, type)) return *geometry;
+    for (const ValueKind& kind : companionKinds)
+        if (type == kind.type) return kind.convert(value);
+    return nullptr;
 }
 
 } // namespace
@@ -73,39 +112,13 @@ REALvariant NewVariantFromNSObject(Id value) {
     // Deliberate: a platform null becomes a nil variant.
     if (value == objc::sendClass<"NSNull", "null">()) return nullptr;
     if (objc::isKindOf<"NSArray">(value)) return variantFromArray(value);
-    if (objc::isKindOf<"NSString">(value)) return variantFromString(value);
+    if (objc::isKindOf<"NSString">(value)) return variantFromText(NSStringRB(value));
     if (objc::isKindOf<"NSData">(value)) return NSDataRB(value);
     if (objc::isKindOf<"NSNumber">(value)) return variantFromNumber(value);
+    if (objc::isKindOf<"NSDate">(value)) return NSDateRB(value);
     if (objc::isKindOf<"NSDictionary">(value)) return NSDictionaryRB(value);
+    if (objc::isKindOf<"NSURL">(value)) return variantFromURL(value);
+    if (objc::isKindOf<"NSValue">(value)) return variantFromValue(value);
+    if (objc::isKindOf<"QRXREALobjectWrapper">(value)) return send<"unwrap", REALobject>(value);
     return NewNSObjectQRX(value);
-}
-
-REALdictionary NSDictionaryRB(Id dictionary) {
-    if (!dictionary) return nullptr;
-    const REALdictionary made = NewDictionary();
-    if (!made) return nullptr;
-    const Id keys = send<"allKeys">(dictionary);
-    const auto count = send<"count", unsigned long>(keys);
-    for (unsigned long i = 0; i < count; ++i) {
-        const Id key = send<"objectAtIndex:">(keys, i);
-        const REALvariant hostKey = NewVariantFromNSObject(key);
-        const REALvariant hostValue = NewVariantFromNSObject(send<"objectForKey:">(dictionary, key));
-        SetDictionaryValue(made, hostKey, hostValue);
-        if (hostKey) REALUnlockObject(hostKey);
-        if (hostValue) REALUnlockObject(hostValue);
-    }
-    return made;
-}
-
-REALmemoryBlock NSDataRB(Id data) {
-    if (!data) return nullptr;
-    return REALBuildMemoryblock(send<"bytes", const void*>(data),
-                                static_cast<int64_t>(send<"length", unsigned long>(data)));
-}
-
-Id NewNSData(REALmemoryBlock block) {
-    const rbData view(block, 0, 0);
-    if (view.length() == 0) return nullptr;
-    return objc::sendClass<"NSData", "dataWithBytes:length:">(static_cast<const void*>(view.bytes()),
-                                                              static_cast<unsigned long>(view.length()));
 }

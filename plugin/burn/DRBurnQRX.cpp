@@ -2,16 +2,11 @@
 //
 // The platform burns in the background; a program starts the burn with a layout and polls its status.
 #include "plugin/bridge/Member.hpp"
+#include "plugin/bridge/Properties.hpp"
 #include "plugin/bridge/Registry.hpp"
 #include "plugin/bridge/StringConstants.hpp"
 #include "plugin/burn/BurnStrings.hpp"
-#include "plugin/burn/Properties.hpp"
 #include "plugin/frame/Classes.hpp"
-
-extern "C" {
-__attribute__((weak)) extern const objc::Id DRBurnFailureActionKey;
-__attribute__((weak)) extern const objc::Id DRBurnOverwriteDiscKey;
-}
 
 namespace {
 
@@ -19,7 +14,11 @@ using namespace bridge;
 
 using Speed = Number<float>;
 
+BURN_STRINGS(STRING_CONSTANT_GETTER)
+
 REALdictionary status(REALobject self) { return ask<Dictionary, "status">(self); }
+REALdictionary properties(REALobject self) { return ask<Dictionary, "properties">(self); }
+void setProperties(REALobject self, REALdictionary value) { tell<"setProperties:", Dictionary>(self, value); }
 
 // Only with a track and a burn on both sides; otherwise nothing happens, without an exception.
 void writeLayout(REALobject self, REALobject track) {
@@ -28,12 +27,20 @@ void writeLayout(REALobject self, REALobject track) {
     });
 }
 
+// A nil or empty array is the layout all the same; what to do with it is the platform's to say.
+void writeLayoutArray(REALobject self, REALarray tracks) {
+    guarded([=] {
+        const objc::Id layout = CreateNSObjectArray(tracks, false);
+        objc::send<"writeLayout:", void>(frame::held(self), layout);
+    });
+}
+
 REALobject device(REALobject self) { return ask<Device, "device">(self); }
 void abortRB(REALobject self) { tell<"abort">(self); }
-bool appendable(REALobject self) { return ask<Boolean, "appendable">(self); }
-void setAppendable(REALobject self, bool value) { tell<"setAppendable:", Boolean>(self, value); }
-bool verifyDisc(REALobject self) { return ask<Boolean, "verifyDisc">(self); }
-void setVerifyDisc(REALobject self, bool value) { tell<"setVerifyDisc:", Boolean>(self, value); }
+REALboolean appendable(REALobject self) { return ask<Boolean, "appendable">(self); }
+void setAppendable(REALobject self, REALboolean value) { tell<"setAppendable:", Boolean>(self, value); }
+REALboolean verifyDisc(REALobject self) { return ask<Boolean, "verifyDisc">(self); }
+void setVerifyDisc(REALobject self, REALboolean value) { tell<"setVerifyDisc:", Boolean>(self, value); }
 REALstring completionAction(REALobject self) { return ask<String, "completionAction">(self); }
 void setCompletionAction(REALobject self, REALstring value) {
     tell<"setCompletionAction:", String>(self, value);
@@ -54,20 +61,42 @@ void Constructor2(REALobject self, REALobject device) {
     });
 }
 
+REALmemoryBlock getDRMediaCatalogNumberValue(REALobject self) {
+    return getDataProperty(self, &DRMediaCatalogNumberKey);
+}
+void setDRMediaCatalogNumberValue(REALobject self, REALmemoryBlock value) {
+    setDataProperty(self, &DRMediaCatalogNumberKey, value);
+}
 REALstring getDRBurnFailureActionValue(REALobject self) {
     return getStringProperty(self, &DRBurnFailureActionKey);
 }
 void setDRBurnFailureActionValue(REALobject self, REALstring value) {
     setStringProperty(self, &DRBurnFailureActionKey, value);
 }
-bool getDRBurnOverwriteDiscValue(REALobject self) { return booleanProperty(self, &DRBurnOverwriteDiscKey); }
-void setDRBurnOverwriteDiscValue(REALobject self, bool value) {
+REALboolean getDRBurnOverwriteDiscValue(REALobject self) {
+    return getBooleanProperty(self, &DRBurnOverwriteDiscKey);
+}
+void setDRBurnOverwriteDiscValue(REALobject self, REALboolean value) {
     setBooleanProperty(self, &DRBurnOverwriteDiscKey, value);
+}
+REALboolean getDRBurnUnderrunProtectionValue(REALobject self) {
+    return getBooleanProperty(self, &DRBurnUnderrunProtectionKey);
+}
+void setDRBurnUnderrunProtectionValue(REALobject self, REALboolean value) {
+    setBooleanProperty(self, &DRBurnUnderrunProtectionKey, value);
+}
+REALboolean getDRBurnTestingValue(REALobject self) { return getBooleanProperty(self, &DRBurnTestingKey); }
+void setDRBurnTestingValue(REALobject self, REALboolean value) {
+    setBooleanProperty(self, &DRBurnTestingKey, value);
+}
+double getDRBurnDoubleLayerL0DataZoneBlocksValue(REALobject self) {
+    return getDoubleProperty(self, &DRBurnDoubleLayerL0DataZoneBlocksKey);
+}
+void setDRBurnDoubleLayerL0DataZoneBlocksValue(REALobject self, double value) {
+    setDoubleProperty(self, &DRBurnDoubleLayerL0DataZoneBlocksKey, value);
 }
 
 REALobject burnForDevice(REALobject device) { return make<Burn, "DRBurn", "burnForDevice:", Device>(device); }
-
-BURN_STRINGS(STRING_CONSTANT_GETTER)
 
 void DRBurnConstructor(REALobject self) { constructWrapper(self); }
 void DRBurnDestructor(REALobject self) { destroyWrapper(self); }
@@ -76,7 +105,9 @@ using frame::method, frame::property, frame::sharedMethod;
 
 REALmethodDefinition methods[] = {
     method<"status as dictionary", status>(),
+    property<"properties as dictionary", properties, setProperties>(),
     method<"writeLayout(track as DRTrackQRX)", writeLayout>(),
+    method<"writeLayout(tracks() as DRTrackQRX)", writeLayoutArray>(),
     method<"device as DRDeviceQRX", device>(),
     method<"abort", abortRB>(),
     property<"appendable as boolean", appendable, setAppendable>(),
@@ -84,8 +115,15 @@ REALmethodDefinition methods[] = {
     property<"completionAction as string", completionAction, setCompletionAction>(),
     property<"requestedBurnSpeed as single", requestedBurnSpeed, setRequestedBurnSpeed>(),
     method<"Constructor(device as DRDeviceQRX)", Constructor2>(),
+    property<"MediaCatalogNumber as memoryblock", getDRMediaCatalogNumberValue,
+             setDRMediaCatalogNumberValue>(),
     property<"BurnFailureAction as string", getDRBurnFailureActionValue, setDRBurnFailureActionValue>(),
     property<"Overwrite as boolean", getDRBurnOverwriteDiscValue, setDRBurnOverwriteDiscValue>(),
+    property<"UnderrunProtection as boolean", getDRBurnUnderrunProtectionValue,
+             setDRBurnUnderrunProtectionValue>(),
+    property<"Testing as boolean", getDRBurnTestingValue, setDRBurnTestingValue>(),
+    property<"DoubleLayerL0DataZoneBlocks as double", getDRBurnDoubleLayerL0DataZoneBlocksValue,
+             setDRBurnDoubleLayerL0DataZoneBlocksValue>(),
 };
 
 REALmethodDefinition sharedMethods[] = {

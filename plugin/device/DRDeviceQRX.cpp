@@ -42,25 +42,25 @@ bool isEqualToDevice(REALobject self, REALobject value) {
 
 REALstring mediaType(REALobject self) { return ask<String, "mediaType">(self); }
 REALstring bsdName(REALobject self) { return ask<String, "bsdName">(self); }
-bool trayIsOpen(REALobject self) { return ask<Boolean, "trayIsOpen">(self); }
-bool mediaIsPresent(REALobject self) { return ask<Boolean, "mediaIsPresent">(self); }
-bool mediaIsTransitioning(REALobject self) { return ask<Boolean, "mediaIsTransitioning">(self); }
-bool mediaIsBusy(REALobject self) { return ask<Boolean, "mediaIsBusy">(self); }
-bool mediaIsAppendable(REALobject self) { return ask<Boolean, "mediaIsAppendable">(self); }
-bool mediaIsBlank(REALobject self) { return ask<Boolean, "mediaIsBlank">(self); }
-bool mediaIsOverwritable(REALobject self) { return ask<Boolean, "mediaIsOverwritable">(self); }
-bool mediaIsErasable(REALobject self) { return ask<Boolean, "mediaIsErasable">(self); }
-bool mediaIsReserved(REALobject self) { return ask<Boolean, "mediaIsReserved">(self); }
-bool isValid(REALobject self) { return ask<Boolean, "isValid">(self); }
-bool openTray(REALobject self) { return ask<Boolean, "openTray">(self); }
-bool closeTray(REALobject self) { return ask<Boolean, "closeTray">(self); }
-bool ejectMedia(REALobject self) { return ask<Boolean, "ejectMedia">(self); }
-bool acquireExclusiveAccess(REALobject self) { return ask<Boolean, "acquireExclusiveAccess">(self); }
+REALboolean trayIsOpen(REALobject self) { return ask<Boolean, "trayIsOpen">(self); }
+REALboolean mediaIsPresent(REALobject self) { return ask<Boolean, "mediaIsPresent">(self); }
+REALboolean mediaIsTransitioning(REALobject self) { return ask<Boolean, "mediaIsTransitioning">(self); }
+REALboolean mediaIsBusy(REALobject self) { return ask<Boolean, "mediaIsBusy">(self); }
+REALboolean mediaIsAppendable(REALobject self) { return ask<Boolean, "mediaIsAppendable">(self); }
+REALboolean mediaIsBlank(REALobject self) { return ask<Boolean, "mediaIsBlank">(self); }
+REALboolean mediaIsOverwritable(REALobject self) { return ask<Boolean, "mediaIsOverwritable">(self); }
+REALboolean mediaIsErasable(REALobject self) { return ask<Boolean, "mediaIsErasable">(self); }
+REALboolean mediaIsReserved(REALobject self) { return ask<Boolean, "mediaIsReserved">(self); }
+REALboolean isValid(REALobject self) { return ask<Boolean, "isValid">(self); }
+REALboolean openTray(REALobject self) { return ask<Boolean, "openTray">(self); }
+REALboolean closeTray(REALobject self) { return ask<Boolean, "closeTray">(self); }
+REALboolean ejectMedia(REALobject self) { return ask<Boolean, "ejectMedia">(self); }
+REALboolean acquireExclusiveAccess(REALobject self) { return ask<Boolean, "acquireExclusiveAccess">(self); }
 void releaseExclusiveAccess(REALobject self) { tell<"releaseExclusiveAccess">(self); }
 void acquireMediaReservation(REALobject self) { tell<"acquireMediaReservation">(self); }
 void releaseMediaReservation(REALobject self) { tell<"releaseMediaReservation">(self); }
-bool writesCD(REALobject self) { return ask<Boolean, "writesCD">(self); }
-bool writesDVD(REALobject self) { return ask<Boolean, "writesDVD">(self); }
+REALboolean writesCD(REALobject self) { return ask<Boolean, "writesCD">(self); }
+REALboolean writesDVD(REALobject self) { return ask<Boolean, "writesDVD">(self); }
 REALstring displayName(REALobject self) { return ask<String, "displayName">(self); }
 REALstring ioRegistryEntryPath(REALobject self) { return ask<String, "ioRegistryEntryPath">(self); }
 REALobject mediaSpaceFree(REALobject self) { return ask<MSF, "mediaSpaceFree">(self); }

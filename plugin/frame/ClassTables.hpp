@@ -16,7 +16,10 @@
 
 namespace frame {
 
-// The one place where a function's signature is given up: the declaration beside it keeps it.
+// The one place where a table's function gives up its signature: the declaration beside it keeps it.
+//
+// Tables and records are static; the library's own start fills them, before the host can call anything in it. No other
+// static object may be made from them.
 template <class Function>
 REALproc code(Function* function) {
     return reinterpret_cast<REALproc>(function);

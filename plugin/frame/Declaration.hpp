@@ -37,7 +37,7 @@ template <class T>
 consteval Crossing crossingOf() {
     if constexpr (std::is_void_v<T>)
         return Crossing::None;
-    else if constexpr (std::is_same_v<T, bool>)
+    else if constexpr (std::is_same_v<T, bool> || std::is_same_v<T, REALboolean>)
         return Crossing::Boolean;
     else if constexpr (std::is_same_v<T, int8_t>)
         return Crossing::Int8;

@@ -6,7 +6,7 @@ namespace {
 
 using frame::HostCell;
 
-using GetProcFactory = REALproc(REALarray);
+using GetProcFactory = frame::entry::RuntimeArrayDirectGetGetProc;
 
 template <class Element>
 using GetProc = Element (*)(REALarray, int32_t);
@@ -96,7 +96,8 @@ void REALGetArrayValueInt64(REALarray array, int32_t index, int64_t* out) {
 }
 
 void REALInsertArrayValueObject(REALarray array, int32_t index, REALobject value) {
-    static constinit HostCell<REALarrayInsertProc(REALarray)> cell("RuntimeArrayDirectGetInsertProc");
+    static constinit HostCell<frame::entry::RuntimeArrayDirectGetInsertProc> cell(
+        "RuntimeArrayDirectGetInsertProc");
     auto* factory = cell.get();
     if (!factory) return;
     if (const REALarrayInsertProc insert = factory(array)) insert(array, index, value);

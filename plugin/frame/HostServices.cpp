@@ -10,13 +10,13 @@
 namespace {
 
 using frame::HostCell;
+namespace entry = frame::entry;
 
-// The signature of every entry, from the one list that host and plug-ins share.
-namespace entry {
-#define ENTRY_TYPE(Result, name, parameters) using name = Result parameters;
-REAL_HOST_ENTRIES(ENTRY_TYPE)
-#undef ENTRY_TYPE
-} // namespace entry
+// A function has its entry's signature; only a byte may have become a bool.
+template <class Ours, class Entry>
+constexpr bool fits = std::is_same_v<Ours, Entry>;
+template <class... Args>
+constexpr bool fits<bool(Args...), uint8_t(Args...)> = true;
 
 // What a missing service answers: 0, null, false, nothing.
 template <class Result>
@@ -37,9 +37,10 @@ Result forward(HostCell<Function>& cell, Args... args) {
 
 } // namespace
 
-// forward() does not take a call whose arguments the entry would convert: the types must be the entry's own.
 #define UNPACK(...) __VA_ARGS__
 #define DEFINE_SERVICE(function, name, Result, parameters, arguments)                                        \
+    static_assert(fits<Result parameters, entry::name>,                                                      \
+                  "the function must have the signature of its entry");                                      \
     Result function parameters {                                                                             \
         static constinit HostCell<entry::name> cell(#name);                                                  \
         return forward<Result>(cell, UNPACK arguments);                                                      \
@@ -51,6 +52,11 @@ PLUGIN_HOST_SERVICES(DEFINE_SERVICE)
 REALproc REALLoadFrameworkMethod(const char* declaration) {
     static constinit HostCell<entry::REALLoadGlobalMethod> cell("REALLoadGlobalMethod");
     return forward<REALproc>(cell, static_cast<void*>(nullptr), declaration);
+}
+
+REALproc REALGetEventInstance(REALobject object, const REALevent* event) {
+    static constinit HostCell<entry::GetEventInstance> cell("GetEventInstance");
+    return forward<REALproc>(cell, object, event->identity);
 }
 
 CFStringRef REALCopyStringCFString(REALstring string) {

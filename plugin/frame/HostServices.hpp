@@ -35,8 +35,6 @@
     X(REALMemoryBlockGetSize, memoryBlockGetSize, int32_t, (REALmemoryBlock block), (block))                 \
     X(REALPtrToMemoryBlock, PtrToMemoryBlock, REALmemoryBlock, (void* pointer), (pointer))                   \
     X(REALRaiseException, RuntimeRaiseException, void, (REALobject exception), (exception))                  \
-    X(REALGetEventInstance, GetEventInstance, REALproc, (REALobject object, uintptr_t identity),             \
-      (object, identity))                                                                                    \
     X(REALLoadObjectMethod, REALLoadObjectMethod, REALproc, (REALobject object, const char* declaration),    \
       (object, declaration))                                                                                 \
     X(REALGetPropValueInt32, REALGetPropValueInt, bool,                                                      \
@@ -93,8 +91,23 @@ void REALPresetStringDataLength(REALstring string, REALstringData* record);
 // A new platform string that the caller releases. The same entry as REALGetStringCFString, with flag 0.
 CFStringRef REALCopyStringCFString(REALstring string);
 
+// The object's implementation of an event, or null. The entry of the class's event table is given; what the host
+// takes is the identity that it wrote into it.
+REALproc REALGetEventInstance(REALobject object, const REALevent* event);
+
 // A global function of the host by its declaration, or null.
 REALproc REALLoadFrameworkMethod(const char* declaration);
+
+// ---- variants ----------------------------------------------------------------------------------------
+// Each asks the host's own function first, and a property of the variant where the host has none.
+
+int32_t GetVariantType(REALvariant variant); // 0 where the host can't tell
+// With a reference that the caller owns; null for the nil variant.
+REALstring GetVariantString(REALvariant variant);
+int32_t GetVariantInteger(REALvariant variant);
+int64_t GetVariantLong(REALvariant variant);
+float GetVariantSingle(REALvariant variant);
+double GetVariantDouble(REALvariant variant);
 
 // ---- arrays ------------------------------------------------------------------------------------------
 

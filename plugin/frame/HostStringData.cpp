@@ -9,12 +9,10 @@ namespace {
 
 using frame::HostCell;
 
-using GetStringData = uint8_t(REALstring, uint32_t, REALstringData*);
-using StringGetCString = const char*(REALstring);
 using LenB = int32_t(REALstring);
 
-constinit HostCell<GetStringData> getStringData("PluginGetStringData");
-constinit HostCell<StringGetCString> stringGetCString("StringGetCString");
+constinit HostCell<frame::entry::PluginGetStringData> getStringData("PluginGetStringData");
+constinit HostCell<frame::entry::StringGetCString> stringGetCString("StringGetCString");
 
 constexpr std::size_t terminator = 4;
 
@@ -51,9 +49,9 @@ void REALPresetStringDataLength(REALstring string, REALstringData* record) {
 }
 
 bool REALGetStringData(REALstring string, uint32_t encoding, REALstringData* record) {
-    if (GetStringData* service = getStringData.get()) return (service(string, encoding, record) & 0xFF) != 0;
+    if (auto* service = getStringData.get()) return (service(string, encoding, record) & 0xFF) != 0;
 
-    StringGetCString* bytesOf = stringGetCString.get();
+    auto* bytesOf = stringGetCString.get();
     LenB* byteCount = lenB();
     if (!bytesOf || !byteCount || !string) return false;
 

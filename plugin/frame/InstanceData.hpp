@@ -10,8 +10,14 @@
 
 namespace frame {
 
+// The instance data of a class whose data is one structure.
+template <class Structure>
+Structure& data(REALobject object) {
+    return *reinterpret_cast<Structure*>(object + 1);
+}
+
 // The one reference that a wrapper class keeps: the retained platform object, or null while it has none.
-inline objc::Id& slot(REALobject object) { return *reinterpret_cast<objc::Id*>(object + 1); }
+inline objc::Id& slot(REALobject object) { return data<objc::Id>(object); }
 
 // The platform object of an argument or receiver: nil for a nil host object and for an empty slot alike.
 inline objc::Id held(REALobject object) { return object ? slot(object) : nullptr; }

@@ -27,10 +27,13 @@ extern "C" {
 typedef struct REALobjectStruct {
     void* header[4];
 } REALobjectStruct;
+typedef REALobjectStruct REALmemoryBlockStruct;
+typedef REALobjectStruct REALfolderItemStruct;
+typedef REALobjectStruct _REALdictionary;
 typedef REALobjectStruct* REALobject;
-typedef REALobjectStruct* REALmemoryBlock;
-typedef REALobjectStruct* REALfolderItem;
-typedef REALobjectStruct* REALdictionary;
+typedef REALmemoryBlockStruct* REALmemoryBlock;
+typedef REALfolderItemStruct* REALfolderItem;
+typedef _REALdictionary* REALdictionary;
 /* A host value of any type, itself an object; null is the nil variant. */
 typedef REALobjectStruct* REALvariant;
 
@@ -54,6 +57,22 @@ typedef struct REALarrayStruct {
     void* hostLast;
 } REALarrayStruct;
 typedef REALarrayStruct* REALarray;
+/* The same handle, by what its elements are. */
+typedef REALarrayStruct _REALarrayObject;
+typedef REALarrayStruct _REALarrayString;
+typedef REALarrayStruct _REALarrayInteger;
+typedef REALarrayStruct _REALarrayInt64;
+typedef REALarrayStruct _REALarrayDouble;
+typedef REALarrayStruct _REALarraySingle;
+typedef REALarrayStruct _REALarrayBoolean;
+
+/* A host boolean: one byte, crossing as it is. In C++ a type of its own, because a byte other than 0 and 1 is no
+ * bool. */
+#ifdef __cplusplus
+enum REALboolean : uint8_t {};
+#else
+typedef uint8_t REALboolean;
+#endif
 
 /* A host class. */
 typedef struct REALclassRefStruct* REALclassRef;

@@ -7,6 +7,13 @@
 
 namespace frame {
 
+// The signature of every entry, from the one list that host and plug-ins share.
+namespace entry {
+#define ENTRY_TYPE(Result, name, parameters) using name = Result parameters;
+REAL_HOST_ENTRIES(ENTRY_TYPE)
+#undef ENTRY_TYPE
+} // namespace entry
+
 // The host's resolver; null until REALPluginMain stored it.
 inline constinit REALresolver resolver = nullptr;
 

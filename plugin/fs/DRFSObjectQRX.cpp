@@ -12,7 +12,7 @@ REALobject parent(REALobject self) { return ask<Folder, "parent">(self); }
 REALstring sourcePath(REALobject self) { return ask<String, "sourcePath">(self); }
 REALstring baseName(REALobject self) { return ask<String, "baseName">(self); }
 void setBaseName(REALobject self, REALstring value) { tell<"setBaseName:", String>(self, value); }
-bool isVirtual(REALobject self) { return ask<Boolean, "isVirtual">(self); }
+REALboolean isVirtual(REALobject self) { return ask<Boolean, "isVirtual">(self); }
 
 FSOBJECT_STRINGS(STRING_CONSTANT_GETTER)
 

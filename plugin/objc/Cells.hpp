@@ -1,8 +1,8 @@
 // Cells.hpp: selectors and classes by name, looked up at first use and then kept.
 //
-// A cell is never filled before main: a class whose library is loaded later would stay nil. A selector exists
-// as soon as it is asked for; a class may not, and then the answer is nil and the next use asks again. Two
-// threads that race on the first use store the same value.
+// A cell is filled at its first use and not before. A selector exists as soon as it is asked for; a class may
+// not, and then the answer is nil and the next use asks again. Two threads that race on the first use store the
+// same value.
 #pragma once
 
 #include "plugin/objc/FixedString.hpp"

@@ -1,6 +1,6 @@
 // Encoding.hpp: the runtime's type encodings, made from C++ signatures at compile time.
 //
-// The letters are those of the compiler's @encode. Only the types that callbacks of the plug-in use are
+// The letters are those of the compiler's @encode, with C++'s bool in the place of the platform's BOOL. Only the types that callbacks of the plug-in use are
 // listed; another type is a compile error, not a guess.
 #pragma once
 
@@ -70,6 +70,8 @@ constexpr std::string_view encodingText() {
     using Pointee = std::remove_cv_t<std::remove_pointer_t<T>>;
     if constexpr (!std::is_pointer_v<T> || detail::isHandle<T>)
         return detail::asText<detail::encodingLetters<encodingOf<T>()>>();
+    else if constexpr (std::is_same_v<Pointee, char>)
+        static_assert(!sizeof(T), "@encode has \"*\" for this");
     else if constexpr (std::is_arithmetic_v<Pointee> || detail::isHandle<Pointee>)
         return detail::asText<detail::encodingLetters<'^', encodingOf<Pointee>()>>();
     else

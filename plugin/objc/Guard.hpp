@@ -9,7 +9,7 @@
 namespace objc {
 
 // Runs the body. Answers the NSException that the platform raised in it, or nil. C++ frames between the raise
-// and this call run their destructors.
+// and this call run their destructors: the runtime's exceptions unwind by the same tables as C++'s.
 template <class Body>
 Id caughtIn(Body&& body) {
     using Plain = std::remove_reference_t<Body>;

@@ -14,14 +14,10 @@
 
 namespace objc {
 
-#if defined(__APPLE__)
-extern "C" void objc_msgSend();
-extern "C" void objc_msgSend_fpret();
-extern "C" void objc_msgSend_stret();
-#else
+// The runtime's portable look-up: it answers a method's code, which is then called like any function. A runtime
+// that only sends (the objc_msgSend family) would be served here and nowhere else.
 extern "C" Imp objc_msg_lookup(Id receiver, Sel selector);
 extern "C" Imp objc_msg_lookup_super(Super* super, Sel selector);
-#endif
 
 namespace detail {
 
@@ -72,7 +68,7 @@ Id alloc() {
 template <FixedString className>
 bool isKindOf(Id object) {
     const Id cls = classNamed<className>();
-    return cls && (send<"isKindOfClass:", Boolean>(object, cls) & 0xFF) != 0;
+    return cls && send<"isKindOfClass:", Boolean>(object, cls) != 0;
 }
 
 template <FixedString name>

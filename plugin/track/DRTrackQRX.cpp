@@ -1,13 +1,71 @@
 // DRTrackQRX.cpp: one track that the burn engine writes.
 #include "plugin/bridge/Files.hpp"
 #include "plugin/bridge/Member.hpp"
+#include "plugin/bridge/Properties.hpp"
 #include "plugin/bridge/StringConstants.hpp"
 #include "plugin/frame/Classes.hpp"
 #include "plugin/track/TrackStrings.hpp"
 
+// The older of the key's two names.
+extern "C" __attribute__((weak)) const objc::Id kDRPreGapIsRequiredKey;
+
 namespace {
 
 using namespace bridge;
+
+TRACK_STRINGS(STRING_CONSTANT_GETTER)
+
+uint64_t estimateLength(REALobject self) { return ask<Number<uint64_t>, "estimateLength">(self); }
+
+REALboolean getDRPreGapIsRequiredValue(REALobject self) {
+    return getBooleanProperty(self, &kDRPreGapIsRequiredKey);
+}
+void setDRPreGapIsRequiredValue(REALobject self, REALboolean value) {
+    setBooleanProperty(self, &kDRPreGapIsRequiredKey, value);
+}
+double getDRPreGapLengthValue(REALobject self) { return getDoubleProperty(self, &DRPreGapLengthKey); }
+void setDRPreGapLengthValue(REALobject self, double value) {
+    setDoubleProperty(self, &DRPreGapLengthKey, value);
+}
+double getDRMaxBurnSpeedValue(REALobject self) { return getDoubleProperty(self, &DRMaxBurnSpeedKey); }
+void setDRMaxBurnSpeedValue(REALobject self, double value) {
+    setDoubleProperty(self, &DRMaxBurnSpeedKey, value);
+}
+REALmemoryBlock getDRTrackISRCValue(REALobject self) { return getDataProperty(self, &DRTrackISRCKey); }
+void setDRTrackISRCValue(REALobject self, REALmemoryBlock value) {
+    setDataProperty(self, &DRTrackISRCKey, value);
+}
+REALstring getDRVerificationTypeValue(REALobject self) {
+    return getStringProperty(self, &DRVerificationTypeKey);
+}
+void setDRVerificationTypeValue(REALobject self, REALstring value) {
+    setStringProperty(self, &DRVerificationTypeKey, value);
+}
+int32_t getDRBlockSizeValue(REALobject self) { return getIntegerProperty(self, &DRBlockSizeKey); }
+void setDRBlockSizeValue(REALobject self, int32_t value) { setIntegerProperty(self, &DRBlockSizeKey, value); }
+// Deliberately the block type's key, so this property is an alias of BlockType: programs rely on it. Who wants
+// the real track mode stores it under DRTrackModeKey through `properties`.
+int32_t getDRTrackModeValue(REALobject self) { return getIntegerProperty(self, &DRBlockTypeKey); }
+void setDRTrackModeValue(REALobject self, int32_t value) { setIntegerProperty(self, &DRBlockTypeKey, value); }
+int32_t getDRSessionFormatValue(REALobject self) { return getIntegerProperty(self, &DRSessionFormatKey); }
+void setDRSessionFormatValue(REALobject self, int32_t value) {
+    setIntegerProperty(self, &DRSessionFormatKey, value);
+}
+int32_t getDRDataFormValue(REALobject self) { return getIntegerProperty(self, &DRDataFormKey); }
+void setDRDataFormValue(REALobject self, int32_t value) { setIntegerProperty(self, &DRDataFormKey, value); }
+int32_t getDRBlockTypeValue(REALobject self) { return getIntegerProperty(self, &DRBlockTypeKey); }
+void setDRBlockTypeValue(REALobject self, int32_t value) { setIntegerProperty(self, &DRBlockTypeKey, value); }
+
+// Reading asks the track and assigning writes its properties: the asymmetry is deliberate, because a track
+// that is not burned yet tells its length by what was stored, and one on a disc by what is there.
+REALobject length(REALobject self) { return ask<MSF, "length">(self); }
+void setDRTrackLengthValue(REALobject self, REALobject value) {
+    setProperty(self, &DRTrackLengthKey, frame::held(value));
+}
+REALobject preGap(REALobject self) { return ask<MSF, "preGap">(self); }
+void setPreGap(REALobject self, REALobject value) { tell<"setPreGap:", MSF>(self, value); }
+REALdictionary properties(REALobject self) { return ask<Dictionary, "properties">(self); }
+void setProperties(REALobject self, REALdictionary value) { tell<"setProperties:", Dictionary>(self, value); }
 
 REALobject trackFor(objc::Id folder) {
     return folder ? NewDRTrackQRX(objc::sendClass<"DRTrack", "trackForRootFolder:">(folder)) : nullptr;
@@ -30,10 +88,27 @@ REALobject trackForRootFolder2(REALfolderItem folder) {
     });
 }
 
-TRACK_STRINGS(STRING_CONSTANT_GETTER)
-
 void DRTrackConstructor(REALobject self) { constructWrapper(self); }
 void DRTrackDestructor(REALobject self) { destroyWrapper(self); }
+
+using frame::method, frame::property;
+
+REALmethodDefinition methods[] = {
+    method<"estimateLength as UInt64", estimateLength>(),
+    property<"PreGapIsRequired as boolean", getDRPreGapIsRequiredValue, setDRPreGapIsRequiredValue>(),
+    property<"PreGapLength as double", getDRPreGapLengthValue, setDRPreGapLengthValue>(),
+    property<"MaxBurnSpeed as double", getDRMaxBurnSpeedValue, setDRMaxBurnSpeedValue>(),
+    property<"TrackISRC as memoryblock", getDRTrackISRCValue, setDRTrackISRCValue>(),
+    property<"VerificationType as string", getDRVerificationTypeValue, setDRVerificationTypeValue>(),
+    property<"BlockSize as integer", getDRBlockSizeValue, setDRBlockSizeValue>(),
+    property<"TrackMode as integer", getDRTrackModeValue, setDRTrackModeValue>(),
+    property<"SessionFormat as integer", getDRSessionFormatValue, setDRSessionFormatValue>(),
+    property<"DataForm as integer", getDRDataFormValue, setDRDataFormValue>(),
+    property<"BlockType as integer", getDRBlockTypeValue, setDRBlockTypeValue>(),
+    property<"Length as DRMSFQRX", length, setDRTrackLengthValue>(),
+    property<"preGap as DRMSFQRX", preGap, setPreGap>(),
+    property<"properties as dictionary", properties, setProperties>(),
+};
 
 REALmethodDefinition sharedMethods[] = {
     TRACK_STRINGS(STRING_CONSTANT_ROW)
@@ -47,4 +122,5 @@ REALclassDefinition DRTrackQRXClass = frame::makeClass({.name = "DRTrackQRX",
                                                         .dataSize = frame::platformObjectSize,
                                                         .constructor = DRTrackConstructor,
                                                         .destructor = DRTrackDestructor,
+                                                        .methods = methods,
                                                         .sharedMethods = sharedMethods});

@@ -55,7 +55,8 @@ TEST_F(HostServices, AMissingServiceIsASilentNothing) {
     EXPECT_EQ(count, 5);
     EXPECT_EQ(originalREALBuildString("x", 1), nullptr);
     EXPECT_EQ(REALGetArrayUBound(nullptr), 0);
-    EXPECT_EQ(REALGetEventInstance(object.get(), 1), nullptr);
+    const REALevent event{"Action", 1};
+    EXPECT_EQ(REALGetEventInstance(object.get(), &event), nullptr);
     EXPECT_EQ(REALLoadFrameworkMethod("LenB( s as string ) as integer"), nullptr);
     REALInsertArrayValueObject(nullptr, 0, nullptr);
     REALRaiseException(object.get());

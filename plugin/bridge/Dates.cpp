@@ -1,0 +1,54 @@
+// Dates.cpp: host dates by their six parts, platform dates by their calendar.
+#include "plugin/bridge/Dates.hpp"
+
+#include "plugin/frame/HostServices.hpp"
+#include "plugin/objc/Ownership.hpp"
+
+namespace {
+
+using objc::Id;
+using objc::send;
+
+struct Parts {
+    int32_t year, month, day, hour, minute, second;
+};
+
+bool readParts(REALobject date, Parts& parts) {
+    return REALGetPropValueInt32(date, "Year", &parts.year) &&
+           REALGetPropValueInt32(date, "Month", &parts.month) &&
+           REALGetPropValueInt32(date, "Day", &parts.day) &&
+           REALGetPropValueInt32(date, "Hour", &parts.hour) &&
+           REALGetPropValueInt32(date, "Minute", &parts.minute) &&
+           REALGetPropValueInt32(date, "Second", &parts.second);
+}
+
+} // namespace
+
+Id NewNSDate(REALobject date) {
+    Parts parts{};
+    if (!date || !readParts(date, parts)) return nullptr;
+    const auto number = [](int32_t part) { return static_cast<unsigned long>(part); };
+    return objc::sendClass<"NSCalendarDate", "dateWithYear:month:day:hour:minute:second:timeZone:">(
+        static_cast<long>(parts.year), number(parts.month), number(parts.day), number(parts.hour),
+        number(parts.minute), number(parts.second), objc::sendClass<"NSTimeZone", "localTimeZone">());
+}
+
+REALobject NSDateRB(Id date) {
+    if (!date) return nullptr;
+    // The same instant with a calendar, in the default time zone, which is the local one.
+    const Id calendar = objc::autoreleased(objc::send<"initWithTimeIntervalSinceReferenceDate:">(
+        objc::alloc<"NSCalendarDate">(), send<"timeIntervalSinceReferenceDate", double>(date)));
+    if (!calendar) return nullptr;
+    const REALobject made = REALnewInstance("Date");
+    if (!made) return nullptr;
+    const auto set = [made](const char* name, long part) {
+        REALSetPropValueInt32(made, name, static_cast<int32_t>(part));
+    };
+    set("Year", send<"yearOfCommonEra", long>(calendar));
+    set("Month", send<"monthOfYear", long>(calendar));
+    set("Day", send<"dayOfMonth", long>(calendar));
+    set("Hour", send<"hourOfDay", long>(calendar));
+    set("Minute", send<"minuteOfHour", long>(calendar));
+    set("Second", send<"secondOfMinute", long>(calendar));
+    return made;
+}
