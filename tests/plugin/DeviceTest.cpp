@@ -1,4 +1,7 @@
 // DeviceTest.cpp: drives, through the members that DRDeviceQRX declares.
+#include "plugin/bridge/Wrappers.hpp"
+#include "plugin/objc/ClassBuilder.hpp"
+#include "plugin/objc/Ownership.hpp"
 #include "tests/plugin/Companion.hpp"
 #include "tests/plugin/Drives.hpp"
 #include "tests/plugin/PluginTest.hpp"
@@ -66,6 +69,7 @@ TEST_F(Device, WithoutAnythingSetUpThereIsOneWithABlankRewritableMedium) {
 TEST_F(Device, TheSameDriveIsTheSameHostObjectWhereverItComesFrom) {
     const Ref one = first(), two = first();
     EXPECT_EQ(one.get(), two.get());
+    EXPECT_EQ(harness::references(one.get()), 2u);
     const Ref all =
         Ref::adopt(reinterpret_cast<REALobject>(call<REALarray>(className, "devices as DRDeviceQRX()")));
     const auto array = reinterpret_cast<REALarray>(all.get());
@@ -137,6 +141,48 @@ TEST_F(Device, TellsInfoAndStatusAsDictionaries) {
         EXPECT_TRUE(REALGetPropValueInt32(dictionary.get(), "Count", &count));
         EXPECT_GT(count, 4) << declaration;
     }
+}
+
+// A drive whose answers the test chooses.
+objc::Id chosenInfo = nullptr;
+objc::Id answersInfo(objc::Id, objc::Sel) { return chosenInfo; }
+objc::Boolean answersTwo(objc::Id, objc::Sel, objc::Id) { return 2; }
+objc::Boolean answersByteTwo(objc::Id, objc::Sel) { return 2; }
+
+TEST_F(Device, AnInterconnectThatIsMissingOrNoTextIsEmptyAndAnAnswerOtherThanOneIsNotEqual) {
+    objc::ClassBuilder("NSObject", "TestDrive")
+        .method<"info", answersInfo>()
+        .method<"isEqualToDevice:", answersTwo>()
+        .method<"mediaIsBlank", answersByteTwo>()
+        .finish();
+    const objc::Adopted platform(objc::sendClass<"TestDrive", "new">());
+    const Ref drive = Ref::adopt(NewDRDeviceQRX(platform.get()));
+    const auto infoWith = [](objc::Id value) {
+        return objc::sendClass<"NSDictionary", "dictionaryWithObject:forKey:">(
+            value, nsString("DRDevicePhysicalInterconnectKey"));
+    };
+    for (const char* declaration :
+         {"PhysicalInterconnect as string", "PhysicalInterconnectLocation as string"}) {
+        chosenInfo = nullptr;
+        EXPECT_EQ(stringOf(drive, declaration), "");
+        chosenInfo = objc::sendClass<"NSDictionary", "dictionary">();
+        EXPECT_EQ(stringOf(drive, declaration), "");
+        chosenInfo = infoWith(objc::sendClass<"NSNumber", "numberWithInt:">(7));
+        EXPECT_EQ(stringOf(drive, declaration), "");
+        chosenInfo = infoWith(nsString("something"));
+        EXPECT_EQ(stringOf(drive, declaration), "something");
+    }
+    EXPECT_FALSE((
+        call<bool>(className, "isEqualToDevice(value as DRDeviceQRX) as boolean", drive.get(), drive.get())));
+    EXPECT_EQ((call<uint8_t>(className, "mediaIsBlank as boolean", drive.get())), 2) << "the byte as it is";
+    EXPECT_EQ(raised(), std::nullopt);
+}
+
+TEST_F(Device, AnUnknownRegistryPathGivesNil) {
+    EXPECT_EQ((call<REALobject>(className, "deviceForIORegistryEntryPath(path as string) as DRDeviceQRX",
+                                String("/no/such/drive").get())),
+              nullptr);
+    EXPECT_EQ(raised(), std::nullopt);
 }
 
 TEST_F(Device, BurnSpeedsAreThePlatformsValues) {

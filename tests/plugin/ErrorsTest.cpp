@@ -4,10 +4,14 @@
 #include "plugin/bridge/Member.hpp"
 #include "plugin/bridge/Registry.hpp"
 #include "plugin/bridge/Startup.hpp"
+#include "plugin/frame/ClassTables.hpp"
+#include "plugin/objc/ClassBuilder.hpp"
 #include "tests/plugin/Companion.hpp"
 #include "tests/plugin/PluginTest.hpp"
 
 #include <stdexcept>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -156,18 +160,103 @@ TEST_F(Startup, AsksAgainForACompanionThatComesLater) {
     EXPECT_EQ(companion::prepared, 1);
 }
 
-TEST_F(Startup, RunsWithTheConstructionOfAnyObject) {
+// A window class of a companion, so that panels can be made.
+void registerPanelClass() {
+    static REALclassDefinition record = frame::makeClass({.name = "NSPanelQRX", .dataSize = 16});
+    REALRegisterClass(&record);
+}
+
+TEST_F(Startup, RunsWithTheConstructionOfAnyObjectAndTheDestructionOfWrappersButNotOfPanels) {
     companion::offerRegistry();
-    for (const char* name : {"DRMSFQRX"}) {
-        const Ref object = make(name);
-        EXPECT_EQ(instances, companion::registry);
+    registerPanelClass();
+    for (const auto& [name, destructorRunsIt] :
+         {std::pair("DRMSFQRX", true), std::pair("DRBurnQRX", true), std::pair("DRCDTextBlockQRX", true),
+          std::pair("DRDeviceQRX", true), std::pair("DREraseQRX", true), std::pair("DRFSObjectQRX", true),
+          std::pair("DRFileQRX", true), std::pair("DRFolderQRX", true), std::pair("DRTrackQRX", true),
+          std::pair("DRSetupPanelQRX", false), std::pair("DRBurnProgressPanelQRX", false),
+          std::pair("DREraseProgressPanelQRX", false)}) {
+        instances = nullptr;
+        Ref object = make(name);
+        ASSERT_TRUE(object) << name;
+        EXPECT_EQ(instances, companion::registry) << name;
+        instances = nullptr;
+        object = Ref();
+        EXPECT_EQ(instances, destructorRunsIt ? companion::registry : nullptr) << name;
     }
 }
 
+std::vector<std::string> steps;
+
+void* registryStep(Id, objc::Sel) {
+    steps.push_back("registry");
+    return companion::registry;
+}
+void prepareStep(Id, objc::Sel) { steps.push_back("prepare"); }
+Id applicationStep(Id, objc::Sel) {
+    steps.push_back("application");
+    return nullptr;
+}
+
+TEST_F(Startup, LoadsTheApplicationOnceBetweenRegistryAndExceptionsHoweverOftenItRuns) {
+    companion::offerRegistry();
+    companion::addToNSException<"PrepareNSExceptionQRX", prepareStep>();
+    objc::ClassBuilder("NSObject", "NSApplication").finish();
+    objc::class_addMethod(objc_getMetaClass("NSApplication"), objc::selector<"sharedApplication">(),
+                          reinterpret_cast<objc::Imp>(applicationStep), "@@:");
+    for (int i = 0; i < 10; ++i)
+        CocoaInit();
+    EXPECT_EQ(steps, (std::vector<std::string>{"application", "prepare"}));
+    EXPECT_EQ(companion::registryAsked, 1);
+}
+
+TEST_F(Startup, TheRegistryIsAskedForFirst) {
+    companion::registry = CFDictionaryCreateMutable(nullptr, 0, nullptr, nullptr);
+    companion::addToNSException<"GetInstancesDictionaryQRX", registryStep>();
+    companion::addToNSException<"PrepareNSExceptionQRX", prepareStep>();
+    objc::ClassBuilder("NSObject", "NSApplication").finish();
+    objc::class_addMethod(objc_getMetaClass("NSApplication"), objc::selector<"sharedApplication">(),
+                          reinterpret_cast<objc::Imp>(applicationStep), "@@:");
+    CocoaInit();
+    EXPECT_EQ(steps, (std::vector<std::string>{"registry", "application", "prepare"}));
+}
+
 TEST_F(Startup, AMissingApplicationFrameworkIsNoFault) {
+    ASSERT_EQ(objc::classNamed<"NSApplication">(), nullptr);
     CocoaInit();
     CocoaInit();
     EXPECT_EQ(raised(), std::nullopt);
+}
+
+TEST_F(Startup, IsNotRunByTheStringConstantsNorByTheBurnsOwnConstructor) {
+    companion::offerRegistry();
+    textOf(call<REALstring>("DRDeviceQRX", "DRDeviceAppearedNotification as string"));
+    EXPECT_EQ(companion::registryAsked, 0);
+    const Ref burn = make("DRBurnQRX");
+    EXPECT_EQ(companion::registryAsked, 1);
+    instances = nullptr;
+    call<void>("DRBurnQRX", "Constructor(device as DRDeviceQRX)", burn.get(), REALobject{nullptr});
+    EXPECT_EQ(companion::registryAsked, 1);
+}
+
+TEST_F(Startup, IsRunByTheSharedFactories) {
+    companion::offerRegistry();
+    int32_t asked = 0;
+    const auto expectRun = [&](const char* what) {
+        EXPECT_EQ(companion::registryAsked, ++asked) << what;
+        instances = nullptr;
+    };
+    // Making the wrapper asks too, when the first step has found no registry; here it has.
+    Ref::adopt(call<REALobject>("DRMSFQRX", "msf as DRMSFQRX"));
+    asked = companion::registryAsked - 1;
+    expectRun("msf");
+    EXPECT_EQ((call<REALobject>("DRFolderQRX", "virtualFolderWithName(name as string) as DRFolderQRX",
+                                REALstring{nullptr})),
+              nullptr);
+    expectRun("virtualFolderWithName");
+    EXPECT_EQ((call<REALobject>("DRTrackQRX", "trackForRootFolder(folder as DRFolderQRX) as DRTrackQRX",
+                                REALobject{nullptr})),
+              nullptr);
+    expectRun("trackForRootFolder");
 }
 
 } // namespace

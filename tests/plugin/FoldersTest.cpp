@@ -1,4 +1,5 @@
 // FoldersTest.cpp: files, folders and the tracks made of them, through their declared members.
+#include "host/runtime/FolderItem.hpp"
 #include "plugin/bridge/Registry.hpp"
 #include "tests/plugin/Companion.hpp"
 #include "tests/plugin/Drives.hpp"
@@ -43,6 +44,26 @@ TEST_F(Folders, AVirtualOneHasTheGivenNameAndNoPath) {
     EXPECT_EQ(stringOf(folder, "baseName as string"), "Disc");
     EXPECT_EQ(stringOf(folder, "sourcePath as string"), "");
     EXPECT_TRUE((call<bool>("DRFSObjectQRX", "isVirtual as boolean", folder.get())));
+}
+
+TEST_F(Folders, AFileIsMadeFromAPathOrAFolderItem) {
+    const std::string path = (scratch / "folder/inside.txt").string();
+    const Ref byText = Ref::adopt(
+        call<REALobject>("DRFileQRX", "fileWithPath(path as string) as DRFileQRX", String(path).get()));
+    EXPECT_EQ(stringOf(byText, "sourcePath as string"), path);
+    EXPECT_EQ(stringOf(byText, "baseName as string"), "inside.txt");
+    const Ref item = host::newFolderItem(path);
+    const Ref byItem = Ref::adopt(
+        call<REALobject>("DRFileQRX", "fileWithPath(path as folderitem) as DRFileQRX", item.get()));
+    EXPECT_EQ(stringOf(byItem, "sourcePath as string"), path);
+    const Ref folderItem = host::newFolderItem((scratch / "folder").string());
+    const Ref folder = Ref::adopt(call<REALobject>(
+        "DRFolderQRX", "folderWithPath(path as folderitem) as DRFolderQRX", folderItem.get()));
+    EXPECT_EQ(stringOf(folder, "sourcePath as string"), (scratch / "folder").string());
+    const Ref track = Ref::adopt(call<REALobject>(
+        "DRTrackQRX", "trackForRootFolder(folder as folderitem) as DRTrackQRX", folderItem.get()));
+    EXPECT_TRUE(host::isA(track.get(), "DRTrackQRX"));
+    EXPECT_EQ(raised(), std::nullopt);
 }
 
 TEST_F(Folders, ANameCanBeAssigned) {

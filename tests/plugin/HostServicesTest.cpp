@@ -190,6 +190,17 @@ TEST_F(OwnProcedures, OnceChosenTheyStay) {
     EXPECT_EQ(lookupsOf("RuntimeArrayDirectGetGetProc"), before);
 }
 
+TEST_F(HostServices, AVariantArrayIsDeliberatelyAnObjectArray) {
+    load();
+    const Ref objects = Ref::adopt(reinterpret_cast<REALobject>(REALCreateArrayObject(-1)));
+    const Ref variants = Ref::adopt(reinterpret_cast<REALobject>(REALCreateArrayVariant(-1)));
+    EXPECT_EQ(&host::classOf(objects.get()), &host::classOf(variants.get()));
+    const Ref element = make("Dictionary");
+    REALInsertArrayValue(reinterpret_cast<REALarray>(variants.get()), 0, element.get());
+    EXPECT_EQ(Ref::adopt(REALGetArrayObject(reinterpret_cast<REALarray>(variants.get()), 0)).get(),
+              element.get());
+}
+
 // ---- string data -------------------------------------------------------------------------------------
 
 class StringData : public PluginTest {
@@ -246,6 +257,11 @@ TEST_F(StringData, AnyEncodingTakesTheBufferSizeFromTheCallersRecord) {
     ASSERT_TRUE(REALGetStringData(text.get(), kREALEncodingUnknown, &record));
     EXPECT_EQ(record.length, 6u);
     EXPECT_EQ(std::memcmp(record.data, "burner\0\0\0\0", 10), 0);
+    REALDisposeStringData(&record);
+    record.length = 100;
+    ASSERT_TRUE(REALGetStringData(text.get(), kREALEncodingUnknown, &record));
+    EXPECT_EQ(record.length, 6u);
+    std::memset(record.data, 'x', 104); // as large as the record promised, and four bytes more
     REALDisposeStringData(&record);
     REALPresetStringDataLength(text.get(), &record);
     EXPECT_EQ(record.length, 6u);

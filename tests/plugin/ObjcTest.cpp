@@ -147,6 +147,21 @@ TEST_F(Objc, WhatIsNoNSExceptionFliesOn) {
     EXPECT_THROW(objc::caughtIn([] { throw std::runtime_error("not the platform's"); }), std::runtime_error);
 }
 
+// A body that throws a platform object of another kind, as @throw does.
+extern "C" [[noreturn]] void objc_exception_throw(Id object);
+
+TEST_F(Objc, APlatformObjectThatIsNoNSExceptionFliesOn) {
+    const Id thrown = nsString("not an exception");
+    bool cameBack = false;
+    // The frame must let it pass; what stops it here is C++, which sees a foreign exception.
+    try {
+        objc::caughtIn([&] { objc_exception_throw(thrown); });
+        cameBack = true;
+    } catch (...) {
+    }
+    EXPECT_FALSE(cameBack);
+}
+
 TEST_F(Objc, FramesMayBeNested) {
     const Id outer = objc::caughtIn([] {
         const Id inner = objc::caughtIn([] { raiseRangeException(); });

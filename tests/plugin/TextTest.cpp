@@ -230,11 +230,49 @@ TEST_F(Text, AViewOfABlockTakesOffsetAndLengthAndLocksTheBlockWhileItStands) {
         const rbData whole(block.get(), 0, 0);
         EXPECT_EQ(whole.length(), 10);
         EXPECT_EQ(harness::references(block.get()), 3u);
+        const rbData beyond(block.get(), 8, 10); // deliberately unchecked: the caller is trusted
+        EXPECT_EQ(beyond.length(), 10);
+        EXPECT_EQ(beyond.bytes(), static_cast<const char*>(REALMemoryBlockGetPtr(block.get())) + 8);
     }
     EXPECT_EQ(harness::references(block.get()), 1u);
     const rbData none(static_cast<REALmemoryBlock>(nullptr), 0, 0);
     EXPECT_EQ(none.bytes(), nullptr);
     EXPECT_EQ(none.length(), 0);
+}
+
+class WithoutBytes : public PluginTest {
+  protected:
+    void loadWithout(const char* entry) {
+        harness::withdraw(entry);
+        load();
+    }
+};
+
+TEST_F(WithoutBytes, ABlockThatGivesNoBytesIsAnEmptyViewAndIsNotBuilt) {
+    loadWithout("memoryBlockGetPtr");
+    const Ref block = Ref::adopt(REALNewMemoryBlockOriginal(4));
+    {
+        const rbData view(block.get(), 0, 0);
+        EXPECT_EQ(view.bytes(), nullptr);
+        EXPECT_EQ(view.length(), 0);
+    }
+    EXPECT_EQ(harness::references(block.get()), 1u);
+    EXPECT_EQ(REALBuildMemoryblock("abc", 3), nullptr);
+    EXPECT_EQ(raised(), std::nullopt);
+}
+
+TEST_F(WithoutBytes, WhatTheHostCannotBuildOrConvertIsNull) {
+    loadWithout("REALBuildString");
+    EXPECT_EQ(REALBuildUnicodeString("text", 4, kREALEncodingUTF8), nullptr);
+    EXPECT_EQ(REALBuildUnicodeString("text", 4, kREALEncodingUTF16), nullptr);
+    EXPECT_EQ(REALBuildUnicodeString("text", 4, kREALEncodingUTF32), nullptr);
+}
+
+TEST_F(WithoutBytes, WideTextIsNullWhereTheHostDoesNotConvert) {
+    loadWithout("REALConvertString");
+    EXPECT_EQ(REALBuildUnicodeString("a\0b\0", 4, kREALEncodingUTF16), nullptr);
+    EXPECT_EQ(REALBuildUnicodeString("a\0\0\0", 4, kREALEncodingUTF32), nullptr);
+    EXPECT_EQ(harness::liveStrings(), 0u);
 }
 
 // ---- views of strings --------------------------------------------------------------------------------

@@ -157,6 +157,17 @@ TEST_F(WithRegistry, AWrapperThatCannotBeMadeLeavesANullSlot) {
     EXPECT_EQ(frame::held(elementAt(handle, 2).get()), c.get());
 }
 
+TEST_F(WithRegistry, AFileSystemObjectWithoutAWrapperLeavesANullSlotToo) {
+    const Adopted one(newFolder()), two(newFolder());
+    const Ref array = Ref::adopt(reinterpret_cast<REALobject>(REALCreateArrayObject(-1)));
+    const auto handle = reinterpret_cast<REALarray>(array.get());
+    harness::failCreation("DRFolderQRX");
+    FillDRFSObjectArray(handle, arrayOf({one.get(), two.get()}));
+    ASSERT_EQ(REALGetArrayUBound(handle), 1);
+    EXPECT_EQ(elementAt(handle, 0).get(), nullptr);
+    EXPECT_EQ(frame::held(elementAt(handle, 1).get()), two.get());
+}
+
 TEST_F(WithRegistry, NoPlatformArrayFillsNothing) {
     const Ref array = Ref::adopt(reinterpret_cast<REALobject>(REALCreateArrayObject(-1)));
     FillDRDeviceArray(reinterpret_cast<REALarray>(array.get()), nullptr);
@@ -189,6 +200,7 @@ TEST_F(WithRegistry, AnObjectOfASubclassBecomesTheHostClassOfItsNearestNamedAnce
     EXPECT_EQ(frame::held(first.get()), image.get());
     EXPECT_NE(first.get(), second.get()) << "deliberately not registered";
     EXPECT_EQ(retains(image.get()), 3u);
+    EXPECT_EQ(FindInstance(image.get()), nullptr);
 }
 
 TEST_F(WithRegistry, AnObjectWhoseChainNamesNoHostClassGivesNull) {
@@ -213,8 +225,15 @@ TEST_F(WithRegistry, ClassNamesOfTwoHundredCharactersAreSkippedAndShorterOnesAre
 }
 
 TEST_F(WithRegistry, DestroyingAnEmptyWrapperDoesNothing) {
-    const Ref empty = make("DRMSFQRX");
-    EXPECT_EQ(frame::slot(empty.get()), nullptr);
+    const Adopted msf(newMSF(75));
+    const Ref other = Ref::adopt(NewDRMSFQRX(msf.get()));
+    {
+        const Ref empty = make("DRMSFQRX");
+        EXPECT_EQ(frame::slot(empty.get()), nullptr);
+    }
+    EXPECT_EQ(FindInstance(msf.get()), other.get());
+    EXPECT_EQ(retains(msf.get()), 2u);
+    EXPECT_EQ(raised(), std::nullopt);
 }
 
 } // namespace
