@@ -1,0 +1,14 @@
+// ObjectWrapper.h: a platform object that stands for a host object, in platform collections.
+#import "companion/Host.h"
+
+// Other plug-ins reach the class by its name. A box keeps one reference to its host object. Boxes of the same
+// object are equal, so that a host object may be a key.
+@interface QRXREALobjectWrapper : NSObject <NSCopying> {
+  @private
+    REALobject _object;
+}
+// A box of the current pool; nil for null.
++ (id)wrap:(REALobject)object;
+// The host object with a new reference, which the caller owns, as with everything that crosses.
+- (REALobject)unwrap;
+@end
