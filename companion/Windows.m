@@ -41,6 +41,9 @@ static void construct(REALobject self, NSString* platformClass, REALstring title
                                                                       backing:BackedByABuffer
                                                                         defer:YES];
     *slot(self) = window;
+    // Bounds are those of the whole window, as they are read; it was made by what lies inside its frame.
+    if (bounds != NULL)
+        [window setFrame:rectOf(bounds) display:NO];
     // The host object owns the window, also when a person has closed it.
     [window setReleasedWhenClosed:NO];
     [window setTitle:platformString(title)];

@@ -23,6 +23,7 @@ Told told;
 
 Id initWith(Id self, objc::Sel, Rect rect, unsigned long, unsigned long, objc::Boolean) {
     told = {.frame = rect};
+    told.frame.height += 20; // a bar with the title
     return self;
 }
 void setReleasedWhenClosed(Id, objc::Sel, objc::Boolean value) { told.releasedWhenClosed = value != 0; }
@@ -86,7 +87,7 @@ TEST_F(Windows, PanelsAreWindowsAndHaveAPlatformPanel) {
 
 TEST_F(Windows, AreShownHiddenMovedAndNamed) {
     const Value window = make("NSWindowQRX", {"", Value()});
-    EXPECT_EQ(told.frame, Rect{}) << "no bounds are zeros";
+    EXPECT_EQ(told.frame, (Rect{0, 0, 0, 20})) << "without bounds there is nothing inside";
     EXPECT_FALSE(ask(window, "visible").toBoolean());
     ask(window, "show");
     EXPECT_TRUE(ask(window, "visible").toBoolean());
