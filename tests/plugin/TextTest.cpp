@@ -129,7 +129,7 @@ TEST_F(Text, PlatformTextBecomesUTF8) {
 }
 
 TEST_F(Text, NinetyNineAndAHundredUnitsOfTheWidestKindBothFit) {
-    for (const int units : {98, 99, 100, 101, 5000}) {
+    for (const int units : {98, 99, 100, 101, 200, 201, 400, 5000}) {
         std::string wide;
         for (int i = 0; i < units; ++i)
             wide += "\u20AC"; // three bytes of UTF-8 a unit
@@ -305,6 +305,14 @@ TEST_P(Views, OfANullStringAreEmpty) {
     const rbData view(static_cast<REALstring>(nullptr));
     EXPECT_EQ(view.bytes(), nullptr);
     EXPECT_EQ(view.length(), 0);
+}
+
+TEST_F(PluginTest, ACurrentHostsStringIsReadFromACopyThatTheViewOwns) {
+    load();
+    const String string("text");
+    const rbData view(string.get());
+    EXPECT_NE(view.bytes(), reinterpret_cast<const char*>(string.get()->buffer) + 1);
+    EXPECT_EQ(harness::references(string.get()), 1u);
 }
 
 TEST_F(PluginTest, AnOlderHostsStringIsReadInPlaceAndLockedMeanwhile) {
