@@ -33,27 +33,27 @@ int32_t GetVariantType(REALvariant variant) {
 }
 
 REALstring GetVariantString(REALvariant variant) {
-    static constinit HostCell<REALstring(REALvariant)> cell("VariantToString");
+    static constinit HostCell<frame::entry::VariantToString> cell("VariantToString");
     return variant ? read(cell, variant, REALGetPropValueString, "StringValue") : nullptr;
 }
 
 // Deliberately without a test for null: a nil variant is the host's to read.
 int32_t GetVariantInteger(REALvariant variant) {
-    static constinit HostCell<int32_t(REALvariant)> cell("VariantToInt32");
+    static constinit HostCell<frame::entry::VariantToInt32> cell("VariantToInt32");
     return read(cell, variant, REALGetPropValueInt32, "Int32Value");
 }
 
 int64_t GetVariantLong(REALvariant variant) {
-    static constinit HostCell<int64_t(REALvariant)> cell("VariantToInt64");
+    static constinit HostCell<frame::entry::VariantToInt64> cell("VariantToInt64");
     return read(cell, variant, REALGetPropValueInt64, "LongValue");
 }
 
 float GetVariantSingle(REALvariant variant) {
-    static constinit HostCell<float(REALvariant)> cell("VariantToSingle");
+    static constinit HostCell<frame::entry::VariantToSingle> cell("VariantToSingle");
     return read(cell, variant, REALGetPropValueSingle, "SingleValue");
 }
 
 double GetVariantDouble(REALvariant variant) {
-    static constinit HostCell<double(REALvariant)> cell("VariantToDouble");
+    static constinit HostCell<frame::entry::VariantToDouble> cell("VariantToDouble");
     return read(cell, variant, REALGetPropValueDouble, "DoubleValue");
 }

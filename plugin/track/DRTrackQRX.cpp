@@ -56,8 +56,8 @@ void setDRDataFormValue(REALobject self, int32_t value) { setIntegerProperty(sel
 int32_t getDRBlockTypeValue(REALobject self) { return getIntegerProperty(self, &DRBlockTypeKey); }
 void setDRBlockTypeValue(REALobject self, int32_t value) { setIntegerProperty(self, &DRBlockTypeKey, value); }
 
-// Reading asks the track and assigning writes its properties: the asymmetry is deliberate, because a track
-// that is not burned yet tells its length by what was stored, and one on a disc by what is there.
+// Reading asks the track and assigning writes its properties: the asymmetry is deliberate, because a track may
+// know its length from elsewhere than from what was stored.
 REALobject length(REALobject self) { return ask<MSF, "length">(self); }
 void setDRTrackLengthValue(REALobject self, REALobject value) {
     setProperty(self, &DRTrackLengthKey, frame::held(value));

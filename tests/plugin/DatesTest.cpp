@@ -1,0 +1,137 @@
+// DatesTest.cpp: host dates and platform dates.
+#include "plugin/bridge/Dates.hpp"
+#include "plugin/bridge/Variants.hpp"
+#include "plugin/objc/Guard.hpp"
+#include "tests/plugin/HostClasses.hpp"
+#include "tests/plugin/PlatformObjects.hpp"
+
+#include "host/runtime/Date.hpp"
+
+#include <limits>
+
+namespace {
+
+using namespace test;
+using objc::Id;
+using objc::send;
+using objc::sendClass;
+
+using Dates = LoadedTest;
+
+constexpr const char* partNames[] = {"Year", "Month", "Day", "Hour", "Minute", "Second"};
+
+// A date that tells its parts as they are, also where there is no such day; `missing` is a part that it
+// lacks.
+int32_t given[6];
+
+template <int index>
+int32_t part(REALobject) {
+    return given[index];
+}
+
+Ref dateOf(std::initializer_list<int32_t> parts, int missing = -1) {
+    using Getter = int32_t (*)(REALobject);
+    static constexpr Getter getters[] = {part<0>, part<1>, part<2>, part<3>, part<4>, part<5>};
+    static constexpr const char* declarations[] = {"Year as integer",   "Month as integer",
+                                                   "Day as integer",    "Hour as integer",
+                                                   "Minute as integer", "Second as integer"};
+    static std::deque<std::vector<REALmethodDefinition>> tables;
+    static std::deque<std::string> names;
+    auto& rows = tables.emplace_back();
+    for (int i = 0; i < 6; ++i)
+        if (i != missing)
+            rows.push_back({reinterpret_cast<REALproc>(getters[i]),
+                            reinterpret_cast<REALproc>(+[](REALobject, int32_t) {}), declarations[i],
+                            kREALMemberFlags});
+    const auto& name = names.emplace_back("TestDate" + std::to_string(names.size()));
+    registerHostClass(name.c_str(), 0, nullptr, rows.data(), rows.size());
+    std::copy(parts.begin(), parts.end(), given);
+    return Ref::adopt(REALnewInstance(name.c_str()));
+}
+
+Id platformDate(long year, unsigned long month, unsigned long day, unsigned long hour = 0,
+                unsigned long minute = 0, unsigned long second = 0) {
+    return sendClass<"NSCalendarDate", "dateWithYear:month:day:hour:minute:second:timeZone:">(
+        year, month, day, hour, minute, second, sendClass<"NSTimeZone", "localTimeZone">());
+}
+
+double secondsOf(Id date) { return send<"timeIntervalSinceReferenceDate", double>(date); }
+
+std::string partsOf(const Ref& date) {
+    std::string parts;
+    for (const char* name : partNames) {
+        int32_t value = -1;
+        EXPECT_TRUE(REALGetPropValueInt32(date.get(), name, &value)) << name;
+        parts += (parts.empty() ? "" : " ") + std::to_string(value);
+    }
+    return parts;
+}
+
+TEST_F(Dates, NullIsNil) {
+    EXPECT_EQ(NewNSDate(nullptr), nullptr);
+    EXPECT_EQ(NSDateRB(nullptr), nullptr);
+}
+
+TEST_F(Dates, TheHostsPartsAreLocalTime) {
+    const Id converted = NewNSDate(dateOf({2026, 1, 31, 9, 5, 7}).get());
+    EXPECT_TRUE(objc::isKindOf<"NSCalendarDate">(converted));
+    EXPECT_EQ(secondsOf(converted), secondsOf(platformDate(2026, 1, 31, 9, 5, 7)));
+    EXPECT_EQ((send<"hourOfDay", long>(converted)), 9);
+}
+
+TEST_F(Dates, ADateWithoutOneOfItsPartsIsNil) {
+    for (int missing = 0; missing < 6; ++missing)
+        EXPECT_EQ(NewNSDate(dateOf({2026, 1, 31, 9, 5, 7}, missing).get()), nullptr) << partNames[missing];
+    EXPECT_EQ(raised(), std::nullopt);
+}
+
+TEST_F(Dates, ADayThatDoesNotExistIsThePlatformsToDecide) {
+    EXPECT_EQ(secondsOf(NewNSDate(dateOf({2009, 2, 29, 0, 0, 0}).get())),
+              secondsOf(platformDate(2009, 2, 29)));
+}
+
+TEST_F(Dates, ThePlatformsDateBecomesItsLocalParts) {
+    const Ref date = Ref::adopt(NSDateRB(platformDate(2009, 12, 31, 23, 59, 58)));
+    ASSERT_TRUE(host::isA(date.get(), "Date"));
+    EXPECT_EQ(partsOf(date), "2009 12 31 23 59 58");
+}
+
+TEST_F(Dates, FractionsOfASecondAreDroppedNotRounded) {
+    const Id noon = platformDate(2009, 6, 1, 12);
+    const Id later = sendClass<"NSDate", "dateWithTimeIntervalSinceReferenceDate:">(secondsOf(noon) + 0.9);
+    EXPECT_EQ(partsOf(Ref::adopt(NSDateRB(later))), "2009 6 1 12 0 0");
+}
+
+TEST_F(Dates, DatesGoOverAndBack) {
+    for (const std::time_t seconds : {0l, 1l, 951'782'400l, 1'700'000'000l, 4'000'000'000l}) {
+        const Ref date = host::newDate(seconds);
+        const Ref back = Ref::adopt(NSDateRB(NewNSDate(date.get())));
+        EXPECT_EQ(host::dateSeconds(back.get()), seconds);
+    }
+}
+
+TEST_F(Dates, ADateThatTheHostCannotMakeIsNull) {
+    harness::failCreation("Date");
+    EXPECT_EQ(NSDateRB(platformDate(2009, 6, 1)), nullptr);
+}
+
+TEST_F(Dates, InVariantsTheyAreDates) {
+    const Ref date = Ref::adopt(NewVariantFromNSObject(platformDate(2009, 6, 1, 12)));
+    EXPECT_EQ(partsOf(date), "2009 6 1 12 0 0");
+}
+
+TEST_F(Dates, OutOfAnyRangeTheyStillEnd) {
+    for (const int32_t odd :
+         {std::numeric_limits<int32_t>::max(), std::numeric_limits<int32_t>::min(), -1, 0, 99'999}) {
+        objc::caughtIn([odd] { NewNSDate(dateOf({odd, 1, 1, 0, 0, 0}).get()); });
+        objc::caughtIn([odd] { NewNSDate(dateOf({2009, odd, odd, odd, odd, odd}).get()); });
+    }
+    for (const double seconds :
+         {1e300, -1e300, std::numeric_limits<double>::infinity(), std::numeric_limits<double>::quiet_NaN()})
+        objc::caughtIn([seconds] {
+            Ref::adopt(NSDateRB(sendClass<"NSDate", "dateWithTimeIntervalSinceReferenceDate:">(seconds)));
+        });
+    EXPECT_EQ(partsOf(Ref::adopt(NSDateRB(platformDate(2009, 6, 1)))), "2009 6 1 0 0 0");
+}
+
+} // namespace

@@ -1,0 +1,319 @@
+// DictionariesTest.cpp: whole dictionaries and arrays of wrappers, there and back.
+#include "plugin/bridge/Dictionaries.hpp"
+#include "plugin/bridge/Nesting.hpp"
+#include "plugin/bridge/Variants.hpp"
+#include "plugin/objc/Guard.hpp"
+#include "tests/plugin/HostClasses.hpp"
+#include "tests/plugin/PlatformObjects.hpp"
+
+#include "host/runtime/Array.hpp"
+#include "host/runtime/Dictionary.hpp"
+
+#include <random>
+
+namespace {
+
+using namespace test;
+using objc::Id;
+using objc::send;
+using objc::sendClass;
+
+using Dictionaries = LoadedTest;
+using DictionariesWithout = PluginTest;
+
+unsigned long countOf(Id collection) { return send<"count", unsigned long>(collection); }
+Id valueFor(Id dictionary, const char* key) { return send<"objectForKey:">(dictionary, nsString(key)); }
+bool isNull(Id value) { return value && value == sendClass<"NSNull", "null">(); }
+
+Id platformDictionary() {
+    const Id dictionary = sendClass<"NSMutableDictionary", "dictionary">();
+    send<"setObject:forKey:", void>(dictionary, nsString("value"), nsString("text"));
+    send<"setObject:forKey:", void>(dictionary, sendClass<"NSNumber", "numberWithInt:">(7),
+                                    nsString("number"));
+    send<"setObject:forKey:", void>(dictionary, sendClass<"NSNull", "null">(), nsString("nothing"));
+    return dictionary;
+}
+
+// ---- to the host -------------------------------------------------------------------------------------
+
+TEST_F(Dictionaries, NilIsNullAndAnEmptyOneIsEmpty) {
+    EXPECT_EQ(NSDictionaryRB(nullptr), nullptr);
+    const Ref empty = Ref::adopt(NSDictionaryRB(sendClass<"NSDictionary", "dictionary">()));
+    ASSERT_TRUE(IsDictionary(empty.get()));
+    EXPECT_EQ(GetDictionaryCount(empty.get()), 0);
+}
+
+TEST_F(Dictionaries, EveryEntryOfThePlatformsReachesTheHost) {
+    const Ref dictionary = Ref::adopt(NSDictionaryRB(platformDictionary()));
+    EXPECT_EQ(GetDictionaryCount(dictionary.get()), 3);
+    EXPECT_EQ(host::dictionaryGet(dictionary.get(), "text").toText(), "value");
+    EXPECT_EQ(host::dictionaryGet(dictionary.get(), "number").toInt32(), 7);
+    EXPECT_TRUE(host::dictionaryHas(dictionary.get(), "nothing"));
+    EXPECT_TRUE(host::dictionaryGet(dictionary.get(), "nothing").isNil());
+}
+
+TEST_F(Dictionaries, TheHostsDictionaryHoldsTheOnlyReferences) {
+    objc::ClassBuilder("NSObject", "TestThing").finish();
+    registerHolderClass("TestThingQRX");
+    const Id dictionary = sendClass<"NSMutableDictionary", "dictionary">();
+    send<"setObject:forKey:", void>(dictionary, objc::autoreleased(sendClass<"TestThing", "new">()),
+                                    nsString("thing"));
+    const Ref converted = Ref::adopt(NSDictionaryRB(dictionary));
+    const Value thing = host::dictionaryGet(converted.get(), "thing");
+    EXPECT_EQ(harness::references(thing.object()), 2u) << "the dictionary's and this look's";
+}
+
+TEST_F(Dictionaries, OneThatTheHostCannotMakeIsNull) {
+    harness::failCreation("Dictionary");
+    EXPECT_EQ(NSDictionaryRB(platformDictionary()), nullptr);
+    EXPECT_EQ(raised(), std::nullopt);
+}
+
+TEST_F(Dictionaries, OneThatContainsItselfEndsAndIsNilThere) {
+    const Id dictionary = platformDictionary();
+    send<"setObject:forKey:", void>(dictionary, dictionary, nsString("self"));
+    {
+        const Ref converted = Ref::adopt(NSDictionaryRB(dictionary));
+        EXPECT_EQ(GetDictionaryCount(converted.get()), 4);
+        EXPECT_TRUE(host::dictionaryGet(converted.get(), "self").isNil());
+    }
+    send<"removeAllObjects", void>(dictionary);
+}
+
+// ---- to the platform ---------------------------------------------------------------------------------
+
+Ref dictionaryOf(std::initializer_list<std::pair<Value, Value>> entries) {
+    Ref made = host::newDictionary();
+    for (const auto& [key, value] : entries)
+        host::dictionarySet(made.get(), key, value);
+    return made;
+}
+
+TEST_F(Dictionaries, NullIsNilAndAnEmptyHostDictionaryIsAnEmptyImmutableOne) {
+    EXPECT_EQ(NewNSDictionary(nullptr), nullptr);
+    const Id empty = NewNSDictionary(make("Dictionary").get());
+    ASSERT_TRUE(objc::isKindOf<"NSDictionary">(empty));
+    EXPECT_EQ(countOf(empty), 0u);
+    EXPECT_FALSE(objc::isKindOf<"NSMutableDictionary">(empty));
+}
+
+TEST_F(Dictionaries, EveryEntryOfTheHostsReachesThePlatform) {
+    const Ref inner = dictionaryOf({{"deep", true}});
+    const Id dictionary =
+        NewNSDictionary(dictionaryOf({{"text", "value"}, {7, 0.5}, {"inner", Value(inner)}}).get());
+    EXPECT_TRUE(objc::isKindOf<"NSMutableDictionary">(dictionary));
+    EXPECT_EQ(countOf(dictionary), 3u);
+    EXPECT_EQ(text(valueFor(dictionary, "text")), "value");
+    EXPECT_EQ((send<"doubleValue", double>(
+                  send<"objectForKey:">(dictionary, sendClass<"NSNumber", "numberWithInt:">(7)))),
+              0.5);
+    EXPECT_TRUE((send<"boolValue", objc::Boolean>(valueFor(valueFor(dictionary, "inner"), "deep"))));
+    EXPECT_EQ(harness::references(inner.get()), 1u);
+}
+
+TEST_F(Dictionaries, ANilValueBecomesThePlatformsNullAndAnEntryWithANilKeyIsSkipped) {
+    const Id dictionary = NewNSDictionary(dictionaryOf({{"nothing", Value()}, {Value(), "skipped"}}).get());
+    EXPECT_EQ(countOf(dictionary), 1u);
+    EXPECT_TRUE(isNull(valueFor(dictionary, "nothing")));
+}
+
+TEST_F(Dictionaries, KeysAndValuesThatConvertToNilBecomeThePlatformsNull) {
+    const Ref key = make("DRDeviceQRX"), value = make("DRTrackQRX"); // nobody boxes them
+    const Id dictionary = NewNSDictionary(dictionaryOf({{Value(key), Value(value)}}).get());
+    ASSERT_EQ(countOf(dictionary), 1u);
+    EXPECT_TRUE(isNull(send<"objectForKey:">(dictionary, sendClass<"NSNull", "null">())));
+    EXPECT_EQ(harness::references(key.get()), 1u);
+    EXPECT_EQ(harness::references(value.get()), 1u);
+    EXPECT_EQ(raised(), std::nullopt);
+}
+
+TEST_F(Dictionaries, AHostDictionaryThatContainsItselfEnds) {
+    const Ref dictionary = dictionaryOf({{"text", "value"}});
+    const Ref other = dictionaryOf({{"outer", Value(dictionary)}});
+    host::dictionarySet(dictionary.get(), "other", Value(other));
+    const Id converted = NewNSDictionary(dictionary.get());
+    EXPECT_EQ(text(valueFor(converted, "text")), "value");
+    EXPECT_TRUE(isNull(valueFor(valueFor(converted, "other"), "outer")));
+    EXPECT_EQ(raised(), std::nullopt);
+    host::dictionaryRemove(dictionary.get(), "other");
+}
+
+TEST_F(Dictionaries, TheSameDictionaryTwiceSideBySideIsNoCycle) {
+    const Ref inner = dictionaryOf({{"a", 1}});
+    const Id dictionary = NewNSDictionary(dictionaryOf({{"one", Value(inner)}, {"two", Value(inner)}}).get());
+    EXPECT_EQ(countOf(valueFor(dictionary, "one")), 1u);
+    EXPECT_EQ(countOf(valueFor(dictionary, "two")), 1u);
+}
+
+TEST_F(Dictionaries, NestingDeeperThanTheBoundEndsInTheNull) {
+    constexpr int levels = Nesting::deepest + 200;
+    Ref dictionary = dictionaryOf({{"last", true}});
+    for (int i = 1; i < levels; ++i)
+        dictionary = dictionaryOf({{"inner", Value(dictionary)}});
+    Id converted = NewNSDictionary(dictionary.get());
+    int depth = 0;
+    while (objc::isKindOf<"NSDictionary">(converted)) {
+        converted = valueFor(converted, "inner");
+        ++depth;
+    }
+    EXPECT_EQ(depth, Nesting::deepest);
+    EXPECT_TRUE(isNull(converted));
+}
+
+// ---- the methods of the host's class -----------------------------------------------------------------
+
+TEST_F(DictionariesWithout, MethodsEveryAccessorDoesNothing) {
+    harness::withdraw("REALLoadObjectMethod");
+    load();
+    const Ref dictionary = dictionaryOf({{"text", "value"}});
+    const Ref key = variant("text");
+    SetDictionaryValue(dictionary.get(), key.get(), nullptr);
+    EXPECT_EQ(host::dictionaryGet(dictionary.get(), "text").toText(), "value");
+    EXPECT_EQ(GetDictionaryValue(dictionary.get(), key.get()), nullptr);
+    EXPECT_EQ(GetDictionaryKey(dictionary.get(), 0), nullptr);
+    const Id converted = NewNSDictionary(dictionary.get());
+    EXPECT_EQ(countOf(converted), 0u);
+    const Ref back = Ref::adopt(NSDictionaryRB(platformDictionary()));
+    EXPECT_EQ(host::dictionaryCount(back.get()), 0u);
+    EXPECT_EQ(raised(), std::nullopt);
+}
+
+TEST_F(DictionariesWithout, ACountThatCannotBeReadOneIsEmpty) {
+    harness::withdraw("REALGetPropValueInt");
+    load();
+    const Ref dictionary = dictionaryOf({{"text", "value"}});
+    EXPECT_EQ(GetDictionaryCount(dictionary.get()), 0);
+    EXPECT_EQ(countOf(NewNSDictionary(dictionary.get())), 0u);
+}
+
+template <char name>
+REALvariant keyOf(REALobject, int32_t) {
+    return host::boxVariant(std::string(1, name));
+}
+
+void registerLookalike(const char* className, REALvariant (*key)(REALobject, int32_t)) {
+    static std::deque<REALmethodDefinition> rows;
+    rows.push_back(
+        {reinterpret_cast<REALproc>(key), nullptr, "Key(index As Integer) As Variant", kREALMemberFlags});
+    registerHostClass(className, 0, nullptr, &rows.back(), 1);
+}
+
+TEST_F(Dictionaries, AnotherDictionaryHasItsMethodsLoadedAnew) {
+    registerLookalike("TestA", keyOf<'a'>);
+    registerLookalike("TestB", keyOf<'b'>);
+    const Ref a = make("TestA"), b = make("TestB");
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_EQ(valueOf(Ref::adopt(GetDictionaryKey(a.get(), 0))).toText(), "a");
+        EXPECT_EQ(valueOf(Ref::adopt(GetDictionaryKey(a.get(), 1))).toText(), "a");
+        EXPECT_EQ(valueOf(Ref::adopt(GetDictionaryKey(b.get(), 0))).toText(), "b");
+        EXPECT_EQ(GetDictionaryValue(b.get(), nullptr), nullptr);
+    }
+}
+
+// ---- there and back ----------------------------------------------------------------------------------
+
+Value randomValue(std::mt19937& random, int depth) {
+    switch (random() % (depth > 0 ? 9u : 7u)) {
+    case 0:
+        return Value();
+    case 1:
+        return (random() & 1) != 0;
+    case 2:
+        return static_cast<int32_t>(random());
+    case 3:
+        return static_cast<int64_t>((uint64_t{random()} << 32) | random());
+    case 4:
+        return static_cast<float>(random()) / 16.0f;
+    case 5:
+        return static_cast<double>(random()) / 3.0;
+    case 6:
+        return std::string(random() % 4, 'x') + (random() % 2 ? "é𝄞" : "");
+    case 7: {
+        Ref array = host::newArray(host::typeNamed("Variant"));
+        for (auto count = random() % 4; count > 0; --count) {
+            // A nil element is refused by the platform's arrays.
+            if (Value element = randomValue(random, depth - 1); !element.isNil())
+                host::arrayAppend(array.get(), element);
+        }
+        return array;
+    }
+    default: {
+        Ref dictionary = host::newDictionary();
+        for (auto count = random() % 4; count > 0; --count)
+            host::dictionarySet(dictionary.get(), "key" + std::to_string(count),
+                                randomValue(random, depth - 1));
+        return dictionary;
+    }
+    }
+}
+
+// Values keep kind and number; only a 64-bit integer that fits into 32 bits may come back as the smaller
+// kind, where the platform does not tell the two apart.
+bool same(const Value& one, const Value& other) {
+    if (one.isArray()) {
+        if (!other.isArray() || host::upperBound(one.object()) != host::upperBound(other.object()))
+            return false;
+        for (int32_t i = 0; i <= host::upperBound(one.object()); ++i) {
+            const Value element = host::arrayGet(one.object(), i);
+            const Value converted =
+                valueOf(Ref::adopt(REALGetArrayObject(host::arrayHandle(other.object()), i)));
+            if (!same(element, converted)) return false;
+        }
+        return true;
+    }
+    if (one.isObject()) {
+        const auto count = host::dictionaryCount(one.object());
+        if (!other.isObject() || host::dictionaryCount(other.object()) != count) return false;
+        for (std::size_t i = 0; i < count; ++i) {
+            const Value key = host::dictionaryKey(one.object(), static_cast<int64_t>(i));
+            if (!host::dictionaryHas(other.object(), key) ||
+                !same(host::dictionaryGet(one.object(), key), host::dictionaryGet(other.object(), key)))
+                return false;
+        }
+        return true;
+    }
+    if (one.isInteger()) return other.isInteger() && one.toInt64() == other.toInt64();
+    if (one.isString()) return other.isString() && one.toText() == other.toText();
+    return one.kind() == other.kind() && one.toDouble() == other.toDouble();
+}
+
+TEST_F(Dictionaries, WhatGoesOverAndBackIsEqual) {
+    std::mt19937 random(20260131); // the same values in every run
+    for (int round = 0; round < 300; ++round) {
+        const Pool inner;
+        const Value value = randomValue(random, 5);
+        const Ref dictionary = dictionaryOf({{"value", value}});
+        const Ref back = Ref::adopt(NSDictionaryRB(NewNSDictionary(dictionary.get())));
+        ASSERT_TRUE(same(value, host::dictionaryGet(back.get(), "value"))) << "round " << round;
+    }
+    EXPECT_EQ(raised(), std::nullopt);
+}
+
+// ---- arrays of wrappers ------------------------------------------------------------------------------
+
+TEST_F(Dictionaries, AnArrayOfWrappersIsAnArrayOfWhatTheyHold) {
+    const objc::Adopted one(sendClass<"NSObject", "new">()), two(sendClass<"NSObject", "new">());
+    const Ref first = Ref::adopt(NewDRMSFQRX(one.get())), empty = make("DRMSFQRX"),
+              last = Ref::adopt(NewDRMSFQRX(two.get()));
+    const Ref array = host::newArray(host::typeNamed("Object"));
+    for (const Value& element : {Value(first), Value(), Value(empty), Value(last)})
+        host::arrayAppend(array.get(), element);
+    const Id converted = CreateNSObjectArray(handleOf(array), true);
+    ASSERT_TRUE(objc::isKindOf<"NSMutableArray">(converted));
+    ASSERT_EQ(countOf(converted), 2u) << "nil elements and empty wrappers are left out";
+    EXPECT_EQ(send<"objectAtIndex:">(converted, 0ul), one.get());
+    EXPECT_EQ(send<"objectAtIndex:">(converted, 1ul), two.get());
+    EXPECT_EQ(harness::references(first.get()), 2u) << "the array's and the test's";
+    EXPECT_EQ(harness::references(empty.get()), 2u);
+}
+
+TEST_F(Dictionaries, AnEmptyArrayOfWrappersIsNilOnlyWhereThatIsWanted) {
+    EXPECT_EQ(CreateNSObjectArray(nullptr, false), nullptr);
+    const Ref array = host::newArray(host::typeNamed("Object"));
+    EXPECT_EQ(CreateNSObjectArray(handleOf(array), true), nullptr);
+    const Id converted = CreateNSObjectArray(handleOf(array), false);
+    ASSERT_TRUE(objc::isKindOf<"NSMutableArray">(converted));
+    EXPECT_EQ(countOf(converted), 0u);
+}
+
+} // namespace
