@@ -1,4 +1,5 @@
 // BurnTest.cpp: burns, through the members that DRBurnQRX declares.
+#include "host/runtime/Array.hpp"
 #include "plugin/bridge/Dictionaries.hpp"
 #include "plugin/bridge/Registry.hpp"
 #include "tests/plugin/Companion.hpp"
@@ -13,6 +14,7 @@ namespace {
 using namespace test;
 
 constexpr const char* className = "DRBurnQRX";
+constexpr const char* arrayLayout = "writeLayout(tracks() as DRTrackQRX)";
 const Raised noDevice{"NilObjectException", "device is nil"};
 const Raised tooOften{"UnsupportedOperationException",
                       "Constructor called too often. Object is already initialized."};
@@ -174,6 +176,24 @@ TEST_F(Burn, DroppingTheLastReferenceStopsARunningBurn) {
         call<void>(className, "writeLayout(track as DRTrackQRX)", burn.get(), track().get());
     }
     EXPECT_FALSE((call<bool>("DRDeviceQRX", "mediaIsBusy as boolean", drive.get())));
+}
+
+TEST_F(Burn, AnArrayOfTracksIsBurnedWithoutItsNilAndEmptyElements) {
+    const Ref drive = device(), burn = burnFor(drive);
+    const Ref tracks = host::newArray(host::typeNamed("Object"));
+    for (const host::Value& element : {host::Value(track()), host::Value(), host::Value(make("DRTrackQRX"))})
+        host::arrayAppend(tracks.get(), element);
+    call<void>(className, arrayLayout, burn.get(), host::arrayHandle(tracks.get()));
+    EXPECT_EQ(raised(), std::nullopt);
+    EXPECT_EQ(finalState(burn), "DRStatusStateDone");
+}
+
+TEST_F(Burn, AnArrayOfTracksOnAnEmptyBurnDoesNothing) {
+    const Ref tracks = host::newArray(host::typeNamed("Object"));
+    const Ref empty = make(className);
+    call<void>(className, arrayLayout, empty.get(), host::arrayHandle(tracks.get()));
+    call<void>(className, arrayLayout, empty.get(), REALarray{nullptr});
+    EXPECT_EQ(raised(), std::nullopt);
 }
 
 } // namespace

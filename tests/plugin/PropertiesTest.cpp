@@ -8,9 +8,7 @@
 #include "host/runtime/Dictionary.hpp"
 #include "host/runtime/MemoryBlock.hpp"
 
-#include <chrono>
 #include <cstring>
-#include <thread>
 
 namespace {
 
@@ -287,31 +285,6 @@ TEST_F(Properties, TheEstimatedLengthIsThePlatforms) {
     const auto blocks = get<uint64_t>(track, "estimateLength as UInt64");
     EXPECT_EQ(blocks, (send<"estimateLength", uint64_t>(frame::held(track.get()))));
     EXPECT_GT(blocks, 16u) << "a file system has at least its descriptors";
-}
-
-// ---- layouts of several tracks -----------------------------------------------------------------------
-
-TEST_F(Properties, AnArrayOfTracksIsBurned) {
-    const Ref tracks = host::newArray(host::typeNamed("Object"));
-    for (const Value& element : {Value(track), Value(), Value(make("DRTrackQRX"))})
-        host::arrayAppend(tracks.get(), element);
-    call<void>("DRBurnQRX", "writeLayout(tracks() as DRTrackQRX)", burn.get(), handleOf(tracks));
-    EXPECT_EQ(raised(), std::nullopt);
-    std::string state;
-    for (int i = 0; i < 1000 && state != "DRStatusStateDone" && state != "DRStatusStateFailed"; ++i) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        const Ref status = Ref::adopt(get<REALobject>(burn, "status as dictionary"));
-        state = host::dictionaryGet(status.get(), "DRStatusStateKey").toText();
-    }
-    EXPECT_EQ(state, "DRStatusStateDone");
-}
-
-TEST_F(Properties, AnArrayOfTracksOnAnEmptyBurnDoesNothing) {
-    const Ref tracks = host::newArray(host::typeNamed("Object"));
-    const Ref empty = make("DRBurnQRX");
-    call<void>("DRBurnQRX", "writeLayout(tracks() as DRTrackQRX)", empty.get(), handleOf(tracks));
-    call<void>("DRBurnQRX", "writeLayout(tracks() as DRTrackQRX)", empty.get(), REALarray{nullptr});
-    EXPECT_EQ(raised(), std::nullopt);
 }
 
 } // namespace

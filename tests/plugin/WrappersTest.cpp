@@ -5,6 +5,7 @@
 #include "plugin/objc/ClassBuilder.hpp"
 #include "plugin/objc/Ownership.hpp"
 #include "tests/plugin/Companion.hpp"
+#include "tests/plugin/HostClasses.hpp"
 #include "tests/plugin/PluginTest.hpp"
 
 namespace {
@@ -176,23 +177,10 @@ TEST_F(WithRegistry, NoPlatformArrayFillsNothing) {
 
 // ---- by the name of the class ------------------------------------------------------------------------
 
-// A host class named after a platform class, as a companion registers it.
-void registerHostClass(const char* name) {
-    static REALclassDefinition records[4];
-    static std::size_t used = 0;
-    REALclassDefinition& record = records[used++];
-    record.version = kREALPluginVersion;
-    record.name = name;
-    record.dataSize = 16;
-    record.flags = kREALClassFlags;
-    record.destructor = [](REALobject object) { releaseHeld(object); };
-    REALRegisterClass(&record);
-}
-
 TEST_F(WithRegistry, AnObjectOfASubclassBecomesTheHostClassOfItsNearestNamedAncestor) {
     objc::ClassBuilder("NSObject", "TestImage").finish();
     objc::ClassBuilder("TestImage", "TestScaledImage").finish();
-    registerHostClass("TestImageQRX");
+    registerHolderClass("TestImageQRX");
     const Adopted image(objc::sendClass<"TestScaledImage", "new">());
     const Ref first = Ref::adopt(NewNSObjectQRX(image.get())),
               second = Ref::adopt(NewNSObjectQRX(image.get()));
@@ -216,8 +204,8 @@ TEST_F(WithRegistry, ClassNamesOfTwoHundredCharactersAreSkippedAndShorterOnesAre
     static const std::string longHost = longName + "QRX", shortHost = shortName + "QRX";
     objc::ClassBuilder("NSObject", shortName.c_str()).finish();
     objc::ClassBuilder(shortName.c_str(), longName.c_str()).finish();
-    registerHostClass(longHost.c_str());
-    registerHostClass(shortHost.c_str());
+    registerHolderClass(longHost.c_str());
+    registerHolderClass(shortHost.c_str());
     const Id cls = reinterpret_cast<Id>(objc::objc_getClass(longName.c_str()));
     const Adopted object(objc::send<"new">(cls));
     const Ref wrapped = Ref::adopt(NewNSObjectQRX(object.get()));
