@@ -117,7 +117,7 @@ void BurnRun::writeTrack(BurnTarget& target, const std::shared_ptr<DataImage>& i
     const uint64_t total = image->blocks() * blockSize;
     enter(BurnState::TrackWrite, total);
     signal_->check();
-    checksums_.reserve(total / checkedBytes + 1);
+    checksums_.reserve(static_cast<size_t>(total / checkedBytes + 1));
     Pipeline pipeline(signal_, "disc-read", isVerified, [image, keep = layout_](std::span<std::byte> buffer) {
         const size_t count = image->read(buffer);
         if (count == 0) image->checkSources();

@@ -2,6 +2,7 @@
 #include "ImageTree.hpp"
 #include "ExtentStream.h"
 #include "Failure.hpp"
+#include "NodeTimes.hpp"
 
 #include <algorithm>
 #include <cerrno>
@@ -324,18 +325,18 @@ class TreeBuilder {
         iso_node_set_permissions(node, status.st_mode & 07777);
         iso_node_set_uid(node, status.st_uid);
         iso_node_set_gid(node, status.st_gid);
-        iso_node_set_mtime(node, status.st_mtime);
-        iso_node_set_atime(node, status.st_atime);
-        iso_node_set_ctime(node, status.st_ctime);
+        setModified(node, status.st_mtime);
+        setAccessed(node, status.st_atime);
+        setChanged(node, status.st_ctime);
     }
 
     void setVirtual(IsoNode* node, const Attributes& attributes, mode_t mode) {
         iso_node_set_permissions(node, mode);
         iso_node_set_uid(node, 0);
         iso_node_set_gid(node, 0);
-        iso_node_set_mtime(node, now_);
-        iso_node_set_atime(node, now_);
-        iso_node_set_ctime(node, now_);
+        setModified(node, now_);
+        setAccessed(node, now_);
+        setChanged(node, now_);
         apply(node, attributes);
     }
 
@@ -343,9 +344,9 @@ class TreeBuilder {
         if (attributes.mode) iso_node_set_permissions(node, *attributes.mode & 07777);
         if (attributes.owner) iso_node_set_uid(node, *attributes.owner);
         if (attributes.group) iso_node_set_gid(node, *attributes.group);
-        if (attributes.modified) iso_node_set_mtime(node, *attributes.modified);
-        if (attributes.accessed) iso_node_set_atime(node, *attributes.accessed);
-        if (attributes.changed) iso_node_set_ctime(node, *attributes.changed);
+        if (attributes.modified) setModified(node, *attributes.modified);
+        if (attributes.accessed) setAccessed(node, *attributes.accessed);
+        if (attributes.changed) setChanged(node, *attributes.changed);
     }
 
     IsoImage* image_;

@@ -62,6 +62,20 @@ TEST_F(ReadBackTest, aMixedTreeIsOnTheDiscAsItWas) {
     EXPECT_EQ(medium->sessions.at(0).tracks.at(0).volumeName, "Grüße 2024");
 }
 
+// A 32-bit libisofs has no later time than the first of these years (NodeTimes.hpp).
+TEST_F(ReadBackTest, aFileFromAfter2038KeepsTheYearThatTheLibraryCanSay) {
+    write("later.txt", "later");
+    setTime(source / "later.txt", time_t{2'223'000'000}); // in June 2040
+    EXPECT_DONE(burn(makeDrive(), layout()));
+    FILE* pipe = ::popen(("bsdtar -tvf '" + image().string() + "' later.txt").c_str(), "r");
+    std::string text;
+    char part[512];
+    while (std::fgets(part, sizeof part, pipe) != nullptr)
+        text += part;
+    EXPECT_EQ(::pclose(pipe), 0);
+    EXPECT_NE(text.find(sizeof(void*) == 4 ? " 2038 ./later.txt" : " 2040 ./later.txt"), text.npos) << text;
+}
+
 TEST_F(ReadBackTest, namesOfAnyBytesSurviveInRockRidge) {
     write("bad\xff\xfename", "bytes");
     write("fine", "fine");
