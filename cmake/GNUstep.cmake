@@ -8,8 +8,11 @@ find_program(GNUSTEP_CONFIG gnustep-config REQUIRED)
 execute_process(COMMAND ${GNUSTEP_CONFIG} --variable=GNUSTEP_SYSTEM_HEADERS
     OUTPUT_VARIABLE gnustep_headers OUTPUT_STRIP_TRAILING_WHITESPACE)
 find_library(GNUSTEP_BASE gnustep-base REQUIRED)
-find_library(OBJC_RUNTIME objc REQUIRED PATH_SUFFIXES gcc/${CMAKE_LIBRARY_ARCHITECTURE}/12
-    PATHS /usr/lib/gcc/${CMAKE_LIBRARY_ARCHITECTURE}/12)
+# The compiler knows the folder of its own runtime; its name is not that of the machine everywhere.
+execute_process(COMMAND ${CMAKE_OBJC_COMPILER} -print-file-name=libobjc.so
+    OUTPUT_VARIABLE objc_runtime OUTPUT_STRIP_TRAILING_WHITESPACE)
+get_filename_component(objc_folder ${objc_runtime} DIRECTORY)
+find_library(OBJC_RUNTIME objc REQUIRED PATHS ${objc_folder})
 
 # What every Objective-C file of the platform is compiled with.
 add_library(gnustep_flags INTERFACE)
