@@ -203,7 +203,7 @@ OSStatus FSRefMakePath(const FSRef* ref, UInt8* path, UInt32 size);
  * volume is 2, and its parent reference is all zeros. */
 OSErr FSGetCatalogInfo(const FSRef* ref, FSCatalogInfoBitmap whichInfo, FSCatalogInfo* info,
                        HFSUniStr255* name, FSSpec* spec, FSRef* parent);
-/* The item that a specification names. */
+/* The item that an FSSpec names. */
 OSErr FSpMakeFSRef(const FSSpec* spec, FSRef* ref);
 
 /* ---- URLs ---------------------------------------------------------------------------------------------- */

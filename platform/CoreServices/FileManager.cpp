@@ -164,7 +164,7 @@ void setSpec(FSSpec& spec, const std::string& path, const struct stat& status) {
     std::memcpy(spec.name + 1, name.data(), name.size());
 }
 
-// The long name that a specification abbreviates, when this process abbreviated it.
+// The long name that an FSSpec abbreviates, when this process abbreviated it.
 std::optional<std::string> unabbreviated(const std::string& folder, const std::string& name) {
     const size_t mark = name.rfind('#');
     if (mark == std::string::npos || name.size() != longestSpecName) return {};

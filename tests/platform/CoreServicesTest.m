@@ -314,7 +314,7 @@ static void TestSpecifications(const char* folder) {
         const char* path = In(folder, names[i]);
         Touch(path);
         FSRef from = RefOf(path);
-        PASS("has a specification", FSGetCatalogInfo(&from, 0, NULL, NULL, &spec, NULL) == noErr);
+        PASS("has an FSSpec", FSGetCatalogInfo(&from, 0, NULL, NULL, &spec, NULL) == noErr);
         PASS("that leads back", FSpMakeFSRef(&spec, &ref) == noErr && strcmp(PathOf(&ref), path) == 0);
         unlink(path);
         PASS("only while the file is there", FSpMakeFSRef(&spec, &ref) == fnfErr);

@@ -40,7 +40,7 @@ struct ArrayMethod {
 const ArrayMethod* findArrayMethod(std::string_view lowerName, size_t arguments);
 bool isArrayMethod(std::string_view lowerName);
 
-/// Classes that are written with the runtime's class specifications: text and binary files.
+/// Classes that are written with the runtime's class records: text and binary files.
 void defineLibraryClasses();
 
 /// The program's arguments and file, for App.
