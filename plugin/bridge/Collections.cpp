@@ -47,8 +47,8 @@ Id NewNSDictionary(REALdictionary dictionary) {
         // Fetched for a nil key too, and dropped then.
         const HostReference value(GetDictionaryValue(dictionary, key.get()));
         if (!key) continue;
-        send<"setObject:forKey:", void>(made, orNull(GetVariantAsNSObject(value.get())),
-                                        orNull(GetVariantAsNSObject(key.get())));
+        const Id platformKey = orNull(GetVariantAsNSObject(key.get()));
+        send<"setObject:forKey:", void>(made, orNull(GetVariantAsNSObject(value.get())), platformKey);
     }
     return made;
 }

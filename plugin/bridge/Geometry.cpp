@@ -5,6 +5,8 @@
 #include "plugin/frame/InstanceData.hpp"
 #include "plugin/objc/Message.hpp"
 
+#include <string>
+
 namespace {
 
 using objc::Id;
@@ -27,13 +29,13 @@ Structure heldIn(REALobject object) {
 // follow the width of a word.
 struct GeometryKind {
     std::string_view type;
-    std::string_view platformType;
+    std::string platformType;
     REALobject (*convert)(Id value);
 };
 
-std::string_view typeOf(Id value) {
+std::string typeOf(Id value) {
     const auto type = send<"objCType", const char*>(value);
-    return type ? type : std::string_view();
+    return type ? type : "";
 }
 
 const GeometryKind* geometryKinds() {

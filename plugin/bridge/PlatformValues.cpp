@@ -55,7 +55,8 @@ Id fromDateVariant(REALvariant variant) {
     return NewNSDate(date);
 }
 
-// Each element is added as it was converted: what converts to nil is the platform's to refuse.
+// Each element is added as it was converted: what converts to nil (a missing text included) is the platform's to
+// refuse.
 template <class Element, Id (*convert)(Element)>
 Id fromArray(REALvariant variant) {
     const Nesting nesting(variant);

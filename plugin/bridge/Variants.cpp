@@ -11,6 +11,7 @@
 #include "plugin/bridge/Wrappers.hpp"
 #include "plugin/objc/Message.hpp"
 
+#include <string>
 #include <string_view>
 
 namespace {
@@ -24,9 +25,8 @@ std::string_view typeOf(Id value) {
 }
 
 // The text by which the platform's booleans tell themselves from small numbers; it differs between platforms.
-std::string_view booleanType() {
-    static const std::string_view type =
-        typeOf(objc::sendClass<"NSNumber", "numberWithBool:">(objc::Boolean{1}));
+const std::string& booleanType() {
+    static const std::string type(typeOf(objc::sendClass<"NSNumber", "numberWithBool:">(objc::Boolean{1})));
     return type;
 }
 

@@ -171,6 +171,12 @@ TEST_F(ToPlatform, AnElementThatConvertsToNilIsThePlatformsToRefuse) {
     EXPECT_EQ(harness::references(element.get()), 2u) << "the array's and the test's";
 }
 
+TEST_F(ToPlatform, ATextThatIsMissingInAnArrayIsRefusedAndAnEmptyOneIsNot) {
+    EXPECT_EQ(text(elementAt(GetVariantAsNSObject(arrayOf("String", {""}).get()), 0)), "");
+    const Ref missing = host::newArray(host::typeNamed("String"), 0); // one element that was never set
+    EXPECT_NE(objc::caughtIn([&] { GetVariantAsNSObject(missing.get()); }), nullptr);
+}
+
 TEST_F(ToPlatform, AnArrayThatContainsItselfIsRefused) {
     const Ref array = arrayOf("Variant", {1});
     host::arrayAppend(array.get(), Value(array));
