@@ -1,5 +1,6 @@
 // DRConstants.m: every string and speed constant, defined from the lists that declare them.
 #import "DRBurnConstants.h"
+#import "DRCDTextConstants.h"
 #import "DRDeviceConstants.h"
 #import "DREraseConstants.h"
 #import "DRFSObjectConstants.h"
@@ -8,6 +9,7 @@
 
 DR_DEVICE_STRINGS(DR_DEFINE_STRING)
 DR_BURN_STRINGS(DR_DEFINE_STRING)
+DR_CDTEXT_STRINGS(DR_DEFINE_STRING)
 DR_STATUS_STRINGS(DR_DEFINE_STRING)
 DR_ERASE_STRINGS(DR_DEFINE_STRING)
 DR_TRACK_STRINGS(DR_DEFINE_STRING)

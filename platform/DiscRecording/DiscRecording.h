@@ -4,6 +4,8 @@
 
 #import "DRBurn.h"
 #import "DRBurnConstants.h"
+#import "DRCDTextBlock.h"
+#import "DRCDTextConstants.h"
 #import "DRDevice.h"
 #import "DRDeviceConstants.h"
 #import "DREraseConstants.h"

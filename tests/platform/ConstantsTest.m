@@ -18,12 +18,14 @@ int main(void) {
     NSAutoreleasePool* pool = [NSAutoreleasePool new];
     DR_DEVICE_STRINGS(CHECK)
     DR_BURN_STRINGS(CHECK)
+    DR_CDTEXT_STRINGS(CHECK)
     DR_STATUS_STRINGS(CHECK)
     DR_ERASE_STRINGS(CHECK)
     DR_TRACK_STRINGS(CHECK)
     DR_FSOBJECT_STRINGS(CHECK)
     DR_FILE_STRINGS(CHECK)
     PASS("all of a device's", (0 DR_DEVICE_STRINGS(COUNT)) == 119);
+    PASS("all of CD-Text's", (0 DR_CDTEXT_STRINGS(COUNT)) == 20);
     PASS("all of a track's", (0 DR_TRACK_STRINGS(COUNT)) == 62);
     PASS("all of a file system object's", (0 DR_FSOBJECT_STRINGS(COUNT)) == 45);
     NSString* const* older = (NSString* const*)dlsym(RTLD_DEFAULT, "kDRPreGapIsRequiredKey");
