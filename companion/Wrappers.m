@@ -36,7 +36,8 @@ static NSIndexSet* indexesOf(REALobject self) { return held(self); }
 static void constructIndexes(REALobject self, NSUInteger first, NSUInteger count) {
     if (held(self) != nil)
         return raiseConstructedTwice();
-    GUARDED_VOID(*slot(self) = [[NSIndexSet alloc] initWithIndexesInRange:NSMakeRange(first, count)])
+    // A range that goes too far is refused before anything is made.
+    GUARDED_VOID(*slot(self) = [[NSIndexSet indexSetWithIndexesInRange:NSMakeRange(first, count)] retain])
 }
 
 static NSUInteger indexCount(REALobject self) { GUARDED(NSUInteger, [indexesOf(self) count]) }

@@ -127,7 +127,7 @@ TEST_F(UserInfo, HasObjectsByTheNameOfTheirClassAndNilWhereThereIsNone) {
     EXPECT_EQ(wrapped.typeName(), "NSIndexSetQRX");
     EXPECT_EQ(slot(wrapped.object()), set);
     EXPECT_TRUE(ofValue(objc::sendClass<"NSNull", "null">()).isNil());
-    EXPECT_TRUE(ofValue(objc::sendClass<"NSObject", "new">()).isNil());
+    EXPECT_TRUE(ofValue(objc::send<"autorelease">(objc::sendClass<"NSObject", "new">())).isNil());
 }
 
 TEST_F(UserInfo, HasTheVeryHostObjectThatWasBoxed) {
