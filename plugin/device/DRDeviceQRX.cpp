@@ -8,7 +8,24 @@
 #include "plugin/frame/Classes.hpp"
 #include "plugin/frame/HostServices.hpp"
 
-extern "C" __attribute__((weak)) const objc::Id DRDevicePhysicalInterconnectKey;
+// ---- constants -------------------------------------------------------------------------------------------
+
+DEVICE_STRINGS(STRING_CONSTANT_GETTER)
+
+#define DEVICE_SPEEDS(X)                                                                                     \
+    X(DRDeviceBurnSpeedCD1x)                                                                                 \
+    X(DRDeviceBurnSpeedDVD1x)                                                                                \
+    X(DRDeviceBurnSpeedBD1x)                                                                                 \
+    X(DRDeviceBurnSpeedHDDVD1x)                                                                              \
+    X(DRDeviceBurnSpeedMax)
+
+// KB/s with 1000 bytes each, as the platform has them; 0 where it lacks one.
+#define SPEED_GETTER(name)                                                                                   \
+    extern "C" __attribute__((weak)) const float name;                                                       \
+    static float get##name() { return &name ? name : 0; }
+#define SPEED_ROW(name) frame::sharedMethod<#name " as single", get##name>(),
+
+DEVICE_SPEEDS(SPEED_GETTER)
 
 namespace {
 
@@ -68,25 +85,6 @@ REALobject mediaSpaceUsed(REALobject self) { return ask<MSF, "mediaSpaceUsed">(s
 REALobject mediaSpaceOverwritable(REALobject self) { return ask<MSF, "mediaSpaceOverwritable">(self); }
 REALdictionary info(REALobject self) { return ask<Dictionary, "info">(self); }
 REALdictionary status(REALobject self) { return ask<Dictionary, "status">(self); }
-
-// ---- constants -------------------------------------------------------------------------------------------
-
-DEVICE_STRINGS(STRING_CONSTANT_GETTER)
-
-#define DEVICE_SPEEDS(X)                                                                                     \
-    X(DRDeviceBurnSpeedCD1x)                                                                                 \
-    X(DRDeviceBurnSpeedDVD1x)                                                                                \
-    X(DRDeviceBurnSpeedBD1x)                                                                                 \
-    X(DRDeviceBurnSpeedHDDVD1x)                                                                              \
-    X(DRDeviceBurnSpeedMax)
-
-// KB/s with 1000 bytes each, as the platform has them; 0 where it lacks one.
-#define SPEED_GETTER(name)                                                                                   \
-    extern "C" __attribute__((weak)) const float name;                                                       \
-    float get##name() { return &name ? name : 0; }
-#define SPEED_ROW(name) frame::sharedMethod<#name " as single", get##name>(),
-
-DEVICE_SPEEDS(SPEED_GETTER)
 
 // ---- look-ups --------------------------------------------------------------------------------------------
 
