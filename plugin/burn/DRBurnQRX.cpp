@@ -8,13 +8,13 @@
 #include "plugin/burn/BurnStrings.hpp"
 #include "plugin/frame/Classes.hpp"
 
+BURN_STRINGS(STRING_CONSTANT_GETTER)
+
 namespace {
 
 using namespace bridge;
 
 using Speed = Number<float>;
-
-BURN_STRINGS(STRING_CONSTANT_GETTER)
 
 REALdictionary status(REALobject self) { return ask<Dictionary, "status">(self); }
 REALdictionary properties(REALobject self) { return ask<Dictionary, "properties">(self); }

@@ -4,6 +4,8 @@
 #include "plugin/frame/Classes.hpp"
 #include "plugin/fs/FSObjectStrings.hpp"
 
+FSOBJECT_STRINGS(STRING_CONSTANT_GETTER)
+
 namespace {
 
 using namespace bridge;
@@ -13,8 +15,6 @@ REALstring sourcePath(REALobject self) { return ask<String, "sourcePath">(self);
 REALstring baseName(REALobject self) { return ask<String, "baseName">(self); }
 void setBaseName(REALobject self, REALstring value) { tell<"setBaseName:", String>(self, value); }
 REALboolean isVirtual(REALobject self) { return ask<Boolean, "isVirtual">(self); }
-
-FSOBJECT_STRINGS(STRING_CONSTANT_GETTER)
 
 void DRFSObjectConstructor(REALobject self) { constructWrapper(self); }
 void DRFSObjectDestructor(REALobject self) { destroyWrapper(self); }

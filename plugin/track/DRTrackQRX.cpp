@@ -9,11 +9,11 @@
 // The older of the key's two names.
 extern "C" __attribute__((weak)) const objc::Id kDRPreGapIsRequiredKey;
 
+TRACK_STRINGS(STRING_CONSTANT_GETTER)
+
 namespace {
 
 using namespace bridge;
-
-TRACK_STRINGS(STRING_CONSTANT_GETTER)
 
 uint64_t estimateLength(REALobject self) { return ask<Number<uint64_t>, "estimateLength">(self); }
 
