@@ -7,7 +7,23 @@
 
 #include "host/runtime/FolderItem.hpp"
 
+#include <dlfcn.h>
+
 extern "C" int32_t FSPathMakeRef(const uint8_t* path, FSRef* ref, unsigned char* isDirectory);
+
+// Stands before the platform's own, and passes everything on. A platform may give the root of a volume a parent
+// that is there; this one does when a test wants it.
+static const char* parentOfRoots = nullptr;
+
+extern "C" int16_t FSGetCatalogInfo(const FSRef* ref, uint32_t whichInfo, FSCatalogInfo* info,
+                                    HFSUniStr255* name, FSSpec* spec, FSRef* parent) {
+    static const auto platform =
+        reinterpret_cast<decltype(&FSGetCatalogInfo)>(dlsym(RTLD_NEXT, "FSGetCatalogInfo"));
+    const int16_t result = platform(ref, whichInfo, info, name, spec, parent);
+    if (parentOfRoots && result == 0 && parent && (whichInfo & kFSCatInfoNodeID) && info->nodeID == fsRtDirID)
+        FSPathMakeRef(reinterpret_cast<const uint8_t*>(parentOfRoots), parent, nullptr);
+    return result;
+}
 
 namespace {
 
@@ -161,6 +177,13 @@ TEST_F(Files, TheRootOfAVolumeIsDeliberatelyMadeOfItsFileSpecification) {
     harness::withdraw("REALFolderItemFromParentFSRef");
     EXPECT_EQ(itemPath(fileURL("/")), "/");
     EXPECT_EQ(itemPath(fileURL(scratch / "there.txt")), "no item") << "only roots go that way";
+}
+
+TEST_F(Files, TheRootOfAVolumeIsMadeThatWayAlsoWhenItHasAParent) {
+    parentOfRoots = "/tmp";
+    EXPECT_EQ(itemPath(fileURL("/")), "/");
+    harness::withdraw("REALFolderItemFromParentFSRef");
+    EXPECT_EQ(itemPath(fileURL("/")), "/");
 }
 
 TEST_F(FilesWithout, FileSpecificationsARootIsNull) {
