@@ -93,11 +93,14 @@ TEST(CDText, TheGenresCodeMayStandInEachPack) {
 // Packs with right checksums and wild contents: whatever they say, they are read or refused.
 TEST(CDText, WildPacksWithRightChecksumsAreReadOrRefused) {
     uint64_t seed = 1;
-    const auto next = [&] { return (seed = seed * 6364136223846793005u + 1442695040888963407u) >> 33; };
+    const auto next = [&] {
+        seed = seed * 6364136223846793005u + 1442695040888963407u;
+        return static_cast<size_t>(seed >> 33);
+    };
     int refused = 0, read = 0;
     for (int round = 0; round < 20000; ++round) {
         Bytes packs = round % 2 == 0 ? wideBlock : twoBlocks;
-        for (uint64_t change = next() % 4; change > 0; --change) {
+        for (size_t change = next() % 4; change > 0; --change) {
             const size_t pack = next() % (packs.size() / packBytes);
             packs = changed(std::move(packs), pack, next() % 16, static_cast<uint8_t>(next()));
         }

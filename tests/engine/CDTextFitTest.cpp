@@ -80,7 +80,10 @@ TEST(CDText, DoubleBytesAreCutBetweenCharacters) {
     const CDTextBlock block = titles(60, CDTextCharacters::ShiftJIS);
     EXPECT_EQ(engine::cdTextBytesCut(block) % 2, 0u);
     EXPECT_GT(engine::cdTextBytesCut(block), 0u);
-    for (const std::string& text : readBack(written({block}))[0].texts.at(CDTextType::Title))
+    const auto back = readBack(written({block}));
+    ASSERT_EQ(back.size(), 1u);
+    EXPECT_EQ(back[0].texts.at(CDTextType::Title).size(), 100u);
+    for (const std::string& text : back[0].texts.at(CDTextType::Title))
         EXPECT_EQ(text.size() % 2, 0u);
 }
 
