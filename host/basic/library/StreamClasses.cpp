@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <sys/stat.h>
 
 namespace host::basic {
 
@@ -29,11 +30,11 @@ Value makeStream(const char* className, const Value& item, const char* mode, con
     FILE* file = std::fopen(path.c_str(), mode);
     if (!file) refuse("'" + path + "' can't be " + doing);
     // A folder can be opened for reading, but not read.
-    if (std::fseek(file, 0, SEEK_END) == 0 && std::ftell(file) == INT64_MAX) {
+    struct stat status {};
+    if (::fstat(::fileno(file), &status) == 0 && S_ISDIR(status.st_mode)) {
         std::fclose(file);
         raise("IOException", "'" + path + "' can't be " + doing + ": it is a folder");
     }
-    if (*mode != 'a') std::rewind(file);
     Value made = Value::adopt(newObject(requireClass(className)));
     handleOf(made.object()) = Value(static_cast<int64_t>(reinterpret_cast<intptr_t>(file)));
     return made;

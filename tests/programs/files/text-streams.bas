@@ -34,7 +34,7 @@ Try
     inp = TextInputStream.Open(folder)
     Print inp.ReadLine
 Catch e As IOException
-    Print "folder" ' expect: folder
+    Print InStr(e.Message, "it is a folder") > 0 ' expect: True
 End Try
 Try
     inp = TextInputStream.Open(Nil)
