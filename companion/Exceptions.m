@@ -10,13 +10,13 @@
 static const char HostClass[] = "NSExceptionQRX";
 
 REALobject newHostException(NSException* exception) {
+    // What may raise is asked before anything is made.
+    REALstring message = hostString([exception reason]);
     REALobject made = newHolder(HostClass, exception);
     if (made == NULL)
         made = host.PluginNewInstance("RuntimeException");
-    if (made == NULL)
-        return NULL;
-    REALstring message = hostString([exception reason]);
-    host.REALSetPropValueString(made, "Message", message);
+    if (made != NULL)
+        host.REALSetPropValueString(made, "Message", message);
     if (message != NULL)
         host.REALUnlockString(message);
     return made;

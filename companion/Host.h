@@ -24,7 +24,8 @@ BOOL hasHost(void);
 
 // ---- strings -------------------------------------------------------------------------------------------
 
-// A new host string in UTF-8; null for nil. Units that are no text (half a surrogate pair) are replaced.
+// A new host string in UTF-8; null for nil, for text that has no bytes to give, and for 2 GiB of them and more.
+// Units that are no text (half a surrogate pair) are replaced.
 REALstring hostString(NSString* text);
 // A platform string of the current pool; the empty one for null.
 NSString* platformString(REALstring text);
@@ -39,7 +40,7 @@ NSString* platformString(REALstring text);
 // What every class record says; name, data and members follow it.
 #define CLASS_BASICS .version = kREALPluginVersion, .flags = kREALClassFlags
 
-// Raises a host exception of that class with the message.
+// Raises a host exception of that class with the message; a RuntimeException on a host without that class.
 void raiseHostException(const char* className, NSString* message);
 // Raised by a constructor that is called on an object that has its platform object already.
 void raiseConstructedTwice(void);

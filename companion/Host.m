@@ -46,6 +46,9 @@ REALstring hostString(NSString* text) {
     if (text == nil)
         return NULL;
     NSData* bytes = [text dataUsingEncoding:NSUTF8StringEncoding allowLossyConversion:YES];
+    // The host counts bytes with 31 bits.
+    if (bytes == nil || [bytes length] > INT32_MAX)
+        return NULL;
     REALstring made = host.REALBuildString([bytes bytes], (int32_t)[bytes length]);
     if (made != NULL)
         host.REALSetStringEncoding(made, kREALEncodingUTF8);
@@ -60,6 +63,8 @@ NSString* platformString(REALstring text) {
 
 void raiseHostException(const char* className, NSString* message) {
     REALobject exception = host.PluginNewInstance(className);
+    if (exception == NULL)
+        exception = host.PluginNewInstance("RuntimeException");
     if (exception == NULL)
         return;
     REALstring text = hostString(message);

@@ -40,13 +40,19 @@ static void construct(REALobject self, NSString* platformClass, REALstring title
                                                                     styleMask:TitledClosableResizable
                                                                       backing:BackedByABuffer
                                                                         defer:YES];
-    *slot(self) = window;
-    // Bounds are those of the whole window, as they are read; it was made by what lies inside its frame.
-    if (bounds != NULL)
-        [window setFrame:rectOf(bounds) display:NO];
-    // The host object owns the window, also when a person has closed it.
-    [window setReleasedWhenClosed:NO];
-    [window setTitle:platformString(title)];
+    // The slot is filled last: an object has a finished window or none, and may be constructed again.
+    @try {
+        // The host object owns the window, also when a person has closed it.
+        [window setReleasedWhenClosed:NO];
+        // Bounds are those of the whole window, as they are read; it was made by what lies inside its frame.
+        if (bounds != NULL)
+            [window setFrame:rectOf(bounds) display:NO];
+        [window setTitle:platformString(title)];
+        *slot(self) = window;
+        window = nil;
+    } @finally {
+        [window release];
+    }
 }
 
 static void constructWindow(REALobject self, REALstring title, REALobject bounds) {

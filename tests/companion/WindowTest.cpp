@@ -18,11 +18,19 @@ struct Told {
     bool visible = false;
     bool releasedWhenClosed = true;
     bool raises = false;
+    Id window = nullptr;
+    bool ownedWhenFramed = false; // by the host object, when the frame was set
 };
 Told told;
+bool refusesTitles = false;
+
+void raiseWindowException(const char* reason) {
+    objc::send<"raise", void>(objc::sendClass<"NSException", "exceptionWithName:reason:userInfo:">(
+        nsString("WindowException"), nsString(reason), Id(nullptr)));
+}
 
 Id initWith(Id self, objc::Sel, Rect rect, unsigned long, unsigned long, objc::Boolean) {
-    told = {.frame = rect};
+    told = {.frame = rect, .window = self};
     told.frame.height += 20; // a bar with the title
     return self;
 }
@@ -31,14 +39,21 @@ void show(Id, objc::Sel, Id) { told.visible = true; }
 void hide(Id, objc::Sel, Id) { told.visible = false; }
 objc::Boolean isVisible(Id, objc::Sel) { return told.visible; }
 Id title(Id, objc::Sel) { return told.title; }
-void setTitle(Id, objc::Sel, Id text) { told.title = text; }
+void setTitle(Id self, objc::Sel, Id text) {
+    if (refusesTitles) {
+        objc::send<"retain">(self); // the test's own reference
+        raiseWindowException("no title today");
+    }
+    told.title = text;
+}
 Rect frame(Id, objc::Sel) {
-    if (told.raises)
-        objc::send<"raise", void>(objc::sendClass<"NSException", "exceptionWithName:reason:userInfo:">(
-            nsString("WindowException"), nsString("no frame today"), Id(nullptr)));
+    if (told.raises) raiseWindowException("no frame today");
     return told.frame;
 }
-void setFrame(Id, objc::Sel, Rect rect, objc::Boolean) { told.frame = rect; }
+void setFrame(Id, objc::Sel, Rect rect, objc::Boolean) {
+    told.frame = rect;
+    told.ownedWhenFramed = !told.releasedWhenClosed;
+}
 
 // A platform class that stands for the window library's.
 void addWindowClass(const char* name) {
@@ -75,6 +90,7 @@ TEST_F(Windows, AreMadeWithTitleAndBoundsAndOwnedByTheHostObject) {
     EXPECT_EQ(told.frame, (Rect{1, 2, 30, 40}));
     EXPECT_EQ(ask(window, "title").toText(), "Größe");
     EXPECT_FALSE(told.releasedWhenClosed);
+    EXPECT_TRUE(told.ownedWhenFramed) << "before anything else is asked of it";
     EXPECT_EQ(retains(slot(window.object())), 1u);
 }
 
@@ -119,6 +135,21 @@ TEST_F(Windows, WhatAWindowRaisesReachesTheProgram) {
     const Value window = make("NSWindowQRX", {"", Value()});
     told.raises = true;
     EXPECT_EQ(raisedBy([&] { ask(window, "bounds"); }), "NSExceptionQRX: no frame today");
+}
+
+TEST_F(Windows, AWindowThatRaisesWhileItIsMadeIsReleasedAndTheObjectStaysEmpty) {
+    const Value window = make("NSWindowQRX");
+    refusesTitles = true;
+    EXPECT_EQ(raisedBy([&] {
+                  ask(window, "Constructor", {"One", Value()});
+              }),
+              "NSExceptionQRX: no title today");
+    EXPECT_EQ(slot(window.object()), nullptr);
+    EXPECT_EQ(retains(told.window), 1u) << "the test's own";
+    objc::send<"release", void>(told.window);
+    refusesTitles = false;
+    ask(window, "Constructor", {"Two", Value()});
+    EXPECT_EQ(ask(window, "title").toText(), "Two");
 }
 
 // ---- what panels of other plug-ins rely on -----------------------------------------------------------

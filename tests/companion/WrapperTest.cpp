@@ -86,4 +86,14 @@ TEST_F(Wrappers, AreConstructedOnce) {
     EXPECT_EQ(raisedBy([] { ask(make("NSCharacterSetQRX", {"a"}), "Constructor", {"b"}); }), sentence);
 }
 
+TEST_F(Wrappers, OnAHostWithoutTheNamedExceptionARuntimeExceptionIsRaised) {
+    const Value set = make("NSIndexSetQRX", {3, 4});
+    harness::hideClass("UnsupportedOperationException");
+    EXPECT_EQ(raisedBy([&] {
+                  ask(set, "Constructor", {1, 1});
+              }),
+              "RuntimeException: Constructor called too often. Object is already initialized.");
+    EXPECT_EQ(ask(set, "count").toInt32(), 4);
+}
+
 } // namespace
