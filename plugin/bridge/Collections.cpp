@@ -6,6 +6,8 @@
 #include "plugin/frame/InstanceData.hpp"
 #include "plugin/objc/Message.hpp"
 
+#include <algorithm>
+
 namespace {
 
 using objc::Id;
@@ -55,7 +57,8 @@ Id NewNSDictionary(REALdictionary dictionary) {
 
 Id CreateNSObjectArray(REALarray array, bool nilWhenEmpty) {
     if (!array) return nullptr;
-    const int32_t last = REALGetArrayUBound(array);
+    // Never below an empty array's, whatever a host answers: the capacity is unsigned.
+    const int32_t last = std::max(REALGetArrayUBound(array), -1);
     if (nilWhenEmpty && last == -1) return nullptr;
     const Id made =
         objc::sendClass<"NSMutableArray", "arrayWithCapacity:">(static_cast<unsigned long>(last + 1));

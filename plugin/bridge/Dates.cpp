@@ -1,7 +1,7 @@
 // Dates.cpp: host dates by their six parts, platform dates by their calendar.
 #include "plugin/bridge/Dates.hpp"
 
-#include "plugin/frame/HostServices.hpp"
+#include "plugin/bridge/HostReference.hpp"
 #include "plugin/objc/Ownership.hpp"
 
 namespace {
@@ -39,16 +39,23 @@ REALobject NSDateRB(Id date) {
     const Id calendar = objc::autoreleased(objc::send<"initWithTimeIntervalSinceReferenceDate:">(
         objc::alloc<"NSCalendarDate">(), send<"timeIntervalSinceReferenceDate", double>(date)));
     if (!calendar) return nullptr;
-    const REALobject made = REALnewInstance("Date");
+    HostReference made(REALnewInstance("Date"));
     if (!made) return nullptr;
-    const auto set = [made](const char* name, long part) {
-        REALSetPropValueInt32(made, name, static_cast<int32_t>(part));
+    const long year = send<"yearOfCommonEra", long>(calendar);
+    const long month = send<"monthOfYear", long>(calendar);
+    const long day = send<"dayOfMonth", long>(calendar);
+    const long second = send<"secondOfMinute", long>(calendar);
+    const long minute = send<"minuteOfHour", long>(calendar);
+    const long hour = send<"hourOfDay", long>(calendar);
+    const auto set = [&made](const char* name, long part) {
+        REALSetPropValueInt32(made.get(), name, static_cast<int32_t>(part));
     };
-    set("Year", send<"yearOfCommonEra", long>(calendar));
-    set("Month", send<"monthOfYear", long>(calendar));
-    set("Day", send<"dayOfMonth", long>(calendar));
-    set("Hour", send<"hourOfDay", long>(calendar));
-    set("Minute", send<"minuteOfHour", long>(calendar));
-    set("Second", send<"secondOfMinute", long>(calendar));
-    return made;
+    // The large parts first: a host may correct a day that the month it has at that moment lacks.
+    set("Year", year);
+    set("Month", month);
+    set("Day", day);
+    set("Hour", hour);
+    set("Minute", minute);
+    set("Second", second);
+    return made.give();
 }

@@ -50,5 +50,5 @@ inline objc::Id asObject(CFURLRef url) {
 inline CFURLRef asURL(objc::Id url) { return reinterpret_cast<CFURLRef>(url); }
 
 // A name as the platform's file systems store names, given to the caller; the name itself if no copy can be
-// made. Takes the name over.
+// made. Takes the name over; null is null.
 CFStringRef createDecomposedName(CFStringRef name);

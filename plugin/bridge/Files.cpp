@@ -4,6 +4,9 @@
 #include "plugin/frame/HostServices.hpp"
 #include "plugin/objc/Ownership.hpp"
 
+#include <algorithm>
+#include <iterator>
+
 namespace {
 
 using objc::Adopted;
@@ -11,14 +14,17 @@ using objc::Adopted;
 CFURLRef urlInParent(const FSRef& parent, const HFSUniStr255& leafName) {
     const Adopted parentURL(CFURLCreateFromFSRef(nullptr, &parent));
     if (!parentURL || leafName.length == 0) return nullptr;
-    const Adopted name(
-        createDecomposedName(CFStringCreateWithCharacters(nullptr, leafName.unicode, leafName.length)));
+    // The length is the host's word, and never more than there is.
+    const auto length = std::min<CFIndex>(leafName.length, std::size(leafName.unicode));
+    const Adopted name(createDecomposedName(CFStringCreateWithCharacters(nullptr, leafName.unicode, length)));
+    if (!name) return nullptr;
     return CFURLCreateCopyAppendingPathComponent(nullptr, parentURL.get(), name.get(), 0);
 }
 
 } // namespace
 
 CFStringRef createDecomposedName(CFStringRef name) {
+    if (!name) return nullptr;
     Adopted original(name);
     Adopted<CFStringRef> copy(CFStringCreateMutableCopy(nullptr, 0, name));
     if (!copy) return original.give();

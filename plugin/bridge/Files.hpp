@@ -6,8 +6,8 @@
 #include "plugin/bridge/FileManager.hpp"
 
 // A URL that the caller releases. Three routes, the first that succeeds wins: an existing item by its
-// reference, an item that does not exist yet by its parent and name, and at last the item's file
-// specification. Null for a nil item.
+// reference, an item that does not exist yet by its parent and name, and at last the item's
+// FSSpec. Null for a nil item.
 CFURLRef MakeCFURLfromFolderItem(REALfolderItem item);
 
 // The same URL, belonging to the current autorelease pool.

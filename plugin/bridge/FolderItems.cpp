@@ -55,6 +55,7 @@ REALfolderItem CFURL2RBFile(CFURLRef url) {
     FSRef parent{};
     if (!parentURL || !CFURLGetFSRef(parentURL.get(), &parent)) return nullptr;
     const Adopted name(createDecomposedName(CFURLCopyLastPathComponent(url)));
+    if (!name) return nullptr;
     const HFSUniStr255 leafName = leafNameOf(name.get());
     return REALFolderItemFromParentFSRef(&parent, &leafName);
 }

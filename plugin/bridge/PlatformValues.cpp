@@ -79,7 +79,8 @@ Id fromArray(REALvariant variant) {
 
 // The host classes of companions, and the one of this plug-in, whose objects go over as the platform object
 // that they hold. Deliberately only DRBurnQRX: every other wrapper of this plug-in crosses as the host object
-// that it is, boxed by a companion.
+// that it is, boxed by a companion. Lists that hosts keep name the attributed-string class at three
+// places; here it stands once, because only the first of them can ever match.
 constexpr const char* holders[] = {
     "QuartzFilterQRX",
     "NSImageQRX",

@@ -63,6 +63,7 @@ REALvariant variantFromArray(Id array) {
     const Nesting nesting(array);
     if (nesting.endsHere()) return nullptr;
     HostReference made(reinterpret_cast<REALobject>(REALCreateArrayVariant(-1)));
+    if (!made) return nullptr;
     const Id walk = send<"objectEnumerator">(array);
     int32_t index = 0;
     while (const Id element = send<"nextObject">(walk)) {

@@ -1,7 +1,8 @@
 // Variants.hpp: values of any kind between the host and the platform.
 //
-// Null gives null, what can't be converted becomes nil, and nothing here raises a host exception. What the
-// platform raises is for the caller's guard.
+// Null gives null, what can't be converted becomes nil, and nothing here raises a host exception, with
+// one exception: a memory block that can't be had raises OutOfMemoryException. What the platform raises is for
+// the caller's guard.
 #pragma once
 
 #include "plugin/frame/PluginInterface.h"

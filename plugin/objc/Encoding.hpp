@@ -1,7 +1,7 @@
 // Encoding.hpp: the runtime's type encodings, made from C++ signatures at compile time.
 //
-// The letters are those of the compiler's @encode, with C++'s bool in the place of the platform's BOOL. Only the types that callbacks of the plug-in use are
-// listed; another type is a compile error, not a guess.
+// The letters are those of the compiler's @encode, with C++'s bool in the place of the platform's BOOL. Only
+// the types that callbacks of the plug-in use are listed; another type is a compile error, not a guess.
 #pragma once
 
 #include "plugin/objc/Runtime.hpp"
