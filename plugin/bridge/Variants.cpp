@@ -30,11 +30,19 @@ const std::string& booleanType() {
     return type;
 }
 
+// The text alone would take real unsigned bytes for booleans where the platform's boolean text is "C"; only its
+// booleans are of the class of booleans too.
+bool isBoolean(Id number, std::string_view type) {
+    if (type != booleanType()) return false;
+    const Id yes = objc::sendClass<"NSNumber", "numberWithBool:">(objc::Boolean{1});
+    return send<"isKindOfClass:", objc::Boolean>(number, send<"class">(yes)) != 0;
+}
+
 REALvariant variantFromNumber(Id number) {
     const std::string_view type = typeOf(number);
     // "c" is how booleans are stored where the platform's BOOL is a signed char, so it is never a small
     // integer.
-    if (type == "c" || type == booleanType())
+    if (type == "c" || isBoolean(number, type))
         return REALNewVariantBoolean(send<"boolValue", objc::Boolean>(number));
     if (type == "C") return REALNewVariantInteger(send<"unsignedCharValue", unsigned char>(number));
     if (type == "s") return REALNewVariantInteger(send<"shortValue", short>(number));

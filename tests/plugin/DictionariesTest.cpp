@@ -9,6 +9,8 @@
 #include "host/runtime/Array.hpp"
 #include "host/runtime/Dictionary.hpp"
 
+#include <chrono>
+
 namespace {
 
 using namespace test;
@@ -156,6 +158,23 @@ TEST_F(Dictionaries, NestingDeeperThanTheBoundEndsInTheNull) {
     }
     EXPECT_EQ(depth, Nesting::deepest);
     EXPECT_TRUE(isNull(converted));
+}
+
+TEST_F(Dictionaries, ManyThatAllContainEachOtherEndSoon) {
+    std::vector<Ref> all(12);
+    for (Ref& one : all)
+        one = host::newDictionary();
+    for (int i = 0; i < 12; ++i)
+        for (int j = 0; j < 12; ++j)
+            host::dictionarySet(all[static_cast<std::size_t>(i)].get(), j,
+                                Value(all[static_cast<std::size_t>(j)]));
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(countOf(NewNSDictionary(all[0].get())), 12u);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10)) << "12! take hours";
+    EXPECT_EQ(countOf(NewNSDictionary(dictionaryOf({{1, Value(dictionaryOf({}))}}).get())), 1u);
+    for (const Ref& one : all)
+        for (int j = 0; j < 12; ++j)
+            host::dictionaryRemove(one.get(), j);
 }
 
 // ---- the methods of the host's class -----------------------------------------------------------------

@@ -71,6 +71,11 @@ TEST_F(VariantAccessors, OnlyTheTextOfANilVariantIsAnsweredWithoutTheHost) {
     EXPECT_EQ(GetVariantLong(nullptr), 0);
     EXPECT_EQ(GetVariantSingle(nullptr), 0.0f);
     EXPECT_EQ(GetVariantDouble(nullptr), 0.0);
+    EXPECT_EQ(GetVariantType(nullptr), 0);
+    const auto asked = harness::lookups();
+    for (const char* entry :
+         {"VariantToInt32", "VariantToInt64", "VariantToSingle", "VariantToDouble", "REALLoadGlobalMethod"})
+        EXPECT_EQ(std::count(asked.begin(), asked.end(), entry), 1) << entry;
 }
 
 } // namespace
