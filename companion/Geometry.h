@@ -21,3 +21,5 @@ _Static_assert(sizeof(NSUInteger) == 4, "HOST_NSUINTEGER must name the platform'
 REALobject newHostRect(NSRect rect);
 // The rectangle in an NSRectQRX; zeros for null.
 NSRect rectOf(REALobject object);
+// A new object of the class for the platform's range, rectangle, size or point; null for any other value.
+REALobject newHostGeometry(NSValue* value);

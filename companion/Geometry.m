@@ -110,3 +110,25 @@ static REALmethodDefinition pointMethods[] = {
 };
 
 REALclassDefinition NSPointQRXClass = GEOMETRY_CLASS("NSPointQRX", NSPoint, pointMethods);
+
+// ---- of a platform value -------------------------------------------------------------------------------
+
+REALobject newHostGeometry(NSValue* value) {
+    const char* type = [value objCType];
+    if (strcmp(type, @encode(NSRect)) == 0)
+        return newHostRect([value rectValue]);
+    const BOOL isRange = strcmp(type, @encode(NSRange)) == 0;
+    const BOOL isSize = strcmp(type, @encode(NSSize)) == 0;
+    if (!isRange && !isSize && strcmp(type, @encode(NSPoint)) != 0)
+        return NULL;
+    REALobject made = host.PluginNewInstance(isRange ? "NSRangeQRX" : isSize ? "NSSizeQRX" : "NSPointQRX");
+    if (made == NULL)
+        return NULL;
+    if (isRange)
+        *DATA(made, NSRange) = [value rangeValue];
+    else if (isSize)
+        *DATA(made, NSSize) = [value sizeValue];
+    else
+        *DATA(made, NSPoint) = [value pointValue];
+    return made;
+}

@@ -16,6 +16,9 @@ struct HostServices host;
     X(REALGetStringCFString)                                                                                 \
     X(RuntimeRaiseException)                                                                                 \
     X(REALLoadObjectMethod)                                                                                  \
+    X(REALSetPropValueInt)                                                                                   \
+    X(newMemoryBlock)                                                                                        \
+    X(memoryBlockGetPtr)                                                                                     \
     X(REALSetPropValueString)                                                                                \
     X(StringToVariant)                                                                                       \
     X(Int32ToVariant)                                                                                        \

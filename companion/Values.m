@@ -1,16 +1,47 @@
-// Values.m: strings, URLs, numbers, arrays and dictionaries become the host's; others go by their class's name.
+// Values.m: strings, URLs, numbers, dates, data, geometry, arrays and dictionaries become the host's; others go by
+// their class's name.
 #import "companion/Values.h"
 
+#import "companion/Geometry.h"
 #import "companion/Holders.h"
 #import "companion/ObjectWrapper.h"
 #import "companion/Registry.h"
 
 #include <stdio.h>
 
-// Collections that lie deeper than this become nil: a collection may contain itself.
-enum { DeepestLevel = 32 };
+// Collections that lie deeper than this become nil, and so does what follows the last of the most that are made:
+// collections may contain each other in more ways than anybody can wait for.
+enum { DeepestLevel = 32, MostCollections = 10000 };
 
-static REALvariant newVariant(id object, int level);
+// A collection that is being made, and those that it lies in. A collection in itself is nil there.
+struct Chain {
+    id collection; // nil in the outermost link, in which nothing lies yet
+    const struct Chain* outer;
+    int level;
+    int* made; // how many so far, in the whole value
+};
+
+static REALvariant newVariant(id object, const struct Chain* chain);
+
+// Whether one more collection may be made.
+static BOOL mayMake(id collection, const struct Chain* chain) {
+    if (chain->level > DeepestLevel || *chain->made >= MostCollections)
+        return NO;
+    for (const struct Chain* link = chain; link != NULL; link = link->outer)
+        if (link->collection == collection)
+            return NO;
+    return YES;
+}
+
+static struct Chain inside(id collection, const struct Chain* chain) {
+    ++*chain->made;
+    return (struct Chain){collection, chain, chain->level + 1, chain->made};
+}
+
+static void letGo(REALobject object) {
+    if (object != NULL)
+        host.REALUnlockObject(object);
+}
 
 static REALvariant newNumber(NSNumber* number) {
     const char* type = [number objCType];
@@ -33,22 +64,73 @@ static REALvariant newText(NSString* text) {
     return made;
 }
 
-static REALvariant newArray(NSArray* array, int level) {
+// A new local date in whole seconds; null for one that no calendar of the host's reaches, and for no number.
+static REALvariant newDate(NSDate* date) {
+    const NSTimeInterval interval = [date timeIntervalSinceReferenceDate];
+    if (!(interval >= [[NSDate distantPast] timeIntervalSinceReferenceDate] &&
+          interval <= [[NSDate distantFuture] timeIntervalSinceReferenceDate]))
+        return NULL;
+    NSCalendarDate* local = [NSCalendarDate dateWithTimeIntervalSinceReferenceDate:interval];
+    // The first of the month comes first: on the 31st a shorter month would roll over into the next.
+    const struct {
+        const char* name;
+        NSInteger value;
+    } parts[] = {{"Day", 1},
+                 {"Year", [local yearOfCommonEra]},
+                 {"Month", [local monthOfYear]},
+                 {"Day", [local dayOfMonth]},
+                 {"Hour", [local hourOfDay]},
+                 {"Minute", [local minuteOfHour]},
+                 {"Second", [local secondOfMinute]}};
+    REALobject made = host.PluginNewInstance("Date");
+    if (made == NULL)
+        return NULL;
+    for (size_t i = 0; i < COUNT_OF(parts); ++i)
+        host.REALSetPropValueInt(made, parts[i].name, (int32_t)parts[i].value);
+    return made;
+}
+
+// A new memory block with a copy of the bytes; null when there is no memory for it, or for 2 GiB and more.
+static REALvariant newBlock(NSData* data) {
+    const NSUInteger length = [data length];
+    const void* bytes = [data bytes];
+    if (length > INT32_MAX || (bytes == NULL && length > 0))
+        return NULL;
+    REALmemoryBlock made = host.newMemoryBlock((int32_t)length);
+    if (made == NULL || length == 0)
+        return made;
+    void* target = host.memoryBlockGetPtr(made);
+    if (target == NULL) {
+        letGo(made);
+        return NULL;
+    }
+    memcpy(target, bytes, length);
+    return made;
+}
+
+static REALvariant newArray(NSArray* array, const struct Chain* outer) {
     REALarray made = host.RuntimeArrayCreateSingleDimBoundedArray(kREALArrayOfObjects, -1);
     const REALarrayInsertProc insert = made == NULL ? NULL : host.RuntimeArrayDirectGetInsertProc(made);
     if (insert == NULL)
         return (REALvariant)made;
-    int32_t index = 0;
-    for (id element in array) {
-        REALvariant value = newVariant(element, level + 1);
-        insert(made, index++, value);
-        if (value != NULL)
-            host.REALUnlockObject(value);
+    const struct Chain chain = inside(array, outer);
+    BOOL complete = NO;
+    @try {
+        int32_t index = 0;
+        for (id element in array) {
+            REALvariant value = newVariant(element, &chain);
+            insert(made, index++, value);
+            letGo(value);
+        }
+        complete = YES;
+    } @finally {
+        if (!complete)
+            letGo((REALobject)made);
     }
     return (REALvariant)made;
 }
 
-static REALdictionary newDictionary(NSDictionary* dictionary, int level) {
+static REALdictionary newDictionary(NSDictionary* dictionary, const struct Chain* outer) {
     REALdictionary made = host.PluginNewInstance("Dictionary");
     if (made == NULL)
         return NULL;
@@ -56,14 +138,23 @@ static REALdictionary newDictionary(NSDictionary* dictionary, int level) {
         (__typeof__(set))host.REALLoadObjectMethod(made, "Value(key As Variant, Assigns _value As Variant)");
     if (set == NULL)
         return made;
-    for (id key in dictionary) {
-        REALvariant hostKey = newVariant(key, level + 1);
-        REALvariant value = newVariant([dictionary objectForKey:key], level + 1);
-        set(made, hostKey, value);
-        if (hostKey != NULL)
-            host.REALUnlockObject(hostKey);
-        if (value != NULL)
-            host.REALUnlockObject(value);
+    const struct Chain chain = inside(dictionary, outer);
+    REALvariant hostKey = NULL;
+    BOOL complete = NO;
+    @try {
+        for (id key in dictionary) {
+            hostKey = newVariant(key, &chain);
+            REALvariant value = newVariant([dictionary objectForKey:key], &chain);
+            set(made, hostKey, value);
+            letGo(value);
+            letGo(hostKey);
+            hostKey = NULL;
+        }
+        complete = YES;
+    } @finally {
+        letGo(hostKey);
+        if (!complete)
+            letGo(made);
     }
     return made;
 }
@@ -89,17 +180,23 @@ static REALvariant newNamed(id object) {
     return NULL;
 }
 
-static REALvariant newVariant(id object, int level) {
+static REALvariant newVariant(id object, const struct Chain* chain) {
     if (object == nil)
         return NULL;
     if ([object isKindOfClass:[NSString class]])
         return newText(object);
     if ([object isKindOfClass:[NSNumber class]])
         return newNumber(object);
+    if ([object isKindOfClass:[NSValue class]])
+        return newHostGeometry(object);
+    if ([object isKindOfClass:[NSDate class]])
+        return newDate(object);
+    if ([object isKindOfClass:[NSData class]])
+        return newBlock(object);
     if ([object isKindOfClass:[NSDictionary class]])
-        return level > DeepestLevel ? NULL : newDictionary(object, level);
+        return mayMake(object, chain) ? newDictionary(object, chain) : NULL;
     if ([object isKindOfClass:[NSArray class]])
-        return level > DeepestLevel ? NULL : newArray(object, level);
+        return mayMake(object, chain) ? newArray(object, chain) : NULL;
     if ([object isKindOfClass:[NSURL class]])
         return newText([object absoluteString]);
     if ([object isKindOfClass:[QRXREALobjectWrapper class]])
@@ -108,5 +205,7 @@ static REALvariant newVariant(id object, int level) {
 }
 
 REALdictionary newHostDictionary(NSDictionary* dictionary) {
-    return dictionary == nil ? NULL : newDictionary(dictionary, 0);
+    int made = 0;
+    const struct Chain outermost = {nil, NULL, 0, &made};
+    return dictionary == nil ? NULL : newDictionary(dictionary, &outermost);
 }

@@ -2,6 +2,7 @@
 #include "tests/companion/CompanionTest.hpp"
 
 #include "host/runtime/Array.hpp"
+#include "host/runtime/MemoryBlock.hpp"
 
 #include <dlfcn.h>
 
@@ -136,19 +137,135 @@ TEST_F(UserInfo, HasTheVeryHostObjectThatWasBoxed) {
     EXPECT_EQ(back.object(), range.object());
 }
 
-TEST_F(UserInfo, ThatContainsItselfComesToAnEnd) {
-    const Id cycle = objc::sendClass<"NSMutableDictionary", "dictionary">();
-    objc::send<"setObject:forKey:", void>(cycle, cycle, nsString("self"));
-    Value level = ask(converted(platformException("r", cycle)), "UserInfo");
-    int depth = 0;
-    while (level.isObject() && depth < 1000) {
-        level = host::dictionaryGet(level.object(), "self");
-        ++depth;
-    }
-    EXPECT_GT(depth, 10);
-    EXPECT_LT(depth, 100);
-    EXPECT_TRUE(level.isNil());
+TEST_F(UserInfo, HasDatesInLocalTime) {
+    objc::sendClass<"NSTimeZone", "setDefaultTimeZone:", void>(
+        objc::sendClass<"NSTimeZone", "timeZoneForSecondsFromGMT:">(7200l));
+    // 2001-01-31 22:04:05.75 UTC: already February there.
+    const Value date = ofValue(objc::sendClass<"NSDate", "dateWithTimeIntervalSinceReferenceDate:">(
+        30 * 86400 + 22 * 3600 + 245.75));
+    EXPECT_EQ(date.typeName(), "Date");
+    EXPECT_EQ(ask(date, "SQLDateTime").toText(), "2001-02-01 00:04:05");
+    EXPECT_TRUE(ofValue(objc::sendClass<"NSDate", "dateWithTimeIntervalSinceReferenceDate:">(1e12)).isNil());
+}
+
+TEST_F(UserInfo, HasDataAsMemoryBlocks) {
+    const auto data = [](const std::string& bytes) {
+        return objc::sendClass<"NSData", "dataWithBytes:length:">(static_cast<const void*>(bytes.data()),
+                                                                  bytes.size());
+    };
+    const std::string bytes("a\0b\xFF", 4);
+    const Value block = ofValue(data(bytes));
+    ASSERT_TRUE(host::isMemoryBlock(block.object()));
+    const auto memory = host::memoryOf(block.object());
+    EXPECT_EQ(std::string(reinterpret_cast<const char*>(memory.data()), memory.size()), bytes);
+    const Value empty = ofValue(data(""));
+    ASSERT_TRUE(host::isMemoryBlock(empty.object()));
+    EXPECT_EQ(host::memoryOf(empty.object()).size(), 0u);
+    harness::failNewMemoryBlock(true);
+    EXPECT_TRUE(ofValue(data(bytes)).isNil());
+}
+
+TEST_F(UserInfo, HasGeometryAndNoOtherValues) {
+    struct Range {
+        unsigned long location, length;
+    };
+    const Value range = ofValue(objc::sendClass<"NSValue", "valueWithRange:">(Range{9, 10}));
+    EXPECT_EQ(range.typeName(), "NSRangeQRX");
+    EXPECT_EQ(ask(range, "location").toInt32(), 9);
+    EXPECT_EQ(ask(range, "length").toInt32(), 10);
+    EXPECT_TRUE(
+        ofValue(objc::sendClass<"NSValue", "valueWithPointer:">(static_cast<const void*>(""))).isNil());
+}
+
+// ---- collections that contain each other -------------------------------------------------------------
+
+Id emptyDictionary() { return objc::sendClass<"NSMutableDictionary", "dictionary">(); }
+void put(Id dictionary, const std::string& key, Id value) {
+    objc::send<"setObject:forKey:", void>(dictionary, value, nsString(key.c_str()));
+}
+
+TEST_F(UserInfo, IsNilWhereItContainsItself) {
+    const Id cycle = emptyDictionary();
+    put(cycle, "a", cycle);
+    put(cycle, "b", cycle);
+    const Id list = objc::sendClass<"NSMutableArray", "array">();
+    objc::send<"addObject:", void>(list, list);
+    put(cycle, "list", list);
+    put(cycle, "text", nsString("text"));
+    const Value info = ask(converted(platformException("r", cycle)), "UserInfo");
+    EXPECT_TRUE(host::dictionaryGet(info.object(), "a").isNil());
+    EXPECT_TRUE(host::dictionaryGet(info.object(), "b").isNil());
+    EXPECT_EQ(host::dictionaryGet(info.object(), "text").toText(), "text");
+    const Value array = host::dictionaryGet(info.object(), "list");
+    ASSERT_EQ(host::upperBound(array.object()), 0);
+    EXPECT_TRUE(host::arrayGet(array.object(), 0).isNil());
     objc::send<"removeAllObjects", void>(cycle);
+    objc::send<"removeAllObjects", void>(list);
+}
+
+// The same collection beside itself is no cycle.
+TEST_F(UserInfo, HasACollectionInEveryPlaceWhereItLies) {
+    const Id shared = dictionaryWith(nsString("v"), "k"), outer = emptyDictionary();
+    put(outer, "a", shared);
+    put(outer, "b", shared);
+    const Value both = ofValue(outer);
+    for (const char* key : {"a", "b"})
+        EXPECT_EQ(host::dictionaryGet(host::dictionaryGet(both.object(), key).object(), "k").toText(), "v");
+}
+
+TEST_F(UserInfo, ComesToAnEndWhereTwelveContainEachOther) {
+    std::vector<Id> all;
+    for (int i = 0; i < 12; ++i)
+        all.push_back(emptyDictionary());
+    for (const Id one : all)
+        for (std::size_t i = 0; i < all.size(); ++i)
+            put(one, std::to_string(i), all[i]);
+    {
+        const Value info = ask(converted(platformException("r", all[0])), "UserInfo");
+        EXPECT_EQ(info.typeName(), "Dictionary");
+        EXPECT_TRUE(host::dictionaryGet(info.object(), "0").isNil());
+        EXPECT_EQ(harness::liveInstances()["Dictionary"], 10000u);
+    }
+    for (const Id one : all)
+        objc::send<"removeAllObjects", void>(one);
+}
+
+TEST_F(UserInfo, EndsAtALevel) {
+    Id nested = dictionaryWith(nsString("deepest"), "in");
+    for (int i = 0; i < 100; ++i)
+        nested = dictionaryWith(nested, "in");
+    Value level = ask(converted(platformException("r", nested)), "UserInfo");
+    int depth = 0;
+    for (; level.isObject(); ++depth)
+        level = host::dictionaryGet(level.object(), "in");
+    EXPECT_TRUE(level.isNil());
+    EXPECT_EQ(depth, 33) << "the outermost and 32 in it";
+}
+
+// ---- what raises while it is converted ---------------------------------------------------------------
+
+Id refusesToTell(Id, objc::Sel) {
+    objc::send<"raise", void>(objc::sendClass<"NSException", "exceptionWithName:reason:userInfo:">(
+        nsString("TestException"), nsString("not told"), Id(nullptr)));
+    return nullptr;
+}
+
+TEST_F(UserInfo, ThatRaisesLeavesNothingBehind) {
+    const objc::Class made = objc::objc_allocateClassPair(objc::objc_getClass("NSURL"), "SecretURL", 0);
+    objc::class_addMethod(made, objc::sel_registerName("absoluteString"),
+                          reinterpret_cast<objc::Imp>(refusesToTell), "@@:");
+    objc::objc_registerClassPair(made);
+    const Id secret = objc::send<"autorelease">(
+        objc::send<"initWithString:">(objc::alloc<"SecretURL">(), nsString("file:///a")));
+    const Id list = objc::sendClass<"NSMutableArray", "array">();
+    objc::send<"addObject:", void>(list, nsString("before"));
+    objc::send<"addObject:", void>(list, secret);
+    const Id numbered = objc::sendClass<"NSDictionary", "dictionaryWithObject:forKey:">(
+        list, objc::sendClass<"NSNumber", "numberWithInt:">(5));
+    const Value exception = converted(platformException("r", dictionaryWith(numbered, "k")));
+    const auto before = harness::liveInstances();
+    EXPECT_EQ(raisedBy([&] { ask(exception, "UserInfo"); }), "NSExceptionQRX: not told");
+    EXPECT_EQ(harness::liveInstances(), before);
 }
 
 } // namespace
