@@ -3,6 +3,10 @@
 
 // Other plug-ins reach the class by its name. A box keeps one reference to its host object. Boxes of the same
 // object are equal, so that a host object may be a key.
+//
+// The platform may release a box on any thread, and nothing of the companion's is locked for that. The companion
+// relies on the host: on references that are counted atomically, and on destructors that run under its lock, which
+// every thread holds that looks into the table of wrappers (Registry.h).
 @interface QRXREALobjectWrapper : NSObject <NSCopying> {
   @private
     REALobject _object;

@@ -4,7 +4,7 @@
 #import "CoreServices.h"
 
 CFMutableDictionaryRef instancesDictionary(void) {
-    // Host thread only, as all who use it.
+    // Only threads that hold the host's lock come here: those in a program or handler, and destructors.
     static CFMutableDictionaryRef instances = NULL;
     if (instances == NULL)
         instances = CFDictionaryCreateMutable(NULL, 0, NULL, NULL);
