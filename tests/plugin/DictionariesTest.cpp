@@ -9,6 +9,7 @@
 #include "host/runtime/Array.hpp"
 #include "host/runtime/Dictionary.hpp"
 
+#include <algorithm>
 #include <chrono>
 
 namespace {
@@ -201,6 +202,27 @@ TEST_F(DictionariesWithout, ACountThatCannotBeReadOneIsEmpty) {
     const Ref dictionary = dictionaryOf({{"text", "value"}});
     EXPECT_EQ(GetDictionaryCount(dictionary.get()), 0);
     EXPECT_EQ(countOf(NewNSDictionary(dictionary.get())), 0u);
+}
+
+// A method that the host does not load is asked for by one look-up each time, which shows the loads.
+TEST_F(DictionariesWithout, MethodsTheyAreAskedForOncePerDictionaryByWhicheverAccessorIsFirst) {
+    harness::withdraw("REALLoadObjectMethod");
+    load();
+    const auto loads = [] {
+        const auto names = harness::lookups();
+        return std::count(names.begin(), names.end(), "REALLoadObjectMethod");
+    };
+    const Ref first = make("Dictionary"), second = make("Dictionary"), third = make("Dictionary");
+    const auto before = loads();
+    GetDictionaryKey(first.get(), 0);
+    EXPECT_EQ(loads() - before, 3);
+    GetDictionaryValue(first.get(), nullptr);
+    SetDictionaryValue(first.get(), nullptr, nullptr);
+    EXPECT_EQ(loads() - before, 3) << "the same dictionary";
+    GetDictionaryValue(second.get(), nullptr);
+    EXPECT_EQ(loads() - before, 6);
+    SetDictionaryValue(third.get(), nullptr, nullptr);
+    EXPECT_EQ(loads() - before, 9);
 }
 
 template <char name>

@@ -161,6 +161,15 @@ TEST_F(Files, NamesLongerThan255UnitsAreCut) {
     EXPECT_EQ(itemPath(fileURL(scratch / std::string(255, 'b'))), scratch / std::string(255, 'b'));
 }
 
+TEST_F(Files, NamesAreCutAfterTheyWereDecomposed) {
+    std::string composed, decomposed;
+    for (int i = 0; i < 200; ++i)
+        composed += "\u00e9";
+    for (int i = 0; i < 127; ++i)
+        decomposed += "e\u0301";
+    EXPECT_EQ(itemPath(fileURL(scratch / composed)), scratch / (decomposed + "e")) << "255 of 400 units";
+}
+
 TEST_F(Files, AZeroByteEndsANameAsItEndsThePlatformsPath) {
     const std::string url = "file://" + scratch.path() + "/a%00b";
     EXPECT_EQ(itemPath(sendClass<"NSURL", "URLWithString:">(nsString(url.c_str()))), scratch / "a");

@@ -78,19 +78,23 @@ TEST_F(ToPlatformWithout, TheDatesPropertyADateIsNil) {
 // ---- codes -------------------------------------------------------------------------------------------
 
 // A host whose variants tell the type that a test wants, whatever they are.
-int32_t toldType = 0;
+int32_t toldType = 0, toldInteger = 0;
 
 class ToldTypes : public PluginTest {
   protected:
     // Without the host's own function the type is read from the object's property.
     void SetUp() override {
         harness::withdraw("REALLoadGlobalMethod");
+        harness::withdraw("VariantToInt32");
         load();
         static REALmethodDefinition methods[] = {
             {reinterpret_cast<REALproc>(+[](REALobject) { return toldType; }),
              reinterpret_cast<REALproc>(+[](REALobject, int32_t) {}), "Type as integer", kREALMemberFlags},
+            {reinterpret_cast<REALproc>(+[](REALobject) { return toldInteger; }),
+             reinterpret_cast<REALproc>(+[](REALobject, int32_t) {}), "Int32Value as integer",
+             kREALMemberFlags},
         };
-        registerHostClass("TestTyped", 0, nullptr, methods, 1);
+        registerHostClass("TestTyped", 0, nullptr, methods, std::size(methods));
     }
 };
 
@@ -108,7 +112,18 @@ TEST_F(ToldTypes, EveryCodeThatIsNotListedIsNil) {
 
 TEST_F(ToldTypes, Code16IsAnInteger) {
     toldType = 16;
-    EXPECT_TRUE(objc::isKindOf<"NSNumber">(GetVariantAsNSObject(make("TestTyped").get())));
+    toldInteger = -70'000;
+    const Id number = GetVariantAsNSObject(make("TestTyped").get());
+    ASSERT_TRUE(objc::isKindOf<"NSNumber">(number));
+    EXPECT_EQ((send<"longValue", long>(number)), -70'000);
+}
+
+TEST_F(ToldTypes, OnlyTheLowByteOfTheIntegerMakesABoolean) {
+    toldType = 11;
+    toldInteger = 256;
+    EXPECT_EQ((send<"boolValue", objc::Boolean>(GetVariantAsNSObject(make("TestTyped").get()))), 0);
+    toldInteger = 257;
+    EXPECT_EQ((send<"boolValue", objc::Boolean>(GetVariantAsNSObject(make("TestTyped").get()))), 1);
 }
 
 // ---- arrays ------------------------------------------------------------------------------------------

@@ -257,6 +257,12 @@ TEST_F(Properties, AValueOfAnotherKindIsRefusedWhenItIsReadAndReadsEmpty) {
     EXPECT_TRUE(refusal([&] { EXPECT_EQ(get<REALobject>(track, "TrackISRC as memoryblock"), nullptr); }));
 }
 
+TEST_F(Properties, WhatIsNoTextIsRefusedWhenItIsReadAsOneAndStays) {
+    store(track, "DRVerificationTypeKey", 7);
+    EXPECT_TRUE(refusal([&] { EXPECT_EQ(get<REALstring>(track, "VerificationType as string"), nullptr); }));
+    EXPECT_EQ(stored(track, "DRVerificationTypeKey").toInt32(), 7);
+}
+
 // ---- lengths -----------------------------------------------------------------------------------------
 
 Ref msfOf(unsigned int frames) {
