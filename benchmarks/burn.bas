@@ -13,7 +13,9 @@ burn.Overwrite = True
 
 Dim root As DRFolderQRX = DRFolderQRX.folderWithPath(App.Arguments(0))
 root.baseName = "BENCHMARK"
-burn.writeLayout(DRTrackQRX.trackForRootFolder(root))
+Dim track As DRTrackQRX = DRTrackQRX.trackForRootFolder(root)
+track.VerificationType = DRTrackQRX.DRVerificationTypeChecksum
+burn.writeLayout(track)
 
 Dim state As String
 Dim stopped As Double

@@ -130,7 +130,10 @@ Dim started As Double = Microseconds
 Dim status As Dictionary
 Dim state As String
 
-burn.writeLayout(DRTrackQRX.trackForRootFolder(root))
+' Only tracks that say how are verified.
+Dim track As DRTrackQRX = DRTrackQRX.trackForRootFolder(root)
+track.VerificationType = DRTrackQRX.DRVerificationTypeChecksum
+burn.writeLayout(track)
 Do
     App.DoEvents(50)
     status = burn.status

@@ -121,6 +121,14 @@ class BurnFolder(unittest.TestCase):
         self.assertNotIn("\r", done.stdout)
         self.assertRegex(done.stdout, r"(?m)^Done …$")
 
+    def test_what_was_written_is_read_back(self):
+        with open(os.path.join(self.source, "big.bin"), "wb") as file:
+            file.truncate(2_000_000_000)
+        done = self.burn(self.source)
+        self.assertEqual(done.returncode, 0, done.stderr)
+        self.assertRegex(done.stdout, r"(?m)^Writing …$")
+        self.assertRegex(done.stdout, r"(?m)^Verifying …$")
+
     def test_on_a_terminal_there_is_a_bar(self):
         with open(os.path.join(self.source, "big.bin"), "wb") as file:
             file.truncate(1_500_000_000)
