@@ -1,10 +1,10 @@
 // Which drives there are.
+#include "DrivesFolder.hpp"
 #include "Failure.hpp"
 #include "Files.hpp"
 #include "VirtualDrive.hpp"
 
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <map>
 #include <mutex>
@@ -14,27 +14,6 @@ namespace engine {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::string environment(const char* name) {
-    const char* value = std::getenv(name);
-    return value != nullptr ? value : "";
-}
-
-fs::path drivesFolder() {
-    std::string folder = environment("DISC_DRIVES");
-    if (folder.empty()) {
-        std::string data = environment("XDG_DATA_HOME");
-        if (data.empty() || data.front() != '/') {
-            const std::string home = environment("HOME");
-            if (home.empty())
-                fail(ErrorCode::DeviceAccess, "Where are the drives? Neither DISC_DRIVES nor HOME is set; "
-                                              "set DISC_DRIVES to a folder.");
-            data = home + "/.local/share";
-        }
-        folder = data + "/disc-drives";
-    }
-    return fs::absolute(folder).lexically_normal();
-}
 
 std::vector<std::string> drivePaths(const fs::path& folder) {
     std::vector<std::string> paths;
@@ -67,7 +46,7 @@ Attached& attached() {
 
 Result<std::vector<DriveRef>> drives() {
     return guarded([] {
-        const fs::path folder = drivesFolder();
+        const fs::path folder = virtualDrivesFolder();
         makeFolders(folder.string());
         std::vector<std::string> paths = drivePaths(folder);
         std::error_code ignored;

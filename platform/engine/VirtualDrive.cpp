@@ -23,6 +23,11 @@ Json readDescription(int folder, const std::string& path) {
     if (json.is_discarded() || !json.is_object())
         fail(ErrorCode::DeviceInvalid,
              "The drive in " + inQuotes(path) + " can't be used: its drive.json is damaged.", path);
+    // A drive without a format is one that somebody wrote by hand.
+    if (const auto format = json.find("format"); format != json.end() && *format != 1)
+        fail(ErrorCode::DeviceInvalid,
+             "The drive in " + inQuotes(path) + " can't be used: its drive.json is of a later version.",
+             path);
     return json;
 }
 

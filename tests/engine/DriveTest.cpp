@@ -1,4 +1,5 @@
 // Virtual drives: where they are, the default one, trays and exclusive access.
+#include "Failure.hpp"
 #include "Fixture.hpp"
 
 #include <chrono>
@@ -45,6 +46,19 @@ TEST_F(DriveTest, aBrokenDriveIsLeftOut) {
     const auto found = drives();
     ASSERT_TRUE(found);
     EXPECT_EQ(found->size(), 1u);
+}
+
+TEST_F(DriveTest, aDriveOfALaterVersionIsLeftOutAndSaysWhy) {
+    makeDrive();
+    fs::create_directories(base / "drives" / "later");
+    std::ofstream(base / "drives" / "later" / "drive.json") << R"({"format": 99, "vendor": "Later"})";
+    const auto found = drives();
+    ASSERT_TRUE(found);
+    EXPECT_EQ(found->size(), 1u);
+    const auto opened = guarded([&] { return VirtualDrive::open(base / "drives" / "later"); });
+    ASSERT_FALSE(opened);
+    EXPECT_EQ(opened.error().code, ErrorCode::DeviceInvalid);
+    EXPECT_TRUE(opened.error().message.ends_with("its drive.json is of a later version."));
 }
 
 TEST_F(DriveTest, anUnusableDrivesFolderIsAnError) {
