@@ -32,4 +32,9 @@ std::optional<MediumInfo> Drive::mediumInfo() const {
     return medium ? *std::move(medium) : std::nullopt;
 }
 
+Result<void> Drive::erase(EraseType, const EraseProgress&) {
+    return Error{
+        ErrorCode::FunctionNotSupported, "The drive \"" + displayName() + "\" can't erase discs.", {}};
+}
+
 } // namespace engine

@@ -4,6 +4,7 @@
 #include "Error.hpp"
 #include "MediumKind.hpp"
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -95,6 +96,15 @@ struct MediumInfo {
     uint32_t trackCount() const noexcept;
 };
 
+enum class EraseType : uint8_t {
+    Quick,    ///< only what it takes to be blank again
+    Complete, ///< every block that was written is overwritten first
+};
+
+/// Told how far an erase is, from 0 to 1, or -1 where that can't be measured. Answers false to cut it off, where
+/// the drive can stop; the medium is then openly incomplete.
+using EraseProgress = std::function<bool(double done)>;
+
 class BurnTarget; // how a job writes; see BurnTarget.hpp, not for users of the engine
 
 /// A drive. One object stands for one drive as long as it is attached (see drives()). Every member may be
@@ -140,6 +150,11 @@ class Drive {
 
     /// For BurnJob only: takes the drive for one job. DeviceBusy, MediaBusy, DeviceInvalid, MediaNotPresent.
     virtual Result<std::unique_ptr<BurnTarget>> beginBurn() = 0;
+
+    /// For EraseJob only: returns when the medium is blank. `progress` is called first when all is checked and
+    /// the erasing begins. DeviceBusy, DeviceInvalid, MediaNotPresent, MediaNotErasable, MediaWriteFailure;
+    /// UserCanceled when cut off.
+    virtual Result<void> erase(EraseType type, const EraseProgress& progress);
 
   protected:
     Drive() = default;

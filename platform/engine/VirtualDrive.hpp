@@ -41,6 +41,7 @@ class VirtualDrive final : public Drive, public std::enable_shared_from_this<Vir
     void releaseExclusiveAccess() override;
     bool hasExclusiveAccess() const override;
     Result<std::unique_ptr<BurnTarget>> beginBurn() override;
+    Result<void> erase(EraseType type, const EraseProgress& progress) override; // VirtualErase.cpp
 
     /// The drive's folder, for the burn target.
     int folder() const noexcept { return folder_.get(); }
