@@ -2,8 +2,12 @@
 #include "plugin/bridge/Files.hpp"
 #include "plugin/bridge/Member.hpp"
 #include "plugin/bridge/Properties.hpp"
+#include "plugin/bridge/Registry.hpp"
 #include "plugin/bridge/StringConstants.hpp"
 #include "plugin/frame/Classes.hpp"
+#include "plugin/track/MyDRTrack.hpp"
+#include "plugin/track/TrackConstants.hpp"
+#include "plugin/track/TrackEvents.hpp"
 #include "plugin/track/TrackStrings.hpp"
 
 // The older of the key's two names.
@@ -56,6 +60,19 @@ void setDRDataFormValue(REALobject self, int32_t value) { setIntegerProperty(sel
 int32_t getDRBlockTypeValue(REALobject self) { return getIntegerProperty(self, &DRBlockTypeKey); }
 void setDRBlockTypeValue(REALobject self, int32_t value) { setIntegerProperty(self, &DRBlockTypeKey, value); }
 
+// Best throughput reached, in KB/s.
+double testProductionSpeedForInterval(REALobject self, double seconds) {
+    return guarded([=]() -> double {
+        return objc::send<"testProductionSpeedForInterval:", float>(frame::held(self), seconds);
+    });
+}
+double testProductionSpeedForLength(REALobject self, int32_t bytes) {
+    return guarded([=]() -> double {
+        return objc::send<"testProductionSpeedForLength:", float>(frame::held(self),
+                                                                  static_cast<uint32_t>(bytes));
+    });
+}
+
 // Reading asks the track and assigning writes its properties: the asymmetry is deliberate, because a track may
 // know its length from elsewhere than from what was stored.
 REALobject length(REALobject self) { return ask<MSF, "length">(self); }
@@ -64,14 +81,42 @@ void setDRTrackLengthValue(REALobject self, REALobject value) {
 }
 REALobject preGap(REALobject self) { return ask<MSF, "preGap">(self); }
 void setPreGap(REALobject self, REALobject value) { tell<"setPreGap:", MSF>(self, value); }
+
+// Makes the object a track that its own events produce. No platform start-up: the class constructor has run it.
+void Constructor(REALobject self) {
+    if (frame::held(self)) return raiseConstructorCalledTooOften();
+    guarded([=] {
+        frame::slot(self) = track::newProducerTrack(self);
+        RegisterInstance(self, frame::slot(self));
+    });
+}
+
 REALdictionary properties(REALobject self) { return ask<Dictionary, "properties">(self); }
 void setProperties(REALobject self, REALdictionary value) { tell<"setProperties:", Dictionary>(self, value); }
+
+REALobject trackForFile(objc::Id path) {
+    return path ? NewDRTrackQRX(objc::sendClass<"DRTrack", "trackForAudioFile:">(path)) : nullptr;
+}
 
 REALobject trackFor(objc::Id folder) {
     return folder ? NewDRTrackQRX(objc::sendClass<"DRTrack", "trackForRootFolder:">(folder)) : nullptr;
 }
 
 // The factories run platform start-up inside the guard. Each answers nil when any step gives nil.
+REALobject trackForAudioFile(REALstring path) {
+    return guarded([=] {
+        CocoaInit();
+        return trackForFile(NewNSString(path));
+    });
+}
+
+REALobject trackForAudioFile2(REALfolderItem file) {
+    return guarded([=] {
+        CocoaInit();
+        return trackForFile(NewNSStringPath(file));
+    });
+}
+
 REALobject trackForRootFolder(REALobject folder) {
     return guarded([=] {
         CocoaInit();
@@ -105,14 +150,19 @@ REALmethodDefinition methods[] = {
     property<"SessionFormat as integer", getDRSessionFormatValue, setDRSessionFormatValue>(),
     property<"DataForm as integer", getDRDataFormValue, setDRDataFormValue>(),
     property<"BlockType as integer", getDRBlockTypeValue, setDRBlockTypeValue>(),
+    method<"testProductionSpeedForInterval(seconds as double) as double", testProductionSpeedForInterval>(),
+    method<"testProductionSpeedForLength(length as integer) as double", testProductionSpeedForLength>(),
     property<"Length as DRMSFQRX", length, setDRTrackLengthValue>(),
     property<"preGap as DRMSFQRX", preGap, setPreGap>(),
+    method<"Constructor", Constructor>(),
     property<"properties as dictionary", properties, setProperties>(),
 };
 
 REALmethodDefinition sharedMethods[] = {
     TRACK_STRINGS(STRING_CONSTANT_ROW)
-        frame::sharedMethod<"trackForRootFolder(folder as DRFolderQRX) as DRTrackQRX", trackForRootFolder>(),
+        frame::sharedMethod<"trackForAudioFile(path as string) as DRTrackQRX", trackForAudioFile>(),
+    frame::sharedMethod<"trackForAudioFile(path as folderitem) as DRTrackQRX", trackForAudioFile2>(),
+    frame::sharedMethod<"trackForRootFolder(folder as DRFolderQRX) as DRTrackQRX", trackForRootFolder>(),
     frame::sharedMethod<"trackForRootFolder(folder as folderitem) as DRTrackQRX", trackForRootFolder2>(),
 };
 
@@ -123,4 +173,6 @@ REALclassDefinition DRTrackQRXClass = frame::makeClass({.name = "DRTrackQRX",
                                                         .constructor = DRTrackConstructor,
                                                         .destructor = DRTrackDestructor,
                                                         .methods = methods,
+                                                        .events = track::events.rows,
+                                                        .constants = track::constants,
                                                         .sharedMethods = sharedMethods});
