@@ -200,8 +200,6 @@ Result<engine::DataTrack> dataTrackOf(DRTrack* track) {
 
     engine::DataTrack data;
     data.root = std::move(*content);
-    NSString* verification = [properties objectForKey:DRVerificationTypeKey];
-    data.verify = verification != nil && ![verification isEqual:DRVerificationTypeNone];
     data.publisher = text(properties, DRPublisher);
     data.dataPreparer = text(properties, DRDataPreparer);
     data.application = text(properties, DRApplicationIdentifier);
@@ -225,7 +223,12 @@ Result<engine::Layout> layoutOfSessions(NSArray* sessions) {
             auto data = dataTrackOf(track);
             if (!data.ok())
                 return data.error();
-            session.tracks.push_back({std::move(*data)});
+            engine::Track made;
+            made.content = std::move(*data);
+            NSString* verification = [[track properties] objectForKey:DRVerificationTypeKey];
+            if (verification == nil || [verification isEqual:DRVerificationTypeNone])
+                made.verification = engine::Verification::None;
+            session.tracks.push_back(std::move(made));
         }
         layout.sessions.push_back(std::move(session));
     }

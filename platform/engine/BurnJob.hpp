@@ -8,15 +8,29 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
+#include <vector>
 
 namespace engine {
 
+/// Ways of writing. The engine takes the first of a list that drive, medium and layout allow.
+enum class Strategy : uint8_t { CDTrackAtOnce, CDSessionAtOnce, CDRaw, DVDAtOnce, BDAtOnce };
+
+inline constexpr size_t mediaCatalogNumberCharacters = 13;
+
 struct BurnOptions {
-    bool verify = true;                   ///< read back what was written and compare
-    bool overwrite = false;               ///< the medium need not be blank: start again at block 0
-    bool appendable = false;              ///< leave the disc open for another session (not yet possible)
-    bool testing = false;                 ///< all but the writing (not yet possible)
+    bool verify = true;      ///< read back what was written and compare, as each track says
+    bool overwrite = false;  ///< the medium need not be blank: erase it if need be and start at block 0
+    bool appendable = false; ///< leave the disc open for another session
+    bool testing = false;    ///< all but the writing; a drive that can't test does a real burn
     double requestedSpeed = maximumSpeed; ///< KB/s; the burn goes no faster. 0 or less counts as the maximum
+    std::vector<Strategy> strategies;     ///< a hint, in order of preference; empty: the engine chooses
+    bool strategyIsRequired = false;      ///< StrategyNotAvailable when none of the list can be taken
+    std::string mediaCatalogNumber;       ///< empty or 13 digits
+    std::vector<uint8_t> cdText; ///< packs of 18 bytes, see CDText.hpp; CantWriteCDText where not possible
+    /// More than 1: blocks of the first layer; below 1: that part of what is burned. Only for media of two layers.
+    std::optional<double> doubleLayerL0DataZone;
+    bool underrunProtection = true; ///< where the drive can
 };
 
 enum class BurnState : uint8_t {

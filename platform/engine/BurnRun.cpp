@@ -54,7 +54,8 @@ void BurnRun::run() {
     info.blocks = image->blocks();
     info.volumeName = track.root.name;
     target->openTrack(info);
-    const bool isVerified = options_.verify && track.verify;
+    const bool isVerified =
+        options_.verify && layout_->sessions.front().tracks.front().verification != Verification::None;
     writeTrack(*target, image, isVerified);
     enter(BurnState::TrackClose);
     signal_->check();
@@ -75,10 +76,11 @@ const DataTrack& BurnRun::checkedTrack() const {
         fail(ErrorCode::BadLayout, "There is nothing to burn: the layout has no track.");
     if (layout_->sessions.size() > 1) unsupported("A disc of several sessions");
     if (layout_->sessions.front().tracks.size() > 1) unsupported("A session of several tracks");
-    const auto& track = std::get<DataTrack>(layout_->sessions.front().tracks.front().content);
-    const auto name = checkVolumeName(track.root.name);
+    const auto* track = std::get_if<DataTrack>(&layout_->sessions.front().tracks.front().content);
+    if (track == nullptr) unsupported("A track from a producer");
+    const auto name = checkVolumeName(track->root.name);
     if (!name) throw Failure(name.error());
-    return track;
+    return *track;
 }
 
 void BurnRun::checkOptions() const {

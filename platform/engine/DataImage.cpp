@@ -199,8 +199,14 @@ Result<uint64_t> plannedBlocks(const DataTrack& track) {
 }
 
 Layout Layout::ofData(DataTrack track) {
+    Track only;
+    only.content = std::move(track);
+    return ofTrack(std::move(only));
+}
+
+Layout Layout::ofTrack(Track track) {
     Layout layout;
-    layout.sessions.emplace_back().tracks.push_back({std::move(track)});
+    layout.sessions.emplace_back().tracks.push_back(std::move(track));
     return layout;
 }
 

@@ -14,6 +14,18 @@ bool DriveCapabilities::canWriteAny(MediumClass mediumClass) const noexcept {
                        [&](MediumKind kind) { return factsOf(kind).mediumClass == mediumClass; });
 }
 
+bool DriveCapabilities::canTestWrite(MediumClass mediumClass) const noexcept {
+    switch (mediumClass) {
+    case MediumClass::CD:
+        return canTestWriteCD;
+    case MediumClass::DVD:
+        return canTestWriteDVD;
+    case MediumClass::BD:
+        return canTestWriteBD;
+    }
+    return false;
+}
+
 uint32_t MediumInfo::trackCount() const noexcept {
     size_t count = 0;
     for (const SessionInfo& session : sessions)

@@ -1,12 +1,15 @@
 // A drive and the medium in it, as the rest of the platform sees them.
 #pragma once
 
+#include "BlockForm.hpp"
 #include "Error.hpp"
 #include "MediumKind.hpp"
 
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -31,6 +34,7 @@ struct DriveCapabilities {
     std::vector<MediumKind> writes; ///< kinds it can write
     bool canTestWriteCD = false;
     bool canTestWriteDVD = false;
+    bool canTestWriteBD = false;
     bool canUnderrunProtectCD = false;
     bool canUnderrunProtectDVD = false;
     bool writesCDText = false;
@@ -39,8 +43,13 @@ struct DriveCapabilities {
     bool writesTrackAtOnce = false;
     bool writesSessionAtOnce = false;
     bool writesRaw = false;
+    bool writesDVDAtOnce = false;
+    bool writesBDAtOnce = false;
+    bool choosesPreGap = false;    ///< pre-gaps of any length
+    bool writesSubchannel = false; ///< that a producer brings
     uint32_t writeBufferBytes = 0;
 
+    bool canTestWrite(MediumClass mediumClass) const noexcept;
     bool canWrite(MediumKind kind) const noexcept;
     bool canWriteAny(MediumClass mediumClass) const noexcept;
 };
@@ -59,20 +68,26 @@ enum class MediumState : uint8_t {
     Incomplete, ///< a burn was cut off or failed: what is on it can't be trusted, nothing can be appended
 };
 
-enum class TrackMode : uint8_t { Data };
-
-/// One track that is on a medium. Addresses and lengths in blocks.
+/// One track that is on a medium. Addresses and lengths in blocks of the track's form.
 struct TrackInfo {
     uint32_t number = 1; ///< from 1, counted through all sessions
-    TrackMode mode = TrackMode::Data;
-    uint64_t startBlock = 0;
+    BlockForm form = BlockForm::Data;
+    uint64_t startBlock = 0; ///< of index 1
     uint64_t blocks = 0;
-    std::string volumeName; ///< of the file system in it; empty when not known
+    std::string volumeName;            ///< of the file system in it; empty when not known
+    uint64_t preGapBlocks = 0;         ///< in front of startBlock; those before block 0 of the disc included
+    std::string isrc;                  ///< 12 characters, or empty
+    std::vector<uint64_t> indexPoints; ///< index 2, 3...: blocks from startBlock
+    bool preEmphasis = false, fourChannel = false, copyPermitted = false;
+    bool isComplete = true;  ///< all of it was written
+    std::string file;        ///< of a virtual medium, in the drive's folder: where the track's blocks are
+    uint64_t fileOffset = 0; ///< of startBlock in it, in bytes
 };
 
 struct SessionInfo {
     uint32_t number = 1; ///< from 1
     std::vector<TrackInfo> tracks;
+    bool isClosed = true; ///< written to its end
 };
 
 /// A medium at one moment.
@@ -87,7 +102,12 @@ struct MediumInfo {
     uint64_t blocksFree = 0;   ///< that can be appended
     uint64_t blocksUsed = 0;   ///< that are written
     uint64_t blocksOverwritable = 0; ///< when writing starts again at block 0
+    /// Where the next session's first track would begin; empty when nothing can be appended.
+    std::optional<uint64_t> nextWritableBlock;
     std::vector<SessionInfo> sessions;
+    std::string mediaCatalogNumber;                      ///< 13 digits, or empty
+    bool hasCDText = false;                              ///< see MediumReader::cdText()
+    std::optional<uint64_t> doubleLayerL0DataZoneBlocks; ///< when it was set
     std::vector<double> speeds; ///< KB/s, ascending; what this drive offers for this medium
     std::string
         path; ///< of the file that holds the medium's data, for people; empty when it has none (blank)
@@ -104,6 +124,23 @@ enum class EraseType : uint8_t {
 /// Told how far an erase is, from 0 to 1, or -1 where that can't be measured. Answers false to cut it off, where
 /// the drive can stop; the medium is then openly incomplete.
 using EraseProgress = std::function<bool(double done)>;
+
+/// Reads a medium as it is, without copying when the buffer starts at a page. One thread at a time.
+class MediumReader {
+  public:
+    MediumReader() = default;
+    MediumReader(const MediumReader&) = delete;
+    MediumReader& operator=(const MediumReader&) = delete;
+    virtual ~MediumReader() = default;
+
+    /// Fills the front of `buffer` with whole blocks of the track, from `block` on; blocks of the pre-gap have
+    /// negative numbers. Answers the bytes: fewer than fit only at the end of the track, then 0. MediaInvalid,
+    /// with the block's address in `info`, for what can't be read.
+    virtual Result<size_t> read(const TrackInfo& track, int64_t block, std::span<std::byte> buffer) = 0;
+
+    /// The packs of 18 bytes from the lead-in; empty when there are none.
+    virtual Result<std::vector<uint8_t>> cdText() = 0;
+};
 
 class BurnTarget; // how a job writes; see BurnTarget.hpp, not for users of the engine
 
@@ -132,6 +169,9 @@ class Drive {
     /// readMedium() for those who show and don't explain: an unreadable medium counts as none.
     std::optional<MediumInfo> mediumInfo() const;
 
+    /// For reading the medium that is in the drive now. MediaNotPresent, DeviceInvalid, MediaInvalid.
+    virtual Result<std::unique_ptr<MediumReader>> openMedium() = 0;
+
     virtual bool isTrayOpen() const = 0;
     /// With a medium inside this does nothing and answers BurnNotAllowed: use eject().
     virtual Result<void> openTray() = 0;
@@ -147,6 +187,12 @@ class Drive {
     virtual Result<void> acquireExclusiveAccess() = 0;
     virtual void releaseExclusiveAccess() = 0;
     virtual bool hasExclusiveAccess() const = 0;
+
+    /// A wish for a blank medium in this drive, counted. Of all processes that wish one holds the reservation;
+    /// it passes on when released. holdsMediaReservation() takes it when it is free, so ask from time to time.
+    virtual void acquireMediaReservation() = 0;
+    virtual void releaseMediaReservation() = 0;
+    virtual bool holdsMediaReservation() = 0;
 
     /// For BurnJob only: takes the drive for one job. DeviceBusy, MediaBusy, DeviceInvalid, MediaNotPresent.
     virtual Result<std::unique_ptr<BurnTarget>> beginBurn() = 0;

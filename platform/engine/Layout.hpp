@@ -3,8 +3,13 @@
 
 #include "Content.hpp"
 #include "Error.hpp"
+#include "MediumKind.hpp"
+#include "TrackProducer.hpp"
 
+#include <array>
 #include <cstdint>
+#include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -13,18 +18,57 @@
 namespace engine {
 
 /// A file system of a folder tree, as ISO 9660 level 3 with Joliet and Rock Ridge. The root's name is the
-/// volume's name. All texts of the volume are UTF-8 and optional.
+/// volume's name. All texts of the volume are UTF-8 and optional. Burned behind a session that holds a file
+/// system, its tree contains that one's, too: what has the same name is replaced, folders are merged.
 struct DataTrack {
     Content root;
-    bool verify = true; ///< read back when the burn verifies
     std::string publisher;
     std::string dataPreparer;
     std::string application;
     std::string volumeSet;
 };
 
+/// What stands behind each block's bytes, for tracks whose producer brings subchannel data.
+enum class SubchannelForm : uint8_t { None, Pack, Raw };
+
+/// A track whose bytes come from a producer.
+struct ProducedTrack {
+    BlockForm form = BlockForm::Data;
+    uint64_t blocks = 0; ///< prepare() may change it
+    std::shared_ptr<TrackProducer> producer;
+    SubchannelForm subchannel = SubchannelForm::None;
+    std::string volumeName; ///< of the file system in it, for those who list the disc; empty when not known
+};
+
+/// How a track is checked after a burn that verifies.
+enum class Verification : uint8_t {
+    None,
+    Checksum,     ///< against sums that were kept while writing
+    ProduceAgain, ///< against what the producer gives when asked once more; a DataTrack takes Checksum instead
+    ReceiveData,  ///< the producer gets what was read; a DataTrack takes Checksum instead
+};
+
+/// The serial copy management state of an audio track.
+enum class CopyState : uint8_t { Free, ProtectedOriginal, ProtectedCopy };
+
+/// Blocks of the usual pre-gap: two seconds.
+inline constexpr uint64_t usualPreGap = 150;
+inline constexpr size_t isrcCharacters = 12;
+inline constexpr size_t maximumIndexPoints = 98;
+inline constexpr size_t maximumTracks = 99;
+
 struct Track {
-    std::variant<DataTrack> content;
+    std::variant<DataTrack, ProducedTrack> content;
+    Verification verification = Verification::Checksum;
+
+    // Only for CDs; a DVD or BD has no place for these.
+    std::optional<uint64_t> preGapBlocks; ///< without it the usual one
+    bool preGapIsRequired = false;        ///< fail rather than take another length
+    std::string isrc;                     ///< empty or 12 characters
+    std::vector<uint64_t> indexPoints;    ///< index 2, 3...: blocks from the track's start, ascending
+    bool preEmphasis = false, fourChannel = false;
+    std::optional<CopyState> copyState;         ///< without it Free for audio
+    double maximumSpeed = engine::maximumSpeed; ///< KB/s; the whole burn goes no faster
 };
 
 struct Session {
@@ -36,6 +80,7 @@ struct Layout {
 
     /// One session with one data track.
     static Layout ofData(DataTrack track);
+    static Layout ofTrack(Track track);
 };
 
 /// Longest volume name, in characters.

@@ -37,8 +37,8 @@ std::string textIn(const Json& json, const char* name) {
 }
 
 // The lock file, locked; or not, when someone else has it.
-Descriptor tryLock(int folder) {
-    Descriptor file(::openat(folder, names::lock, O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0666));
+Descriptor tryLock(int folder, const char* name = names::lock) {
+    Descriptor file(::openat(folder, name, O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0666));
     if (!file) fail(ErrorCode::DeviceAccess, "The drive's lock can't be opened.", systemText(errno));
     if (::flock(file.get(), LOCK_EX | LOCK_NB) == 0) return file;
     if (errno != EWOULDBLOCK) fail(ErrorCode::DeviceAccess, "The drive can't be locked.", systemText(errno));
@@ -211,6 +211,32 @@ void VirtualDrive::releaseExclusiveAccess() {
 bool VirtualDrive::hasExclusiveAccess() const {
     const std::lock_guard lock(mutex_);
     return exclusive_ > 0;
+}
+
+void VirtualDrive::acquireMediaReservation() {
+    {
+        const std::lock_guard lock(mutex_);
+        ++reservations_;
+    }
+    holdsMediaReservation();
+}
+
+void VirtualDrive::releaseMediaReservation() {
+    const std::lock_guard lock(mutex_);
+    if (reservations_ > 0 && --reservations_ == 0) reservation_.reset();
+}
+
+bool VirtualDrive::holdsMediaReservation() {
+    const std::lock_guard lock(mutex_);
+    if (reservations_ > 0 && !reservation_) {
+        auto taken = guarded([&] { return tryLock(folder(), names::reservation); });
+        if (taken) reservation_ = std::move(*taken);
+    }
+    return static_cast<bool>(reservation_);
+}
+
+Result<std::unique_ptr<MediumReader>> VirtualDrive::openMedium() {
+    return makeError(ErrorCode::FunctionNotSupported);
 }
 
 Result<std::unique_ptr<BurnTarget>> VirtualDrive::beginBurn() {

@@ -32,6 +32,7 @@ class VirtualDrive final : public Drive, public std::enable_shared_from_this<Vir
     const LoadingMechanism& loadingMechanism() const noexcept override { return mechanism_; }
     bool isValid() const override;
     Result<std::optional<MediumInfo>> readMedium() const override;
+    Result<std::unique_ptr<MediumReader>> openMedium() override;
     bool isTrayOpen() const override;
     Result<void> openTray() override;
     Result<void> closeTray() override;
@@ -40,6 +41,9 @@ class VirtualDrive final : public Drive, public std::enable_shared_from_this<Vir
     Result<void> acquireExclusiveAccess() override;
     void releaseExclusiveAccess() override;
     bool hasExclusiveAccess() const override;
+    void acquireMediaReservation() override;
+    void releaseMediaReservation() override;
+    bool holdsMediaReservation() override;
     Result<std::unique_ptr<BurnTarget>> beginBurn() override;
     Result<void> erase(EraseType type, const EraseProgress& progress) override; // VirtualErase.cpp
 
@@ -67,6 +71,8 @@ class VirtualDrive final : public Drive, public std::enable_shared_from_this<Vir
     Descriptor lock_; ///< open and locked while exclusive_ > 0 or burning_
     uint32_t exclusive_ = 0;
     bool burning_ = false;
+    uint32_t reservations_ = 0;
+    Descriptor reservation_; ///< open and locked while the reservation is held
 };
 
 } // namespace engine

@@ -35,6 +35,7 @@ inline constexpr char medium[] = "medium.json";
 inline constexpr char image[] = "medium.iso";        ///< where the image stays
 inline constexpr char newImage[] = "medium.new.iso"; ///< where a re-writable medium's next image grows
 inline constexpr char lock[] = "lock";
+inline constexpr char reservation[] = "reservation"; ///< locked by the process that holds it
 } // namespace names
 
 /// Reads medium.json; empty when there is none, which means no medium. Throws MediaInvalid for one that is

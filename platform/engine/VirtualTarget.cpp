@@ -33,7 +33,7 @@ class VirtualTarget : public BurnTarget {
     void openFile(const char* name, const TrackInfo& track) {
         file_ = std::make_shared<ImageFile>(folder(), name);
         file_->reserve(track.blocks * blockSize, drive_->displayName());
-        record_.sessions = {SessionInfo{1, {track}}};
+        record_.sessions = {SessionInfo{1, {track}, true}};
     }
 
     std::shared_ptr<VirtualDrive> drive_;

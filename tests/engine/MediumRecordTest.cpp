@@ -19,7 +19,10 @@ class MediumRecordTest : public EngineTest {
         MediumRecord record = MediumRecord::blank(MediumKind::DVDPlusRW, 1000);
         record.state = MediumState::Complete;
         record.image = image;
-        record.sessions = {SessionInfo{1, {TrackInfo{1, TrackMode::Data, 0, 40, "Grüße \"x\""}}}};
+        TrackInfo track;
+        track.blocks = 40;
+        track.volumeName = "Grüße \"x\"";
+        record.sessions = {SessionInfo{1, {track}, true}};
         return record;
     }
 

@@ -85,7 +85,7 @@ TEST_F(VerifyTest, isLeftOutWhenTheBurnOrTheTrackSaysSo) {
         job.setObserver(
             [&](const BurnStatus& status) { states += status.state == BurnState::Verifying ? "v" : ""; });
         Layout what = layout();
-        std::get<DataTrack>(what.sessions[0].tracks[0].content).verify = trackOption;
+        what.sessions[0].tracks[0].verification = trackOption ? Verification::Checksum : Verification::None;
         BurnOptions options;
         options.verify = option;
         EXPECT_TRUE(job.start(what, options).ok());

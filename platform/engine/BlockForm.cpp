@@ -1,0 +1,30 @@
+// The names of the forms of blocks.
+#include "BlockForm.hpp"
+
+#include <array>
+#include <utility>
+
+namespace engine {
+namespace {
+
+constexpr std::array<std::pair<BlockForm, std::string_view>, 8> rows{
+    {{BlockForm::Data, "data"},
+     {BlockForm::Audio, "audio"},
+     {BlockForm::Mode2, "mode 2"},
+     {BlockForm::Mode2Form1, "mode 2 form 1"},
+     {BlockForm::Mode2Form2, "mode 2 form 2"},
+     {BlockForm::XA, "XA"},
+     {BlockForm::RawMode1, "raw mode 1"},
+     {BlockForm::RawMode2, "raw mode 2"}}};
+
+} // namespace
+
+std::string_view nameOf(BlockForm form) noexcept { return rows[static_cast<size_t>(form)].second; }
+
+std::optional<BlockForm> blockFormNamed(std::string_view name) noexcept {
+    for (const auto& [form, known] : rows)
+        if (known == name) return form;
+    return std::nullopt;
+}
+
+} // namespace engine

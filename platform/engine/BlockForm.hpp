@@ -1,0 +1,53 @@
+// The forms that a block of a track can have.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+namespace engine {
+
+/// What the producer of a track gives for each block, and what is read back from it. Everything but Data
+/// needs a CD.
+enum class BlockForm : uint8_t {
+    Data,       ///< 2048 bytes: mode 1 on a CD, the plain block of a DVD or BD
+    Audio,      ///< 2352 bytes: 588 samples of 16 bits, stereo, interleaved, little endian
+    Mode2,      ///< 2336 bytes, formless
+    Mode2Form1, ///< 2048 bytes; the medium adds the subheader
+    Mode2Form2, ///< 2324 bytes; the medium adds the subheader
+    XA,         ///< 2336 bytes: subheader (8), then form 1 or 2 as it says
+    RawMode1,   ///< 2352 bytes: whole sectors
+    RawMode2,   ///< 2352 bytes: whole sectors
+};
+
+/// Bytes of a sector on a CD, without subchannel data.
+inline constexpr size_t sectorBytes = 2352;
+/// Subchannel data of a block, for tracks that bring it.
+inline constexpr size_t subchannelBytes = 96;
+
+/// Bytes that a producer gives for one block, without subchannel data.
+constexpr size_t bytesPerBlock(BlockForm form) noexcept {
+    switch (form) {
+    case BlockForm::Data:
+    case BlockForm::Mode2Form1:
+        return 2048;
+    case BlockForm::Mode2:
+    case BlockForm::XA:
+        return 2336;
+    case BlockForm::Mode2Form2:
+        return 2324;
+    case BlockForm::Audio:
+    case BlockForm::RawMode1:
+    case BlockForm::RawMode2:
+        return sectorBytes;
+    }
+    return sectorBytes;
+}
+
+/// As in medium.json and in sentences: "data", "audio", "mode 2", "mode 2 form 1", "mode 2 form 2", "XA",
+/// "raw mode 1", "raw mode 2".
+std::string_view nameOf(BlockForm form) noexcept;
+std::optional<BlockForm> blockFormNamed(std::string_view name) noexcept;
+
+} // namespace engine

@@ -1,0 +1,25 @@
+// Whole sectors of a CD from user data, and back (ECMA-130, 14; Philips-Sony System Description CD-ROM XA).
+#pragma once
+
+#include "../BlockForm.hpp"
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+namespace engine {
+
+/// Makes the sector at `address` (a logical block address; 0 lies two seconds into the disc, negative ones in
+/// the first pre-gap) from a block's user data, which has bytesPerBlock(form) bytes: sync, header, subheader,
+/// error codes. Audio and raw sectors are copied as they are.
+void encodeSector(BlockForm form, int64_t address, std::span<const std::byte> user,
+                  std::span<std::byte, sectorBytes> sector) noexcept;
+
+/// Where the user data of a block begins in its sector.
+size_t userDataOffset(BlockForm form) noexcept;
+
+/// Whether sync, header (address included) and error detection code are those of a sector of that form;
+/// always true for audio.
+bool isIntactSector(BlockForm form, int64_t address, std::span<const std::byte, sectorBytes> sector) noexcept;
+
+} // namespace engine
