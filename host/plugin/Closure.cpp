@@ -4,6 +4,7 @@
 #include "host/plugin/Marshal.hpp"
 #include "host/runtime/Invoke.hpp"
 #include "host/runtime/Lock.hpp"
+#include "host/runtime/MemoryBlock.hpp"
 #include "host/runtime/Pending.hpp"
 #include "host/services/Platform.hpp"
 
@@ -64,13 +65,31 @@ void writeArgument(const Parameter& parameter, void* address, const Value& value
     dropSlot(parameter.type, before);
 }
 
+// What a pointer block points at is the plug-in's for no longer than the call.
+class PointersEnd {
+  public:
+    explicit PointersEnd(const std::vector<Value>& arguments) : arguments_(arguments) {}
+    PointersEnd(const PointersEnd&) = delete;
+    PointersEnd& operator=(const PointersEnd&) = delete;
+    ~PointersEnd() {
+        for (const Value& argument : arguments_)
+            if (argument.isObject() && isMemoryBlock(argument.object())) endPointerBlock(argument.object());
+    }
+
+  private:
+    const std::vector<Value>& arguments_;
+};
+
 void callBody(const Closure& closure, void* result, void** addresses) {
     const auto& parameters = closure.declaration.parameters;
     REALobject self = closure.hasObject() ? *static_cast<REALobject*>(*addresses++) : nullptr;
-    const Ref alive = Ref::borrow(self);
+    const Ref alive = Ref::borrowAlive(self);
+    if (self && !alive) return; // ended while the plug-in was about to call
     std::vector<Value> arguments;
     for (std::size_t i = 0; i < parameters.size(); ++i)
         arguments.push_back(readArgument(parameters[i], addresses[i]));
+    const std::vector<Value> given = arguments; // a handler may assign its parameters
+    const PointersEnd end(given);
     const Value value = closure.member->body(self, arguments);
     for (std::size_t i = 0; i < parameters.size(); ++i)
         if (parameters[i].byRef) writeArgument(parameters[i], addresses[i], arguments[i]);

@@ -16,6 +16,7 @@ struct BlockData {
     std::byte* bytes = nullptr;
     std::size_t size = 0;
     bool isOwn = true;
+    bool hasEnded = false;
     bool isLittle = std::endian::native == std::endian::little;
 };
 
@@ -36,6 +37,10 @@ bool allocate(BlockData& block, int64_t size) {
 // The address of `length` bytes at an offset; checked where the size is known.
 std::byte* at(REALobject self, const Value& offset, int64_t length) {
     const auto& block = data(self);
+    if (block.hasEnded)
+        raise("NilObjectException",
+              "this memory block showed an event's buffer, and the event has returned; copy what "
+              "is needed later while it runs");
     const int64_t start = offset.toInt64();
     const bool fits = start >= 0 && length >= 0 &&
                       (!block.isOwn || (start <= static_cast<int64_t>(block.size) &&
@@ -166,6 +171,13 @@ Ref newPointerBlock(void* pointer) {
     held.bytes = static_cast<std::byte*>(pointer);
     held.isOwn = false;
     return block;
+}
+
+void endPointerBlock(REALobject block) {
+    auto& held = data(block);
+    if (held.isOwn) return;
+    held.bytes = nullptr;
+    held.hasEnded = true;
 }
 
 bool isMemoryBlock(REALobject object) { return isA(object, "MemoryBlock"); }

@@ -17,6 +17,9 @@ namespace host {
 Ref newMemoryBlock(int64_t bytes);
 // Points at memory that belongs to someone else and has no known size: offsets from 0 are not checked.
 Ref newPointerBlock(void* pointer);
+// The memory is its owner's again: whoever still uses the block gets an exception. Nothing for a block with bytes of
+// its own.
+void endPointerBlock(REALobject block);
 bool isMemoryBlock(REALobject object);
 // The block's own bytes; with an unknown size the span is empty but data() is the pointer.
 std::span<std::byte> memoryOf(REALobject block);

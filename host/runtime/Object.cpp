@@ -8,6 +8,8 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <deque>
+#include <mutex>
 #include <new>
 #include <vector>
 
@@ -17,8 +19,11 @@ namespace {
 // The header's words.
 enum { kClassWord, kCountWord, kElementsWord, kMarkWord };
 
-// Stands in the last word while the object lives.
-const char kAlive = 0;
+// Stand in the last word: the object lives; it lives, and its memory outlives it. Neither: it has ended.
+const char kAlive = 0, kOutlived = 0;
+
+// Memory of ended objects that outlives them. The oldest is given up when there is too much of it.
+constexpr std::size_t kMostKept = 65536;
 
 // While destructors run the count is far from 0, so that what they hold and drop does not destroy a second
 // time.
@@ -35,6 +40,30 @@ std::vector<Class*> chainOf(Class& objectClass) { // the root first
     for (Class* c = &objectClass; c; c = c->super())
         chain.insert(chain.begin(), c);
     return chain;
+}
+
+// The last reference is given up in one step with the count's change to dying, so that nobody who takes and drops
+// one in between ends the object a second time.
+bool dropsTheLast(REALobject object) {
+    auto* word = &object->header[kCountWord];
+    void* count = __atomic_load_n(word, __ATOMIC_RELAXED);
+    for (;;) {
+        const auto number = reinterpret_cast<intptr_t>(count);
+        void* next = reinterpret_cast<void*>(number == 1 ? kDying : number - 1);
+        if (__atomic_compare_exchange_n(word, &count, next, true, __ATOMIC_ACQ_REL, __ATOMIC_RELAXED))
+            return number == 1;
+    }
+}
+
+void freeOrKeep(REALobject object, bool isOutlived) {
+    if (!isOutlived) return std::free(object);
+    static auto& mutex = *new std::mutex;
+    static auto& kept = *new std::deque<REALobject>;
+    const std::lock_guard guard(mutex);
+    kept.push_back(object);
+    if (kept.size() <= kMostKept) return;
+    std::free(kept.front());
+    kept.pop_front();
 }
 
 void setInitialFields(Class& objectClass, REALobject object) {
@@ -57,7 +86,7 @@ void runDestructor(const Class& objectClass, REALobject object) {
 
 void destroy(REALobject object) {
     Class& objectClass = classOf(object);
-    addToCount(object, kDying);
+    const void* mark = __atomic_exchange_n(&object->header[kMarkWord], nullptr, __ATOMIC_ACQ_REL);
     for (const Class* c = &objectClass; c; c = c->superOrNull())
         runDestructor(*c, object);
     for (std::size_t i = objectClass.fieldCount(); i-- > 0;)
@@ -65,9 +94,8 @@ void destroy(REALobject object) {
     for (const Class* c = &objectClass; c; c = c->superOrNull())
         if (c->nativeDestructor()) c->nativeDestructor()(object);
     if (!isInForeignCall()) strayPendingException();
-    object->header[kMarkWord] = nullptr;
     --objectClass.liveCount;
-    std::free(object);
+    freeOrKeep(object, mark == &kOutlived);
 }
 
 } // namespace
@@ -97,7 +125,28 @@ void retain(REALobject object) {
 }
 
 void release(REALobject object) {
-    if (object && addToCount(object, -1) == 1) destroy(object);
+    if (object && dropsTheLast(object)) destroy(object);
+}
+
+void outlive(REALobject object) {
+    void* alive = const_cast<char*>(&kAlive);
+    __atomic_compare_exchange_n(&object->header[kMarkWord], &alive, const_cast<char*>(&kOutlived), false,
+                                __ATOMIC_ACQ_REL, __ATOMIC_RELAXED);
+}
+
+bool hasEnded(REALobject object) { return !__atomic_load_n(&object->header[kMarkWord], __ATOMIC_ACQUIRE); }
+
+Ref Ref::borrowAlive(REALobject object) {
+    if (!object || hasEnded(object)) return {};
+    auto* word = &object->header[kCountWord];
+    void* count = __atomic_load_n(word, __ATOMIC_RELAXED);
+    for (;;) {
+        const auto number = reinterpret_cast<intptr_t>(count);
+        if (number >= kDying / 2) return {};
+        if (__atomic_compare_exchange_n(word, &count, reinterpret_cast<void*>(number + 1), true,
+                                        __ATOMIC_ACQ_REL, __ATOMIC_RELAXED))
+            return adopt(object);
+    }
 }
 
 Class& classOf(REALobject object) { return *static_cast<Class*>(object->header[kClassWord]); }

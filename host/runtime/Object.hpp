@@ -28,6 +28,12 @@ REALobject newObject(Class& objectClass);
 void retain(REALobject object);
 void release(REALobject object);
 
+// Plug-ins may keep an object's address without a reference, to call its events later. From outlive() on such an
+// object's memory is kept beyond its end, so that hasEnded() can be asked of it.
+void outlive(REALobject object);
+// True from before the destructors run.
+bool hasEnded(REALobject object);
+
 Class& classOf(REALobject object);
 uintptr_t referencesOf(REALobject object);
 bool isA(REALobject object, const Class& objectClass); // false for null
@@ -66,6 +72,9 @@ class Ref {
         retain(object);
         return adopt(object);
     }
+
+    // Empty for null and for an object that has ended or is about to.
+    static Ref borrowAlive(REALobject object);
 
     REALobject get() const { return object_; }
     REALobject detach() { return std::exchange(object_, nullptr); }

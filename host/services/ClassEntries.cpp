@@ -92,10 +92,14 @@ uint8_t RuntimeObjectIsa(REALobject object, REALclassRef classRef) {
     return guarded<uint8_t>([=]() -> uint8_t { return isA(object, *reinterpret_cast<Class*>(classRef)); });
 }
 
-void REALLockObject(REALobject object) { retain(object); }
+// A plug-in that calls an object's events may hold and drop it without owning it. Once the object has ended, both
+// do nothing.
+void REALLockObject(REALobject object) {
+    if (object && !hasEnded(object)) retain(object);
+}
 
 void REALUnlockObject(REALobject object) {
-    guarded<int>([=] { return release(object), 0; });
+    if (object && !hasEnded(object)) guarded<int>([=] { return release(object), 0; });
 }
 
 void RuntimeRaiseException(REALobject exception) {
@@ -110,7 +114,8 @@ void RuntimeRaiseException(REALobject exception) {
 }
 
 REALproc GetEventInstance(REALobject object, uintptr_t identity) {
-    if (!object || identity == 0) return nullptr;
+    if (!object || identity == 0 || hasEnded(object)) return nullptr;
+    outlive(object);
     return guarded<REALproc>([=]() -> REALproc {
         const auto& event = *reinterpret_cast<const Member*>(identity);
         const Member* handler = classOf(object).handler(event);

@@ -78,6 +78,59 @@ TEST_F(Events, AMemoryBlockPointsAtThePluginsBuffer) {
     EXPECT_EQ(ask(fills, "fireFill").toInt32(), -16 * 1000 + 77);
 }
 
+TEST_F(Events, AMemoryBlockThatWasKeptRaisesOnceTheHandlerHasReturned) {
+    Value kept;
+    const Value fills =
+        object({on("fill(b As MemoryBlock, n As UInt32) As Int16", [&](REALobject, Arguments a) -> Value {
+            kept = a[0];
+            a[0] = Value(); // what becomes of the parameter does not matter
+            return 0;
+        })});
+    ask(fills, "fireFill");
+    const std::string ended =
+        "NilObjectException: this memory block showed an event's buffer, and the event has "
+        "returned; copy what is needed later while it runs";
+    EXPECT_EQ(raisedBy([&] { ask(kept, "UInt8Value", {3}); }), ended);
+    EXPECT_EQ(raisedBy([&] { ask(kept, "CString", {0}); }), ended);
+    EXPECT_EQ(raisedBy([&] { ask(kept, "RightB", {0}); }), ended);
+    EXPECT_EQ(ask(kept, "Size").toInt32(), 0);
+}
+
+TEST_F(Events, AnEndedObjectIsAskedNothingAndNothingIsHeldOfIt) {
+    const Services services;
+    int count = 0;
+    const auto notify = [&](REALobject, Arguments) -> Value {
+        ++count;
+        return {};
+    };
+    Value handler = object({on("notify", notify)});
+    const REALobject address = handler.object();
+    const auto identity = reinterpret_cast<uintptr_t>(classOf(address).event("notify"));
+    const auto event = reinterpret_cast<void (*)(REALobject)>(services.GetEventInstance(address, identity));
+    ASSERT_TRUE(event);
+    event(address);
+    EXPECT_EQ(count, 1);
+    handler = Value();
+    EXPECT_TRUE(hasEnded(address));
+    services.REALLockObject(address);
+    services.REALUnlockObject(address);
+    services.REALUnlockObject(address); // as one that drops a reference it never took
+    EXPECT_EQ(services.GetEventInstance(address, identity), nullptr);
+    event(address); // found before the end, called after it
+    EXPECT_EQ(count, 1);
+}
+
+TEST_F(Events, AnObjectEndsOnceWhoeverDropsTheLastReference) {
+    for (int round = 0; round < 200; ++round) {
+        Value handler = object({});
+        const REALobject object = handler.object();
+        retain(object);
+        std::thread other([=] { release(object); });
+        handler = Value();
+        other.join();
+    }
+}
+
 TEST_F(Events, WhatAHandlerRaisesStopsThereAndIsThrownAfterThePluginsFunction) {
     const Value fails = object(
         {on("isReady As Boolean", [](REALobject, Arguments) -> Value { raise("IOException", "not now"); })});
