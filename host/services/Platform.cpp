@@ -15,16 +15,31 @@ namespace {
 
 using Id = void*;
 
-// Each looked up until it is found: the platform comes with the first plug-in that needs it.
 template <class Function>
 Function* symbol(const char* name) {
     return reinterpret_cast<Function*>(dlsym(RTLD_DEFAULT, name));
 }
 
+// A function of the platform, looked up until it is found: the platform comes with the first plug-in that needs it.
+template <class Function>
+class PlatformFunction {
+  public:
+    constexpr explicit PlatformFunction(const char* name) : name_(name) {}
+
+    Function* get() {
+        Function* found = known_.load(std::memory_order_relaxed); // by any thread
+        if (!found) known_ = found = symbol<Function>(name_);
+        return found;
+    }
+
+  private:
+    const char* name_;
+    std::atomic<Function*> known_{nullptr};
+};
+
 Id classNamed(const char* name) {
-    static std::atomic<Id (*)(const char*)> known{nullptr}; // by any thread
-    auto* lookUp = known.load();
-    if (!lookUp) known = lookUp = symbol<Id(const char*)>("objc_getClass");
+    static constinit PlatformFunction<Id(const char*)> getClass("objc_getClass");
+    auto* lookUp = getClass.get();
     return lookUp ? lookUp(name) : nullptr;
 }
 
@@ -47,7 +62,8 @@ using CreateWithBytes = CFStringRef(const void*, const uint8_t*, long, uint32_t,
 using CreateWithCharacters = CFStringRef(const void*, const uint16_t*, long);
 
 CFStringRef fromUTF16(std::string_view bytes) {
-    auto* create = symbol<CreateWithCharacters>("CFStringCreateWithCharacters");
+    static constinit PlatformFunction<CreateWithCharacters> function("CFStringCreateWithCharacters");
+    auto* create = function.get();
     if (!create) return nullptr;
     std::vector<uint16_t> units(bytes.size() / 2);
     bytes.copy(reinterpret_cast<char*>(units.data()), units.size() * 2); // an odd last byte is no unit
@@ -55,7 +71,8 @@ CFStringRef fromUTF16(std::string_view bytes) {
 }
 
 CFStringRef fromBytes(std::string_view bytes, uint32_t encoding) {
-    auto* create = symbol<CreateWithBytes>("CFStringCreateWithBytes");
+    static constinit PlatformFunction<CreateWithBytes> function("CFStringCreateWithBytes");
+    auto* create = function.get();
     if (!create) return nullptr;
     return create(nullptr, reinterpret_cast<const uint8_t*>(bytes.data()), static_cast<long>(bytes.size()),
                   encoding, 0);

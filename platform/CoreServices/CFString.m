@@ -1,5 +1,6 @@
 // CFString: CoreFoundation's strings, which are Foundation's.
 #import "CoreServices.h"
+#import "UTF8.h"
 #import "UnitStrings.h"
 #import <Foundation/Foundation.h>
 
@@ -13,12 +14,12 @@ static BOOL FoundationEncoding(CFStringEncoding encoding, NSStringEncoding* resu
         CFStringEncoding ours;
         NSStringEncoding theirs;
     } table[] = {
+        {kCFStringEncodingUTF8, NSUTF8StringEncoding}, // nearly every text
         {kCFStringEncodingMacRoman, NSMacOSRomanStringEncoding},
         {kCFStringEncodingWindowsLatin1, NSWindowsCP1252StringEncoding},
         {kCFStringEncodingISOLatin1, NSISOLatin1StringEncoding},
         {kCFStringEncodingNextStepLatin, NSNEXTSTEPStringEncoding},
         {kCFStringEncodingASCII, NSASCIIStringEncoding},
-        {kCFStringEncodingUTF8, NSUTF8StringEncoding},
         {kCFStringEncodingNonLossyASCII, NSNonLossyASCIIStringEncoding},
         {kCFStringEncodingUTF16BE, NSUTF16BigEndianStringEncoding},
         {kCFStringEncodingUTF16LE, NSUTF16LittleEndianStringEncoding},
@@ -81,7 +82,9 @@ CFStringRef CFStringCreateWithBytes(CFAllocatorRef allocator, const UInt8* bytes
                         count >= (CFIndex)sizeof UTF8Mark && memcmp(bytes, UTF8Mark, sizeof UTF8Mark) == 0;
     NSString* text;
     @try {
-        text = [[NSString alloc] initWithBytes:bytes length:(NSUInteger)count encoding:foundation];
+        text = marked || foundation != NSUTF8StringEncoding
+                   ? [[NSString alloc] initWithBytes:bytes length:(NSUInteger)count encoding:foundation]
+                   : NewStringOfUTF8(bytes, (size_t)count);
         if (marked && text != nil) {
             NSMutableString* whole = [[NSMutableString alloc] initWithFormat:@"%C", (unichar)0xFEFF];
             [whole appendString:text];
@@ -164,6 +167,8 @@ Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex size, CFStr
     NSStringEncoding foundation;
     if (string == NULL || !FoundationEncoding(encoding, &foundation))
         return false;
+    if (foundation == NSUTF8StringEncoding)
+        return WriteUTF8((NSString*)string, buffer, (size_t)size);
     NSAutoreleasePool* pool = [NSAutoreleasePool new];
     Boolean done = false;
     @try {
