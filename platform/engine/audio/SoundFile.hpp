@@ -1,8 +1,6 @@
 // A sound file as libsndfile decodes it, in frames of its own rate.
 #pragma once
 
-#include "audio/StereoMix.hpp"
-
 #include <cstdint>
 #include <memory>
 #include <span>
