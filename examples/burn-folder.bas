@@ -1,10 +1,15 @@
-' Burns a folder onto the first drive and verifies what was written.
+' Burns a folder onto a drive and verifies what was written.
 '
-'   disc-basic burn-folder.bas FOLDER [VOLUME NAME]
+'   disc-basic burn-folder.bas [OPTIONS] FOLDER [VOLUME NAME]
+'
+'   --drive=NAME     the drive, by the name it shows (default: the first one)
+'   --speed=FACTOR   burns no faster than that many times the speed of one (default: as fast as it goes)
+'   --no-verify      doesn't read back what was written
+'   --then=eject     opens the tray when all is done; --then=mount keeps the disc in (default)
 '
 ' The disc is named after the folder unless a name is given. A re-writable medium that holds data is overwritten.
 
-Const Usage = "Usage: burn-folder.bas FOLDER [VOLUME NAME]"
+Const Usage = "Usage: burn-folder.bas [--drive=NAME] [--speed=FACTOR] [--no-verify] [--then=eject|mount] FOLDER [VOLUME NAME]"
 
 ' What a state of the burn is called for people.
 Function NameOfState(state As String) As String
@@ -41,6 +46,13 @@ Function Repeated(text As String, times As Integer) As String
         result = result + text
     Next
     Return result
+End Function
+
+' What single speed is for the medium in a drive, in KB a second.
+Function SingleSpeed(drive As DRDeviceQRX) As Double
+    If drive.mediaType.BeginsWith("DRDeviceMediaTypeCD") Then Return DRDeviceQRX.DRDeviceBurnSpeedCD1x
+    If drive.mediaType.BeginsWith("DRDeviceMediaTypeBD") Then Return DRDeviceQRX.DRDeviceBurnSpeedBD1x
+    Return DRDeviceQRX.DRDeviceBurnSpeedDVD1x
 End Function
 
 Sub Fail(message As String)
@@ -90,22 +102,53 @@ End Class
 
 ' ---- what to burn ---------------------------------------------------------------------------------------
 
-If App.Arguments.LastIndex < 0 Or App.Arguments.LastIndex > 1 Then
+Sub ShowUsage()
     StdErr.WriteLine(Usage)
     Quit(2)
-End If
+End Sub
 
-Dim source As FolderItem = GetFolderItem(App.Arguments(0))
-If source Is Nil Or Not source.Exists Then Fail("there is no folder " + App.Arguments(0))
-If Not source.Directory Then Fail(App.Arguments(0) + " is not a folder; give the folder that it is in")
+Dim names() As String
+Dim driveName As String
+Dim speedFactor As Double
+Dim isVerified As Boolean = True
+Dim completion As String = DRBurnQRX.DRBurnCompletionActionMount
+For Each argument As String In App.Arguments
+    Dim word As String = NthField(argument, "=", 1)
+    Dim value As String = Mid(argument, Len(word) + 2)
+    If Not argument.BeginsWith("--") Then
+        names.Append(argument)
+    ElseIf word = "--drive" And value <> "" Then
+        driveName = value
+    ElseIf word = "--speed" And Val(value) > 0 Then
+        speedFactor = Val(value)
+    ElseIf argument = "--no-verify" Then
+        isVerified = False
+    ElseIf argument = "--then=eject" Then
+        completion = DRBurnQRX.DRBurnCompletionActionEject
+    ElseIf argument <> "--then=mount" Then
+        ShowUsage
+    End If
+Next
+If names.LastIndex < 0 Or names.LastIndex > 1 Then ShowUsage
+
+Dim source As FolderItem = GetFolderItem(names(0))
+If source Is Nil Or Not source.Exists Then Fail("there is no folder " + names(0))
+If Not source.Directory Then Fail(names(0) + " is not a folder; give the folder that it is in")
 
 Dim root As DRFolderQRX = DRFolderQRX.folderWithPath(source)
-If App.Arguments.LastIndex = 1 Then root.baseName = App.Arguments(1)
+If names.LastIndex = 1 Then root.baseName = names(1)
 
 ' ---- where to ---------------------------------------------------------------------------------------------
 
 If DRDeviceQRX.deviceCount = 0 Then Fail("there is no drive that can write discs")
 Dim drive As DRDeviceQRX = DRDeviceQRX.device(0)
+If driveName <> "" Then
+    drive = Nil
+    For Each candidate As DRDeviceQRX In DRDeviceQRX.devices
+        If drive Is Nil And candidate.displayName = driveName Then drive = candidate
+    Next
+    If drive Is Nil Then Fail("there is no drive " + driveName + "; list-drives.bas shows which there are")
+End If
 If drive.trayIsOpen Then Call drive.closeTray
 If Not drive.mediaIsPresent Then Fail("there is no disc in " + drive.displayName + "; insert one and try again")
 
@@ -115,8 +158,9 @@ Print "Burning " + source.NativePath + " as """ + root.baseName + """"
 Print "onto " + drive.displayName + " (" + kind + ", room for " + Megabytes(drive.mediaSpaceOverwritable.sectors) + ")."
 
 Dim burn As New DRBurnQRX(drive)
-burn.verifyDisc = True
-burn.completionAction = DRBurnQRX.DRBurnCompletionActionMount
+burn.verifyDisc = isVerified
+burn.completionAction = completion
+If speedFactor > 0 Then burn.requestedBurnSpeed = speedFactor * SingleSpeed(drive)
 burn.BurnFailureAction = DRBurnQRX.DRBurnFailureActionNone
 If Not drive.mediaIsBlank Then
     Print "The disc holds data, which is overwritten."
@@ -149,7 +193,12 @@ End If
 
 ' ---- say what was done --------------------------------------------------------------------------------------
 
-Print "Burned " + Megabytes(drive.mediaSpaceUsed.sectors) + " in " + Format((Microseconds - started) / 1000000, "0.0") + " seconds; every byte was read back and is right."
+Dim proof As String = "it was not read back."
+If isVerified Then proof = "every byte was read back and is right."
+Dim amount As String
+If Not drive.trayIsOpen Then amount = Megabytes(drive.mediaSpaceUsed.sectors) + " "
+Print "Burned " + amount + "in " + Format((Microseconds - started) / 1000000, "0.0") + " seconds; " + proof
+If completion = DRBurnQRX.DRBurnCompletionActionEject Then Print "The disc was ejected."
 
 ' A virtual drive is a folder, and its medium an image that other programs read as it is.
 Dim place As FolderItem = GetFolderItem(drive.ioRegistryEntryPath)

@@ -1,0 +1,71 @@
+#!/usr/bin/python3
+"""The example programs do what they say, with the companion plug-in and without it."""
+import os
+import time
+import unittest
+
+from examples_case import ExamplesCase
+
+
+class Examples(ExamplesCase):
+    # ---- list-drives ------------------------------------------------------------------------------------------
+
+    def test_list_drives_shows_what_a_person_wants_to_know(self):
+        self.assertEqual(self.succeed("list-drives.bas").splitlines(), [
+            "Virtual Disc Drive 1",
+            "  Revision    1.00",
+            "  Connected   ATAPI, internal",
+            "  Writes      CD-R, CD-RW, DVD-R, DVD-R DL, DVD-RW, DVD-RAM, DVD+R, DVD+R DL, DVD+RW, BD-R, BD-RE",
+            "  Where       " + os.path.join(self.drives, "drive-1"),
+            "  Medium      DVD+RW: blank, can be erased",
+            "  Room        0.0 MB used, 4.70 GB free"])
+
+    def test_list_drives_names_every_kind_of_medium(self):
+        kinds = ("CD-ROM", "CD-R", "CD-RW", "DVD-ROM", "DVD-R", "DVD-R DL", "DVD-RW", "DVD-RAM", "DVD+R", "DVD+R DL",
+                 "DVD+RW", "BD-ROM", "BD-R", "BD-RE")
+        for number, kind in enumerate(kinds):
+            self.make_drive(f"d{number:02}", kind, kind=kind, capacityBlocks=1000)
+        lines = self.succeed("list-drives.bas").splitlines()
+        shown = [line.split(":")[0][14:] for line in lines if line.startswith("  Medium")]
+        self.assertEqual(shown, list(kinds))
+
+    def test_list_drives_tells_of_no_drive_no_medium_and_an_open_tray(self):
+        self.no_drive()
+        self.assertEqual(self.succeed("list-drives.bas"), "There is no drive that can write discs.\n")
+        self.make_drive()
+        self.assertIn("  Medium      none\n", self.succeed("list-drives.bas"))
+
+    # ---- burn-folder ------------------------------------------------------------------------------------------
+
+    def test_burn_folder_burns_with_every_option(self):
+        self.make_drive("a", "First", kind="CD-RW", capacityBlocks=359847)
+        self.make_drive("b", "Second", kind="CD-RW", capacityBlocks=359847)
+        said = self.succeed("burn-folder.bas", "--drive=Virtual Second", "--no-verify", "--then=eject", "--speed=52",
+                            self.source, "Summer")
+        self.assertIn('as "Summer"', said)
+        self.assertRegex(said, r"Burned in [0-9.]+ seconds; it was not read back\.")
+        self.assertIn("The disc was ejected.", said)
+        self.assertNotIn("Verifying", said)
+        self.assertEqual(self.medium("a")["state"], "blank")
+        self.assertEqual(self.medium("b")["sessions"][0]["tracks"][0]["volumeName"], "Summer")
+        self.assertIn("  Tray        open", self.succeed("list-drives.bas"))
+
+    def test_burn_folder_goes_no_faster_than_asked_for(self):
+        self.make_drive(kind="CD-R", capacityBlocks=359847)
+        self.write("some.bin", bytes(3_000_000))
+        began = time.monotonic()
+        said = self.succeed("burn-folder.bas", "--speed=8", self.source)
+        self.assertGreater(time.monotonic() - began, 3_000_000 / (8 * 176_400))
+        self.assertIn("every byte was read back and is right", said)
+
+    def test_burn_folder_refuses_options_that_are_none(self):
+        for option in ("--fast", "--speed=much", "--speed=0", "--speed=-1", "--drive=", "--then=sleep", "--no-verify=1"):
+            self.refuse("^Usage: burn-folder.bas ", "burn-folder.bas", option, self.source, status=2)
+        self.refuse("^Usage: ", "burn-folder.bas", self.source, "name", "more", status=2)
+        self.refuse("there is no drive Other; list-drives.bas shows", "burn-folder.bas", "--drive=Other", self.source)
+        self.assertEqual(os.listdir(self.drives), ["drive-1"])
+        self.assertEqual(self.medium()["state"], "blank")
+
+
+if __name__ == "__main__":
+    unittest.main()
