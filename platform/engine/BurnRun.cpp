@@ -1,11 +1,13 @@
 // The steps of a burn.
 #include "BurnRun.hpp"
 #include "Background.hpp"
-#include "DataImage.hpp"
+#include "BurnChecks.hpp"
 #include "Failure.hpp"
+#include "MediumBlocks.hpp"
 #include "Pipeline.hpp"
 
 #include <algorithm>
+#include <numeric>
 
 namespace engine {
 namespace {
@@ -13,10 +15,12 @@ namespace {
 constexpr size_t pacedBytes =
     64u << 10; // written at once when the speed is held down, so that the status moves
 constexpr auto reportInterval = std::chrono::milliseconds(100);
-static_assert(pieceBytes % checkedBytes == 0);
+constexpr auto cleanUpAfterAbort = std::chrono::milliseconds(20);
 
-[[noreturn]] void unsupported(const char* what) {
-    fail(ErrorCode::FunctionNotSupported, std::string(what) + " is not supported yet; burn without it.");
+// The most whole blocks in that many bytes; whole pages, too, when that is possible.
+size_t wholeBlocks(size_t blockBytes, size_t bytes) {
+    const size_t both = std::lcm(blockBytes, size_t{4096});
+    return both <= bytes ? bytes / both * both : bytes / blockBytes * blockBytes;
 }
 
 } // namespace
@@ -26,109 +30,134 @@ BurnRun::BurnRun(DriveRef drive, std::shared_ptr<const Layout> layout, const Bur
     : drive_(std::move(drive)), layout_(std::move(layout)), options_(options), signal_(std::move(signal)),
       report_(std::move(report)) {}
 
+// Every source that was prepared is cleaned up, in order; a producer's call that sleeps is not waited for after
+// an abort.
+BurnRun::~BurnRun() {
+    struct Done {
+        std::mutex mutex;
+        std::condition_variable changed;
+        bool done = false;
+    };
+    const auto state = std::make_shared<Done>();
+    try {
+        runInBackground("disc-clean", [state, items = std::move(items_)]() mutable {
+            for (const Item& item : items)
+                item.source->cleanUp();
+            items.clear();
+            const std::lock_guard lock(state->mutex);
+            state->done = true;
+            state->changed.notify_all();
+        });
+        std::unique_lock lock(state->mutex);
+        const auto isDone = [&] { return state->done; };
+        while (!signal_->isCanceled() && !isDone())
+            state->changed.wait_for(lock, cleanUpAfterAbort, isDone);
+        state->changed.wait_for(lock, cleanUpAfterAbort, isDone);
+    } catch (...) {
+        // Without a thread there is no one to wait for.
+    }
+}
+
 void BurnRun::run() {
     enter(BurnState::Preparing);
     signal_->check();
     if (!drive_) fail(ErrorCode::DeviceInvalid, "There is no drive to burn with; choose one.");
-    const DataTrack& track = checkedTrack();
-    checkOptions();
+    plan_ = planOf(*layout_, options_);
     auto began = drive_->beginBurn();
     if (!began) throw Failure(began.error());
     const std::unique_ptr<BurnTarget> target = std::move(*began);
-    checkMedium(target->medium());
+    fitPlan(plan_, options_, *drive_, target->medium());
     singleSpeed_ = singleSpeedOf(factsOf(target->medium().kind).mediumClass);
-
-    const auto image = runAbandonable(signal_, "disc-plan", [layout = layout_, signal = signal_, &track] {
-        return DataImage::plan(track, *signal); // `track` lies in the layout
-    });
-    checkSpace(target->medium(), image->blocks());
-
-    status_.currentSession = status_.totalSessions = 1;
-    status_.totalTracks = 1;
-    enter(BurnState::SessionOpen);
-    signal_->check();
-    status_.currentTrack = 1;
-    enter(BurnState::TrackOpen);
-    signal_->check();
-    TrackInfo info;
-    info.blocks = image->blocks();
-    info.volumeName = track.root.name;
-    target->openTrack(info);
-    const bool isVerified =
-        options_.verify && layout_->sessions.front().tracks.front().verification != Verification::None;
-    writeTrack(*target, image, isVerified);
-    enter(BurnState::TrackClose);
-    signal_->check();
-    status_.currentTrack = 0;
-    enter(BurnState::SessionClose);
-    signal_->check();
-    status_.currentSession = 0;
+    paces_ = target->needsPacing();
+    target->begin(plan_);
+    prepare(*target);
+    checkSpace(plan_, *drive_, target->medium());
+    writeSessions(*target);
     enter(BurnState::Finishing);
     signal_->check();
     target->flush(signal_);
-    if (isVerified) verify(*target);
+    verify(*target);
     signal_->check();
     target->commit(true);
 }
 
-const DataTrack& BurnRun::checkedTrack() const {
-    if (layout_->sessions.empty() || layout_->sessions.front().tracks.empty())
-        fail(ErrorCode::BadLayout, "There is nothing to burn: the layout has no track.");
-    if (layout_->sessions.size() > 1) unsupported("A disc of several sessions");
-    if (layout_->sessions.front().tracks.size() > 1) unsupported("A session of several tracks");
-    const auto* track = std::get_if<DataTrack>(&layout_->sessions.front().tracks.front().content);
-    if (track == nullptr) unsupported("A track from a producer");
-    const auto name = checkVolumeName(track->root.name);
-    if (!name) throw Failure(name.error());
-    return *track;
+void BurnRun::prepare(BurnTarget& target) {
+    const ImagePlace previous = previousFileSystem(target.medium());
+    for (size_t session = 0; session < plan_.sessions.size(); ++session) {
+        bool goesOn = session == 0; // only a session's first file system goes on from the medium's
+        for (size_t track = 0; track < plan_.sessions[session].size(); ++track) {
+            const Track& wanted = layout_->sessions[session].tracks[track];
+            Item item{session, track, wanted.verification, nullptr, 0, {}};
+            item.source = makeTrackSource(layout_, wanted, planned(item));
+            item.verification = item.source->verification(wanted.verification);
+            if (planned(item).subchannel != SubchannelForm::None) item.verification = Verification::None;
+            items_.push_back(item);
+            const bool isData = std::holds_alternative<DataTrack>(wanted.content);
+            prepareTrack(target, items_.back(), isData && goesOn ? previous : ImagePlace{});
+            goesOn = goesOn && !isData;
+        }
+    }
 }
 
-void BurnRun::checkOptions() const {
-    if (options_.appendable) unsupported("Leaving the disc open for another session");
-    if (options_.testing) unsupported("A test burn");
+void BurnRun::prepareTrack(BurnTarget& target, Item& item, const ImagePlace& wanted) {
+    target.place(plan_, item.session, item.track);
+    ImagePlace place = wanted;
+    place.startBlock = planned(item).info.startBlock;
+    place.wantsStart = target.wantsStart();
+    TrackInfo& info = planned(item).info;
+    info.blocks = runAbandonable(signal_, "disc-plan",
+                                 [source = item.source, medium = target.medium(), place, signal = signal_] {
+                                     return source->prepare(medium, place, *signal);
+                                 });
+    checkIndexPoints(info);
 }
 
-void BurnRun::checkMedium(const MediumInfo& medium) const {
-    const std::string kind(factsOf(medium.kind).name);
-    const std::string where = "The " + kind + " in " + inQuotes(drive_->displayName());
-    if (!factsOf(medium.kind).writable)
-        fail(ErrorCode::MediaNotWritable, where + " can only be read; put in a disc that can be written.");
-    if (!drive_->capabilities().canWrite(medium.kind))
-        fail(ErrorCode::MediaNotSupported,
-             where + " is of a kind that the drive can't write; put in another disc.");
-    if (medium.blank) return;
-    if (!medium.overwritable)
-        fail(ErrorCode::MediaNotBlank,
-             where + " is not blank and can't be overwritten; put in a blank disc.");
-    if (!options_.overwrite)
-        fail(ErrorCode::MediaNotBlank,
-             where + " is not blank; put in a blank disc, or ask for it to be overwritten.");
+// The newest file system that is on a medium which is appended to.
+ImagePlace BurnRun::previousFileSystem(const MediumInfo& medium) const {
+    if (medium.blank || plan_.startsAgain) return {};
+    auto reader = drive_->openMedium();
+    if (!reader) throw Failure(reader.error());
+    return newestFileSystem(medium, std::shared_ptr<MediumReader>(std::move(*reader)));
 }
 
-void BurnRun::checkSpace(const MediumInfo& medium, uint64_t blocks) const {
-    const uint64_t room = medium.blank ? medium.blocksFree : medium.blocksOverwritable;
-    if (blocks <= room) return;
-    fail(ErrorCode::BurnNotAllowed,
-         "The data needs " + megabytes(blocks * blockSize) + ", but the " +
-             std::string(factsOf(medium.kind).name) + " in " + inQuotes(drive_->displayName()) +
-             " has only " + megabytes(room * blockSize) + " free; take fewer files or a larger disc.",
-         std::to_string(blocks) + " blocks needed, " + std::to_string(room) + " free");
+void BurnRun::writeSessions(BurnTarget& target) {
+    status_.totalSessions = static_cast<uint32_t>(plan_.sessions.size());
+    auto item = items_.begin();
+    for (size_t session = 0; session < plan_.sessions.size(); ++session) {
+        status_.currentSession = static_cast<uint32_t>(session + 1);
+        status_.totalTracks = static_cast<uint32_t>(plan_.sessions[session].size());
+        enter(BurnState::SessionOpen);
+        signal_->check();
+        target.openSession(plan_, session);
+        for (size_t track = 0; track < plan_.sessions[session].size(); ++track) {
+            status_.currentTrack = static_cast<uint32_t>(track + 1);
+            enter(BurnState::TrackOpen);
+            signal_->check();
+            target.openTrack(planned(*item));
+            writeTrack(target, *item++);
+        }
+        status_.currentTrack = 0;
+        enter(BurnState::SessionClose);
+        signal_->check();
+        target.closeSession();
+    }
+    status_.currentSession = 0;
 }
 
-void BurnRun::writeTrack(BurnTarget& target, const std::shared_ptr<DataImage>& image, bool isVerified) {
-    const uint64_t total = image->blocks() * blockSize;
+void BurnRun::writeTrack(BurnTarget& target, Item& item) {
+    const PlannedTrack& track = planned(item);
+    const size_t blockBytes = track.blockBytes();
+    const uint64_t total = track.info.blocks * blockBytes;
     enter(BurnState::TrackWrite, total);
     signal_->check();
-    checksums_.reserve(static_cast<size_t>(total / checkedBytes + 1));
-    Pipeline pipeline(signal_, "disc-read", isVerified, [image, keep = layout_](std::span<std::byte> buffer) {
-        const size_t count = image->read(buffer);
-        if (count == 0) image->checkSources();
-        return count;
-    });
-    const size_t step = isPaced() ? pacedBytes : pieceBytes;
+    if (track.preGapIsProduced) writePreGap(target, item);
+    const bool isSummed = options_.verify && !plan_.isTest && item.verification == Verification::Checksum;
+    Pipeline pipeline(signal_, "disc-read", wholeBlocks(blockBytes, pieceBytes), isSummed,
+                      [source = item.source](std::span<std::byte> buffer) { return source->read(buffer); });
+    const size_t step = isPaced() ? wholeBlocks(blockBytes, pacedBytes) : pieceBytes;
     uint64_t written = 0;
     while (auto piece = pipeline.take()) {
-        checksums_.insert(checksums_.end(), piece->checksums.begin(), piece->checksums.end());
+        if (isSummed) item.checksums.push_back(piece->checksum);
         for (size_t offset = 0; offset < piece->filled;) {
             const auto part = piece->content().subspan(offset).first(std::min(piece->filled - offset, step));
             target.write(part);
@@ -139,43 +168,92 @@ void BurnRun::writeTrack(BurnTarget& target, const std::shared_ptr<DataImage>& i
         }
         pipeline.giveBack(std::move(piece));
     }
-    if (written != total) fail(ErrorCode::Internal, "The disc's image ended too early.");
+    item.bytes = written;
+    if (auto start = item.source->start(); !start.empty()) target.writeStart(std::move(start));
+    // A track that ends early makes room only when nothing follows it: the rest has its addresses already.
+    if (written < total && !plan_.isLast(item.session, item.track)) {
+        fillUp(target, track, total - written);
+        written = total;
+    }
+    status_.bytesTotal = written;
+    enter(BurnState::TrackClose);
+    signal_->check();
+    target.closeTrack(written / blockBytes);
+}
+
+void BurnRun::writePreGap(BurnTarget& target, const Item& item) {
+    const PlannedTrack& track = planned(item);
+    Pipeline pipeline(signal_, "disc-pregap", wholeBlocks(track.blockBytes(), pieceBytes), false,
+                      [source = item.source, blocks = track.info.preGapBlocks](std::span<std::byte> buffer) {
+                          return source->readPreGap(buffer, blocks);
+                      });
+    uint64_t written = 0;
+    while (auto piece = pipeline.take()) {
+        target.writePreGap(piece->content());
+        written += piece->filled;
+        pipeline.giveBack(std::move(piece));
+    }
+    if (written < track.info.preGapBlocks * track.blockBytes())
+        fail(ErrorCode::DataProduction, "The producer of track " + std::to_string(track.info.number) +
+                                            " ended before the track's pre-gap was full.");
+}
+
+void BurnRun::fillUp(BurnTarget& target, const PlannedTrack& track, uint64_t bytes) const {
+    const size_t most = wholeBlocks(track.blockBytes(), pieceBytes);
+    struct Free {
+        void operator()(std::byte* memory) const noexcept { std::free(memory); }
+    };
+    const std::unique_ptr<std::byte, Free> zeros(
+        static_cast<std::byte*>(std::aligned_alloc(4096, pieceBytes)));
+    if (!zeros) throw std::bad_alloc();
+    std::fill_n(zeros.get(), pieceBytes, std::byte{});
+    while (bytes > 0) {
+        signal_->check();
+        const auto count = static_cast<size_t>(std::min<uint64_t>(bytes, most));
+        target.write({zeros.get(), count});
+        bytes -= count;
+    }
 }
 
 void BurnRun::verify(BurnTarget& target) {
-    const uint64_t bytes = status_.bytesTotal;
-    enter(BurnState::Verifying, bytes);
+    uint64_t total = 0;
+    for (const Item& item : items_)
+        if (item.verification != Verification::None) total += item.bytes;
+    if (!options_.verify || plan_.isTest || total == 0) return;
+    enter(BurnState::Verifying, total);
     signal_->check();
-    Pipeline pipeline(signal_, "disc-verify", true,
-                      [read = target.reader(), offset = uint64_t{0}](std::span<std::byte> buffer) mutable {
-                          const size_t count = read(offset, buffer);
-                          offset += count;
-                          return count;
-                      });
-    const auto differs = [&](uint64_t from, const std::string& how) {
+    const std::shared_ptr<MediumReader> reader = target.reader();
+    const auto written = target.written();
+    uint64_t before = 0;
+    for (const Item& item : items_) {
+        if (item.verification == Verification::None) continue;
+        const TrackInfo& track = written[item.session][item.track];
+        const uint64_t preGap =
+            planned(item).preGapIsProduced ? target.keptPreGap(track, item.track == 0) : 0;
+        TrackVerifier verifier(reader, track, item.source, item.verification, item.checksums, item.bytes,
+                               preGap);
+        verifyTrack(item, verifier, before, target);
+        before += item.bytes;
+    }
+}
+
+void BurnRun::verifyTrack(const Item& item, TrackVerifier& verifier, uint64_t before, BurnTarget& target) {
+    try {
+        Pipeline pipeline(signal_, "disc-verify", wholeBlocks(planned(item).blockBytes(), pieceBytes), false,
+                          [verifier](std::span<std::byte> buffer) mutable { return verifier.next(buffer); });
+        uint64_t checked = 0;
+        while (auto piece = pipeline.take()) {
+            checked += piece->filled;
+            pipeline.giveBack(std::move(piece));
+            progress(before + checked);
+        }
+    } catch (const Mismatch& mismatch) {
         target.commit(false);
         fail(ErrorCode::VerificationFailed,
              "The disc in " + inQuotes(drive_->displayName()) + " is not what was written, from block " +
-                 std::to_string(from) + " on; don't trust it, and burn again.",
-             how);
-    };
-    uint64_t checked = 0;
-    size_t next = 0;
-    while (auto piece = pipeline.take()) {
-        for (const uint64_t checksum : piece->checksums) {
-            const uint64_t from = next * (checkedBytes / blockSize);
-            if (next >= checksums_.size() || checksum != checksums_[next])
-                differs(from, "block " + std::to_string(from) + " to " +
-                                  std::to_string(from + checkedBytes / blockSize - 1));
-            ++next;
-        }
-        checked += piece->filled;
-        pipeline.giveBack(std::move(piece));
-        progress(checked);
+                 std::to_string(mismatch.block) + " on; don't trust it, and burn again.",
+             mismatch.how);
     }
-    if (checked != bytes)
-        differs(checked / blockSize,
-                std::to_string(checked) + " bytes read back of " + std::to_string(bytes));
 }
 
 void BurnRun::enter(BurnState state, uint64_t bytesTotal) {
@@ -205,15 +283,12 @@ void BurnRun::progress(uint64_t bytesDone) {
     report_(status_);
 }
 
-bool BurnRun::isPaced() const {
-    return options_.requestedSpeed > 0 && options_.requestedSpeed < maximumSpeed;
-}
+bool BurnRun::isPaced() const { return paces_ && plan_.speed < maximumSpeed; }
 
 // Holds the burn to the requested speed; an abort ends the wait.
 void BurnRun::pace(uint64_t bytesDone) {
     if (!isPaced()) return;
-    const std::chrono::duration<double> due(static_cast<double>(bytesDone) /
-                                            (options_.requestedSpeed * 1000));
+    const std::chrono::duration<double> due(static_cast<double>(bytesDone) / (plan_.speed * 1000));
     const auto until = stateBegan_ + std::chrono::duration_cast<Clock::duration>(due);
     std::unique_lock lock(signal_->mutex);
     signal_->changed.wait_until(lock, until, [&] { return signal_->isCanceled(); });

@@ -4,6 +4,8 @@
 #include "BurnJob.hpp"
 #include "BurnTarget.hpp"
 #include "Signal.hpp"
+#include "TrackSource.hpp"
+#include "TrackVerifier.hpp"
 
 #include <chrono>
 #include <functional>
@@ -12,8 +14,6 @@
 
 namespace engine {
 
-class DataImage;
-
 /// Runs on the job's thread and tells all changes of status to `report`.
 class BurnRun {
   public:
@@ -21,18 +21,32 @@ class BurnRun {
 
     BurnRun(DriveRef drive, std::shared_ptr<const Layout> layout, const BurnOptions& options,
             SignalRef signal, Report report);
+    ~BurnRun();
 
     /// The whole burn; returns when the medium is durable and the drive is free. Throws Failure; the drive is
     /// free then, too, and the medium consistent.
     void run();
 
   private:
-    const DataTrack& checkedTrack() const;
-    void checkOptions() const;
-    void checkMedium(const MediumInfo& medium) const;
-    void checkSpace(const MediumInfo& medium, uint64_t blocks) const;
-    void writeTrack(BurnTarget& target, const std::shared_ptr<DataImage>& image, bool isVerified);
+    /// A track with its place in the plan.
+    struct Item {
+        size_t session, track;
+        Verification verification;
+        std::shared_ptr<TrackSource> source;
+        uint64_t bytes = 0; ///< that the source gave
+        std::vector<uint64_t> checksums;
+    };
+    PlannedTrack& planned(const Item& item) { return plan_.sessions[item.session][item.track]; }
+
+    void prepare(BurnTarget& target);
+    void prepareTrack(BurnTarget& target, Item& item, const ImagePlace& wanted);
+    ImagePlace previousFileSystem(const MediumInfo& medium) const;
+    void writeSessions(BurnTarget& target);
+    void writeTrack(BurnTarget& target, Item& item);
+    void writePreGap(BurnTarget& target, const Item& item);
+    void fillUp(BurnTarget& target, const PlannedTrack& track, uint64_t bytes) const;
     void verify(BurnTarget& target);
+    void verifyTrack(const Item& item, TrackVerifier& verifier, uint64_t before, BurnTarget& target);
     void enter(BurnState state, uint64_t bytesTotal = 0);
     void progress(uint64_t bytesDone);
     bool isPaced() const;
@@ -44,8 +58,10 @@ class BurnRun {
     SignalRef signal_;
     Report report_;
     BurnStatus status_;
+    BurnPlan plan_;
+    std::vector<Item> items_;
     double singleSpeed_ = singleSpeedDVD;
-    std::vector<uint64_t> checksums_; ///< XXH3 of each MiB written
+    bool paces_ = true;
 
     using Clock = std::chrono::steady_clock;
     Clock::time_point stateBegan_, lastReport_;

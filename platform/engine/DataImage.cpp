@@ -50,12 +50,14 @@ void require(int code, const char* what) {
          std::string("The file system of the disc could not be laid out: ") + what + ".", detail);
 }
 
+constexpr size_t startBytes = 64 << 10; // what libisofs fills for the start of an overwritable medium
+
 struct OptionsDeleter {
     void operator()(IsoWriteOpts* options) const noexcept { iso_write_opts_free(options); }
 };
 using Options = std::unique_ptr<IsoWriteOpts, OptionsDeleter>;
 
-Options makeOptions() {
+Options makeOptions(const ImagePlace& place, std::vector<std::byte>& start) {
     IsoWriteOpts* made = nullptr;
     require(iso_write_opts_new(&made, 0), "no memory");
     Options options(made);
@@ -72,7 +74,49 @@ Options makeOptions() {
     iso_write_opts_set_output_charset(made, "UTF-8");
     iso_write_opts_set_sort_files(made, 1); // contents in the order of the source list
     iso_write_opts_set_fifo_size(made, 64);
+    iso_write_opts_set_ms_block(made, static_cast<uint32_t>(place.startBlock));
+    iso_write_opts_set_appendable(made, place.previous ? 1 : 0); // only what is new is written
+    if (place.wantsStart) {
+        start.resize(startBytes);
+        iso_write_opts_set_overwrite_buf(made, reinterpret_cast<uint8_t*>(start.data()));
+    }
     return options;
+}
+
+// What a medium's earlier sessions hold becomes the tree that the new one grows on. Old contents stay where they
+// are.
+void importPrevious(IsoImage* image, const ImagePlace& place) {
+    // The imported tree keeps the source; the last who lets it go frees it.
+    auto* source = static_cast<IsoDataSource*>(std::calloc(1, sizeof(IsoDataSource)));
+    if (source == nullptr) throw std::bad_alloc();
+    source->refcount = 1;
+    source->data = new BlockReader(place.previous);
+    source->open = [](IsoDataSource*) { return 1; };
+    source->close = [](IsoDataSource*) { return 1; };
+    source->read_block = [](IsoDataSource* self, uint32_t address, uint8_t* block) -> int {
+        const std::span<std::byte, blockSize> bytes(reinterpret_cast<std::byte*>(block), blockSize);
+        try {
+            if ((*static_cast<const BlockReader*>(self->data))(address, bytes)) return 1;
+        } catch (...) {
+            // nothing may pass the library's frames
+        }
+        return static_cast<int>(ISO_FILE_READ_ERROR);
+    };
+    source->free_data = [](IsoDataSource* self) { delete static_cast<BlockReader*>(self->data); };
+    const std::unique_ptr<IsoDataSource, void (*)(IsoDataSource*)> kept(source, iso_data_source_unref);
+    IsoReadOpts* made = nullptr;
+    require(iso_read_opts_new(&made, 0), "no memory");
+    const std::unique_ptr<IsoReadOpts, void (*)(IsoReadOpts*)> options(made, iso_read_opts_free);
+    iso_read_opts_set_start_block(made, static_cast<uint32_t>(place.previousStart));
+    iso_read_opts_set_input_charset(made, "UTF-8");
+    if (const int code = iso_image_import(image, source, made, nullptr); code < 0) {
+        const std::string detail = lastMessage();
+        fail(
+            ErrorCode::MediaInvalid,
+            "The file system that is on the disc can't be read, so nothing can be added to it; overwrite the "
+            "disc, or take another one.",
+            detail.empty() ? iso_error_to_msg(code) : detail);
+    }
 }
 
 } // namespace
@@ -105,7 +149,8 @@ DataImage::~DataImage() {
     }
 }
 
-std::shared_ptr<DataImage> DataImage::plan(const DataTrack& track, const Signal& signal) {
+std::shared_ptr<DataImage> DataImage::plan(const DataTrack& track, const Signal& signal,
+                                           const ImagePlace& place) {
     const std::lock_guard lock(libraryMutex());
     signal.check();
     startLibrary();
@@ -114,16 +159,18 @@ std::shared_ptr<DataImage> DataImage::plan(const DataTrack& track, const Signal&
     result->generator_ = std::make_unique<Generator>();
     Generator& generator = *result->generator_;
     require(iso_image_new(track.root.name.c_str(), &generator.image), "no memory");
+    if (place.previous) importPrevious(generator.image, place);
+    iso_image_set_volume_id(generator.image, track.root.name.c_str());
     iso_image_set_volset_id(generator.image,
                             track.volumeSet.empty() ? track.root.name.c_str() : track.volumeSet.c_str());
     if (!track.publisher.empty()) iso_image_set_publisher_id(generator.image, track.publisher.c_str());
     if (!track.dataPreparer.empty())
         iso_image_set_data_preparer_id(generator.image, track.dataPreparer.c_str());
     if (!track.application.empty()) iso_image_set_application_id(generator.image, track.application.c_str());
-    buildImageTree(generator.image, track.root, result->sources_, signal);
+    buildImageTree(generator.image, track.root, result->sources_, static_cast<bool>(place.previous), signal);
 
     signal.check();
-    const Options options = makeOptions();
+    const Options options = makeOptions(place, result->start_);
     require(iso_image_create_burn_source(generator.image, options.get(), &generator.source),
             "the tree was refused");
     result->blocks_ = static_cast<uint64_t>(generator.source->get_size(generator.source)) / blockSize;
@@ -136,7 +183,7 @@ std::shared_ptr<DataImage> DataImage::plan(const DataTrack& track, const Signal&
     // In front of the first file lies one block for all empty files and links, which belongs to the head
     // here. All that follows must be contents that this class writes, or it would write them to a wrong
     // place.
-    const uint64_t headBlocks = start + 1;
+    const uint64_t headBlocks = start - place.startBlock + 1;
     if (headBlocks + contentBlocks != result->blocks_)
         fail(ErrorCode::Internal, "The file system of the disc was laid out in an unexpected way.",
              std::to_string(headBlocks) + " + " + std::to_string(contentBlocks) +

@@ -6,10 +6,25 @@
 #include "SourceList.hpp"
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <span>
+#include <vector>
 
 namespace engine {
+
+/// Reads one block of a medium by its address; false when it can't be read.
+using BlockReader = std::function<bool(uint64_t address, std::span<std::byte, blockSize> block)>;
+
+/// Where an image will be.
+struct ImagePlace {
+    uint64_t startBlock = 0;
+    /// The file system that the image goes on from: where it starts, and how the medium is read. Empty for
+    /// none.
+    BlockReader previous;
+    uint64_t previousStart = 0;
+    bool wantsStart = false; ///< make the first 32 blocks of the medium, too
+};
 
 /// libisofs lays out the tree and writes the descriptors, path tables and directories, which stand in front.
 /// The contents follow in the order of the source list; they are read here in large pieces, because libisofs
@@ -18,7 +33,8 @@ class DataImage {
   public:
     /// Reads the tree and lays it out. `track` must outlive the image. Throws the errors of ImageTree.hpp,
     /// BadLayout, UserCanceled.
-    static std::shared_ptr<DataImage> plan(const DataTrack& track, const Signal& signal);
+    static std::shared_ptr<DataImage> plan(const DataTrack& track, const Signal& signal,
+                                           const ImagePlace& place = {});
     DataImage(const DataImage&) = delete;
     DataImage& operator=(const DataImage&) = delete;
     ~DataImage();
@@ -30,6 +46,9 @@ class DataImage {
     /// end of the image. Throws FileModifiedDuringBurn, DataProduction, Internal.
     size_t read(std::span<std::byte> buffer);
 
+    /// What the first 32 blocks of the medium shall be, when the place wants them.
+    const std::vector<std::byte>& start() const noexcept { return start_; }
+
     /// At the end: that the folders are still as they were read. Throws FileModifiedDuringBurn.
     void checkSources() const { reader_.checkFolders(); }
 
@@ -40,6 +59,7 @@ class DataImage {
     std::unique_ptr<Generator> generator_; ///< libisofs's side; gone when all it has to say is read
     SourceList sources_;
     SourceReader reader_{sources_};
+    std::vector<std::byte> start_;
     uint64_t blocks_ = 0;
     uint64_t headBlocks_ = 0; ///< everything in front of the contents
     uint64_t position_ = 0;   ///< bytes given so far

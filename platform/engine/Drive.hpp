@@ -78,10 +78,12 @@ struct TrackInfo {
     uint64_t preGapBlocks = 0;         ///< in front of startBlock; those before block 0 of the disc included
     std::string isrc;                  ///< 12 characters, or empty
     std::vector<uint64_t> indexPoints; ///< index 2, 3...: blocks from startBlock
-    bool preEmphasis = false, fourChannel = false, copyPermitted = false;
-    bool isComplete = true;  ///< all of it was written
-    std::string file;        ///< of a virtual medium, in the drive's folder: where the track's blocks are
-    uint64_t fileOffset = 0; ///< of startBlock in it, in bytes
+    bool preEmphasis = false, fourChannel = false;
+    bool copyPermitted = false; ///< no copy protection is claimed
+    bool isCopy = false;        ///< protected, and itself a copy
+    bool isComplete = true;     ///< all of it was written
+    std::string file;           ///< of a virtual medium, in the drive's folder: where the track's blocks are
+    uint64_t fileOffset = 0;    ///< of startBlock in it, in bytes
 };
 
 struct SessionInfo {

@@ -1,4 +1,4 @@
-// The file that holds a medium's bytes.
+// A file that holds bytes of a medium.
 #include "ImageFile.hpp"
 #include "Background.hpp"
 #include "Failure.hpp"
@@ -16,10 +16,12 @@ constexpr size_t pageBytes = 4096;
 constexpr uint64_t rhythmBytes = 8u << 20;
 
 Descriptor openImage(int folder, const std::string& name, int flags, bool& direct) {
-    Descriptor file(::openat(folder, name.c_str(), flags | O_CLOEXEC | O_NOFOLLOW | O_DIRECT, 0666));
+    Descriptor file;
+    if (direct)
+        file = Descriptor(::openat(folder, name.c_str(), flags | O_CLOEXEC | O_NOFOLLOW | O_DIRECT, 0666));
+    const bool isCached = !direct || (!file && errno == EINVAL);
     direct = static_cast<bool>(file);
-    if (!file && errno == EINVAL)
-        file = Descriptor(::openat(folder, name.c_str(), flags | O_CLOEXEC | O_NOFOLLOW, 0666));
+    if (isCached) file = Descriptor(::openat(folder, name.c_str(), flags | O_CLOEXEC | O_NOFOLLOW, 0666));
     return file;
 }
 
@@ -38,9 +40,14 @@ bool makeCached(int file) {
 
 } // namespace
 
-ImageFile::ImageFile(int folder, std::string name) : folder_(folder), name_(std::move(name)) {
-    file_ = std::make_shared<Descriptor>(openImage(folder, name_, O_RDWR | O_CREAT | O_TRUNC, direct_));
+ImageFile::ImageFile(int folder, std::string name, uint64_t from, bool mayBeDirect)
+    : folder_(folder), name_(std::move(name)), direct_(mayBeDirect && from % pageBytes == 0), length_(from),
+      position_(from), startedTo_(from), dropped_(from) {
+    file_ = std::make_shared<Descriptor>(
+        openImage(folder, name_, O_RDWR | O_CREAT | (from == 0 ? O_TRUNC : 0), direct_));
     if (!*file_) writingFailed(errno);
+    // What a cut-off burn left behind is not to stand in a gap.
+    if (from > 0 && ::ftruncate(file_->get(), static_cast<off_t>(from)) != 0) writingFailed(errno);
 }
 
 ImageFile::~ImageFile() {
@@ -58,7 +65,8 @@ void ImageFile::reserve(uint64_t bytes, const std::string& driveName) {
     int problem = 0;
     if (free < bytes) {
         problem = ENOSPC;
-    } else if (bytes > 0 && ::fallocate(file_->get(), 0, 0, static_cast<off_t>(bytes)) != 0) {
+    } else if (bytes > 0 &&
+               ::fallocate(file_->get(), 0, static_cast<off_t>(length_), static_cast<off_t>(bytes)) != 0) {
         problem = errno;
     }
     // Without fallocate the check of the free space has to do; writing reports the rest.
@@ -75,8 +83,11 @@ void ImageFile::reserve(uint64_t bytes, const std::string& driveName) {
 }
 
 void ImageFile::append(std::span<std::byte> buffer) {
-    const size_t padded = (buffer.size() + pageBytes - 1) / pageBytes * pageBytes;
-    std::memset(buffer.data() + buffer.size(), 0, padded - buffer.size());
+    size_t padded = buffer.size();
+    if (direct_) {
+        padded = (buffer.size() + pageBytes - 1) / pageBytes * pageBytes;
+        std::memset(buffer.data() + buffer.size(), 0, padded - buffer.size());
+    }
     size_t done = 0;
     while (done < padded) {
         const ssize_t count =
@@ -102,9 +113,12 @@ void ImageFile::writeOutBehind() {
     if (position_ - startedTo_ < rhythmBytes) return;
     const auto start = static_cast<off_t>(startedTo_), length = static_cast<off_t>(position_ - startedTo_);
     ::sync_file_range(file_->get(), start, length, SYNC_FILE_RANGE_WRITE);
-    if (startedTo_ >= rhythmBytes) {
-        ::sync_file_range(file_->get(), 0, start, SYNC_FILE_RANGE_WAIT_BEFORE | SYNC_FILE_RANGE_WAIT_AFTER);
-        ::posix_fadvise(file_->get(), 0, start, POSIX_FADV_DONTNEED);
+    if (startedTo_ > dropped_) {
+        const auto from = static_cast<off_t>(dropped_), count = static_cast<off_t>(startedTo_ - dropped_);
+        ::sync_file_range(file_->get(), from, count,
+                          SYNC_FILE_RANGE_WAIT_BEFORE | SYNC_FILE_RANGE_WAIT_AFTER);
+        ::posix_fadvise(file_->get(), from, count, POSIX_FADV_DONTNEED);
+        dropped_ = startedTo_;
     }
     startedTo_ = position_;
 }
@@ -121,26 +135,36 @@ void ImageFile::flush(const SignalRef& signal) {
     });
 }
 
-void ImageFile::openForReading() {
-    bool direct = false;
-    reader_ = openImage(folder_, name_, O_RDONLY, direct);
-    if (!reader_) fail(ErrorCode::VerificationFailed, "The disc can't be read back.", systemText(errno));
+ImageReader::ImageReader(int folder, const std::string& name) : name_(name) {
+    direct_ = true;
+    file_ = openImage(folder, name, O_RDONLY, direct_);
+    if (!file_)
+        fail(ErrorCode::MediaInvalid,
+             "The disc can't be read: its file " + inQuotes(name) + " can't be opened.", systemText(errno));
 }
 
-size_t ImageFile::read(uint64_t offset, std::span<std::byte> buffer) {
+size_t ImageReader::read(uint64_t offset, std::span<std::byte> buffer) {
+    const bool isAligned = offset % pageBytes == 0 && buffer.size() % pageBytes == 0 &&
+                           reinterpret_cast<uintptr_t>(buffer.data()) % pageBytes == 0;
+    if (direct_ && !isAligned) direct_ = !makeCached(file_.get());
     size_t filled = 0;
     while (filled < buffer.size()) {
-        const ssize_t count = ::pread(reader_.get(), buffer.data() + filled, buffer.size() - filled,
+        const ssize_t count = ::pread(file_.get(), buffer.data() + filled, buffer.size() - filled,
                                       static_cast<off_t>(offset + filled));
         if (count == 0) break;
         if (count > 0) {
             filled += static_cast<size_t>(count);
             // Only the end of the file gives part of a page, and a direct read must not go on from there.
-            if (filled % pageBytes != 0) break;
+            if (direct_ && filled % pageBytes != 0) break;
             continue;
         }
-        if (errno == EINTR || (errno == EINVAL && makeCached(reader_.get()))) continue;
-        fail(ErrorCode::VerificationFailed, "The disc can't be read back.", systemText(errno));
+        if (errno == EINTR) continue;
+        if (errno == EINVAL && direct_ && makeCached(file_.get())) {
+            direct_ = false;
+            continue;
+        }
+        fail(ErrorCode::MediaInvalid,
+             "The disc can't be read: its file " + inQuotes(name_) + " gives an error.", systemText(errno));
     }
     return filled;
 }

@@ -10,6 +10,7 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <map>
+#include <set>
 #include <unistd.h>
 
 namespace engine {
@@ -28,8 +29,8 @@ struct Entry {
 
 class TreeBuilder {
   public:
-    TreeBuilder(IsoImage* image, SourceList& sources, const Signal& signal)
-        : image_(image), sources_(sources), signal_(signal), now_(std::time(nullptr)) {}
+    TreeBuilder(IsoImage* image, SourceList& sources, bool merges, const Signal& signal)
+        : image_(image), sources_(sources), merges_(merges), signal_(signal), now_(std::time(nullptr)) {}
 
     void build(const Content& root) {
         IsoDir* top = iso_image_get_root(image_);
@@ -273,20 +274,39 @@ class TreeBuilder {
              iso_error_to_msg(code));
     }
 
+    // What an imported tree has at a place that something new takes: a folder that both have is gone on with,
+    // all else goes.
+    IsoDir* makeWay(IsoDir* parent, const std::string& name, bool forFolder) {
+        IsoNode* old = nullptr;
+        if (!merges_ || iso_dir_get_node(parent, name.c_str(), &old) != 1 || added_.contains(old))
+            return nullptr;
+        if (forFolder && iso_node_get_type(old) == LIBISO_DIR) return reinterpret_cast<IsoDir*>(old);
+        iso_node_remove(old);
+        return nullptr;
+    }
+
+    template <typename Node>
+    Node* noted(Node* node) {
+        if (merges_) added_.insert(asNode(node));
+        return node;
+    }
+
     IsoDir* addFolder(IsoDir* parent, const std::string& name) {
+        if (IsoDir* known = makeWay(parent, name, true)) return noted(known);
         IsoDir* node = nullptr;
         const int code = iso_image_add_new_dir(image_, parent, name.c_str(), &node);
         if (code < 0) refused(name, code);
-        return node;
+        return noted(node);
     }
 
     IsoNode* addLink(IsoDir* parent, const std::string& name, const std::string& target) {
         if (target.empty() || target.find('\0') != std::string::npos)
             fail(ErrorCode::FileLocationConflict, "The symbolic link " + inQuotes(name) + " points nowhere.");
+        makeWay(parent, name, false);
         IsoSymlink* node = nullptr;
         const int code = iso_image_add_new_symlink(image_, parent, name.c_str(), target.c_str(), &node);
         if (code < 0) refused(name, code);
-        return asNode(node);
+        return asNode(noted(node));
     }
 
     // A file with contents of its own. Its number is its place in the list, from 1: libisofs lays out by it,
@@ -306,6 +326,7 @@ class TreeBuilder {
     }
 
     IsoNode* addNode(IsoDir* parent, const std::string& name, uint64_t size, uint64_t number) {
+        makeWay(parent, name, false);
         IsoStream* stream = engine_extent_stream(size, number);
         if (stream == nullptr) throw std::bad_alloc();
         IsoFile* node = nullptr;
@@ -316,7 +337,7 @@ class TreeBuilder {
         }
         iso_node_set_sort_weight(asNode(node),
                                  static_cast<int>(INT_MAX - number)); // heavier files lie further in front
-        return asNode(node);
+        return asNode(noted(node));
     }
 
     // ---- attributes ----------------------------------------------------------------------------------
@@ -351,6 +372,8 @@ class TreeBuilder {
 
     IsoImage* image_;
     SourceList& sources_;
+    bool merges_;              ///< the image has a tree already
+    std::set<IsoNode*> added_; ///< what this builder put into it
     const Signal& signal_;
     std::time_t now_;
     std::vector<PendingFolder> pending_;
@@ -360,8 +383,9 @@ class TreeBuilder {
 
 } // namespace
 
-void buildImageTree(IsoImage* image, const Content& root, SourceList& sources, const Signal& signal) {
-    TreeBuilder(image, sources, signal).build(root);
+void buildImageTree(IsoImage* image, const Content& root, SourceList& sources, bool merges,
+                    const Signal& signal) {
+    TreeBuilder(image, sources, merges, signal).build(root);
 }
 
 } // namespace engine

@@ -14,6 +14,7 @@ namespace engine {
 /// follows no link. `sources` gets the files in the order in which libisofs will lay them out; it points into
 /// `root`, which must outlive it. Throws FileLocationConflict for what is missing, can't be read or can't
 /// stand on a disc (sockets, pipes, devices, two children of one name), naming it; UserCanceled.
-void buildImageTree(IsoImage* image, const Content& root, SourceList& sources, const Signal& signal);
+void buildImageTree(IsoImage* image, const Content& root, SourceList& sources, bool merges,
+                    const Signal& signal);
 
 } // namespace engine

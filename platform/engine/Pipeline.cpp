@@ -2,7 +2,6 @@
 #include "Pipeline.hpp"
 #include "Background.hpp"
 
-#include <algorithm>
 #include <xxhash.h>
 
 namespace engine {
@@ -17,21 +16,15 @@ std::unique_ptr<Piece> makePiece() {
     return piece;
 }
 
-void checksum(Piece& piece) {
-    piece.checksums.clear();
-    for (size_t offset = 0; offset < piece.filled; offset += checkedBytes)
-        piece.checksums.push_back(
-            XXH3_64bits(piece.memory.get() + offset, std::min(checkedBytes, piece.filled - offset)));
-}
-
 } // namespace
 
-Pipeline::Pipeline(SignalRef signal, const std::string& threadName, bool withChecksums, Fill fill)
+Pipeline::Pipeline(SignalRef signal, const std::string& threadName, size_t bytes, bool withChecksums,
+                   Fill fill)
     : shared_(std::make_shared<Shared>(std::move(signal))) {
     for (size_t count = 0; count < pieceCount; ++count)
         shared_->empty.push_back(makePiece());
-    runInBackground(threadName, [shared = shared_, withChecksums, fill = std::move(fill)] {
-        run(shared, withChecksums, fill);
+    runInBackground(threadName, [shared = shared_, bytes, withChecksums, fill = std::move(fill)] {
+        run(shared, bytes, withChecksums, fill);
     });
 }
 
@@ -41,7 +34,8 @@ Pipeline::~Pipeline() {
     shared_->signal->changed.notify_all();
 }
 
-void Pipeline::run(const std::shared_ptr<Shared>& shared, bool withChecksums, const Fill& fill) {
+void Pipeline::run(const std::shared_ptr<Shared>& shared, size_t bytes, bool withChecksums,
+                   const Fill& fill) {
     Signal& signal = *shared->signal;
     std::exception_ptr problem;
     try {
@@ -55,9 +49,9 @@ void Pipeline::run(const std::shared_ptr<Shared>& shared, bool withChecksums, co
                 piece = std::move(shared->empty.front());
                 shared->empty.pop_front();
             }
-            piece->filled = fill(piece->whole());
+            piece->filled = fill({piece->memory.get(), bytes});
             if (piece->filled == 0) break;
-            if (withChecksums) checksum(*piece);
+            if (withChecksums) piece->checksum = XXH3_64bits(piece->memory.get(), piece->filled);
             const std::lock_guard lock(signal.mutex);
             shared->full.push_back(std::move(piece));
             signal.changed.notify_all();

@@ -12,25 +12,21 @@
 #include <memory>
 #include <span>
 #include <string>
-#include <vector>
 
 namespace engine {
 
-/// Bytes of a buffer, and bytes for which one checksum is kept.
+/// Bytes of a buffer at most.
 inline constexpr size_t pieceBytes = 1u << 20;
-inline constexpr size_t checkedBytes = 1u << 20;
 
-/// A page-aligned buffer with what was filled in, and the XXH3 of each MiB of it when checksums were asked
-/// for.
+/// A page-aligned buffer with what was filled in, and its XXH3 when checksums were asked for.
 struct Piece {
     struct Free {
         void operator()(std::byte* memory) const noexcept { std::free(memory); }
     };
     std::unique_ptr<std::byte, Free> memory;
     size_t filled = 0;
-    std::vector<uint64_t> checksums;
+    uint64_t checksum = 0;
 
-    std::span<std::byte> whole() noexcept { return {memory.get(), pieceBytes}; }
     std::span<std::byte> content() noexcept { return {memory.get(), filled}; }
 };
 
@@ -39,10 +35,11 @@ struct Piece {
 /// must share all it uses.
 class Pipeline {
   public:
-    /// Fills the front of a buffer; fewer bytes than the whole only at the end, then 0. May throw.
+    /// Fills the front of a buffer of `bytes` bytes; fewer only at the end, then 0. May throw.
     using Fill = std::function<size_t(std::span<std::byte>)>;
 
-    Pipeline(SignalRef signal, const std::string& threadName, bool withChecksums, Fill fill);
+    /// `bytes` is at most pieceBytes.
+    Pipeline(SignalRef signal, const std::string& threadName, size_t bytes, bool withChecksums, Fill fill);
     Pipeline(const Pipeline&) = delete;
     Pipeline& operator=(const Pipeline&) = delete;
     ~Pipeline();
@@ -59,7 +56,8 @@ class Pipeline {
         std::exception_ptr problem;
         bool ended = false, dropped = false;
     };
-    static void run(const std::shared_ptr<Shared>& shared, bool withChecksums, const Fill& fill);
+    static void run(const std::shared_ptr<Shared>& shared, size_t bytes, bool withChecksums,
+                    const Fill& fill);
 
     std::shared_ptr<Shared> shared_;
 };

@@ -1,8 +1,10 @@
 // A folder that is a drive.
 #include "VirtualDrive.hpp"
 #include "Failure.hpp"
+#include "VirtualReader.hpp"
 #include "VirtualTarget.hpp"
 
+#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <filesystem>
@@ -36,6 +38,32 @@ std::string textIn(const Json& json, const char* name) {
     return found != json.end() && found->is_string() ? found->get<std::string>() : std::string();
 }
 
+constexpr std::pair<bool DriveCapabilities::*, const char*> abilities[] = {
+    {&DriveCapabilities::canTestWriteCD, "test-write-cd"},
+    {&DriveCapabilities::canTestWriteDVD, "test-write-dvd"},
+    {&DriveCapabilities::canTestWriteBD, "test-write-bd"},
+    {&DriveCapabilities::canUnderrunProtectCD, "underrun-protect-cd"},
+    {&DriveCapabilities::canUnderrunProtectDVD, "underrun-protect-dvd"},
+    {&DriveCapabilities::writesCDText, "cd-text"},
+    {&DriveCapabilities::writesIndexPoints, "index-points"},
+    {&DriveCapabilities::writesISRC, "isrc"},
+    {&DriveCapabilities::writesTrackAtOnce, "track-at-once"},
+    {&DriveCapabilities::writesSessionAtOnce, "session-at-once"},
+    {&DriveCapabilities::writesDVDAtOnce, "dvd-at-once"},
+    {&DriveCapabilities::writesBDAtOnce, "bd-at-once"},
+    {&DriveCapabilities::choosesPreGap, "pre-gaps"},
+};
+
+// A virtual drive can do all that its media can hold, but for what "lacks" in its drive.json names. Its media
+// keep no subchannel data.
+void setCapabilities(DriveCapabilities& can, const Json& description) {
+    const auto lacks = description.find("lacks");
+    for (const auto& [which, name] : abilities)
+        can.*which = lacks == description.end() || !lacks->is_array() ||
+                     std::find(lacks->begin(), lacks->end(), name) == lacks->end();
+    can.writeBufferBytes = 8u << 20;
+}
+
 // The lock file, locked; or not, when someone else has it.
 Descriptor tryLock(int folder, const char* name = names::lock) {
     Descriptor file(::openat(folder, name, O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0666));
@@ -63,11 +91,12 @@ Result<void> makeVirtualDrive(const std::string& folder, const VirtualDriveSetup
         if (::mkdtemp(temporary.data()) == nullptr || ::chmod(temporary.c_str(), 0755) != 0) failed();
         const Descriptor made(::open(temporary.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
         if (!made) failed();
-        const Json json = {{"format", 1},
-                           {"vendor", setup.vendor},
-                           {"product", setup.product},
-                           {"firmwareRevision", setup.firmwareRevision},
-                           {"tray", "closed"}};
+        Json json = {{"format", 1},
+                     {"vendor", setup.vendor},
+                     {"product", setup.product},
+                     {"firmwareRevision", setup.firmwareRevision},
+                     {"tray", "closed"}};
+        if (!setup.lacks.empty()) json["lacks"] = setup.lacks;
         replaceSmallFile(made.get(), names::drive,
                          json.dump(2, ' ', false, Json::error_handler_t::replace) + '\n');
         if (setup.medium) saveMedium(made.get(), MediumRecord::blank(*setup.medium, setup.capacityBlocks));
@@ -91,9 +120,7 @@ std::shared_ptr<VirtualDrive> VirtualDrive::open(const std::string& folder) {
                         true};
     for (const MediumFacts& facts : allMediumKinds())
         if (facts.writable) drive->capabilities_.writes.push_back(facts.kind);
-    drive->capabilities_.canUnderrunProtectCD = drive->capabilities_.canUnderrunProtectDVD = true;
-    drive->capabilities_.writesTrackAtOnce = drive->capabilities_.writesSessionAtOnce = true;
-    drive->capabilities_.writeBufferBytes = 8u << 20;
+    setCapabilities(drive->capabilities_, json);
     // What a process that died left behind is cleared away as soon as somebody looks, unless one is at work.
     guarded([&] {
         if (const Descriptor lock = tryLock(drive->folder())) recoverMedium(drive->folder());
@@ -236,7 +263,13 @@ bool VirtualDrive::holdsMediaReservation() {
 }
 
 Result<std::unique_ptr<MediumReader>> VirtualDrive::openMedium() {
-    return makeError(ErrorCode::FunctionNotSupported);
+    return guarded([&]() -> std::unique_ptr<MediumReader> {
+        const auto record = presentMedium();
+        if (!record)
+            fail(ErrorCode::MediaNotPresent,
+                 "There is no disc in " + inQuotes(displayName()) + "; put one in.");
+        return std::make_unique<VirtualReader>(folder(), record->cdText);
+    });
 }
 
 Result<std::unique_ptr<BurnTarget>> VirtualDrive::beginBurn() {

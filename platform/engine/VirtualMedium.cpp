@@ -1,70 +1,87 @@
 // The description of the medium in a virtual drive, and its journal.
 #include "VirtualMedium.hpp"
+#include "CueSheet.hpp"
 #include "Failure.hpp"
 #include "Files.hpp"
-#include "Utf8.hpp"
+#include "SessionPlaces.hpp"
 
 #include <algorithm>
 #include <cerrno>
+#include <dirent.h>
 #include <fcntl.h>
-#include <nlohmann/json.hpp>
+#include <set>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace engine {
 namespace {
 
-using Json = nlohmann::ordered_json;
+const std::string stem = names::stem, newStem = names::newStem;
 
-constexpr std::pair<MediumState, const char*> stateNames[] = {
-    {MediumState::Blank, "blank"},
-    {MediumState::Appendable, "appendable"},
-    {MediumState::Complete, "complete"},
-    {MediumState::Incomplete, "incomplete"},
-};
-
-[[noreturn]] void damaged(const std::string& what) {
-    fail(ErrorCode::MediaInvalid,
-         "The medium can't be used, because its description medium.json is damaged: " + what + ".", what);
+// medium.iso, medium.new.iso, medium.2.bin...; a person's medium.iso.old is left alone.
+bool isMediumFile(std::string_view name) {
+    if (!name.starts_with(names::stem)) return false;
+    name.remove_prefix(stem.size());
+    if (name.starts_with("new.")) name.remove_prefix(4);
+    const size_t digits = std::min(name.find_first_not_of("0123456789"), name.size());
+    if (digits > 0 && digits < name.size() && name[digits] == '.') name.remove_prefix(digits + 1);
+    return name == "iso" || name == "bin" || name == "cue" || name == "cdt" || name == "cue.new" ||
+           name == "cdt.new";
 }
 
-const Json& member(const Json& object, const char* name, Json::value_t type) {
-    const auto found = object.find(name);
-    if (found == object.end()) damaged(std::string("\"") + name + "\" is missing");
-    const bool number =
-        type == Json::value_t::number_unsigned && found->is_number_integer() && found->get<int64_t>() >= 0;
-    if (found->type() != type && !number) damaged(std::string("\"") + name + "\" is of the wrong type");
-    return *found;
+bool isNew(const std::string& name) { return name.starts_with(newStem); }
+
+std::string finalName(const std::string& name) {
+    return isNew(name) ? stem + name.substr(newStem.size()) : name;
 }
 
-TrackInfo trackFrom(const Json& object, uint32_t number) {
-    if (!object.is_object()) damaged("a track is no object");
-    if (member(object, "mode", Json::value_t::string) != "data") damaged("a track has an unknown mode");
-    TrackInfo track;
-    track.number = number;
-    track.startBlock = member(object, "startBlock", Json::value_t::number_unsigned).get<uint64_t>();
-    track.blocks = member(object, "blocks", Json::value_t::number_unsigned).get<uint64_t>();
-    if (object.contains("volumeName")) track.volumeName = member(object, "volumeName", Json::value_t::string);
-    return track;
+// Every file that the record names; the same one may come twice.
+template <typename Visit>
+void forEachFile(MediumRecord& record, const Visit& visit) {
+    visit(record.image);
+    visit(record.cdText);
+    for (SessionInfo& session : record.sessions)
+        for (TrackInfo& track : session.tracks)
+            visit(track.file);
 }
 
-std::vector<SessionInfo> sessionsFrom(const Json& list) {
-    std::vector<SessionInfo> sessions;
-    uint32_t trackNumber = 0;
-    for (const Json& each : list) {
-        if (!each.is_object()) damaged("a session is no object");
-        SessionInfo session;
-        session.number = static_cast<uint32_t>(sessions.size() + 1);
-        for (const Json& track : member(each, "tracks", Json::value_t::array))
-            session.tracks.push_back(trackFrom(track, ++trackNumber));
-        sessions.push_back(std::move(session));
-    }
-    return sessions;
+bool namesNewFiles(MediumRecord& record) {
+    bool found = false;
+    forEachFile(record, [&](const std::string& name) { found = found || isNew(name); });
+    return found;
 }
 
-MediumState stateFrom(const std::string& text) {
-    for (const auto& [state, name] : stateNames)
-        if (text == name) return state;
-    damaged("\"state\" is " + inQuotes(text));
+void removeOthers(int folder, MediumRecord& record) {
+    std::set<std::string> kept;
+    forEachFile(record, [&](const std::string& name) { kept.insert(name); });
+    for (const std::string& name : mediumFiles(folder))
+        if (!kept.contains(name)) ::unlinkat(folder, name.c_str(), 0);
+}
+
+// Steps 3 to 5.
+void finishCommit(int folder, MediumRecord& record) {
+    forEachFile(record, [&](std::string& name) {
+        const std::string after = finalName(name);
+        if (after != name && ::renameat(folder, name.c_str(), folder, after.c_str()) != 0 && errno != ENOENT)
+            fail(ErrorCode::MediaWriteFailure, "The medium's image can't be put in its place.",
+                 systemText(errno));
+        name = after;
+    });
+    saveMedium(folder, record);
+    removeOthers(folder, record);
+}
+
+// What a cut-off burn appended to the image behind what counts.
+void cutImage(int folder, const MediumRecord& record) {
+    if (record.image.empty() || record.isSheet()) return;
+    const auto end = static_cast<off_t>(endOf(record.sessions) * blockSize);
+    struct stat status {};
+    if (::fstatat(folder, record.image.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0 || status.st_size <= end)
+        return;
+    const Descriptor file(::openat(folder, record.image.c_str(), O_WRONLY | O_CLOEXEC | O_NOFOLLOW));
+    if (!file || ::ftruncate(file.get(), end) != 0)
+        fail(ErrorCode::MediaWriteFailure, "What a cut-off burn left on the medium can't be removed.",
+             systemText(errno));
 }
 
 } // namespace
@@ -87,83 +104,53 @@ MediumInfo MediumRecord::info(const std::string& folder) const {
     info.overwritable = facts.writable && (info.blank || facts.erasable || facts.overwritable);
     info.erasable = facts.erasable;
     info.sessions = sessions;
-    for (const SessionInfo& session : sessions)
-        for (const TrackInfo& track : session.tracks)
-            info.blocksUsed = std::max(info.blocksUsed, track.startBlock + track.blocks);
-    info.blocksFree =
-        info.appendable && capacityBlocks > info.blocksUsed ? capacityBlocks - info.blocksUsed : 0;
+    info.blocksUsed = endOf(sessions);
+    const uint64_t next = nextSessionStart(kind, sessions);
+    if (info.appendable && next < capacityBlocks) {
+        info.nextWritableBlock = next;
+        info.blocksFree = capacityBlocks - next;
+    }
+    info.mediaCatalogNumber = mediaCatalogNumber;
+    info.hasCDText = !cdText.empty();
+    info.doubleLayerL0DataZoneBlocks = doubleLayerL0DataZoneBlocks;
     info.blocksOverwritable = info.overwritable ? capacityBlocks : 0;
     info.speeds.assign(facts.speeds.begin(), facts.speeds.end());
     if (!image.empty()) info.path = folder + '/' + image;
     return info;
 }
 
-std::optional<MediumRecord> loadMedium(int folder) {
-    const auto bytes = readSmallFile(folder, names::medium);
-    if (!bytes) return std::nullopt;
-    const Json json = Json::parse(*bytes, nullptr, false);
-    if (json.is_discarded() || !json.is_object()) damaged("it is not JSON");
-    if (member(json, "format", Json::value_t::number_unsigned) != 1)
-        damaged("its format is of a later version");
-    MediumRecord record;
-    const std::string kind = member(json, "kind", Json::value_t::string);
-    const auto known = mediumKindNamed(kind);
-    if (!known) damaged("no medium is of the kind " + inQuotes(kind));
-    record.kind = *known;
-    record.capacityBlocks = member(json, "capacityBlocks", Json::value_t::number_unsigned).get<uint64_t>();
-    record.state = stateFrom(member(json, "state", Json::value_t::string));
-    if (json.contains("image")) record.image = member(json, "image", Json::value_t::string);
-    if (record.image.find('/') != std::string::npos) damaged("its image lies in another folder");
-    record.sessions = sessionsFrom(member(json, "sessions", Json::value_t::array));
-    if (record.state == MediumState::Complete && record.image.empty())
-        damaged("it is complete but has no image");
-    return record;
-}
+bool MediumRecord::isSheet() const noexcept { return image == names::sheet; }
 
-void saveMedium(int folder, const MediumRecord& record) {
-    Json json;
-    json["format"] = 1;
-    json["kind"] = factsOf(record.kind).name;
-    json["capacityBlocks"] = record.capacityBlocks;
-    for (const auto& [state, name] : stateNames)
-        if (state == record.state) json["state"] = name;
-    if (!record.image.empty()) json["image"] = record.image;
-    json["sessions"] = Json::array();
-    for (const SessionInfo& session : record.sessions) {
-        Json tracks = Json::array();
-        for (const TrackInfo& track : session.tracks) {
-            tracks.push_back({{"mode", "data"}, {"startBlock", track.startBlock}, {"blocks", track.blocks}});
-            if (!track.volumeName.empty()) tracks.back()["volumeName"] = track.volumeName;
-        }
-        json["sessions"].push_back({{"tracks", std::move(tracks)}});
+std::vector<std::string> mediumFiles(int folder) {
+    std::vector<std::string> files;
+    DIR* const listing = ::fdopendir(::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (listing == nullptr)
+        fail(ErrorCode::DeviceAccess, "The drive's folder can't be read.", systemText(errno));
+    while (const dirent* const entry = ::readdir(listing)) {
+        const std::string name = entry->d_name;
+        struct stat status {};
+        if (isMediumFile(name) && ::fstatat(folder, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 &&
+            S_ISREG(status.st_mode))
+            files.push_back(name);
     }
-    replaceSmallFile(folder, names::medium, json.dump(2, ' ', false, Json::error_handler_t::replace) + '\n');
+    ::closedir(listing);
+    return files;
 }
 
-void commitNewImage(int folder, MediumRecord record) {
-    record.image = names::newImage;
+void commitNewFiles(int folder, MediumRecord record) {
     saveMedium(folder, record);
-    if (::renameat(folder, names::newImage, folder, names::image) != 0)
-        fail(ErrorCode::MediaWriteFailure, "The medium's image can't be put in its place.",
-             systemText(errno));
-    record.image = names::image;
-    saveMedium(folder, record);
+    finishCommit(folder, record);
 }
 
 void recoverMedium(int folder) {
     ::unlinkat(folder, (std::string(names::medium) + ".new").c_str(), 0);
     auto record = loadMedium(folder);
-    if (!record || record->image != names::newImage) {
-        ::unlinkat(folder, names::newImage, 0);
-        // A write-once burn that was cut off before its medium was marked has written nothing.
-        if (record && record->image.empty()) ::unlinkat(folder, names::image, 0);
-        return;
-    }
-    if (::renameat(folder, names::newImage, folder, names::image) != 0 && errno != ENOENT)
-        fail(ErrorCode::MediaWriteFailure, "The medium's image can't be put in its place.",
-             systemText(errno));
-    record->image = names::image;
-    saveMedium(folder, *record);
+    if (record && namesNewFiles(*record)) return finishCommit(folder, *record);
+    MediumRecord kept = record ? *record : MediumRecord{};
+    removeOthers(folder, kept);
+    if (!record) return;
+    if (record->state != MediumState::Incomplete) cutImage(folder, *record);
+    updateCueSheet(folder, *record);
 }
 
 } // namespace engine

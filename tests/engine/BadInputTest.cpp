@@ -163,20 +163,18 @@ TEST_F(BadInputTest, layouts) {
     refuses(layoutOf(Content::file("X", "data")), ErrorCode::BadLayout,
             "The root of a disc must be a folder; \"X\" is none.");
     Layout two = layout();
-    two.sessions.push_back(two.sessions.front());
-    refuses(two, ErrorCode::FunctionNotSupported,
-            "A disc of several sessions is not supported yet; burn without it.");
-}
-
-TEST_F(BadInputTest, optionsThatAreNotSupportedYet) {
-    BurnOptions options;
-    options.appendable = true;
-    refuses(layout(), ErrorCode::FunctionNotSupported,
-            "Leaving the disc open for another session is not supported yet; burn without it.", options);
-    options = {};
-    options.testing = true;
-    refuses(layout(), ErrorCode::FunctionNotSupported, "A test burn is not supported yet; burn without it.",
-            options);
+    two.sessions.emplace_back();
+    refuses(two, ErrorCode::BadLayout, "Session 2 of the layout has no track; leave it out, or give it one.");
+    Layout many = layout();
+    many.sessions[0].tracks.push_back(many.sessions[0].tracks[0]);
+    refuses(many, ErrorCode::TooManyTracksForDVD,
+            "A session has 2 tracks, but the DVD+RW in \"Virtual Disc Drive 1\" holds one in each; put in a "
+            "CD, or "
+            "burn fewer tracks.");
+    Track nobody;
+    nobody.content = ProducedTrack{};
+    refuses(Layout::ofTrack(nobody), ErrorCode::DataProduction,
+            "Track 1 has no producer of its data; give it one.");
 }
 
 TEST_F(BadInputTest, aSecondStart) {
