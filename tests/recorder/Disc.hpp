@@ -1,0 +1,113 @@
+// The recorder's whole state: drive, tray, medium and what is written on it. It lives in a folder of files, so
+// that one process after the other meets the same disc.
+#pragma once
+
+#include "Bytes.hpp"
+
+#include <array>
+#include <optional>
+#include <string>
+#include <utility>
+
+namespace recorder {
+
+enum class Kind : uint8_t { CDROM, CDR, CDRW, DVDROM, DVDR, DVDRW, DVDRAM, DVDPlusR, DVDPlusRW, BDR, BDRE };
+
+/// How blocks may be written.
+enum class Writing : uint8_t { None, Sequential, Overwrite };
+
+struct KindFacts {
+    Kind kind;
+    const char* name;
+    uint16_t profile; ///< MMC-5, 5.3.1; DVD-RW has a second one when formatted
+    Writing writing;
+    bool erasable;
+    int64_t capacity;           ///< blocks
+    uint32_t alignment;         ///< blocks that are written together
+    uint32_t singleSpeed;       ///< in 1000 bytes a second, as drives say it
+    std::array<int, 4> factors; ///< speeds, ascending; 0 is none
+};
+
+const KindFacts& factsOf(Kind kind) noexcept;
+
+inline constexpr uint16_t dvdRewritableOverwrite = 0x0013;
+
+enum class SectorMode : uint8_t { Audio, Mode1, Mode2, Form1, Form2 };
+
+struct Track {
+    int number = 1, session = 1;
+    int64_t start = 0;
+    int64_t written = 0; ///< blocks from `start` on
+    int64_t size = 0;    ///< of a closed or reserved track; run-out blocks count
+    SectorMode mode = SectorMode::Mode1;
+    uint8_t control = 4; ///< of the Q channel: 4 data, 1 pre-emphasis, 2 copying allowed, 8 four channels
+    bool closed = false;
+    bool reserved = false;
+    int64_t pregap = 0;
+    std::string isrc;
+
+    int64_t next() const noexcept { return start + written; }
+    int64_t end() const noexcept { return start + (closed || reserved ? size : written); }
+};
+
+/// What goes wrong on request.
+struct Faults {
+    std::vector<int64_t> readErrors;  ///< blocks that can't be read
+    std::vector<int64_t> writeErrors; ///< blocks that can't be written
+    bool powerCalibration = false;
+    int64_t goneAfterWrites = -1; ///< the drive leaves the bus after that many WRITE commands
+    int64_t busyEveryWrites = 0;  ///< every so many WRITEs are answered with "long write in progress" once
+    int64_t flipOnWrite = -1;     ///< this block is written with one bit wrong, silently
+};
+
+/// What is on the medium.
+struct Written {
+    bool formatted = false; ///< of kinds that need it
+    bool finalised = false; ///< nothing can follow any more
+    int closedSessions = 0;
+    std::vector<Track> tracks;
+    std::string catalogue; ///< MCN, 13 digits
+    Data text;             ///< CD-Text packs of the lead-in
+};
+
+struct State : Written {
+    std::string vendor = "TESTLAB", product = "MMC RECORDER", revision = "1.00", serial = "0001";
+    bool trayOpen = false, locked = false, gone = false, attention = false;
+    bool canTestWrite = true;
+    std::optional<Kind> medium;
+    int64_t capacity = 0;
+    Data writeParameters; ///< mode page 05
+    Data cueSheet;
+    int64_t cuePosition = 0; ///< next block that the cue sheet waits for
+    uint32_t writeSpeed = 0; ///< 1000 bytes a second; 0: the fastest
+    int busyPolls = 0, busyTotal = 0;
+    int64_t writes = 0; ///< WRITE commands so far
+    Faults faults;
+
+    const KindFacts& facts() const noexcept { return factsOf(*medium); }
+    bool isCD() const noexcept { return medium && *medium <= Kind::CDRW; }
+    /// DVD-RW takes blocks in any order once it is formatted.
+    Writing writing() const noexcept;
+    uint16_t profile() const noexcept;
+    bool isBlank() const noexcept;
+    bool isComplete() const noexcept;
+    bool sessionIsOpen() const noexcept { return !tracks.empty() && tracks.back().session > closedSessions; }
+    /// Session that the next block goes to.
+    int currentSession() const noexcept { return closedSessions + 1; }
+    /// A track that waits for data.
+    const Track* openTrack() const noexcept;
+    Track* openTrack() noexcept { return const_cast<Track*>(std::as_const(*this).openTrack()); }
+    const Track* trackAt(int64_t block) const noexcept;
+    /// Where the next track, not yet begun, would start.
+    int64_t nextTrackStart() const noexcept;
+    int64_t freeBlocks(int64_t from) const noexcept;
+    void makeBlank();
+};
+
+std::optional<Kind> kindNamed(const std::string& name);
+
+/// Reads a folder's recorder.json. What isn't said there is as in a new drive.
+State loadState(const std::string& folder);
+void saveState(const std::string& folder, const State& state);
+
+} // namespace recorder
