@@ -3,8 +3,14 @@
 
 namespace discrecording {
 
-BurnProcess::BurnProcess(engine::DriveRef drive, BurnPlan plan)
-    : job_(std::move(drive)), ejectWhenDone_(plan.ejectWhenDone), ejectWhenFailed_(plan.ejectWhenFailed) {
+BurnProcess::BurnProcess(engine::DriveRef drive, BurnPlan plan, engine::BurnJob::Observer observer)
+    : observer_(std::move(observer)), job_(std::move(drive)), ejectWhenDone_(plan.ejectWhenDone),
+      ejectWhenFailed_(plan.ejectWhenFailed) {
+    if (observer_) {
+        job_.setObserver([this](const engine::BurnStatus& status) {
+            if (!status.isFinal()) observer_(status); // the end is told when it has settled
+        });
+    }
     if (auto started = job_.start(std::move(plan.layout), plan.options); !started.ok())
         refused_ = started.error();
     finisher_ = std::thread([this] { finish(); });
@@ -23,6 +29,7 @@ void BurnProcess::finish() {
     // went.
     if (eject && job_.drive() != nullptr) (void)job_.drive()->eject();
     settled_ = true;
+    if (observer_) observer_(status());
     settled_.notify_all();
 }
 

@@ -19,7 +19,9 @@ struct BurnPlan {
 /// Starts at once. status() and abort() may be called from any thread.
 class BurnProcess {
   public:
-    BurnProcess(engine::DriveRef drive, BurnPlan plan);
+    /// `observer` may be empty; it is called on the engine's threads with all that status() answers one after
+    /// the other, and never after the destructor.
+    BurnProcess(engine::DriveRef drive, BurnPlan plan, engine::BurnJob::Observer observer = {});
     BurnProcess(const BurnProcess&) = delete;
     BurnProcess& operator=(const BurnProcess&) = delete;
     /// Ends a running burn and waits until the medium is consistent.
@@ -35,6 +37,7 @@ class BurnProcess {
   private:
     void finish();
 
+    engine::BurnJob::Observer observer_;
     engine::BurnJob job_;
     std::optional<engine::Error> refused_; // set before the thread starts, when the job would not
     bool ejectWhenDone_;

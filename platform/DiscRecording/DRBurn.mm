@@ -4,6 +4,8 @@
 #import "DRDevicePrivate.h"
 #include "Elements.hpp"
 #include "LayoutReader.hpp"
+#include "LivingObjects.hpp"
+#include "Notifications.hpp"
 #include "PathStrings.hpp"
 #include "StatusDictionaries.hpp"
 
@@ -12,7 +14,8 @@
 
 // At most one of the two holds: a running or ended burn, or the reason why none was begun.
 struct DRBurnInside {
-    std::mutex mutex; // over the pointers; the run itself is safe for threads
+    uint64_t number = 0; // as a living object
+    std::mutex mutex;    // over the pointers; the run itself is safe for threads
     std::shared_ptr<discrecording::BurnProcess> run;
     std::optional<engine::Error> refused;
     bool used = false;
@@ -138,11 +141,17 @@ Result<BurnPlan> planOf(DRDevice* device, NSArray* sessions, NSDictionary* prope
     _device = [device retain];
     _properties = [[NSDictionary alloc] init];
     _inside = new DRBurnInside;
+    _inside->number = discrecording::enterLiving(self);
     return self;
 }
 
 - (id)init {
     return [self initWithDevice:nil];
+}
+
+- (oneway void)release {
+    if (discrecording::releaseLiving(_inside->number, self))
+        [self dealloc];
 }
 
 - (void)dealloc {
@@ -171,17 +180,36 @@ Result<BurnPlan> planOf(DRDevice* device, NSArray* sessions, NSDictionary* prope
     }
     _sessions = [sessions retain];
     auto plan = planOf(_device, sessions, _properties, [self requestedBurnSpeed]);
+    // Who waits for the end is told nothing on the way.
+    const bool waits = flag(_properties, DRSynchronousBehaviorKey, false);
     if (!plan.ok()) {
-        const std::lock_guard lock(_inside->mutex);
-        _inside->refused = plan.error();
+        engine::BurnStatus failed;
+        failed.state = engine::BurnState::Failed;
+        failed.error = plan.error();
+        {
+            const std::lock_guard lock(_inside->mutex);
+            _inside->refused = plan.error();
+        }
+        if (!waits)
+            discrecording::postBurnStatus(_inside->number, failed);
         return;
     }
-    const auto run = std::make_shared<discrecording::BurnProcess>(DRDriveOfDevice(_device), std::move(*plan));
+    engine::BurnJob::Observer observer;
+    if (!waits) {
+        const uint64_t number = _inside->number;
+        observer = [=](const engine::BurnStatus& status) {
+            discrecording::postBurnStatus(number, status);
+            if (status.state == engine::BurnState::SessionOpen || status.isFinal())
+                discrecording::drivesMayHaveChanged();
+        };
+    }
+    const auto run = std::make_shared<discrecording::BurnProcess>(DRDriveOfDevice(_device), std::move(*plan),
+                                                                  std::move(observer));
     {
         const std::lock_guard lock(_inside->mutex);
         _inside->run = run;
     }
-    if (flag(_properties, DRSynchronousBehaviorKey, false))
+    if (waits)
         run->wait();
 }
 

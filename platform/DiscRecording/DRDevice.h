@@ -73,8 +73,9 @@ struct DRDeviceInside;
 - (BOOL)acquireExclusiveAccess;
 - (void)releaseExclusiveAccess;
 
-/** Counted wish for blank media; mediaIsReserved says whether it was fulfilled. Programs that ask in
- * different processes are not arbitrated yet. */
+/** Counted wish for blank media in this drive. One process holds it at a time: mediaIsReserved and the
+ * status-changed notification say when it is this one. Releasing passes it on; releasing more often than
+ * acquiring does nothing. */
 - (void)acquireMediaReservation;
 - (void)releaseMediaReservation;
 

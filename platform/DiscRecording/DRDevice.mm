@@ -2,16 +2,15 @@
 #import "DRDevice.h"
 #import "DRDevicePrivate.h"
 #include "Elements.hpp"
+#include "Notifications.hpp"
 #include "PathStrings.hpp"
 
 #include <algorithm>
-#include <atomic>
 #include <map>
 #include <mutex>
 
 struct DRDeviceInside {
     engine::DriveRef drive;
-    std::atomic<int> reservations = 0;
 };
 
 @interface DRDevice (Making)
@@ -33,6 +32,14 @@ Known& known() {
     return all;
 }
 
+// The lock is held.
+DRDevice* knownDevice(const engine::DriveRef& drive) {
+    DRDevice*& device = known().devices[drive];
+    if (device == nil)
+        device = [[DRDevice alloc] initWithDrive:drive];
+    return [[device retain] autorelease];
+}
+
 bool canWriteAtAll(const engine::Drive& drive) { return !drive.capabilities().writes.empty(); }
 
 } // namespace
@@ -47,20 +54,18 @@ bool canWriteAtAll(const engine::Drive& drive) { return !drive.capabilities().wr
     }
     NSMutableArray* devices = [NSMutableArray array];
     const std::lock_guard lock(known().mutex);
-    // Drives that are gone are forgotten; whoever still holds their object sees that it is not valid.
+    // Drives that are gone are forgotten when nobody else holds their object; whoever does sees that it is not
+    // valid, and is told of its going with that object.
     std::erase_if(known().devices, [&found](const auto& entry) {
-        if (std::find(found->begin(), found->end(), entry.first) != found->end())
+        if ([entry.second retainCount] > 1 ||
+            std::find(found->begin(), found->end(), entry.first) != found->end())
             return false;
-        [entry.second autorelease];
+        [entry.second release];
         return true;
     });
     for (const engine::DriveRef& drive : *found) {
-        if (!canWriteAtAll(*drive))
-            continue;
-        DRDevice*& device = known().devices[drive];
-        if (device == nil)
-            device = [[DRDevice alloc] initWithDrive:drive];
-        [devices addObject:device];
+        if (canWriteAtAll(*drive))
+            [devices addObject:knownDevice(drive)];
     }
     return [NSArray arrayWithArray:devices];
 }
@@ -184,7 +189,7 @@ bool canWriteAtAll(const engine::Drive& drive) { return !drive.capabilities().wr
 }
 
 - (BOOL)mediaIsReserved {
-    return _inside->reservations > 0 && [self mediaIsBlank];
+    return _inside->drive != nullptr && _inside->drive->holdsMediaReservation() && [self mediaIsBlank];
 }
 
 - (NSString*)mediaType {
@@ -226,23 +231,27 @@ bool canWriteAtAll(const engine::Drive& drive) { return !drive.capabilities().wr
 }
 
 - (BOOL)acquireExclusiveAccess {
-    return _inside->drive != nullptr && _inside->drive->acquireExclusiveAccess().ok();
+    const BOOL acquired = _inside->drive != nullptr && _inside->drive->acquireExclusiveAccess().ok();
+    discrecording::drivesMayHaveChanged();
+    return acquired;
 }
 
 - (void)releaseExclusiveAccess {
     if (_inside->drive != nullptr)
         _inside->drive->releaseExclusiveAccess();
+    discrecording::drivesMayHaveChanged();
 }
 
 - (void)acquireMediaReservation {
-    ++_inside->reservations;
+    if (_inside->drive != nullptr)
+        _inside->drive->acquireMediaReservation();
+    discrecording::drivesMayHaveChanged();
 }
 
-// Releasing more often than acquiring does nothing, rather than take a later reservation away.
 - (void)releaseMediaReservation {
-    int held = _inside->reservations;
-    while (held > 0 && !_inside->reservations.compare_exchange_weak(held, held - 1)) {
-    }
+    if (_inside->drive != nullptr)
+        _inside->drive->releaseMediaReservation();
+    discrecording::drivesMayHaveChanged();
 }
 
 @end
@@ -266,6 +275,13 @@ bool canWriteAtAll(const engine::Drive& drive) { return !drive.capabilities().wr
 
 engine::DriveRef DRDriveOfDevice(DRDevice* device) {
     return device == nil ? nullptr : [device inside]->drive;
+}
+
+DRDevice* DRDeviceOfDrive(const engine::DriveRef& drive) {
+    if (drive == nullptr)
+        return nil;
+    const std::lock_guard lock(known().mutex);
+    return knownDevice(drive);
 }
 
 DRMSF* DRMSFOfBlocks(uint64_t blocks) {

@@ -10,6 +10,9 @@
 /// object.
 engine::DriveRef DRDriveOfDevice(DRDevice* device);
 
+/// The one object that stands for a drive, autoreleased; also for a drive that is gone. Nil for none.
+DRDevice* DRDeviceOfDrive(const engine::DriveRef& drive);
+
 /// The value of DRDeviceMediaTypeKey for a kind of medium.
 NSString* DRMediaTypeOfKind(engine::MediumKind kind);
 

@@ -1,6 +1,7 @@
 // StatusDictionaries: a job of the engine as the dictionary that programs read.
 #include "StatusDictionaries.hpp"
 
+#import "DREraseConstants.h"
 #import "DRStatusConstants.h"
 #include "PathStrings.hpp"
 
@@ -35,6 +36,24 @@ NSString* stateText(engine::BurnState state) {
     return DRStatusStateNone;
 }
 
+NSString* stateText(engine::EraseState state) {
+    switch (state) {
+    case engine::EraseState::None:
+        return DRStatusStateNone;
+    case engine::EraseState::Preparing:
+        return DRStatusStatePreparing;
+    case engine::EraseState::Erasing:
+        return DRStatusStateErasing;
+    case engine::EraseState::Finishing:
+        return DRStatusStateFinishing;
+    case engine::EraseState::Done:
+        return DRStatusStateDone;
+    case engine::EraseState::Failed:
+        return DRStatusStateFailed;
+    }
+    return DRStatusStateNone;
+}
+
 NSNumber* real(double value) { return [NSNumber numberWithFloat:static_cast<float>(value)]; }
 NSNumber* count(uint32_t value) { return [NSNumber numberWithUnsignedInt:value]; }
 
@@ -49,6 +68,10 @@ NSDictionary* errorDictionary(const engine::Error& error) {
         [told setObject:pathnames::textOf(error.info) forKey:DRErrorStatusErrorInfoStringKey];
     }
     return [NSDictionary dictionaryWithDictionary:told];
+}
+
+static NSDictionary* errorOf(const std::optional<engine::Error>& error) {
+    return errorDictionary(error.value_or(engine::makeError(engine::ErrorCode::Internal)));
 }
 
 NSDictionary* statusDictionary(const engine::BurnStatus& status) {
@@ -67,10 +90,22 @@ NSDictionary* statusDictionary(const engine::BurnStatus& status) {
                                                                    DRStatusProgressCurrentXFactor, nil]
                  forKey:DRStatusProgressInfoKey];
     }
-    if (status.state == engine::BurnState::Failed) {
-        const engine::Error unknown = engine::makeError(engine::ErrorCode::Internal);
-        [told setObject:errorDictionary(status.error.value_or(unknown)) forKey:DRErrorStatusKey];
-    }
+    if (status.state == engine::BurnState::Failed)
+        [told setObject:errorOf(status.error) forKey:DRErrorStatusKey];
+    return [NSDictionary dictionaryWithDictionary:told];
+}
+
+NSString* eraseTypeText(engine::EraseType type) {
+    return type == engine::EraseType::Complete ? DREraseTypeComplete : DREraseTypeQuick;
+}
+
+NSDictionary* statusDictionary(const engine::EraseStatus& status) {
+    NSMutableDictionary* told = [NSMutableDictionary dictionary];
+    [told setObject:stateText(status.state) forKey:DRStatusStateKey];
+    [told setObject:real(status.percent) forKey:DRStatusPercentCompleteKey];
+    [told setObject:eraseTypeText(status.type) forKey:DRStatusEraseTypeKey];
+    if (status.state == engine::EraseState::Failed)
+        [told setObject:errorOf(status.error) forKey:DRErrorStatusKey];
     return [NSDictionary dictionaryWithDictionary:told];
 }
 
