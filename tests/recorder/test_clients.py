@@ -291,13 +291,6 @@ class Case(RecorderTest):
     def test_xorriso_on_bdre(self):
         self.lives("BD-RE")
 
-    def test_growisofs_writes_dvd_plus_rw(self):
-        self.insert("DVD+RW")
-        data, path = self.image(320)
-        self.tool("dvd+rw-format", "-force", DEVICE)
-        self.tool("growisofs", "-use-the-force-luke=notray,tty", "-Z", f"{DEVICE}={path}")
-        self.assertEqual(self.read_back(0, 320), data)
-
     def test_overwriting_dvd_plus_rw(self):
         self.insert("DVD+RW")
         _, one = self.image(640, 1)
