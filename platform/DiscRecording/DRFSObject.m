@@ -1,6 +1,7 @@
 // DRFSObject: what files and folders of a disc's content have in common.
 #import "DRFSObject.h"
 #import "DRFSObjectPrivate.h"
+#import "DRFolderPrivate.h"
 
 // The last part of a path. Foundation's lastPathComponent is not asked: it reads more than "/" into names.
 static NSString* LastPart(NSString* path) {
@@ -19,8 +20,12 @@ static NSString* LastPart(NSString* path) {
 @implementation DRFSObject
 
 - (void)dealloc {
+    [self targetGoes];
+    [_links release];
     [_baseName release];
     [_sourcePath release];
+    [_properties release];
+    [_specificNames release];
     [super dealloc];
 }
 
@@ -44,6 +49,7 @@ static NSString* LastPart(NSString* path) {
     NSString* copy = baseName == nil ? @"" : [baseName copy];
     [_baseName release];
     _baseName = copy;
+    [self forgetSpecificNames];
 }
 
 - (NSString*)description {
@@ -77,9 +83,47 @@ static NSString* LastPart(NSString* path) {
     _parent = parent;
 }
 
+- (void)nameChanged {
+    [_parent childNamesChanged];
+}
+
 - (void)forgetSource {
     [_sourcePath release];
     _sourcePath = nil;
+}
+
+- (void)forgetSpecificNames {
+    [_specificNames release];
+    _specificNames = nil;
+    [self nameChanged];
+}
+
+@end
+
+@implementation DRFSObject (PrivateLinks)
+
+- (void)addLink:(DRFSObject*)link {
+    if (_links == nil)
+        _links = [[NSMutableArray alloc] initWithCapacity:1];
+    [_links addObject:[NSValue valueWithNonretainedObject:link]];
+}
+
+- (void)removeLink:(DRFSObject*)link {
+    // The last one first: links go in the reverse of the order in which they came, when they go together.
+    for (NSUInteger i = [_links count]; i-- > 0;) {
+        if ([[_links objectAtIndex:i] nonretainedObjectValue] != link)
+            continue;
+        [_links removeObjectAtIndex:i];
+        return;
+    }
+}
+
+- (void)targetGoes {
+    for (NSValue* link in _links)
+        [[link nonretainedObjectValue] forgetTarget];
+}
+
+- (void)forgetTarget {
 }
 
 @end

@@ -12,6 +12,27 @@
 - (void)setParent:(DRFolder*)parent;
 /** Turns a real object into a virtual one of the same name. */
 - (void)forgetSource;
+/** Takes all specific names away. */
+- (void)forgetSpecificNames;
+/** The names in the parent's listing are no longer what they were. */
+- (void)nameChanged;
 @end
+
+@interface DRFSObject (PrivateLinks)
+/** A link does not keep what it points at, or one to a folder around it would never go. So it is told. */
+- (void)addLink:(DRFSObject*)link;
+- (void)removeLink:(DRFSObject*)link;
+/** Tells all links; for dealloc. */
+- (void)targetGoes;
+/** Told to a link. */
+- (void)forgetTarget;
+@end
+
+/** Counts changes of masks in all trees: names depend on who is in a file system. */
+#ifdef __cplusplus
+extern "C"
+#endif
+    uint64_t
+    DRMaskChanges(void);
 
 #endif

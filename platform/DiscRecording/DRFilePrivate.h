@@ -5,8 +5,14 @@
 #import "DRFile.h"
 
 @interface DRFile (Private)
-/** The data of a virtual file; nil for a real one. */
+/** The data of a virtual file; nil for any other. */
 - (NSData*)data;
+/** Nil for a file without. */
+- (id)producer;
+/** Nil for a file that is no link. */
+- (NSString*)linkType;
+/** What a link points at; nil when that is gone. */
+- (DRFSObject*)target;
 @end
 
 #endif

@@ -13,7 +13,8 @@
  */
 @interface DRFolder : DRFSObject {
   @private
-    NSMutableArray* _children; // nil while the folder is real
+    NSMutableArray* _children;    // nil while the folder is real
+    struct DRFolderNames* _names; // of the children, as far as they were asked for
 }
 
 /** A folder on disk. A path where no folder is fails when it is burned, not here. */

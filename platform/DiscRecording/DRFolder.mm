@@ -2,12 +2,18 @@
 #import "DRFolder.h"
 #import "DRFSObjectPrivate.h"
 #import "DRFile.h"
+#import "DRFolderPrivate.h"
 #include "Elements.hpp"
+#import "Filesystems.h"
+#include "NameRules.hpp"
 #include "PathStrings.hpp"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstring>
+#include <optional>
+#include <unordered_map>
 #include <vector>
 
 #include <dirent.h>
@@ -47,6 +53,45 @@ int listFolder(const std::string& path, std::vector<Entry>& entries) {
 
 } // namespace
 
+// The mangled names of all children, for each rule that was asked for since something changed.
+struct DRFolderNames {
+    using OfOneRule = std::unordered_map<const void*, std::u16string>;
+    std::array<std::optional<OfOneRule>, discrecording::nameRules> byRule;
+    uint64_t maskChanges = 0;
+};
+
+namespace {
+
+// Only those that are in the file system can stand in each other's way. All others keep their names.
+DRFolderNames::OfOneRule namesOfChildren(NSArray* children, int rule) {
+    const DRFilesystem& filesystem = DRFilesystems()[rule];
+    std::vector<DRFSObject*> members;
+    std::vector<discrecording::Sibling> siblings;
+    members.reserve([children count]);
+    siblings.reserve([children count]);
+    NSAutoreleasePool* pool = [NSAutoreleasePool new];
+    for (DRFSObject* child : discrecording::Elements<DRFSObject*>(children)) {
+        const uint32_t mask = [child explicitFilesystemMask];
+        if (mask != 0 && (mask & filesystem.mask) == 0)
+            continue;
+        NSString* name = [child specificNameForFilesystem:filesystem.name];
+        std::u16string units([name length], u'\0');
+        [name getCharacters:reinterpret_cast<unichar*>(units.data()) range:NSMakeRange(0, units.size())];
+        siblings.push_back({std::move(units), bool([child isKindOfClass:[DRFolder class]])});
+        members.push_back(child);
+    }
+    [pool release];
+    std::vector<std::u16string> names =
+        discrecording::mangledNames(static_cast<discrecording::NameRule>(rule), siblings);
+    DRFolderNames::OfOneRule result;
+    result.reserve(names.size());
+    for (size_t i = 0; i < names.size(); ++i)
+        result.emplace(members[i], std::move(names[i]));
+    return result;
+}
+
+} // namespace
+
 @implementation DRFolder
 
 + (DRFolder*)folderWithPath:(NSString*)path {
@@ -74,6 +119,7 @@ int listFolder(const std::string& path, std::vector<Entry>& entries) {
         [child setParent:nil];
     }
     [_children release];
+    delete _names;
     [super dealloc];
 }
 
@@ -131,6 +177,7 @@ int listFolder(const std::string& path, std::vector<Entry>& entries) {
     [_children addObject:child]; // before it leaves its old parent, which may hold its last reference
     [[child parent] removeChild:child];
     [child setParent:self];
+    [self childNamesChanged];
 }
 
 - (void)removeChild:(DRFSObject*)child {
@@ -139,6 +186,7 @@ int listFolder(const std::string& path, std::vector<Entry>& entries) {
         return;
     [child setParent:nil];
     [_children removeObjectIdenticalTo:child];
+    [self childNamesChanged];
 }
 
 - (NSArray*)children {
@@ -147,6 +195,32 @@ int listFolder(const std::string& path, std::vector<Entry>& entries) {
 
 - (uint32_t)count {
     return static_cast<uint32_t>([_children count]);
+}
+
+@end
+
+@implementation DRFolder (Private)
+
+- (void)childNamesChanged {
+    delete _names;
+    _names = nullptr;
+}
+
+- (NSString*)mangledNameOfChild:(DRFSObject*)child byRule:(int)rule {
+    if (_names != nullptr && _names->maskChanges != DRMaskChanges())
+        [self childNamesChanged];
+    if (_names == nullptr) {
+        _names = new DRFolderNames;
+        _names->maskChanges = DRMaskChanges();
+    }
+    auto& known = _names->byRule[static_cast<size_t>(rule)];
+    if (!known)
+        known = namesOfChildren(_children, rule);
+    const auto found = known->find(child);
+    if (found == known->end())
+        return [child specificNameForFilesystem:DRFilesystems()[rule].name];
+    const std::u16string& name = found->second;
+    return [NewStringOfUnits(reinterpret_cast<const unichar*>(name.data()), name.size()) autorelease];
 }
 
 @end

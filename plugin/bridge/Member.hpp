@@ -71,6 +71,14 @@ struct Dictionary {
     static Platform toPlatform(Host value) { return NewNSDictionary(value); }
 };
 
+// A value of any kind; nil stays nil.
+struct Variant {
+    using Platform = objc::Id;
+    using Host = REALvariant;
+    static Host toHost(Platform value) { return NewVariantFromNSObject(value); }
+    static Platform toPlatform(Host value) { return GetVariantAsNSObject(value); }
+};
+
 // A platform object that comes back as its wrapper, made by `wrap`, and goes over as what a wrapper holds.
 template <REALobject (*wrap)(objc::Id)>
 struct Wrapped {

@@ -28,6 +28,8 @@ struct Super {
 
 extern "C" {
 Sel sel_registerName(const char* name);
+// The runtime may keep one selector for each type of its methods: addresses differ where names are the same.
+Boolean sel_isEqual(Sel one, Sel other);
 Class objc_getClass(const char* name);
 const char* class_getName(Class cls);
 Class class_getSuperclass(Class cls);

@@ -1,0 +1,195 @@
+// NameRules: what becomes of a name in each file system of a disc, alone and among its siblings.
+#include "NameRules.hpp"
+
+#include <algorithm>
+#include <unordered_map>
+#include <unordered_set>
+
+namespace discrecording {
+namespace {
+
+struct Parts {
+    std::u16string stem;
+    std::u16string extension; // without the "."
+};
+
+// A "." in front of a name begins no extension.
+Parts split(std::u16string_view name, bool isFolder) {
+    const size_t dot = name.rfind(u'.');
+    if (isFolder || dot == std::u16string_view::npos || dot == 0 || dot + 1 == name.size())
+        return {std::u16string(name), {}};
+    return {std::u16string(name.substr(0, dot)), std::u16string(name.substr(dot + 1))};
+}
+
+std::u16string joined(const Parts& parts) {
+    return parts.extension.empty() ? parts.stem : parts.stem + u'.' + parts.extension;
+}
+
+// Never between the two halves of a character.
+std::u16string cut(std::u16string text, size_t limit) {
+    if (text.size() <= limit) return text;
+    if (limit > 0 && text[limit] >= 0xDC00 && text[limit] < 0xE000) --limit;
+    text.resize(limit);
+    return text;
+}
+
+bool isControl(char16_t unit) { return unit < 0x20 || (unit >= 0x7F && unit < 0xA0); }
+
+char16_t upper(char16_t unit) {
+    return unit >= u'a' && unit <= u'z' ? static_cast<char16_t>(unit - u'a' + u'A') : unit;
+}
+
+// The unit as the file system holds it, 0 for one that is left out. Dots are seen to before.
+char16_t legalUnit(NameRule rule, char16_t unit) {
+    constexpr std::u16string_view levelTwo = u" !\"%&'()*+-:<=>?_";
+    constexpr std::u16string_view notInJoliet = u"\"$*/;<>?\\|";
+    switch (rule) {
+    case NameRule::ISOLevelOne:
+    case NameRule::ISOLevelTwo: {
+        const char16_t big = upper(unit);
+        if ((big >= u'A' && big <= u'Z') || (big >= u'0' && big <= u'9') || big == u'_') return big;
+        return rule == NameRule::ISOLevelTwo && levelTwo.find(big) != levelTwo.npos ? big : u'\0';
+    }
+    case NameRule::Joliet:
+        return isControl(unit) || notInJoliet.find(unit) != notInJoliet.npos ? u'\0' : unit;
+    case NameRule::HFSPlus:
+        return unit == u'/' ? u':' : unit;
+    case NameRule::UDF:
+        return unit == u'/' ? u'_' : unit == 0 ? u'\0' : unit;
+    }
+    return u'\0';
+}
+
+bool hasOneDot(NameRule rule) { return rule != NameRule::HFSPlus && rule != NameRule::UDF; }
+bool isISO(NameRule rule) { return rule == NameRule::ISOLevelOne || rule == NameRule::ISOLevelTwo; }
+
+std::u16string legalUnits(NameRule rule, const std::u16string& text) {
+    std::u16string legal;
+    for (const char16_t unit : text) {
+        if (unit == u'.' && hasOneDot(rule)) continue;
+        if (const char16_t held = unit == u'.' ? unit : legalUnit(rule, unit)) legal += held;
+    }
+    return legal;
+}
+
+// Units that a whole name may have. UDF counts bytes, of which one tells how wide the others are.
+size_t limitOf(NameRule rule, const Parts& parts) {
+    switch (rule) {
+    case NameRule::ISOLevelOne:
+        return parts.extension.empty() ? 8 : 12;
+    case NameRule::ISOLevelTwo:
+        return 30;
+    case NameRule::Joliet:
+        return 64;
+    case NameRule::HFSPlus:
+        return 255;
+    case NameRule::UDF:
+        break;
+    }
+    const std::u16string whole = parts.stem + parts.extension;
+    return std::any_of(whole.begin(), whole.end(), [](char16_t unit) { return unit > 0xFF; }) ? 126 : 253;
+}
+
+// Cut to the limit with `reserved` units left for a suffix.
+Parts fitting(NameRule rule, Parts parts, size_t reserved) {
+    const size_t limit = limitOf(rule, parts);
+    if (rule == NameRule::ISOLevelOne) {
+        parts.extension = cut(std::move(parts.extension), 3);
+        parts.stem = cut(std::move(parts.stem), 8 - reserved);
+        return parts;
+    }
+    if (!parts.extension.empty()) parts.extension = cut(std::move(parts.extension), limit - 2 - reserved);
+    const size_t behind = parts.extension.empty() ? 0 : parts.extension.size() + 1;
+    parts.stem = cut(std::move(parts.stem), limit - behind - reserved);
+    return parts;
+}
+
+// Two names that the file system takes for the same have the same key. HFS+ and Joliet's readers don't tell
+// capitals from small letters: the scripts that have them, accents aside, for HFS+ holds those apart.
+std::u16string keyOf(NameRule rule, std::u16string name) {
+    if (rule == NameRule::UDF || isISO(rule)) return name;
+    for (char16_t& unit : name) {
+        if ((unit >= u'A' && unit <= u'Z') || (unit >= 0xC0 && unit <= 0xDE && unit != 0xD7) ||
+            (unit >= 0x391 && unit <= 0x3A9) || (unit >= 0x410 && unit <= 0x42F)) {
+            unit = static_cast<char16_t>(unit + 32);
+        } else if (unit >= 0x400 && unit <= 0x40F) {
+            unit = static_cast<char16_t>(unit + 80);
+        }
+    }
+    return name;
+}
+
+std::u16string numberText(size_t number, size_t digits) {
+    std::u16string text(digits, u'0');
+    for (size_t at = digits; at-- > 0; number /= 10)
+        text[at] = static_cast<char16_t>(u'0' + number % 10);
+    return text;
+}
+
+size_t powerOfTen(size_t exponent) {
+    size_t power = 1;
+    while (exponent-- > 0)
+        power *= 10;
+    return power;
+}
+
+// Gives names out. The numbers tried so far are kept for each stem as it is when cut, so that none is tried
+// twice, whatever it was cut from.
+class Names {
+  public:
+    explicit Names(NameRule rule) : rule_(rule) {}
+
+    bool take(const std::u16string& name) { return taken_.insert(keyOf(rule_, name)).second; }
+
+    std::u16string another(const Sibling& sibling) {
+        const Parts whole = split(sibling.name, sibling.isFolder);
+        for (size_t digits = 3;; ++digits) {
+            const Parts parts = fitting(rule_, whole, digits + 1);
+            const auto [place, isNew] =
+                next_.try_emplace(keyOf(rule_, joined(parts)) + u'/' + numberText(digits, 2),
+                                  digits == 3 ? 1 : powerOfTen(digits - 1));
+            const size_t end = powerOfTen(digits);
+            while (place->second < end) {
+                Parts tried = parts;
+                tried.stem += u'_' + numberText(place->second++, digits);
+                std::u16string name = joined(tried);
+                if (take(name)) return name;
+            }
+        }
+    }
+
+  private:
+    NameRule rule_;
+    std::unordered_set<std::u16string> taken_;
+    std::unordered_map<std::u16string, size_t> next_;
+};
+
+} // namespace
+
+std::u16string legalName(NameRule rule, std::u16string_view name, bool isFolder) {
+    Parts parts = split(name, isFolder && isISO(rule));
+    parts.stem = legalUnits(rule, parts.stem);
+    parts.extension = legalUnits(rule, parts.extension);
+    if (parts.stem.empty()) parts.stem = u"_";
+    // "." and ".." are no names of their own anywhere.
+    if (parts.extension.empty() && (parts.stem == u"." || parts.stem == u".."))
+        std::replace(parts.stem.begin(), parts.stem.end(), u'.', u'_');
+    return joined(fitting(rule, std::move(parts), 0));
+}
+
+std::vector<std::u16string> mangledNames(NameRule rule, const std::vector<Sibling>& siblings) {
+    Names names(rule);
+    std::vector<std::u16string> result(siblings.size());
+    std::vector<size_t> others;
+    for (size_t i = 0; i < siblings.size(); ++i) {
+        if (names.take(siblings[i].name))
+            result[i] = siblings[i].name;
+        else
+            others.push_back(i);
+    }
+    for (const size_t i : others)
+        result[i] = names.another(siblings[i]);
+    return result;
+}
+
+} // namespace discrecording

@@ -1,0 +1,37 @@
+// NameRules: what becomes of a name in each file system of a disc, alone and among its siblings.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace discrecording {
+
+/// The sets of rules for names. ISO 9660 has two.
+enum class NameRule : uint8_t { ISOLevelOne, ISOLevelTwo, Joliet, HFSPlus, UDF };
+inline constexpr size_t nameRules = 5;
+
+/// The name with what the file system can't hold left out and what is too long cut off; never empty. `name` is
+/// decomposed for the ISO levels and HFS+, composed for Joliet and UDF.
+///
+///   level 1   A-Z 0-9 _, 8 and 3 of them; folders have no extension
+///   level 2   capitals, digits, space and punctuation but for $ , / ; and the like: 30 with the extension,
+///             which is kept where the name is cut (the version behind it takes two more)
+///   Joliet    64 UTF-16 units, one "."
+///   HFS+      255 UTF-16 units; "/" becomes ":", as the two are each other's on that system
+///   UDF       what 254 bytes hold; "/" becomes "_"
+std::u16string legalName(NameRule rule, std::u16string_view name, bool isFolder);
+
+struct Sibling {
+    std::u16string name; ///< legal
+    bool isFolder;
+};
+
+/// The names with a suffix such as _001 where several siblings have the same: the first in order keeps it. The
+/// suffix stands in front of the extension and inside the length limit, and no name that is there already is
+/// taken. Grows with the number of siblings as a sort does.
+std::vector<std::u16string> mangledNames(NameRule rule, const std::vector<Sibling>& siblings);
+
+} // namespace discrecording

@@ -1,0 +1,250 @@
+// FileObjectsTest.cpp: constructors, factories and links of files and folders, and who is in the registry.
+#include "host/runtime/Array.hpp"
+#include "host/runtime/FolderItem.hpp"
+#include "host/runtime/MemoryBlock.hpp"
+#include "tests/plugin/FSObjects.hpp"
+
+#include <cstring>
+
+namespace {
+
+using namespace test;
+
+class FileObjects : public FSObjectTest {
+  protected:
+    Ref block(const std::string& bytes) {
+        Ref made = host::newMemoryBlock(static_cast<int64_t>(bytes.size()));
+        std::memcpy(host::memoryOf(made.get()).data(), bytes.data(), bytes.size());
+        return made;
+    }
+    void constructWithData(const Ref& file, const std::string& name, const std::string& bytes) {
+        call<void>("DRFileQRX", "Constructor(name as string, data as memoryblock)", file.get(),
+                   String(name).get(), block(bytes).get());
+    }
+    Ref children(const Ref& folder) {
+        return Ref::adopt(
+            host::arrayObject(call<REALarray>("DRFolderQRX", "children as DRFSObjectQRX()", folder.get())));
+    }
+    int count(const Ref& folder) { return call<int32_t>("DRFolderQRX", "count as integer", folder.get()); }
+    Ref link(const char* declaration, const Ref& original, const char* filesystem) {
+        return Ref::adopt(call<REALobject>("DRFileQRX", declaration, original.get(),
+                                           filesystem ? String(filesystem).get() : REALstring{nullptr}));
+    }
+
+    static constexpr const char* hardLink =
+        "hardLinkPointingTo(original as DRFileQRX, filesystem as string) as DRFileQRX";
+    static constexpr const char* symLink =
+        "symLinkPointingTo(original as DRFSObjectQRX, filesystem as string) as DRFileQRX";
+    static constexpr const char* finderAlias =
+        "finderAliasPointingTo(original as DRFSObjectQRX, filesystem as string) as DRFileQRX";
+    static constexpr const char* anyLink =
+        "linkWithLinkType(linkType as string, original as DRFSObjectQRX, filesystem as string) as DRFileQRX";
+
+    ScratchFolder scratch;
+};
+
+TEST_F(FileObjects, ConstructorsFillTheSlot) {
+    const Ref data = make("DRFileQRX"), real = make("DRFileQRX"), folder = make("DRFolderQRX"),
+              realFolder = make("DRFolderQRX");
+    constructWithData(data, "data.txt", "bytes");
+    EXPECT_EQ(text(data, "baseName as string"), "data.txt");
+    EXPECT_TRUE((call<bool>("DRFSObjectQRX", "isVirtual as boolean", data.get())));
+    call<void>("DRFileQRX", "Constructor(path as folderitem)", real.get(),
+               host::newFolderItem("/etc/passwd").get());
+    EXPECT_EQ(text(real, "sourcePath as string"), "/etc/passwd");
+    call<void>("DRFolderQRX", "Constructor(name as string)", folder.get(), String("named").get());
+    EXPECT_EQ(text(folder, "baseName as string"), "named");
+    call<void>("DRFolderQRX", "Constructor(path as folderitem)", realFolder.get(),
+               host::newFolderItem(scratch.path()).get());
+    EXPECT_EQ(text(realFolder, "sourcePath as string"), scratch.path());
+    EXPECT_EQ(raised(), std::nullopt);
+}
+
+// The file's constructors forward nil, the folder's don't: deliberate on both sides.
+TEST_F(FileObjects, NilReachesThePlatformFromFilesAndNotFromFolders) {
+    const Ref data = make("DRFileQRX"), real = make("DRFileQRX"), folder = make("DRFolderQRX"),
+              realFolder = make("DRFolderQRX");
+    call<void>("DRFileQRX", "Constructor(name as string, data as memoryblock)", data.get(),
+               REALstring{nullptr}, REALmemoryBlock{nullptr});
+    EXPECT_NE(frame::slot(data.get()), nullptr);
+    call<void>("DRFileQRX", "Constructor(path as folderitem)", real.get(), REALfolderItem{nullptr});
+    EXPECT_NE(frame::slot(real.get()), nullptr);
+    call<void>("DRFolderQRX", "Constructor(name as string)", folder.get(), REALstring{nullptr});
+    EXPECT_EQ(frame::slot(folder.get()), nullptr);
+    call<void>("DRFolderQRX", "Constructor(path as folderitem)", realFolder.get(), REALfolderItem{nullptr});
+    EXPECT_EQ(frame::slot(realFolder.get()), nullptr);
+    EXPECT_EQ(raised(), std::nullopt);
+}
+
+TEST_F(FileObjects, ASecondConstructorCallOverwritesWithoutReleasingOrComplaining) {
+    const Ref file = make("DRFileQRX");
+    constructWithData(file, "first", "1");
+    const objc::Id first = frame::slot(file.get());
+    constructWithData(file, "second", "2");
+    EXPECT_EQ(text(file, "baseName as string"), "second");
+    EXPECT_NE(frame::slot(file.get()), first);
+    EXPECT_EQ(raised(), std::nullopt);
+    EXPECT_EQ((objc::send<"retainCount", unsigned long>(first)), 1u);
+    objc::release(first);
+}
+
+TEST_F(FileObjects, ConstructedOnesComeBackAsNewObjectsAndFactorysAsThemselves) {
+    const Ref folder = virtualFolder("folder"), made = make("DRFileQRX"), fromFactory = virtualFile("b");
+    constructWithData(made, "a", "x");
+    addChild(folder, made);
+    addChild(folder, fromFactory);
+    const Ref found = children(folder);
+    ASSERT_EQ(host::upperBound(found.get()), 1);
+    const auto first = host::arrayGet(found.get(), 0), second = host::arrayGet(found.get(), 1);
+    EXPECT_NE(first.object(), made.get());
+    EXPECT_TRUE(host::isA(first.object(), "DRFileQRX"));
+    EXPECT_EQ(frame::slot(first.object()), frame::slot(made.get()));
+    EXPECT_EQ(second.object(), fromFactory.get());
+}
+
+TEST_F(FileObjects, AConstructedFolderIsAnotherObjectAsAParent) {
+    const Ref folder = make("DRFolderQRX"), child = virtualFile("c");
+    call<void>("DRFolderQRX", "Constructor(name as string)", folder.get(), String("f").get());
+    addChild(folder, child);
+    const Ref parent = Ref::adopt(call<REALobject>("DRFSObjectQRX", "parent as DRFolderQRX", child.get()));
+    EXPECT_NE(parent.get(), folder.get());
+    EXPECT_EQ(frame::slot(parent.get()), frame::slot(folder.get()));
+    const Ref again = Ref::adopt(call<REALobject>("DRFSObjectQRX", "parent as DRFolderQRX", child.get()));
+    EXPECT_EQ(again.get(), parent.get());
+}
+
+TEST_F(FileObjects, ChildrenOfAnEmptyOneAreAnEmptyArray) {
+    const Ref folder = make("DRFolderQRX");
+    call<void>("DRFolderQRX", "Constructor", folder.get());
+    const Ref found = children(folder);
+    ASSERT_NE(found.get(), nullptr);
+    EXPECT_EQ(host::upperBound(found.get()), -1);
+    EXPECT_EQ(count(folder), 0);
+    call<void>("DRFolderQRX", "makeVirtual", folder.get());
+    call<void>("DRFolderQRX", "removeChild(child as DRFSObjectQRX)", folder.get(), REALobject{nullptr});
+    EXPECT_EQ(raised(), std::nullopt);
+}
+
+objc::Id raisingChildren(objc::Id self, objc::Sel) { return objc::send<"noSuchMessageAnywhere">(self); }
+
+TEST_F(FileObjects, ChildrenAreAnArrayAlsoWhenThePlatformRaises) {
+    const Ref folder = make("DRFolderQRX");
+    const objc::Class cls =
+        objc::ClassBuilder("DRFolder", "TestFolder").method<"children", raisingChildren>().finish();
+    frame::slot(folder.get()) = objc::send<"init">(objc::send<"alloc">(reinterpret_cast<objc::Id>(cls)));
+    testing::internal::CaptureStderr();
+    const Ref found = children(folder);
+    testing::internal::GetCapturedStderr();
+    ASSERT_NE(found.get(), nullptr);
+    EXPECT_EQ(host::upperBound(found.get()), -1);
+    EXPECT_TRUE(raised());
+}
+
+TEST_F(FileObjects, ChildrenAreAddedCountedAndTakenOut) {
+    const Ref folder = virtualFolder("folder"), one = virtualFile("1"), two = virtualFile("2");
+    addChild(folder, one);
+    addChild(folder, two);
+    EXPECT_EQ(count(folder), 2);
+    call<void>("DRFolderQRX", "removeChild(child as DRFSObjectQRX)", folder.get(), one.get());
+    EXPECT_EQ(count(folder), 1);
+    EXPECT_EQ((call<REALobject>("DRFSObjectQRX", "parent as DRFolderQRX", one.get())), nullptr);
+}
+
+// What the platform is given is noted.
+objc::Id added = reinterpret_cast<objc::Id>(1);
+void noteAdded(objc::Id, objc::Sel, objc::Id child) { added = child; }
+
+TEST_F(FileObjects, ANilChildIsForwarded) {
+    const Ref folder = make("DRFolderQRX");
+    const objc::Class cls = objc::ClassBuilder("DRFolder", "TestFolder")
+                                .method<"addChild:", noteAdded>()
+                                .method<"removeChild:", noteAdded>()
+                                .finish();
+    frame::slot(folder.get()) = objc::send<"init">(objc::send<"alloc">(reinterpret_cast<objc::Id>(cls)));
+    for (const char* declaration :
+         {"addChild(child as DRFSObjectQRX)", "removeChild(child as DRFSObjectQRX)"}) {
+        added = reinterpret_cast<objc::Id>(1);
+        call<void>("DRFolderQRX", declaration, folder.get(), REALobject{nullptr});
+        EXPECT_EQ(added, nullptr) << declaration;
+    }
+}
+
+TEST_F(FileObjects, ARealFolderIsMadeVirtual) {
+    writeFile(scratch / "folder/a.txt", "a");
+    std::filesystem::create_directories(scratch / "folder/sub");
+    const Ref folder =
+        Ref::adopt(call<REALobject>("DRFolderQRX", "folderWithPath(path as string) as DRFolderQRX",
+                                    String((scratch / "folder").string()).get()));
+    EXPECT_EQ(count(folder), 0);
+    call<void>("DRFolderQRX", "makeVirtual", folder.get());
+    EXPECT_EQ(count(folder), 2);
+    const Ref found = children(folder);
+    EXPECT_TRUE(host::isA(host::arrayGet(found.get(), 0).object(), "DRFileQRX"));
+    EXPECT_TRUE(host::isA(host::arrayGet(found.get(), 1).object(), "DRFolderQRX"));
+}
+
+TEST_F(FileObjects, LinksAreMadeForOneFileSystem) {
+    const Ref file = virtualFile("file"), folder = virtualFolder("folder");
+    const struct {
+        const char* declaration;
+        const Ref& original;
+        const char* filesystem;
+        int mask;
+    } rows[] = {{hardLink, file, "DRISO9660", 1},
+                {hardLink, file, "DRJoliet", 2},
+                {symLink, folder, "DRUDF", 4},
+                {symLink, file, "DRHFSPlus", 8},
+                {finderAlias, folder, "DRHFSPlus", 8}};
+    for (const auto& row : rows) {
+        const Ref made = link(row.declaration, row.original, row.filesystem);
+        ASSERT_TRUE(host::isA(made.get(), "DRFileQRX")) << row.declaration;
+        EXPECT_EQ((call<int32_t>("DRFSObjectQRX", "explicitFilesystemMask as integer", made.get())),
+                  row.mask);
+    }
+    EXPECT_EQ(raised(), std::nullopt);
+}
+
+TEST_F(FileObjects, LinksThatCannotBeAreHostExceptions) {
+    const Ref file = virtualFile("file"), folder = virtualFolder("folder");
+    const struct {
+        const char* declaration;
+        const Ref& original;
+        const char* filesystem;
+    } rows[] = {{hardLink, folder, "DRUDF"},
+                {symLink, file, "DRJoliet"},
+                {finderAlias, file, "DRISO9660"},
+                {symLink, file, "DRAllFilesystems"},
+                {symLink, file, "what"}};
+    for (const auto& row : rows) {
+        testing::internal::CaptureStderr();
+        EXPECT_EQ(link(row.declaration, row.original, row.filesystem).get(), nullptr) << row.declaration;
+        testing::internal::GetCapturedStderr();
+        EXPECT_TRUE(raised()) << row.declaration;
+    }
+}
+
+TEST_F(FileObjects, LinksWithoutAnOriginalOrAFileSystemAreNilWithoutAsking) {
+    const Ref file = virtualFile("file"), empty = make("DRFileQRX");
+    for (const char* declaration : {hardLink, symLink, finderAlias}) {
+        EXPECT_EQ(link(declaration, Ref(), "DRUDF").get(), nullptr);
+        EXPECT_EQ(link(declaration, empty, "DRUDF").get(), nullptr);
+        EXPECT_EQ(link(declaration, file, nullptr).get(), nullptr);
+    }
+    const String type("DRLinkTypeHardLink"), filesystem("DRUDF");
+    const auto make3 = [&](REALstring t, REALobject o, REALstring f) {
+        return Ref::adopt(call<REALobject>("DRFileQRX", anyLink, t, o, f));
+    };
+    EXPECT_EQ(make3(nullptr, file.get(), filesystem.get()).get(), nullptr);
+    EXPECT_EQ(make3(type.get(), nullptr, filesystem.get()).get(), nullptr);
+    EXPECT_EQ(make3(type.get(), file.get(), nullptr).get(), nullptr);
+    EXPECT_EQ(raised(), std::nullopt);
+    Ref made;
+    {
+        const Pool inner; // what alloc gave is given up with it
+        made = make3(type.get(), file.get(), filesystem.get());
+    }
+    ASSERT_TRUE(host::isA(made.get(), "DRFileQRX"));
+    EXPECT_EQ((objc::send<"retainCount", unsigned long>(frame::slot(made.get()))), 1u);
+}
+
+} // namespace
