@@ -1,0 +1,38 @@
+// disc-drives erase
+#include "Commands.hpp"
+#include "Console.hpp"
+#include "Describe.hpp"
+#include "EraseJob.hpp"
+
+namespace drives {
+
+int eraseMedium(const Common& common, const std::string& name, bool complete) {
+    const Found found = driveNamed(name);
+    if (!found.drive) throw engine::Failure(found.problem);
+    const auto medium = take(found.drive->readMedium());
+    if (medium && medium->erasable && medium->blocksUsed > 0)
+        requireConsent(common.force, whatItHolds(*medium, found.name), "Erase it");
+    engine::EraseJob job(found.drive);
+    take(job.start(complete ? engine::EraseType::Complete : engine::EraseType::Quick));
+    {
+        constexpr uint64_t whole = 1000;
+        const uint64_t bytes = medium ? medium->blocksUsed * engine::blockSize : 0;
+        Progress progress("Erasing", bytes, common.json);
+        while (!job.waitFor(std::chrono::milliseconds(50))) {
+            const double percent = job.status().percent;
+            if (percent >= 0)
+                progress.show(bytes / whole * static_cast<uint64_t>(percent * static_cast<double>(whole)));
+            checkInterruption(); // the drive goes on, or leaves the medium openly incomplete
+        }
+    }
+    const engine::EraseStatus status = job.wait();
+    if (status.error) throw engine::Failure(*status.error);
+    if (common.json) {
+        printJson(jsonOf(driveNamed(name)));
+    } else {
+        print("The medium in " + engine::inQuotes(found.name) + " is blank.\n");
+    }
+    return 0;
+}
+
+} // namespace drives

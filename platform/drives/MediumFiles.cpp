@@ -1,0 +1,202 @@
+// Media as files.
+#include "MediumFiles.hpp"
+#include "Failure.hpp"
+#include "FileSystemCheck.hpp"
+#include "MediumNames.hpp"
+
+#include <cerrno>
+#include <cstdio>
+#include <fcntl.h>
+#include <filesystem>
+#include <map>
+#include <set>
+#include <unistd.h>
+
+namespace drives {
+namespace {
+
+namespace fs = std::filesystem;
+using engine::ErrorCode;
+using engine::fail;
+using engine::inQuotes;
+using engine::MediumKind;
+
+engine::Descriptor openFolder(const std::string& path) {
+    engine::Descriptor folder(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!folder)
+        fail(ErrorCode::DeviceAccess, "The folder " + inQuotes(path) + " can't be opened.",
+             engine::systemText(errno));
+    return folder;
+}
+
+void rename(const std::string& from, const std::string& to) {
+    if (::rename(from.c_str(), to.c_str()) != 0)
+        fail(ErrorCode::MediaWriteFailure, inQuotes(to) + " can't be put in its place.",
+             engine::systemText(errno));
+}
+
+bool looksLikeADescription(const std::string& path) {
+    std::FILE* file = std::fopen(path.c_str(), "rbe");
+    const int first = file != nullptr ? std::fgetc(file) : EOF;
+    if (file != nullptr) std::fclose(file);
+    return first == '{';
+}
+
+// Every file that the description names; the same one may come twice.
+template <typename Visit>
+void forEachFile(engine::MediumRecord& record, const Visit& visit) {
+    const auto present = [&](std::string& name) {
+        if (!name.empty()) visit(name);
+    };
+    present(record.image);
+    present(record.cdText);
+    for (engine::SessionInfo& session : record.sessions)
+        for (engine::TrackInfo& track : session.tracks)
+            present(track.file);
+}
+
+// What a file is called until the medium is the drive's: as there, but new. Files with names of a person's own get
+// one of the usual ones.
+std::string newNameFor(const std::string& name, size_t number) {
+    const std::string stem = engine::names::stem, newStem = engine::names::newStem;
+    if (name.starts_with(newStem)) return name;
+    if (name.starts_with(stem) && name.find('.', stem.size()) == std::string::npos)
+        return newStem + name.substr(stem.size());
+    const std::string extension = fs::path(name).extension().string();
+    return newStem + std::to_string(number + 100) +
+           (extension == ".bin" || extension == ".cue" || extension == ".cdt" ? extension : ".iso");
+}
+
+MediumFiles stageDescribed(const fs::path& description, const Staging& staging, bool quiet) {
+    Progress unseen("", 0, true);
+    copyFile(description.string(), staging.path() + '/' + engine::names::medium, unseen);
+    const auto record = engine::loadMedium(openFolder(staging.path()).get());
+    MediumFiles found{*record, description.parent_path().empty() ? "." : description.parent_path().string()};
+    Progress progress("Copying", dataBytesOf(found), quiet);
+    for (const std::string& name : dataFilesOf(*record))
+        copyFile(found.folder + '/' + name, staging.path() + '/' + name, progress);
+    found.folder = staging.path();
+    return found;
+}
+
+MediumKind kindForImage(const std::string& path, uint64_t blocks, const std::string& kind) {
+    if (!kind.empty()) return kindNamed(kind);
+    for (const MediumKind each : {MediumKind::CDROM, MediumKind::DVDROM, MediumKind::BDROM})
+        if (blocks <= engine::factsOf(each).capacityBlocks) return each;
+    fail(ErrorCode::MediaInvalid, inQuotes(path) + " is larger than a BD-ROM of one layer; say with --kind "
+                                                   "what it shall be.");
+}
+
+MediumFiles stageImage(const std::string& path, const std::string& kind, const Staging& staging, bool quiet) {
+    const uint64_t bytes = fileSize(path);
+    const uint64_t blocks = (bytes + engine::blockSize - 1) / engine::blockSize;
+    const auto volume = volumeIn(path);
+    if (!volume && kind.empty())
+        fail(ErrorCode::MediaInvalid,
+             inQuotes(path) + " is neither a medium's description nor an image with a file system; "
+                              "give --kind to insert it all the same.");
+    MediumFiles medium{engine::MediumRecord::blank(kindForImage(path, blocks, kind)), staging.path()};
+    engine::MediumRecord& record = medium.record;
+    if (blocks > record.capacityBlocks || blocks == 0)
+        fail(ErrorCode::BurnNotAllowed,
+             inQuotes(path) + (blocks == 0 ? " is empty." : " is too large for a ") +
+                 std::string(blocks == 0 ? "" : engine::factsOf(record.kind).name));
+    Progress progress("Copying", bytes, quiet);
+    const std::string copy = staging.path() + '/' + engine::names::image;
+    copyFile(path, copy, progress);
+    if (::truncate(copy.c_str(), static_cast<off_t>(blocks * engine::blockSize)) != 0)
+        fail(ErrorCode::MediaWriteFailure, inQuotes(copy) + " can't be written.", engine::systemText(errno));
+    engine::TrackInfo track;
+    track.blocks = blocks;
+    track.file = engine::names::image;
+    track.volumeName = volume.value_or("");
+    record.state = engine::MediumState::Complete;
+    record.image = engine::names::image;
+    record.sessions = {engine::SessionInfo{1, {track}}};
+    if (!engine::factsOf(record.kind).writable) record.capacityBlocks = blocks;
+    return medium;
+}
+
+} // namespace
+
+std::vector<std::string> dataFilesOf(const engine::MediumRecord& record) {
+    engine::MediumRecord visited = record;
+    std::set<std::string> names;
+    forEachFile(visited, [&](const std::string& name) { names.insert(name); });
+    return {names.begin(), names.end()};
+}
+
+uint64_t dataBytesOf(const MediumFiles& medium) {
+    uint64_t bytes = 0;
+    for (const std::string& name : dataFilesOf(medium.record))
+        bytes += fileSize(medium.folder + '/' + name);
+    return bytes;
+}
+
+MediumFiles stageMedium(const std::string& path, const std::string& kind, const Staging& staging,
+                        bool quiet) {
+    std::error_code ignored;
+    const bool isFolder = fs::is_directory(path, ignored);
+    const fs::path file = isFolder ? fs::path(path) / engine::names::medium : fs::path(path);
+    fileSize(file.string()); // says what is wrong when there is none
+    if (!isFolder && !looksLikeADescription(file.string())) return stageImage(path, kind, staging, quiet);
+    if (!kind.empty())
+        fail(ErrorCode::BadLayout,
+             inQuotes(path) + " says itself what kind it is; leave out --kind, which is for images.");
+    return stageDescribed(file, staging, quiet);
+}
+
+void putInto(const engine::VirtualDrive& drive, const MediumFiles& staged) {
+    engine::recoverMedium(drive.folder());
+    engine::MediumRecord record = staged.record;
+    std::map<std::string, std::string> renamed;
+    forEachFile(record, [&](std::string& name) {
+        const auto known = renamed.find(name);
+        const std::string before = name;
+        name = known != renamed.end() ? known->second : newNameFor(name, renamed.size());
+        if (known == renamed.end()) renamed.emplace(before, name);
+    });
+    for (const auto& [before, after] : renamed)
+        rename(staged.folder + '/' + before, drive.path() + '/' + after);
+    engine::commitNewFiles(drive.folder(), record);
+}
+
+void takeOutOf(const engine::VirtualDrive& drive) {
+    if (::unlinkat(drive.folder(), engine::names::medium, 0) != 0 && errno != ENOENT)
+        fail(ErrorCode::DeviceAccess,
+             "The medium in " + inQuotes(drive.displayName()) + " can't be taken out.",
+             engine::systemText(errno));
+    engine::syncFolder(drive.folder());
+    for (const std::string& name : engine::mediumFiles(drive.folder()))
+        ::unlinkat(drive.folder(), name.c_str(), 0);
+}
+
+void copyOut(const engine::VirtualDrive& drive, const std::string& folder, bool quiet) {
+    engine::recoverMedium(drive.folder());
+    const auto record = engine::loadMedium(drive.folder());
+    if (!record)
+        fail(ErrorCode::MediaNotPresent, "There is no disc in " + inQuotes(drive.displayName()) + '.');
+    engine::makeFolders(folder);
+    const Staging staging(folder);
+    const MediumFiles medium{*record, drive.path()};
+    Progress progress("Copying", dataBytesOf(medium), quiet);
+    for (const std::string& name : dataFilesOf(*record))
+        copyFile(drive.path() + '/' + name, staging.path() + '/' + name, progress);
+    engine::saveMedium(openFolder(staging.path()).get(), *record);
+    for (const std::string& name : dataFilesOf(*record))
+        rename(staging.path() + '/' + name, folder + '/' + name);
+    rename(staging.path() + '/' + engine::names::medium, folder + '/' + engine::names::medium);
+    engine::syncFolder(openFolder(folder).get());
+}
+
+void writeBlankMedium(const engine::MediumRecord& record, const std::string& file) {
+    const fs::path parent = fs::absolute(file).parent_path();
+    std::error_code ignored;
+    if (!fs::is_directory(parent, ignored))
+        fail(ErrorCode::FileLocationConflict, "There is no folder " + inQuotes(parent.string()) + '.');
+    const Staging staging(parent.string());
+    engine::saveMedium(openFolder(staging.path()).get(), record);
+    rename(staging.path() + '/' + engine::names::medium, file);
+}
+
+} // namespace drives
