@@ -8,8 +8,32 @@ using namespace engine;
 
 class CrashTest : public EngineTest, public ::testing::WithParamInterface<BurnState> {
   protected:
+    static BurnOptions overwriting() {
+        BurnOptions options;
+        options.overwrite = true;
+        return options;
+    }
+    static BurnOptions open() {
+        BurnOptions options;
+        options.appendable = true;
+        return options;
+    }
+    // By a child, so that this process has no threads when it forks.
+    void burnFirst(BurnOptions options) {
+        const pid_t child = ::fork();
+        if (child == 0) ::_exit(burn(openDrive(), layout(), options).state == BurnState::Done ? 0 : 1);
+        int status = 0;
+        ::waitpid(child, &status, 0);
+        ASSERT_EQ(status, 0);
+    }
+    bool hasFirstSession(const MediumInfo& medium) {
+        const uint64_t start = medium.sessions[0].tracks[0].startBlock;
+        return std::system(("isoinfo -R -T " + std::to_string(start) + " -i '" + image().string() +
+                            "' -x /old.bin | cmp -s - '" + (source / "old.bin").string() + "'")
+                               .c_str()) == 0;
+    }
     // In a child process, which dies when it enters the state (with `pieces` reports of progress in it).
-    void burnAndDie(BurnState state, int reports = 0) {
+    void burnAndDie(BurnState state, int reports = 0, BurnOptions options = overwriting()) {
         const pid_t child = ::fork();
         ASSERT_GE(child, 0);
         if (child == 0) {
@@ -17,8 +41,6 @@ class CrashTest : public EngineTest, public ::testing::WithParamInterface<BurnSt
             job.setObserver([&, left = reports](const BurnStatus& status) mutable {
                 if (status.state == state && left-- == 0) ::kill(::getpid(), SIGKILL);
             });
-            BurnOptions options;
-            options.overwrite = true;
             if (!job.start(layout(), options)) ::_exit(3);
             job.wait();
             ::_exit(4);
@@ -38,16 +60,8 @@ INSTANTIATE_TEST_SUITE_P(EveryState, CrashTest,
 TEST_P(CrashTest, aRewritableMediumIsTheOldOneOrTheNewOne) {
     makeDrive();
     write("old.bin", noise(500'000));
-    std::string before;
-    {
-        // The old disc is burned by a child, so that this process has no threads when it forks.
-        const pid_t child = ::fork();
-        if (child == 0) ::_exit(burn(openDrive(), layout()).state == BurnState::Done ? 0 : 1);
-        int status = 0;
-        ::waitpid(child, &status, 0);
-        ASSERT_EQ(status, 0);
-        before = bytesOf(image());
-    }
+    burnFirst({});
+    const std::string before = bytesOf(image());
     write("new.bin", noise(6'000'000, 5));
     burnAndDie(GetParam());
     const auto drive = openDrive();
@@ -76,6 +90,55 @@ TEST_P(CrashTest, aWriteOnceMediumIsBlankIncompleteOrDone) {
     if (expected == MediumState::Blank) {
         EXPECT_EQ(driveFiles(), "drive.json lock medium.json ");
     }
+}
+
+TEST_P(CrashTest, anAppendedSessionOfASequentialMediumLeavesTheFirstReadable) {
+    for (const MediumKind kind : {MediumKind::CDR, MediumKind::DVDRW}) {
+        fs::remove_all(drivePath());
+        makeDrive(kind);
+        write("old.bin", noise(500'000));
+        burnFirst(open());
+        const std::string before = bytesOf(image());
+        write("new.bin", noise(6'000'000, 5));
+        burnAndDie(GetParam(), 0, open());
+        const auto medium = openDrive()->mediumInfo();
+        ASSERT_TRUE(medium);
+        const MediumState expected = GetParam() > BurnState::TrackOpen && GetParam() < BurnState::Done
+                                         ? MediumState::Incomplete
+                                         : MediumState::Appendable;
+        EXPECT_EQ(medium->state, expected);
+        EXPECT_TRUE(bytesOf(image()).starts_with(before));
+        EXPECT_TRUE(hasFirstSession(*medium));
+        if (expected == MediumState::Incomplete) {
+            ASSERT_EQ(medium->sessionCount(), 2u);
+            EXPECT_TRUE(medium->sessions[0].isClosed);
+            EXPECT_FALSE(medium->sessions[1].isClosed);
+            EXPECT_FALSE(medium->sessions[1].tracks[0].isComplete);
+            EXPECT_EQ(burn(openDrive(), layout(), open()).error->code, ErrorCode::MediaNotBlank);
+        } else {
+            EXPECT_DONE(burn(openDrive(), layout(), open()));
+        }
+        const auto overwritten = burn(openDrive(), layout(), overwriting());
+        EXPECT_EQ(nameOf(overwritten.state), kind == MediumKind::CDR ? "Failed" : "Done");
+    }
+}
+
+TEST_P(CrashTest, anAppendedSessionOfAnOverwritableMediumIsThereOrNot) {
+    makeDrive(MediumKind::DVDPlusRW);
+    write("old.bin", noise(500'000));
+    burnFirst(open());
+    const std::string before = bytesOf(image());
+    write("new.bin", noise(6'000'000, 5));
+    burnAndDie(GetParam(), 0, open());
+    const auto medium = openDrive()->mediumInfo();
+    ASSERT_TRUE(medium);
+    EXPECT_EQ(medium->state, MediumState::Appendable);
+    EXPECT_EQ(medium->sessionCount(), GetParam() == BurnState::Done ? 2u : 1u);
+    EXPECT_TRUE(hasFirstSession(*medium));
+    if (GetParam() != BurnState::Done) {
+        EXPECT_TRUE(bytesOf(image()) == before);
+    }
+    EXPECT_DONE(burn(openDrive(), layout(), open()));
 }
 
 TEST_F(CrashTest, exitingWithARunningBurnEndsItCleanly) {

@@ -1,0 +1,168 @@
+// Tracks whose bytes come from a producer: order of calls, short and wrong answers, and every way of verifying.
+#include "Fixture.hpp"
+#include "Producers.hpp"
+
+#include <thread>
+
+using namespace engine;
+
+class ProducerTest : public EngineTest {
+  protected:
+    ProducerTest() : producer(std::make_shared<TestProducer>(2048)) {}
+
+    Track track(Verification verification = Verification::Checksum) const {
+        Track made = producedTrack(producer, BlockForm::Data, blocks);
+        made.verification = verification;
+        return made;
+    }
+    BurnStatus burnTrack(Track what, MediumKind kind = MediumKind::DVDPlusR, BurnOptions options = {}) {
+        return burn(makeDrive(kind), Layout::ofTrack(std::move(what)), options);
+    }
+    bool imageIs(uint64_t count) const { return bytesOf(image()) == producer->bytes(count * 2048); }
+
+    static constexpr uint64_t blocks = 1700; // more than three pieces
+    std::shared_ptr<TestProducer> producer;
+};
+
+TEST_F(ProducerTest, givesItsBlocksInOrderIntoLargeBuffers) {
+    EXPECT_DONE(burnTrack(track()));
+    EXPECT_TRUE(imageIs(blocks));
+    EXPECT_TRUE(producer->inOrder);
+    EXPECT_EQ(producer->largest, 1u << 20);
+    EXPECT_EQ(producer->calls(), "prepare produce cleanupAfterBurn ");
+    const auto medium = openDrive()->mediumInfo();
+    EXPECT_EQ(medium->blocksUsed, blocks);
+    EXPECT_EQ(medium->sessions[0].tracks[0].form, BlockForm::Data);
+}
+
+TEST_F(ProducerTest, isAskedAgainForVerification) {
+    EXPECT_DONE(burnTrack(track(Verification::ProduceAgain)));
+    EXPECT_EQ(producer->calls(), "prepare produce prepareForVerification produce cleanupAfterVerification "
+                                 "cleanupAfterBurn ");
+}
+
+TEST_F(ProducerTest, receivesWhatWasRead) {
+    EXPECT_DONE(burnTrack(track(Verification::ReceiveData)));
+    EXPECT_EQ(producer->calls(), "prepare produce prepareForVerification verify cleanupAfterVerification "
+                                 "cleanupAfterBurn ");
+}
+
+TEST_F(ProducerTest, isNotVerifiedWhenNobodyWantsThat) {
+    BurnOptions options;
+    options.verify = false;
+    EXPECT_DONE(burnTrack(track(Verification::ProduceAgain), MediumKind::DVDPlusR, options));
+    EXPECT_EQ(producer->calls(), "prepare produce cleanupAfterBurn ");
+    fs::remove_all(drivePath());
+    EXPECT_DONE(burnTrack(track(Verification::None)));
+}
+
+TEST_F(ProducerTest, thatGivesOtherBytesTheSecondTimeFailsVerification) {
+    producer->spoilt = 3'000'000;
+    EXPECT_FAILED(
+        burnTrack(track(Verification::ProduceAgain)), VerificationFailed,
+        "The disc in \"Virtual Disc Drive 1\" is not what was written, from block 1024 on; don't trust "
+        "it, and burn again.");
+    EXPECT_EQ(openDrive()->mediumInfo()->state, MediumState::Incomplete);
+    EXPECT_TRUE(producer->calls().ends_with("produce cleanupAfterBurn ")) << producer->calls();
+}
+
+TEST_F(ProducerTest, thatIsNotContentWithWhatWasReadFailsVerification) {
+    producer->content = false;
+    EXPECT_FAILED(
+        burnTrack(track(Verification::ReceiveData)), VerificationFailed,
+        "The disc in \"Virtual Disc Drive 1\" is not what was written, from block 0 on; don't trust it, "
+        "and burn again.");
+}
+
+TEST_F(ProducerTest, maySayItsLengthWhenItPrepares) {
+    producer->becomes = 600;
+    EXPECT_DONE(burnTrack(track()));
+    EXPECT_TRUE(imageIs(600));
+}
+
+TEST_F(ProducerTest, thatCannotPrepareLeavesTheMediumBlank) {
+    producer->preparing = false;
+    EXPECT_FAILED(burnTrack(track()), DataProduction,
+                  "The producer of track 1 could not prepare its data; the disc is untouched.");
+    EXPECT_TRUE(openDrive()->mediumInfo()->blank);
+    EXPECT_EQ(producer->calls(), "prepare cleanupAfterBurn ");
+}
+
+TEST_F(ProducerTest, isAskedOnAfterAShortAnswer) {
+    producer->fault = [](uint64_t given, std::span<std::byte> buffer, ProduceFlags&) {
+        // Also answers that end inside a block.
+        return std::min<size_t>(buffer.size(), given % 3 == 0 ? 2048 : 5000);
+    };
+    EXPECT_DONE(burnTrack(track(Verification::ProduceAgain)));
+    EXPECT_TRUE(imageIs(blocks));
+    EXPECT_TRUE(producer->inOrder);
+}
+
+TEST_F(ProducerTest, endsATrackOfVariableLength) {
+    producer->fault = [](uint64_t given, std::span<std::byte> buffer, ProduceFlags& flags) -> size_t {
+        if (given + buffer.size() < 2'500'000) return buffer.size();
+        flags.noMoreData = true;
+        return 2'500'000 - given;
+    };
+    EXPECT_DONE(burnTrack(track()));
+    const uint64_t ended = (2'500'000 + 2047) / 2048;
+    EXPECT_EQ(openDrive()->mediumInfo()->blocksUsed, ended);
+    const std::string read = bytesOf(image());
+    ASSERT_EQ(read.size(), ended * 2048);
+    EXPECT_TRUE(read.substr(0, 2'500'000) == producer->bytes(2'500'000));
+    EXPECT_EQ(read.substr(2'500'000), std::string(ended * 2048 - 2'500'000, '\0'));
+}
+
+TEST_F(ProducerTest, thatGivesNothingStopsTheBurn) {
+    producer->fault = [](uint64_t given, std::span<std::byte> buffer, ProduceFlags&) {
+        return given < 2'000'000 ? buffer.size() : 0;
+    };
+    EXPECT_FAILED(burnTrack(track()), DataProduction,
+                  "The producer of track 1 gave no data for block 1024 of 1700.");
+    EXPECT_EQ(openDrive()->mediumInfo()->state, MediumState::Incomplete);
+    EXPECT_EQ(producer->calls(), "prepare produce cleanupAfterBurn ");
+}
+
+TEST_F(ProducerTest, thatGivesTooMuchStopsTheBurn) {
+    producer->fault = [](uint64_t, std::span<std::byte> buffer, ProduceFlags&) { return buffer.size() + 1; };
+    EXPECT_FAILED(
+        burnTrack(track(), MediumKind::DVDPlusRW), DataProduction,
+        "The producer of track 1 gave more data than it was asked for; nothing of the rest was written.");
+    EXPECT_TRUE(openDrive()->mediumInfo()->blank);
+}
+
+TEST_F(ProducerTest, thatThrowsStopsTheBurn) {
+    producer->fault = [](uint64_t, std::span<std::byte>, ProduceFlags&) -> size_t {
+        throw std::runtime_error("the tape is torn");
+    };
+    const auto status = burnTrack(track());
+    EXPECT_FAILED(status, DataProduction, "The producer of track 1 failed; nothing more was asked of it.");
+    EXPECT_EQ(status.error->info, "the tape is torn");
+    EXPECT_EQ(producer->calls(), "prepare produce cleanupAfterBurn ");
+}
+
+TEST_F(ProducerTest, withoutLengthIsABadLayout) {
+    Track none = producedTrack(producer, BlockForm::Data, 0);
+    EXPECT_FAILED(burnTrack(none), BadLayout, "Track 1 has no length; give it one.");
+}
+
+TEST_F(ProducerTest, thatSleepsDoesNotHoldAnAbort) {
+    std::atomic<bool> awake{false};
+    producer->fault = [&](uint64_t, std::span<std::byte> buffer, ProduceFlags&) {
+        while (!awake)
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        return buffer.size();
+    };
+    BurnJob job(makeDrive());
+    ASSERT_TRUE(job.start(Layout::ofTrack(track())).ok());
+    while (producer->calls() != "prepare produce ")
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    job.abort();
+    EXPECT_TRUE(job.waitFor(std::chrono::milliseconds(500)));
+    EXPECT_EQ(job.status().error->code, ErrorCode::UserCanceled);
+    EXPECT_EQ(producer->calls(), "prepare produce "); // never two calls at once
+    awake = true;
+    for (int wait = 0; wait < 2000 && !producer->calls().ends_with("cleanupAfterBurn "); ++wait)
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    EXPECT_EQ(producer->calls(), "prepare produce cleanupAfterBurn ");
+}
