@@ -1,0 +1,41 @@
+// What sheets say about a disc, as CD-Text and codes.
+#pragma once
+
+#include "CDText.hpp"
+
+#include <optional>
+#include <string_view>
+
+namespace engine {
+
+/// The type that a word of a sheet means: TITLE, PERFORMER, SONGWRITER, COMPOSER, ARRANGER, MESSAGE, DISC_ID.
+std::optional<CDTextType> textTypeOf(std::string_view word) noexcept;
+
+/// Collects the texts of one language.
+class DiscTexts {
+  public:
+    explicit DiscTexts(uint8_t language) { block_.language = language; }
+
+    /// Of the disc with track 0; an empty text is as none.
+    void set(CDTextType type, size_t track, std::string_view bytes);
+    void setGenre(uint16_t code, std::string_view bytes);
+    void setCharacters(CDTextCharacters characters) { block_.characters = characters; }
+    bool isEmpty() const noexcept { return block_.texts.empty() && block_.genreCode == 0; }
+    /// For a disc of so many tracks.
+    CDTextBlock block(size_t tracks) const;
+
+  private:
+    CDTextBlock block_;
+};
+
+/// Packs of the texts that aren't empty. Throws Failure.
+std::vector<uint8_t> packsOf(const std::vector<DiscTexts>& languages, size_t tracks);
+
+/// Twelve characters without hyphens and in capitals: two of the country, three of the owner, two digits of the year,
+/// five of the number. Empty text stays; other texts give none.
+std::optional<std::string> isrcOf(std::string_view text);
+
+/// Thirteen digits; the twelve of an American code get the 0 that stands before them. Other texts give none.
+std::optional<std::string> catalogNumberOf(std::string_view text);
+
+} // namespace engine

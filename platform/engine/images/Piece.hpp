@@ -1,0 +1,59 @@
+// What the tracks of an image are put together from: stretches of files, of sound, and of nothing.
+#pragma once
+
+#include "audio/AudioReader.hpp"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+
+namespace engine {
+
+/// So many bytes of a track, read in order by one thread. Nothing is open until open(); whatever can fail throws
+/// Failure.
+class Piece {
+  public:
+    explicit Piece(uint64_t bytes) : bytes_(bytes) {}
+    virtual ~Piece() = default;
+    Piece(const Piece&) = delete;
+    Piece& operator=(const Piece&) = delete;
+
+    uint64_t bytes() const noexcept { return bytes_; }
+    virtual void open() {}
+    /// All of `out`, from byte `at` of the piece on.
+    virtual void read(uint64_t at, std::span<std::byte> out) = 0;
+    virtual void close() noexcept {}
+
+  private:
+    uint64_t bytes_;
+};
+
+using PieceRef = std::shared_ptr<Piece>;
+
+/// Zeros.
+PieceRef nothing(uint64_t bytes);
+
+/// Bytes of a file as they are: read into place, without a copy.
+PieceRef bytesOfFile(std::string path, uint64_t offset, uint64_t bytes);
+
+/// The same for sound of big-endian samples.
+PieceRef swappedBytesOfFile(std::string path, uint64_t offset, uint64_t bytes);
+
+/// A part of each unit of a file: the user data of its sectors, say.
+struct Units {
+    uint64_t unitBytes; ///< in the file
+    uint64_t partAt, partBytes;
+    bool isMode1 = false; ///< units are mode 1 sectors, which must be right
+    bool isMode2 = false; ///< units are mode 2 sectors
+};
+PieceRef partsOfFile(std::string path, uint64_t offset, uint64_t count, const Units& units);
+
+/// A stretch of another piece.
+PieceRef partOf(PieceRef whole, uint64_t from, uint64_t bytes);
+
+/// Samples of a sound file, as a CD has them.
+PieceRef soundOfFile(std::string path, uint64_t firstSample, uint64_t samples);
+
+} // namespace engine
