@@ -146,9 +146,8 @@ void recoverMedium(int folder) {
     ::unlinkat(folder, (std::string(names::medium) + ".new").c_str(), 0);
     auto record = loadMedium(folder);
     if (record && namesNewFiles(*record)) return finishCommit(folder, *record);
-    MediumRecord kept = record ? *record : MediumRecord{};
-    removeOthers(folder, kept);
-    if (!record) return;
+    if (!record) return; // whatever lies there, nobody has said yet that it is the medium
+    removeOthers(folder, *record);
     if (record->state != MediumState::Incomplete) cutImage(folder, *record);
     updateCueSheet(folder, *record);
 }
