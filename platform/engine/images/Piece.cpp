@@ -16,13 +16,13 @@
 namespace engine {
 namespace {
 
-class Nothing final : public Piece {
+class Nothing final : public ImagePiece {
   public:
-    using Piece::Piece;
+    using ImagePiece::ImagePiece;
     void read(uint64_t, std::span<std::byte> out) override { std::memset(out.data(), 0, out.size()); }
 };
 
-class FileBytes : public Piece {
+class FileBytes : public ImagePiece {
   public:
     FileBytes(std::string path, uint64_t offset, uint64_t bytes)
         : FileBytes(std::move(path), offset, bytes, bytes) {}
@@ -43,7 +43,7 @@ class FileBytes : public Piece {
 
   protected:
     FileBytes(std::string path, uint64_t offset, uint64_t bytes, uint64_t fileBytes)
-        : Piece(bytes), path_(std::move(path)), offset_(offset), fileBytes_(fileBytes) {}
+        : ImagePiece(bytes), path_(std::move(path)), offset_(offset), fileBytes_(fileBytes) {}
 
     void readFile(uint64_t at, std::span<std::byte> out) {
         while (!out.empty()) {
@@ -135,10 +135,10 @@ class FileParts final : public FileBytes {
     std::vector<std::byte> buffer_;
 };
 
-class Part final : public Piece {
+class Part final : public ImagePiece {
   public:
     Part(PieceRef whole, uint64_t from, uint64_t bytes)
-        : Piece(bytes), whole_(std::move(whole)), from_(from) {}
+        : ImagePiece(bytes), whole_(std::move(whole)), from_(from) {}
     void open() override { whole_->open(); }
     void read(uint64_t at, std::span<std::byte> out) override { whole_->read(from_ + at, out); }
     void close() noexcept override { whole_->close(); }
@@ -148,10 +148,10 @@ class Part final : public Piece {
     const uint64_t from_;
 };
 
-class Sound final : public Piece {
+class Sound final : public ImagePiece {
   public:
     Sound(std::string path, uint64_t first, uint64_t samples)
-        : Piece(samples * bytesPerSample), path_(std::move(path)), first_(first) {}
+        : ImagePiece(samples * bytesPerSample), path_(std::move(path)), first_(first) {}
 
     void open() override {
         auto reader = AudioReader::open(path_);

@@ -13,12 +13,12 @@ namespace engine {
 
 /// So many bytes of a track, read in order by one thread. Nothing is open until open(); whatever can fail throws
 /// Failure.
-class Piece {
+class ImagePiece {
   public:
-    explicit Piece(uint64_t bytes) : bytes_(bytes) {}
-    virtual ~Piece() = default;
-    Piece(const Piece&) = delete;
-    Piece& operator=(const Piece&) = delete;
+    explicit ImagePiece(uint64_t bytes) : bytes_(bytes) {}
+    virtual ~ImagePiece() = default;
+    ImagePiece(const ImagePiece&) = delete;
+    ImagePiece& operator=(const ImagePiece&) = delete;
 
     uint64_t bytes() const noexcept { return bytes_; }
     virtual void open() {}
@@ -30,7 +30,7 @@ class Piece {
     uint64_t bytes_;
 };
 
-using PieceRef = std::shared_ptr<Piece>;
+using PieceRef = std::shared_ptr<ImagePiece>;
 
 /// Zeros.
 PieceRef nothing(uint64_t bytes);
