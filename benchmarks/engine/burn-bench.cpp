@@ -49,10 +49,9 @@ int main(int argc, char** argv) {
         began = now;
     });
     const auto start = Clock::now();
-    if (const auto started = job.start(
-            engine::Layout::ofData({engine::Content::real(argv[1], "BENCH"), true, {}, {}, {}, {}}), options);
-        !started)
-        return 1;
+    engine::DataTrack track;
+    track.root = engine::Content::real(argv[1], "BENCH");
+    if (const auto started = job.start(engine::Layout::ofData(std::move(track)), options); !started) return 1;
     if (abortAfter >= 0) {
         std::this_thread::sleep_for(std::chrono::milliseconds(abortAfter));
         const auto asked = Clock::now();
