@@ -64,6 +64,28 @@ TEST_P(AbortTest, leavesARewritableMediumAsItWas) {
     EXPECT_DONE(burn(drive, layout(), options)); // at once again
 }
 
+TEST_P(AbortTest, leavesTheSessionsBeforeAnAppendedOne) {
+    for (const MediumKind kind : {MediumKind::DVDPlusRW, MediumKind::DVDPlusR, MediumKind::CDRW}) {
+        fs::remove_all(drivePath());
+        const auto drive = makeDrive(kind);
+        BurnOptions options;
+        options.appendable = true;
+        write("old.bin", noise(500'000));
+        EXPECT_DONE(burn(drive, layout(), options));
+        const std::string before = bytesOf(image());
+        write("new.bin", noise(6'000'000, 7));
+        EXPECT_FAILED(abortIn(GetParam(), drive, options), UserCanceled, "The burn was canceled.");
+        EXPECT_TRUE(bytesOf(image()).starts_with(before));
+        const bool isUntouched = factsOf(kind).overwritable || GetParam() <= BurnState::TrackOpen;
+        EXPECT_EQ(drive->mediumInfo()->state,
+                  isUntouched ? MediumState::Appendable : MediumState::Incomplete);
+        if (isUntouched) {
+            EXPECT_DONE(burn(drive, layout(), options));
+            EXPECT_EQ(drive->mediumInfo()->sessionCount(), 2u);
+        }
+    }
+}
+
 TEST_P(AbortTest, leavesAWriteOnceMediumBlankOrOpenlyIncomplete) {
     const auto drive = makeDrive(MediumKind::DVDR);
     write("new.bin", noise(6'000'000, 7));
