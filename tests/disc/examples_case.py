@@ -45,11 +45,11 @@ class ExamplesCase(unittest.TestCase):
         self.assertEqual(done.stderr, "")
         return done.stdout
 
-    def refuse(self, sentence, program, *arguments, status=1):
+    def refuse(self, sentence, program, *arguments, status=1, lines=1):
         """The program ends with one line that says why."""
         done = self.run_program(program, *arguments)
         self.assertEqual(done.returncode, status, done.stdout + done.stderr)
-        self.assertEqual(len(done.stderr.splitlines()), 1, done.stderr)
+        self.assertEqual(len(done.stderr.splitlines()), lines, done.stderr)
         self.assertRegex(done.stderr, sentence)
         return done.stdout
 

@@ -1,6 +1,8 @@
 #!/usr/bin/python3
 """The example programs do what they say, with the companion plug-in and without it."""
 import os
+import shutil
+import subprocess
 import time
 import unittest
 
@@ -65,6 +67,67 @@ class Examples(ExamplesCase):
         self.refuse("there is no drive Other; list-drives.bas shows", "burn-folder.bas", "--drive=Other", self.source)
         self.assertEqual(os.listdir(self.drives), ["drive-1"])
         self.assertEqual(self.medium()["state"], "blank")
+
+    # ---- erase --------------------------------------------------------------------------------------------------
+
+    def test_erase_makes_a_rewritable_disc_blank(self):
+        for number, (kind, options) in enumerate((("CD-RW", ()), ("DVD-RW", ("--complete",)), ("BD-RE", ()))):
+            self.make_drive("drive-1", kind=kind, capacityBlocks=300000)
+            self.succeed("burn-folder.bas", self.source)
+            said = self.succeed("erase.bas", "--yes", *options)
+            self.assertRegex(said.splitlines()[-1], r"^The disc in Virtual Disc Drive 1 is blank, after [0-9.]+ seconds\.$")
+            medium = self.medium()
+            self.assertEqual((medium["state"], medium["kind"], medium["sessions"]), ("blank", kind, []))
+            self.assertFalse(os.path.exists(self.image()))
+            self.succeed("burn-folder.bas", self.source)
+            shutil.rmtree(os.path.join(self.drives, "drive-1"))
+
+    def test_erase_asks_before_data_is_lost(self):
+        self.succeed("burn-folder.bas", self.source)
+        self.refuse(r"the disc in Virtual Disc Drive 1 holds [0-9.]+ MB; give --yes to erase it", "erase.bas")
+        self.assertEqual(self.medium()["state"], "complete")
+        self.succeed("erase.bas", "--yes", "Virtual Disc Drive 1")
+        self.succeed("erase.bas")
+        self.assertEqual(self.medium()["state"], "blank")
+
+    def test_erase_says_what_it_cannot(self):
+        self.make_drive(kind="CD-R", capacityBlocks=359847)
+        self.succeed("burn-folder.bas", self.source)
+        before = self.medium()
+        self.refuse("(?i)can't be erased", "erase.bas", "--yes")
+        self.assertEqual(self.medium(), before)
+        self.refuse("there is no drive Other", "erase.bas", "Other")
+        self.refuse("^Usage: erase.bas", "erase.bas", "--all", status=2)
+        self.make_drive("drive-0", "Empty")
+        self.refuse("there is no disc in Virtual Empty", "erase.bas", "Virtual Empty")
+
+    # ---- append-session -------------------------------------------------------------------------------------------
+
+    def test_append_session_adds_to_what_is_there(self):
+        for kind in ("CD-R", "DVD+R", "DVD+RW", "BD-R"):
+            self.make_drive(kind=kind, capacityBlocks=359847)
+            first = self.succeed("append-session.bas", self.source).splitlines()
+            self.assertRegex(first[0], r"^Sessions on the disc in Virtual Disc Drive 1: 0, with room for 737\.0 MB more\.$")
+            self.assertRegex(first[1], r"^Added Holiday as session 1; [0-9.]+ MB are left\.$")
+            other = os.path.join(self.scratch, "More")
+            self.write("second.txt", b"more", other)
+            second = self.succeed("append-session.bas", other).splitlines()
+            self.assertRegex(second[0], r": 1, with room for [0-9.]+ MB more\.$")
+            self.assertRegex(second[1], "^Added More as session 2;")
+            medium = self.medium()
+            self.assertEqual((medium["state"], len(medium["sessions"])), ("appendable", 2))
+            start = medium["sessions"][1]["tracks"][0]["startBlock"]
+            listed = subprocess.run(["isoinfo", "-T", str(start), "-J", "-f", "-i", self.image()],
+                                    capture_output=True, text=True, check=True).stdout
+            self.assertEqual(sorted(name.split(";")[0] for name in listed.split()), ["/letter.txt", "/second.txt"], kind)
+            shutil.rmtree(os.path.join(self.drives, "drive-1"))
+
+    def test_append_session_refuses_a_disc_that_is_closed(self):
+        self.make_drive(kind="CD-R", capacityBlocks=359847)
+        self.succeed("burn-folder.bas", self.source)
+        self.refuse("nothing can be added to the disc", "append-session.bas", self.source)
+        self.refuse("^Usage: append-session.bas FOLDER", "append-session.bas", status=2)
+        self.refuse("there is no folder /no/such", "append-session.bas", "/no/such")
 
 
 if __name__ == "__main__":

@@ -1,0 +1,75 @@
+' Makes the re-writable disc in a drive blank again.
+'
+'   disc-basic erase.bas [--complete] [--yes] [DRIVE]
+'
+'   --complete    overwrites every block, instead of only what it takes to be blank
+'   --yes         doesn't ask before data is lost
+'
+' Without DRIVE, a name that list-drives.bas shows, it is the first drive's disc.
+
+Const Usage = "Usage: erase.bas [--complete] [--yes] [DRIVE]"
+
+Sub Fail(message As String)
+    StdErr.WriteLine("erase: " + message)
+    Quit(1)
+End Sub
+
+Dim eraseType As String = DREraseQRX.DREraseTypeQuick
+Dim isSure As Boolean
+Dim name As String
+For Each argument As String In App.Arguments
+    If argument = "--complete" Then
+        eraseType = DREraseQRX.DREraseTypeComplete
+    ElseIf argument = "--yes" Then
+        isSure = True
+    ElseIf argument.BeginsWith("--") Or name <> "" Then
+        StdErr.WriteLine(Usage)
+        Quit(2)
+    Else
+        name = argument
+    End If
+Next
+
+Dim drive As DRDeviceQRX
+For Each candidate As DRDeviceQRX In DRDeviceQRX.devices
+    If drive Is Nil And (name = "" Or candidate.displayName = name) Then drive = candidate
+Next
+If drive Is Nil And name <> "" Then Fail("there is no drive " + name + "; list-drives.bas shows which there are")
+If drive Is Nil Then Fail("there is no drive that can write discs")
+If Not drive.mediaIsPresent Then Fail("there is no disc in " + drive.displayName + "; insert one and try again")
+
+If Not drive.mediaIsBlank And Not isSure Then
+    Dim used As String = Format(drive.mediaSpaceUsed.sectors * 2048 / 1000000, "#,##0.0") + " MB"
+    If Not System.IsTerminal Then Fail("the disc in " + drive.displayName + " holds " + used + "; give --yes to erase it")
+    Dim answer As String = Input("The disc in " + drive.displayName + " holds " + used + ". Erase it? [y/N] ")
+    If Lowercase(answer) <> "y" Then Fail("nothing was erased")
+End If
+
+Dim erase As New DREraseQRX(drive)
+erase.eraseType = eraseType
+Dim started As Double = Microseconds
+erase.start
+
+' Whether the erase can say how far it is depends on the drive: less than 0 means that it can't.
+Dim status As Dictionary
+Dim state As String
+Dim quarter As Integer
+Do
+    App.DoEvents(50)
+    status = erase.status
+    state = status.Value(DRBurnQRX.DRStatusStateKey)
+    Dim percent As Double = status.Value(DRBurnQRX.DRStatusPercentCompleteKey)
+    If System.IsTerminal And percent >= 0 Then
+        StdOut.Write(Chr(13) + "Erasing " + Format(percent, "0%") + " ")
+    ElseIf Floor(percent * 4) > quarter Then
+        quarter = Floor(percent * 4)
+        Print "Erasing " + Format(percent, "0%")
+    End If
+Loop Until state = DRBurnQRX.DRStatusStateDone Or state = DRBurnQRX.DRStatusStateFailed
+If System.IsTerminal Then StdOut.Write(Chr(13) + "             " + Chr(13))
+
+If state = DRBurnQRX.DRStatusStateFailed Then
+    Dim problem As Dictionary = status.Value(DRBurnQRX.DRErrorStatusKey)
+    Fail(problem.Value(DRBurnQRX.DRErrorStatusErrorStringKey))
+End If
+Print "The disc in " + drive.displayName + " is blank, after " + Format((Microseconds - started) / 1000000, "0.0") + " seconds."
