@@ -98,7 +98,7 @@
                    ? [_producer estimateLengthOfTrack:self]
                    : 0;
     }
-    const auto track = discrecording::dataTrackOf(self);
+    const auto track = discrecording::dataTrackOf(self, true);
     const auto blocks = track.ok() ? engine::plannedBlocks(*track) : engine::Result<uint64_t>(track.error());
     if (blocks.ok())
         return *blocks;

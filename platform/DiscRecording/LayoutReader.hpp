@@ -14,7 +14,8 @@ NSArray* sessionsOfLayout(id layout);
 
 /// What a track of a root folder burns. Errors: BadLayout, FileLocationConflict, FunctionNotSupported, and
 /// those of properties that can't be honoured.
-engine::Result<engine::DataTrack> dataTrackOf(DRTrack* track);
+/// `estimating` is for producers of files, see contentOfRoot().
+engine::Result<engine::DataTrack> dataTrackOf(DRTrack* track, bool estimating = false);
 
 /// The engine's layout for sessionsOfLayout()'s answer. TrackReused when a track comes twice.
 engine::Result<engine::Layout> layoutOfSessions(NSArray* sessions);

@@ -1,80 +1,21 @@
 // LayoutReader: turns tracks and folders into what the engine burns.
 #include "LayoutReader.hpp"
 
-#import "DRFilePrivate.h"
 #import "DRTrackPrivate.h"
+#include "ContentReader.hpp"
 #include "Elements.hpp"
 #include "PathStrings.hpp"
+#include "VolumeProperties.hpp"
 
 #include <algorithm>
 #include <iterator>
 
-#include <sys/stat.h>
-
 namespace discrecording {
 namespace {
 
-using engine::Content;
 using engine::Error;
 using engine::ErrorCode;
 using engine::Result;
-
-// No file system of a disc holds paths this deep; a tree beyond it is a mistake, and would exhaust the stack.
-constexpr int deepestTree = 1000;
-
-// The engine asks for composed text.
-std::string composedBytes(NSString* name) {
-    NSString* composed = [name precomposedStringWithCanonicalMapping];
-    // A name that is no proper text (a surrogate without its partner) can't be composed and goes as it is.
-    return pathnames::bytesOf([composed length] == 0 ? name : composed);
-}
-
-Error conflict(DRFSObject* object, const char* problem) {
-    const std::string path = pathnames::bytesOf([object sourcePath]);
-    return {ErrorCode::FileLocationConflict, "\"" + path + "\" " + problem, path};
-}
-
-Result<Content> realContent(DRFSObject* object, std::string name) {
-    std::string path = pathnames::bytesOf([object sourcePath]);
-    if (path.find('\0') != std::string::npos)
-        return conflict(object, "has a zero character in it; no path has that.");
-    struct stat status {};
-    const bool wantsFolder = [object isKindOfClass:[DRFolder class]];
-    // What is not there at all is the engine's to report, with the system's reason.
-    if (wantsFolder && ::stat(path.c_str(), &status) == 0 && !S_ISDIR(status.st_mode)) {
-        return conflict(object, "is no folder; add it as a file.");
-    }
-    if (!wantsFolder && ::lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode)) {
-        return conflict(object, "is a folder; add it as a folder.");
-    }
-    return Content::real(std::move(path), std::move(name));
-}
-
-Result<Content> contentOf(DRFSObject* object, int depth) {
-    std::string name = composedBytes([object baseName]);
-    if (depth > deepestTree) {
-        return Error{ErrorCode::BadLayout,
-                     "The folder \"" + name +
-                         "\" lies too deep in the tree; use fewer folders inside each other.",
-                     std::to_string(deepestTree) + " levels"};
-    }
-    if (![object isVirtual])
-        return realContent(object, std::move(name));
-    if ([object isKindOfClass:[DRFile class]]) {
-        NSData* data = [static_cast<DRFile*>(object) data];
-        return Content::file(std::move(name),
-                             std::string(static_cast<const char*>([data bytes]), [data length]));
-    }
-    std::vector<Content> children;
-    children.reserve([static_cast<DRFolder*>(object) count]);
-    for (DRFSObject* child : Elements<DRFSObject*>([static_cast<DRFolder*>(object) children])) {
-        auto content = contentOf(child, depth + 1);
-        if (!content.ok())
-            return content.error();
-        children.push_back(std::move(*content));
-    }
-    return Content::folder(std::move(name), std::move(children));
-}
 
 Error notSupported(NSString* what) {
     return {
@@ -94,19 +35,8 @@ Result<void> checkProperties(NSDictionary* properties) {
         NSString* harmless; // the one value that asks for nothing; nil when there is none
     };
     const Unknown unknown[] = {
-        {DRISOLevel, ErrorCode::FunctionNotSupported, nil},
-        {DRSystemIdentifier, ErrorCode::FunctionNotSupported, nil},
-        {DRCopyrightFile, ErrorCode::FunctionNotSupported, nil},
-        {DRAbstractFile, ErrorCode::FunctionNotSupported, nil},
-        {DRBibliographicFile, ErrorCode::FunctionNotSupported, nil},
-        {DRDefaultDate, ErrorCode::FunctionNotSupported, nil},
-        {DRVolumeCreationDate, ErrorCode::FunctionNotSupported, nil},
-        {DRVolumeModificationDate, ErrorCode::FunctionNotSupported, nil},
         {DRVolumeCheckedDate, ErrorCode::FunctionNotSupported, nil},
-        {DRVolumeExpirationDate, ErrorCode::FunctionNotSupported, nil},
-        {DRVolumeEffectiveDate, ErrorCode::FunctionNotSupported, nil},
         {DRISOMacExtensions, ErrorCode::FunctionNotSupported, @"0"},
-        {DRISORockRidgeExtensions, ErrorCode::FunctionNotSupported, @"1"},
         {DRTrackISRCKey, ErrorCode::CantWriteISRC, nil},
         {DRIndexPointsKey, ErrorCode::CantWriteIndexPoints, nil},
         {DRAudioPreEmphasisKey, ErrorCode::FunctionNotSupported, @"0"},
@@ -134,11 +64,6 @@ Result<void> checkProperties(NSDictionary* properties) {
         return error;
     }
     return {};
-}
-
-std::string text(NSDictionary* properties, NSString* key) {
-    id value = [properties objectForKey:key];
-    return [value isKindOfClass:[NSString class]] ? composedBytes(value) : std::string();
 }
 
 bool isSession(id candidate) {
@@ -182,7 +107,7 @@ NSArray* sessionsOfLayout(id layout) {
     return sessions;
 }
 
-Result<engine::DataTrack> dataTrackOf(DRTrack* track) {
+Result<engine::DataTrack> dataTrackOf(DRTrack* track, bool estimating) {
     DRFolder* root = [track rootFolder];
     if (root == nil) {
         return Error{
@@ -194,16 +119,14 @@ Result<engine::DataTrack> dataTrackOf(DRTrack* track) {
     NSDictionary* properties = [track properties];
     if (const auto allowed = checkProperties(properties); !allowed.ok())
         return allowed.error();
-    auto content = contentOf(root, 0);
+    engine::DataTrack data;
+    if (const auto read = readVolumeProperties(properties, data); !read.ok())
+        return read.error();
+    auto content = contentOfRoot(root, estimating);
     if (!content.ok())
         return content.error();
-
-    engine::DataTrack data;
-    data.root = std::move(*content);
-    data.publisher = text(properties, DRPublisher);
-    data.dataPreparer = text(properties, DRDataPreparer);
-    data.application = text(properties, DRApplicationIdentifier);
-    data.volumeSet = text(properties, DRVolumeSet);
+    data.root = std::move(content->root);
+    data.filesystems = content->filesystems;
     return data;
 }
 

@@ -55,13 +55,15 @@ char16_t legalUnit(NameRule rule, char16_t unit) {
     case NameRule::HFSPlus:
         return unit == u'/' ? u':' : unit;
     case NameRule::UDF:
-        return unit == u'/' ? u'_' : unit == 0 ? u'\0' : unit;
+        return unit == u'/' ? u'_' : unit;
+    case NameRule::RockRidge:
+        return unit;
     }
     return u'\0';
 }
 
-bool hasOneDot(NameRule rule) { return rule != NameRule::HFSPlus && rule != NameRule::UDF; }
 bool isISO(NameRule rule) { return rule == NameRule::ISOLevelOne || rule == NameRule::ISOLevelTwo; }
+bool hasOneDot(NameRule rule) { return isISO(rule) || rule == NameRule::Joliet; }
 
 std::u16string legalUnits(NameRule rule, const std::u16string& text) {
     std::u16string legal;
@@ -82,6 +84,7 @@ size_t limitOf(NameRule rule, const Parts& parts) {
     case NameRule::Joliet:
         return 64;
     case NameRule::HFSPlus:
+    case NameRule::RockRidge:
         return 255;
     case NameRule::UDF:
         break;
@@ -107,7 +110,7 @@ Parts fitting(NameRule rule, Parts parts, size_t reserved) {
 // Two names that the file system takes for the same have the same key. HFS+ and Joliet's readers don't tell
 // capitals from small letters: the scripts that have them, accents aside, for HFS+ holds those apart.
 std::u16string keyOf(NameRule rule, std::u16string name) {
-    if (rule == NameRule::UDF || isISO(rule)) return name;
+    if (rule != NameRule::HFSPlus && rule != NameRule::Joliet) return name;
     for (char16_t& unit : name) {
         if ((unit >= u'A' && unit <= u'Z') || (unit >= 0xC0 && unit <= 0xDE && unit != 0xD7) ||
             (unit >= 0x391 && unit <= 0x3A9) || (unit >= 0x410 && unit <= 0x42F)) {

@@ -9,9 +9,10 @@
 
 namespace discrecording {
 
-/// The sets of rules for names. ISO 9660 has two.
-enum class NameRule : uint8_t { ISOLevelOne, ISOLevelTwo, Joliet, HFSPlus, UDF };
-inline constexpr size_t nameRules = 5;
+/// The sets of rules for names. ISO 9660 has two; Rock Ridge's are no file system's of their own, but its names
+/// must differ, too.
+enum class NameRule : uint8_t { ISOLevelOne, ISOLevelTwo, Joliet, HFSPlus, UDF, RockRidge };
+inline constexpr size_t nameRules = 5; ///< of file systems
 
 /// The name with what the file system can't hold left out and what is too long cut off; never empty. `name` is
 /// decomposed for the ISO levels and HFS+, composed for Joliet and UDF.
@@ -22,6 +23,7 @@ inline constexpr size_t nameRules = 5;
 ///   Joliet    64 UTF-16 units, one "."
 ///   HFS+      255 UTF-16 units; "/" becomes ":", as the two are each other's on that system
 ///   UDF       what 254 bytes hold; "/" becomes "_"
+///   Rock Ridge   whatever it is: the engine refuses what can't be
 std::u16string legalName(NameRule rule, std::u16string_view name, bool isFolder);
 
 struct Sibling {

@@ -15,16 +15,25 @@ namespace engine {
 
 struct Content;
 
+/// File systems of a disc, as bits of a mask.
+namespace filesystem {
+inline constexpr uint8_t iso9660 = 1, joliet = 2, udf = 4, hfsPlus = 8, all = 15;
+}
+
 /// Gives a file's bytes while the disc is written. Called on the engine's threads, one call at a time, in
 /// ascending order without gaps; again from the start when the data is asked for a second time.
 class FileProducer {
   public:
     virtual ~FileProducer() = default;
+    /// Before anything else is asked; false fails the burn.
+    virtual bool prepare() { return true; }
     /// Bytes of the whole file. Asked once when the image is planned; what comes then must be as long.
     virtual uint64_t size() = 0;
     /// Fills the front of `buffer` from `offset` and answers how many bytes; 0 means failure, as long as
     /// bytes are due. The engine asks on after a short answer. Exceptions count as failure.
     virtual size_t read(uint64_t offset, std::span<std::byte> buffer) = 0;
+    /// After success and failure, once for each prepare(). Must not throw.
+    virtual void cleanup() noexcept {}
 };
 
 /// A folder that exists only in this tree, with the children it is given.
@@ -51,6 +60,16 @@ struct SymbolicLink {
     std::string target;
 };
 
+/// Another name of a file of the tree, the one with that identity; its bytes are on the disc once.
+struct HardLink {
+    uint64_t identity;
+};
+
+/// Names that an item has in single file systems; an empty one is made of the item's name.
+struct FilesystemNames {
+    std::string joliet, udf, hfsPlus;
+};
+
 /// Values that override what the source says; a virtual item without them is mode 0444 (folders 0555) or what
 /// the process would give a new one, the owner is root, the times are the start of the burn.
 struct Attributes {
@@ -65,11 +84,15 @@ struct Attributes {
 /// One item of the tree. `name` is UTF-8 in composed form where it is text, but any bytes other than '/' and
 /// zero are kept in Rock Ridge. An empty name on a RealItem means the last part of its path.
 struct Content {
-    using Source = std::variant<VirtualFolder, RealItem, DataFile, ProducedFile, SymbolicLink>;
+    using Source = std::variant<VirtualFolder, RealItem, DataFile, ProducedFile, SymbolicLink, HardLink>;
 
     std::string name;
     Source source;
     Attributes attributes;
+    /// Where the item appears; what a folder lacks, all in it lacks. Left off the disc when nothing is left.
+    uint8_t filesystems = filesystem::all;
+    std::shared_ptr<const FilesystemNames> names = nullptr; ///< null for most
+    uint64_t identity = 0;                                  ///< for hard links to it; 0 for none
 
     static Content folder(std::string name, std::vector<Content> children = {}) {
         return {std::move(name), VirtualFolder{std::move(children)}, {}};

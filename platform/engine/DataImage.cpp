@@ -5,6 +5,7 @@
 #include "ImageTree.hpp"
 #include "MediumKind.hpp"
 #include "Utf8.hpp"
+#include "VolumeSettings.hpp"
 
 #include <algorithm>
 #include <cstdlib>
@@ -57,13 +58,15 @@ struct OptionsDeleter {
 };
 using Options = std::unique_ptr<IsoWriteOpts, OptionsDeleter>;
 
-Options makeOptions(const ImagePlace& place, std::vector<std::byte>& start) {
+Options makeOptions(const DataTrack& track, const ImagePlace& place, std::vector<std::byte>& start) {
     IsoWriteOpts* made = nullptr;
     require(iso_write_opts_new(&made, 0), "no memory");
     Options options(made);
-    iso_write_opts_set_iso_level(made, 3);
-    iso_write_opts_set_rockridge(made, 1);
-    iso_write_opts_set_joliet(made, 1);
+    iso_write_opts_set_iso_level(made, track.isoLevel);
+    iso_write_opts_set_rockridge(made, track.rockRidge ? 1 : 0);
+    iso_write_opts_set_joliet(made, track.filesystems & filesystem::joliet ? 1 : 0);
+    iso_write_opts_set_hfsplus(made, track.filesystems & filesystem::hfsPlus ? 1 : 0);
+    setVolumeTimes(made, track);
     iso_write_opts_set_joliet_utf16(made, 1);        // keeps characters past U+FFFF
     iso_write_opts_set_joliet_longer_paths(made, 1); // else files with long paths are left out of Joliet
     iso_write_opts_set_allow_deep_paths(made, 1);    // else deep folders move to another place
@@ -163,14 +166,12 @@ std::shared_ptr<DataImage> DataImage::plan(const DataTrack& track, const Signal&
     iso_image_set_volume_id(generator.image, track.root.name.c_str());
     iso_image_set_volset_id(generator.image,
                             track.volumeSet.empty() ? track.root.name.c_str() : track.volumeSet.c_str());
-    if (!track.publisher.empty()) iso_image_set_publisher_id(generator.image, track.publisher.c_str());
-    if (!track.dataPreparer.empty())
-        iso_image_set_data_preparer_id(generator.image, track.dataPreparer.c_str());
-    if (!track.application.empty()) iso_image_set_application_id(generator.image, track.application.c_str());
-    buildImageTree(generator.image, track.root, result->sources_, static_cast<bool>(place.previous), signal);
+    setVolumeTexts(generator.image, track);
+    buildImageTree(generator.image, track, writtenFilesystems(track), result->sources_,
+                   static_cast<bool>(place.previous), signal);
 
     signal.check();
-    const Options options = makeOptions(place, result->start_);
+    const Options options = makeOptions(track, place, result->start_);
     require(iso_image_create_burn_source(generator.image, options.get(), &generator.source),
             "the tree was refused");
     result->blocks_ = static_cast<uint64_t>(generator.source->get_size(generator.source)) / blockSize;
@@ -184,7 +185,11 @@ std::shared_ptr<DataImage> DataImage::plan(const DataTrack& track, const Signal&
     // here. All that follows must be contents that this class writes, or it would write them to a wrong
     // place.
     const uint64_t headBlocks = start - place.startBlock + 1;
-    if (headBlocks + contentBlocks != result->blocks_)
+    // HFS+ has the copy of its header at its end.
+    const bool hasTail = (track.filesystems & filesystem::hfsPlus) != 0;
+    if (hasTail && headBlocks + contentBlocks < result->blocks_)
+        result->tailBlocks_ = result->blocks_ - headBlocks - contentBlocks;
+    if (headBlocks + contentBlocks + result->tailBlocks_ != result->blocks_)
         fail(ErrorCode::Internal, "The file system of the disc was laid out in an unexpected way.",
              std::to_string(headBlocks) + " + " + std::to_string(contentBlocks) +
                  " != " + std::to_string(result->blocks_));
@@ -196,27 +201,52 @@ std::shared_ptr<DataImage> DataImage::plan(const DataTrack& track, const Signal&
 size_t DataImage::read(std::span<std::byte> buffer) {
     size_t filled = 0;
     const uint64_t headBytes = headBlocks_ * blockSize;
-    while (position_ < headBytes && filled < buffer.size()) {
+    const uint64_t contentEnd = (blocks_ - tailBlocks_) * blockSize;
+    if (position_ < headBytes) filled = generate(buffer, headBytes);
+    if (position_ >= headBytes && tailBlocks_ == 0 && generator_) {
+        // libisofs's tree of many small parts takes a while to free.
+        runInBackground("disc-free", [generator = std::shared_ptr<Generator>(std::move(generator_))] {});
+    }
+    while (filled < buffer.size() && position_ >= headBytes && position_ < contentEnd) {
+        const size_t count = reader_.read(buffer.subspan(filled));
+        if (count == 0) fail(ErrorCode::Internal, "The disc's image ended too early.");
+        filled += count;
+        position_ += count;
+    }
+    if (filled < buffer.size() && tailBlocks_ > 0 && position_ >= contentEnd &&
+        position_ < blocks_ * blockSize) {
+        skipContents(contentEnd - headBytes);
+        filled += generate(buffer.subspan(filled), blocks_ * blockSize);
+    }
+    return filled;
+}
+
+// What libisofs makes, up to that place of the image.
+size_t DataImage::generate(std::span<std::byte> buffer, uint64_t end) {
+    size_t filled = 0;
+    while (position_ < end && filled < buffer.size()) {
         // Never more than is left: at its end the source drops what doesn't fill a whole request.
-        const auto wanted = static_cast<int>(
-            std::min<uint64_t>({headBytes - position_, buffer.size() - filled, 64 * blockSize}));
+        const auto wanted =
+            static_cast<int>(std::min<uint64_t>({end - position_, buffer.size() - filled, 64 * blockSize}));
         auto* place = reinterpret_cast<unsigned char*>(buffer.data() + filled);
         if (generator_->source->read_xt(generator_->source, place, wanted) != wanted)
             fail(ErrorCode::DataProduction, "The file system of the disc could not be made.", lastMessage());
         filled += static_cast<size_t>(wanted);
         position_ += static_cast<uint64_t>(wanted);
     }
-    if (position_ >= headBytes && generator_) {
-        // libisofs's tree of many small parts takes a while to free.
-        runInBackground("disc-free", [generator = std::shared_ptr<Generator>(std::move(generator_))] {});
-    }
-    while (filled < buffer.size() && position_ < blocks_ * blockSize) {
-        const size_t count = reader_.read(buffer.subspan(filled));
-        if (count == 0) fail(ErrorCode::Internal, "The disc's image ended too early.");
-        filled += count;
-        position_ += count;
-    }
     return filled;
+}
+
+// libisofs gives zeros for the contents; they are taken from it only where something stands behind them.
+void DataImage::skipContents(uint64_t bytes) {
+    if (skipped_) return;
+    skipped_ = true;
+    const uint64_t position = position_;
+    std::vector<std::byte> zeros(64 * blockSize);
+    position_ = 0;
+    while (position_ < bytes)
+        generate(zeros, bytes);
+    position_ = position;
 }
 
 Result<void> checkVolumeName(std::string_view name) {

@@ -55,6 +55,8 @@ class DataImage {
   private:
     struct Generator;
     DataImage();
+    size_t generate(std::span<std::byte> buffer, uint64_t end);
+    void skipContents(uint64_t bytes);
 
     std::unique_ptr<Generator> generator_; ///< libisofs's side; gone when all it has to say is read
     SourceList sources_;
@@ -62,7 +64,9 @@ class DataImage {
     std::vector<std::byte> start_;
     uint64_t blocks_ = 0;
     uint64_t headBlocks_ = 0; ///< everything in front of the contents
-    uint64_t position_ = 0;   ///< bytes given so far
+    uint64_t tailBlocks_ = 0; ///< behind the contents
+    bool skipped_ = false;
+    uint64_t position_ = 0; ///< bytes given so far
 };
 
 } // namespace engine

@@ -10,8 +10,11 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <map>
+#include <optional>
 #include <set>
 #include <unistd.h>
+#include <unordered_map>
+#include <utility>
 
 namespace engine {
 namespace {
@@ -29,14 +32,16 @@ struct Entry {
 
 class TreeBuilder {
   public:
-    TreeBuilder(IsoImage* image, SourceList& sources, bool merges, const Signal& signal)
-        : image_(image), sources_(sources), merges_(merges), signal_(signal), now_(std::time(nullptr)) {}
+    TreeBuilder(IsoImage* image, SourceList& sources, uint8_t filesystems, bool merges, const Signal& signal,
+                std::time_t now)
+        : image_(image), sources_(sources), filesystems_(filesystems), merges_(merges), signal_(signal),
+          now_(now) {}
 
     void build(const Content& root) {
         IsoDir* top = iso_image_get_root(image_);
         if (const auto* folder = std::get_if<VirtualFolder>(&root.source)) {
             setVirtual(asNode(top), root.attributes, 0755);
-            addChildren(top, *folder);
+            addChildren(top, *folder, filesystems_);
         } else if (const auto* item = std::get_if<RealItem>(&root.source)) {
             struct stat status {};
             if (::stat(item->path.c_str(), &status) != 0) missing(item->path, errno);
@@ -45,12 +50,13 @@ class TreeBuilder {
                      inQuotes(item->path) + " is not a folder; only a folder can become a disc.", item->path);
             setReal(asNode(top), status);
             apply(asNode(top), root.attributes);
-            pending_.push_back({top, item->path, Fingerprint::of(status)});
+            pending_.push_back({top, item->path, Fingerprint::of(status), false});
         } else {
             fail(ErrorCode::BadLayout,
                  "The root of a disc must be a folder; " + inQuotes(root.name) + " is none.");
         }
         walkPending();
+        addHardLinks();
     }
 
   private:
@@ -58,11 +64,28 @@ class TreeBuilder {
         IsoDir* node;
         std::string path;
         Fingerprint expected;
+        bool isOneOfSeveral; ///< walked again under another name: the files are stored once
+    };
+
+    // One name of an item, and where it has it.
+    struct Named {
+        std::string name;
+        uint8_t filesystems;
+    };
+
+    struct PendingLink {
+        IsoDir* parent;
+        Named named;
+        const Content* item;
+    };
+
+    struct Stored {
+        uint64_t size, number;
     };
 
     // ---- virtual items -------------------------------------------------------------------------------
 
-    void addChildren(IsoDir* parent, const VirtualFolder& folder) {
+    void addChildren(IsoDir* parent, const VirtualFolder& folder, uint8_t filesystems) {
         std::vector<const Content*> sorted;
         sorted.reserve(folder.children.size());
         for (const Content& child : folder.children)
@@ -72,8 +95,31 @@ class TreeBuilder {
                   [](auto* a, auto* b) { return nameOnDisc(*a) > nameOnDisc(*b); });
         for (const Content* child : sorted) {
             signal_.check();
-            addItem(parent, *child);
+            addItem(parent, *child, filesystems & child->filesystems);
         }
+    }
+
+    static void addName(std::vector<Named>& all, const std::string& name, uint8_t filesystem) {
+        for (Named& known : all) {
+            if (known.name != name) continue;
+            known.filesystems |= filesystem;
+            return;
+        }
+        all.push_back({name, filesystem});
+    }
+
+    static std::vector<Named> namesOf(const Content& item, uint8_t filesystems) {
+        std::vector<Named> all;
+        const std::string name = nameOnDisc(item);
+        const auto nameIn = [&](std::string FilesystemNames::*member) -> const std::string& {
+            return item.names && !((*item.names).*member).empty() ? (*item.names).*member : name;
+        };
+        if (filesystems & filesystem::iso9660) addName(all, name, filesystem::iso9660);
+        if (filesystems & filesystem::joliet)
+            addName(all, nameIn(&FilesystemNames::joliet), filesystem::joliet);
+        if (filesystems & filesystem::hfsPlus)
+            addName(all, nameIn(&FilesystemNames::hfsPlus), filesystem::hfsPlus);
+        return all;
     }
 
     static std::string nameOnDisc(const Content& item) {
@@ -86,25 +132,70 @@ class TreeBuilder {
         return path.substr(path.rfind('/') + 1);
     }
 
-    void addItem(IsoDir* parent, const Content& item) {
-        const std::string name = nameOnDisc(item);
-        checkName(name);
+    void addItem(IsoDir* parent, const Content& item, uint8_t filesystems) {
+        const std::vector<Named> names = namesOf(item, filesystems);
+        const bool isOneOfSeveral = names.size() > 1 || severalDepth_ > 0;
+        for (const Named& named : names) {
+            checkName(named.name);
+            if (std::holds_alternative<HardLink>(item.source)) {
+                links_.push_back({parent, named, &item});
+                continue;
+            }
+            const auto known = isOneOfSeveral ? again_.find(&item) : again_.end();
+            lastStored_.reset();
+            IsoNode* node = known != again_.end()
+                                ? addNode(parent, named.name, known->second.size, known->second.number)
+                                : addNamed(parent, named, item, isOneOfSeveral);
+            dress(node, item);
+            hide(node, named.filesystems);
+            if (!lastStored_ || std::holds_alternative<VirtualFolder>(item.source)) continue;
+            if (isOneOfSeveral) again_.emplace(&item, *lastStored_);
+            if (item.identity != 0) identities_.try_emplace(item.identity, *lastStored_);
+        }
+    }
+
+    IsoNode* addNamed(IsoDir* parent, const Named& named, const Content& item, bool isOneOfSeveral) {
         if (const auto* folder = std::get_if<VirtualFolder>(&item.source)) {
-            IsoDir* node = addFolder(parent, name);
-            setVirtual(asNode(node), item.attributes, 0755);
-            addChildren(node, *folder);
-        } else if (const auto* data = std::get_if<DataFile>(&item.source)) {
+            IsoDir* node = addFolder(parent, named.name);
+            severalDepth_ += isOneOfSeveral;
+            addChildren(node, *folder, named.filesystems);
+            severalDepth_ -= isOneOfSeveral;
+            return asNode(node);
+        }
+        if (const auto* data = std::get_if<DataFile>(&item.source)) {
             SourceFile file;
             file.fingerprint.size = data->bytes.size();
             file.data = &data->bytes;
-            setVirtual(addFile(parent, name, name, file), item.attributes, 0644);
-        } else if (const auto* produced = std::get_if<ProducedFile>(&item.source)) {
-            setVirtual(addProduced(parent, name, *produced), item.attributes, 0644);
-        } else if (const auto* link = std::get_if<SymbolicLink>(&item.source)) {
-            setVirtual(addLink(parent, name, link->target), item.attributes, 0777);
-        } else {
-            addRealItem(parent, name, item);
+            return addFile(parent, named.name, named.name, file);
         }
+        if (const auto* produced = std::get_if<ProducedFile>(&item.source))
+            return addProduced(parent, named.name, *produced);
+        if (const auto* link = std::get_if<SymbolicLink>(&item.source))
+            return addLink(parent, named.name, link->target);
+        return addRealItem(parent, named.name, std::get<RealItem>(item.source), isOneOfSeveral);
+    }
+
+    // Hard links come last: then all that they can point at is there.
+    void addHardLinks() {
+        for (const PendingLink& link : links_) {
+            const auto found = identities_.find(std::get<HardLink>(link.item->source).identity);
+            if (found == identities_.end())
+                fail(ErrorCode::FileLocationConflict,
+                     "The hard link " + inQuotes(link.named.name) +
+                         " points at nothing that is on the disc; add the file, or leave the link out.");
+            IsoNode* node = addNode(link.parent, link.named.name, found->second.size, found->second.number);
+            dress(node, *link.item);
+            hide(node, link.named.filesystems);
+        }
+    }
+
+    void hide(IsoNode* node, uint8_t shown) const {
+        const auto hidden = static_cast<uint8_t>(filesystems_ & ~shown);
+        int flags = 0;
+        if (hidden & filesystem::iso9660) flags |= LIBISO_HIDE_ON_RR;
+        if (hidden & filesystem::joliet) flags |= LIBISO_HIDE_ON_JOLIET;
+        if (hidden & filesystem::hfsPlus) flags |= LIBISO_HIDE_ON_HFSPLUS;
+        if (flags != 0) iso_node_set_hidden(node, flags);
     }
 
     IsoNode* addProduced(IsoDir* parent, const std::string& name, const ProducedFile& produced) {
@@ -112,29 +203,38 @@ class TreeBuilder {
             fail(ErrorCode::DataProduction, "The file " + inQuotes(name) + " has no producer of its bytes.");
         SourceFile file;
         file.producer = produced.producer.get();
+        bool isPrepared = false;
+        std::string reason;
         try {
-            file.fingerprint.size = file.producer->size();
+            // Before the call: what began is ended.
+            sources_.prepared.emplace_back(nullptr, [kept = produced.producer](void*) { kept->cleanup(); });
+            isPrepared = file.producer->prepare();
+            if (isPrepared) file.fingerprint.size = file.producer->size();
         } catch (const std::exception& problem) {
-            fail(ErrorCode::DataProduction,
-                 "The producer of the file " + inQuotes(name) + " can't tell its size.", problem.what());
+            isPrepared = false;
+            reason = problem.what();
         }
+        if (!isPrepared)
+            fail(ErrorCode::DataProduction,
+                 "The producer of the file " + inQuotes(name) +
+                     " could not prepare it, or can't tell its size.",
+                 reason);
         return addFile(parent, name, name, file);
     }
 
-    void addRealItem(IsoDir* parent, const std::string& name, const Content& item) {
-        const std::string& path = std::get<RealItem>(item.source).path;
+    IsoNode* addRealItem(IsoDir* parent, const std::string& name, const RealItem& item, bool isOneOfSeveral) {
         struct stat status {};
-        if (::lstat(path.c_str(), &status) != 0) missing(path, errno);
+        if (::lstat(item.path.c_str(), &status) != 0) missing(item.path, errno);
         IsoNode* node = nullptr;
         if (S_ISDIR(status.st_mode)) {
             IsoDir* folder = addFolder(parent, name);
-            pending_.push_back({folder, path, Fingerprint::of(status)});
+            pending_.push_back({folder, item.path, Fingerprint::of(status), isOneOfSeveral});
             node = asNode(folder);
         } else {
-            node = addLeaf(parent, name, AT_FDCWD, path, SourceList::noFolder, path, status);
+            node = addLeaf(parent, name, AT_FDCWD, item.path, SourceList::noFolder, item.path, status, false);
         }
         setReal(node, status);
-        apply(node, item.attributes);
+        return node;
     }
 
     // ---- what is on disk -----------------------------------------------------------------------------
@@ -170,10 +270,11 @@ class TreeBuilder {
             IsoNode* node = nullptr;
             if (S_ISDIR(entry.status.st_mode)) {
                 IsoDir* child = addFolder(folder.node, entry.name);
-                pending_.push_back({child, path, Fingerprint::of(entry.status)});
+                pending_.push_back({child, path, Fingerprint::of(entry.status), folder.isOneOfSeveral});
                 node = asNode(child);
             } else {
-                node = addLeaf(folder.node, entry.name, number, entry.name, index, path, entry.status);
+                node = addLeaf(folder.node, entry.name, number, entry.name, index, path, entry.status,
+                               folder.isOneOfSeveral);
             }
             setReal(node, entry.status);
         }
@@ -210,7 +311,8 @@ class TreeBuilder {
     }
 
     IsoNode* addLeaf(IsoDir* parent, const std::string& name, int folder, const std::string& nameThere,
-                     uint32_t folderIndex, const std::string& path, const struct stat& status) {
+                     uint32_t folderIndex, const std::string& path, const struct stat& status,
+                     bool mayComeAgain) {
         if (S_ISLNK(status.st_mode)) return addLink(parent, name, readLink(folder, nameThere, path));
         if (!S_ISREG(status.st_mode)) {
             const char* what = S_ISFIFO(status.st_mode)   ? "a pipe"
@@ -227,13 +329,14 @@ class TreeBuilder {
         SourceFile file;
         file.fingerprint = Fingerprint::of(status);
         file.folder = folderIndex;
-        if (status.st_nlink < 2) return addFile(parent, name, nameThere, file);
+        if (status.st_nlink < 2 && !mayComeAgain) return addFile(parent, name, nameThere, file);
         const auto [known, isNew] = linked_.try_emplace({status.st_dev, status.st_ino}, 0);
         if (isNew) {
             IsoNode* node = addFile(parent, name, nameThere, file);
             known->second = sources_.files.size();
             return node;
         }
+        lastStored_ = Stored{file.fingerprint.size, known->second};
         return addNode(parent, name, file.fingerprint.size, known->second);
     }
 
@@ -322,6 +425,7 @@ class TreeBuilder {
         file.nameAt = static_cast<uint32_t>(sources_.names.size());
         sources_.names.append(nameThere.c_str(), nameThere.size() + 1);
         sources_.files.push_back(file);
+        lastStored_ = Stored{file.fingerprint.size, sources_.files.size()};
         return node;
     }
 
@@ -351,6 +455,17 @@ class TreeBuilder {
         setChanged(node, status.st_ctime);
     }
 
+    // What is said of the item goes before what its source says; a real item has that already.
+    void dress(IsoNode* node, const Content& item) {
+        if (std::holds_alternative<RealItem>(item.source))
+            apply(node, item.attributes);
+        else
+            setVirtual(node, item.attributes,
+                       std::holds_alternative<VirtualFolder>(item.source)  ? 0755
+                       : std::holds_alternative<SymbolicLink>(item.source) ? 0777
+                                                                           : 0644);
+    }
+
     void setVirtual(IsoNode* node, const Attributes& attributes, mode_t mode) {
         iso_node_set_permissions(node, mode);
         iso_node_set_uid(node, 0);
@@ -372,20 +487,27 @@ class TreeBuilder {
 
     IsoImage* image_;
     SourceList& sources_;
+    uint8_t filesystems_;      ///< that are written
     bool merges_;              ///< the image has a tree already
     std::set<IsoNode*> added_; ///< what this builder put into it
     const Signal& signal_;
     std::time_t now_;
     std::vector<PendingFolder> pending_;
     std::map<std::pair<uint64_t, uint64_t>, uint64_t>
-        linked_; // device and inode to number, for files with several names
+        linked_;           // device and inode to number, for files with several names
+    int severalDepth_ = 0; // inside of folders that have several names
+    std::unordered_map<const Content*, Stored> again_; // files that come again under another name
+    std::unordered_map<uint64_t, Stored> identities_;  // what hard links can point at
+    std::vector<PendingLink> links_;
+    std::optional<Stored> lastStored_; // by the node that was added last, if it has contents
 };
 
 } // namespace
 
-void buildImageTree(IsoImage* image, const Content& root, SourceList& sources, bool merges,
-                    const Signal& signal) {
-    TreeBuilder(image, sources, merges, signal).build(root);
+void buildImageTree(IsoImage* image, const DataTrack& track, uint8_t filesystems, SourceList& sources,
+                    bool merges, const Signal& signal) {
+    TreeBuilder(image, sources, filesystems, merges, signal, track.defaultDate.value_or(std::time(nullptr)))
+        .build(track.root);
 }
 
 } // namespace engine

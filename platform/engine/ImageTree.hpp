@@ -1,7 +1,7 @@
 // Turns the content of a track into libisofs's tree, and lists where each file's bytes come from.
 #pragma once
 
-#include "Content.hpp"
+#include "Layout.hpp"
 #include "Signal.hpp"
 #include "SourceList.hpp"
 
@@ -14,7 +14,10 @@ namespace engine {
 /// follows no link. `sources` gets the files in the order in which libisofs will lay them out; it points into
 /// `root`, which must outlive it. Throws FileLocationConflict for what is missing, can't be read or can't
 /// stand on a disc (sockets, pipes, devices, two children of one name), naming it; UserCanceled.
-void buildImageTree(IsoImage* image, const Content& root, SourceList& sources, bool merges,
-                    const Signal& signal);
+/// `filesystems` are those that are written; libisofs has one name for an item in all of them, so one with several
+/// names becomes several nodes, each hidden where another one shows. FileLocationConflict, too, where the names of
+/// two items cross.
+void buildImageTree(IsoImage* image, const DataTrack& track, uint8_t filesystems, SourceList& sources,
+                    bool merges, const Signal& signal);
 
 } // namespace engine

@@ -17,8 +17,7 @@
 
 namespace engine {
 
-/// A file system of a folder tree, as ISO 9660 level 3 with Joliet and Rock Ridge. The root's name is the
-/// volume's name. All texts of the volume are UTF-8 and optional. Burned behind a session that holds a file
+/// The file systems of a folder tree, all around the same files. The root's name is the volume's name. All texts of the volume are UTF-8 and optional. Burned behind a session that holds a file
 /// system, its tree contains that one's, too: what has the same name is replaced, folders are merged.
 struct DataTrack {
     Content root;
@@ -26,6 +25,15 @@ struct DataTrack {
     std::string dataPreparer;
     std::string application;
     std::string volumeSet;
+    std::string system;
+    /// Names of files in the root.
+    std::string copyrightFile, abstractFile, bibliographicFile;
+
+    uint8_t filesystems = filesystem::iso9660 | filesystem::joliet; ///< ISO 9660 is written with any other
+    uint8_t isoLevel = 3;                                           ///< 1 to 3
+    bool rockRidge = true;
+    std::optional<std::time_t> defaultDate; ///< of virtual items without one; else the start of the burn
+    std::optional<std::time_t> created, modified, expires, effective; ///< of the volume
 };
 
 /// What stands behind each block's bytes, for tracks whose producer brings subchannel data.

@@ -48,6 +48,7 @@ struct SourceList {
     std::vector<SourceFolder> folders;
     std::vector<SourceFile> files;
     std::string names;
+    std::vector<std::shared_ptr<void>> prepared; ///< producers that are cleaned up when this goes
 
     std::string pathOf(const SourceFile& file) const;
 };

@@ -328,11 +328,15 @@ static void TestRefusals(NSString* source) {
     }
     CheckRefused("a tree without end", BurnThatStays(device), [DRTrack trackForRootFolder:deep], 0x80020065,
                  @"too deep");
-    DRFolder* twins = [DRFolder virtualFolderWithName:@"twins"];
-    [twins addChild:[DRFile virtualFileWithName:@"same" data:nil]];
-    [twins addChild:[DRFile virtualFileWithName:@"same" data:nil]];
-    CheckRefused("two items of one name", BurnThatStays(device), [DRTrack trackForRootFolder:twins],
-                 0x80020101, @"same");
+    DRFolder* lost = [DRFolder virtualFolderWithName:@"lost"];
+    DRFile* elsewhere = [DRFile virtualFileWithName:@"elsewhere" data:nil];
+    [lost addChild:[DRFile hardLinkPointingTo:elsewhere inFilesystem:DRISO9660]];
+    CheckRefused("a hard link to what is not on the disc", BurnThatStays(device),
+                 [DRTrack trackForRootFolder:lost], 0x80020101, @"points at nothing");
+    DRFolder* aliases = [DRFolder virtualFolderWithName:@"aliases"];
+    [aliases addChild:[DRFile finderAliasPointingTo:aliases inFilesystem:DRHFSPlus]];
+    CheckRefused("a Finder alias", BurnThatStays(device), [DRTrack trackForRootFolder:aliases], 0x80020103,
+                 @"resource forks");
     CheckRefused(
         "a long volume name", BurnThatStays(device),
         [DRTrack
@@ -364,8 +368,11 @@ static void TestRefusals(NSString* source) {
         unsigned code;
     } trackAsks[] = {{DRTrackISRCKey, [NSData data], 0x80020203},
                      {DRIndexPointsKey, [NSArray array], 0x80020202},
-                     {DRVolumeCreationDate, [NSDate date], 0x80020067},
-                     {DRISORockRidgeExtensions, [NSNumber numberWithBool:NO], 0x80020067}};
+                     {DRVolumeCheckedDate, [NSDate date], 0x80020067},
+                     {DRISOMacExtensions, [NSNumber numberWithBool:YES], 0x80020067},
+                     {DRISOLevel, [NSNumber numberWithInt:4], 0x80020065},
+                     {DRPublisher, [NSNumber numberWithInt:1], 0x80020065},
+                     {DRDefaultDate, @"today", 0x80020065}};
     for (size_t i = 0; i < sizeof trackAsks / sizeof *trackAsks; i++) {
         DRTrack* asking = [DRTrack trackForRootFolder:folder];
         NSMutableDictionary* properties = [NSMutableDictionary dictionaryWithDictionary:[asking properties]];

@@ -1,0 +1,21 @@
+// ContentReader: turns a tree of files and folders into the content that the engine burns.
+#pragma once
+
+#import "DRFolder.h"
+
+#include "Content.hpp"
+#include "Error.hpp"
+
+namespace discrecording {
+
+struct ReadContent {
+    engine::Content root;
+    uint8_t filesystems; ///< in which the tree is: bits of engine::filesystem
+};
+
+/// The tree under a root folder. A root whose masks say nothing is in ISO 9660 and Joliet, and in what else an item
+/// of the tree asks for; Joliet brings ISO 9660 with it. `estimating` is for producers: only a burn prepares them
+/// and asks for exact sizes. Errors: BadLayout, FileLocationConflict, FilesystemsNotSupported.
+engine::Result<ReadContent> contentOfRoot(DRFolder* root, bool estimating);
+
+} // namespace discrecording

@@ -1,0 +1,303 @@
+// ContentReader: turns a tree of files and folders into the content that the engine burns.
+#include "ContentReader.hpp"
+
+#import "DRFilePrivate.h"
+#import "DRFolderPrivate.h"
+#include "Elements.hpp"
+#include "FileProducers.hpp"
+#import "Filesystems.h"
+#include "NameRules.hpp"
+#include "PathStrings.hpp"
+
+#include <optional>
+#include <unordered_map>
+#include <unordered_set>
+
+#include <sys/stat.h>
+
+namespace discrecording {
+namespace {
+
+using engine::Content;
+using engine::Error;
+using engine::ErrorCode;
+using engine::Result;
+namespace filesystem = engine::filesystem;
+
+// No file system of a disc holds paths this deep; a tree beyond it is a mistake, and would exhaust the stack.
+constexpr int deepestTree = 1000;
+
+// The engine asks for composed text.
+std::string composedBytes(NSString* name) {
+    NSString* composed = [name precomposedStringWithCanonicalMapping];
+    // A name that is no proper text (a surrogate without its partner) can't be composed and goes as it is.
+    return pathnames::bytesOf([composed length] == 0 ? name : composed);
+}
+
+Error conflict(DRFSObject* object, const char* problem) {
+    const std::string path = pathnames::bytesOf([object sourcePath]);
+    return {ErrorCode::FileLocationConflict, "\"" + path + "\" " + problem, path};
+}
+
+Result<Content> realContent(DRFSObject* object, std::string name) {
+    std::string path = pathnames::bytesOf([object sourcePath]);
+    if (path.find('\0') != std::string::npos)
+        return conflict(object, "has a zero character in it; no path has that.");
+    struct stat status {};
+    const bool wantsFolder = [object isKindOfClass:[DRFolder class]];
+    // What is not there at all is the engine's to report, with the system's reason.
+    if (wantsFolder && ::stat(path.c_str(), &status) == 0 && !S_ISDIR(status.st_mode)) {
+        return conflict(object, "is no folder; add it as a file.");
+    }
+    if (!wantsFolder && ::lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode)) {
+        return conflict(object, "is a folder; add it as a folder.");
+    }
+    return Content::real(std::move(path), std::move(name));
+}
+
+// What the items of the tree ask for, whatever their folders say. Walked with a list: the depth is not known yet.
+uint8_t masksBelow(DRFolder* root) {
+    uint32_t mask = 0;
+    std::vector<DRFSObject*> waiting{root};
+    while (!waiting.empty()) {
+        DRFSObject* object = waiting.back();
+        waiting.pop_back();
+        const uint32_t set = [object explicitFilesystemMask];
+        mask |= set == UINT32_MAX ? 0 : set;
+        if (![object isKindOfClass:[DRFolder class]])
+            continue;
+        for (DRFSObject* child : Elements<DRFSObject*>([static_cast<DRFolder*>(object) children]))
+            waiting.push_back(child);
+    }
+    return static_cast<uint8_t>(mask & filesystem::all);
+}
+
+template <typename Value> std::optional<Value> numberFor(NSDictionary* properties, NSString* key) {
+    id value = [properties objectForKey:key];
+    return value == nil ? std::nullopt : std::optional<Value>(static_cast<Value>([value longLongValue]));
+}
+
+std::optional<std::time_t> dateFor(NSDictionary* properties, NSString* key) {
+    id value = [properties objectForKey:key];
+    return value == nil ? std::nullopt
+                        : std::optional<std::time_t>(static_cast<std::time_t>([value timeIntervalSince1970]));
+}
+
+// One set of attributes goes into all file systems: ISO 9660's where the item is in that.
+engine::Attributes attributesOf(DRFSObject* object, uint8_t mask) {
+    NSString* name = (mask & filesystem::iso9660)   ? DRISO9660
+                     : (mask & filesystem::joliet)  ? DRJoliet
+                     : (mask & filesystem::hfsPlus) ? DRHFSPlus
+                                                    : DRUDF;
+    NSDictionary* properties = [object propertiesForFilesystem:name mergeWithOtherFilesystems:YES];
+    engine::Attributes attributes;
+    if ([properties count] == 0)
+        return attributes;
+    attributes.mode = numberFor<uint32_t>(properties, DRPosixFileMode);
+    attributes.owner = numberFor<uint32_t>(properties, DRPosixUID);
+    attributes.group = numberFor<uint32_t>(properties, DRPosixGID);
+    attributes.modified = dateFor(properties, DRContentModificationDate);
+    attributes.accessed = dateFor(properties, DRAccessDate);
+    attributes.changed = dateFor(properties, DRAttributeModificationDate);
+    return attributes;
+}
+
+class ContentReader {
+  public:
+    ContentReader(DRFolder* root, bool estimating) : root_(root), estimating_(estimating) {}
+
+    Result<ReadContent> read() {
+        uint32_t mask = [root_ explicitFilesystemMask] & filesystem::all;
+        if (mask == 0)
+            mask = filesystem::iso9660 | filesystem::joliet | masksBelow(root_);
+        if ((mask & filesystem::joliet) != 0)
+            mask |= filesystem::iso9660;
+        const auto filesystems = static_cast<uint8_t>(mask);
+        masks_[root_] = filesystems;
+        auto content = contentOf(root_, composedBytes([root_ baseName]), filesystems, 0);
+        if (!content.ok())
+            return content.error();
+        for (const Link& link : links_)
+            if (const auto done = finish(link, *content); !done.ok())
+                return done.error();
+        return ReadContent{std::move(*content), filesystems};
+    }
+
+  private:
+    // A symbolic link's path is known when all names are. It lies where these indices lead to.
+    struct Link {
+        DRFile* file;
+        std::vector<size_t> way;
+    };
+
+    Result<Content> contentOf(DRFSObject* object, std::string name, uint8_t mask, int depth) {
+        if (depth > deepestTree) {
+            return Error{ErrorCode::BadLayout,
+                         "The folder \"" + name +
+                             "\" lies too deep in the tree; use fewer folders inside each other.",
+                         std::to_string(deepestTree) + " levels"};
+        }
+        auto content = sourceOf(object, std::move(name), mask, depth);
+        if (!content.ok())
+            return content;
+        content->filesystems = mask;
+        content->attributes = attributesOf(object, mask);
+        if (depth > 0)
+            content->names = namesOf(object, mask, content->name);
+        if ([object isKindOfClass:[DRFile class]])
+            content->identity = reinterpret_cast<uintptr_t>(object);
+        return content;
+    }
+
+    Result<Content> sourceOf(DRFSObject* object, std::string name, uint8_t mask, int depth) {
+        if (![object isVirtual])
+            return realContent(object, std::move(name));
+        if ([object isKindOfClass:[DRFile class]])
+            return fileContent(static_cast<DRFile*>(object), std::move(name));
+        return folderContent(static_cast<DRFolder*>(object), std::move(name), mask, depth);
+    }
+
+    Result<Content> folderContent(DRFolder* folder, std::string name, uint8_t mask, int depth) {
+        std::vector<DRFSObject*> members;
+        std::vector<Sibling> siblings;
+        members.reserve([folder count]);
+        siblings.reserve([folder count]);
+        for (DRFSObject* child : Elements<DRFSObject*>([folder children])) {
+            const uint32_t set = [child explicitFilesystemMask];
+            const auto childMask = static_cast<uint8_t>(set == 0 ? mask : set & mask);
+            if (childMask == 0)
+                continue; // its mask says so
+            masks_[child] = childMask;
+            members.push_back(child);
+            siblings.push_back({unitsOf([child baseName]), bool([child isKindOfClass:[DRFolder class]])});
+        }
+        const std::vector<std::u16string> names = mangledNames(NameRule::RockRidge, siblings);
+        std::vector<Content> children;
+        children.reserve(members.size());
+        for (size_t i = 0; i < members.size(); ++i) {
+            std::string childName = pathnames::encode(names[i]);
+            names_[members[i]] = childName;
+            way_.push_back(i);
+            auto content = contentOf(members[i], std::move(childName), masks_[members[i]], depth + 1);
+            way_.pop_back();
+            if (!content.ok())
+                return content.error();
+            children.push_back(std::move(*content));
+        }
+        return Content::folder(std::move(name), std::move(children));
+    }
+
+    Result<Content> fileContent(DRFile* file, std::string name) {
+        if ([file linkType] != nil)
+            return linkContent(file, std::move(name));
+        if ([file producer] != nil)
+            return Content::produced(std::move(name), producerOfFile(file, estimating_));
+        NSData* data = [file data];
+        if (data == nil) {
+            return Error{ErrorCode::DataProduction,
+                         "The file \"" + name + "\" has neither data nor a producer of it.",
+                         {}};
+        }
+        return Content::file(std::move(name),
+                             std::string(static_cast<const char*>([data bytes]), [data length]));
+    }
+
+    Result<Content> linkContent(DRFile* file, std::string name) {
+        DRFSObject* target = [file target];
+        DRFSObject* top = target;
+        while ([top parent] != nil)
+            top = [top parent];
+        if (target == nil || top != root_)
+            return lost(name);
+        if ([[file linkType] isEqualToString:DRLinkTypeHardLink])
+            return Content{std::move(name), engine::HardLink{reinterpret_cast<uintptr_t>(target)}, {}};
+        if ([[file linkType] isEqualToString:DRLinkTypeFinderAlias]) {
+            return Error{
+                ErrorCode::FilesystemsNotSupported,
+                "The Finder alias \"" + name +
+                    "\" can't be burned: HFS+ is written without the resource forks that aliases lie "
+                    "in; use a symbolic link.",
+                {}};
+        }
+        links_.push_back({file, way_});
+        return Content::link(std::move(name), "."); // finished when all names are known
+    }
+
+    static Error lost(const std::string& name) {
+        return {ErrorCode::FileLocationConflict,
+                "The link \"" + name +
+                    "\" points at nothing that is on the disc; add what it points at, or leave "
+                    "the link out.",
+                {}};
+    }
+
+    // From the link's folder up as far as it must be, and down to the target.
+    Result<void> finish(const Link& link, Content& root) {
+        const auto mask = static_cast<uint8_t>([link.file explicitFilesystemMask]);
+        std::unordered_set<DRFSObject*> above;
+        for (DRFSObject* folder = [link.file parent]; folder != nil; folder = [folder parent])
+            above.insert(folder);
+        std::string down;
+        DRFSObject* meeting = [link.file target];
+        for (; !above.contains(meeting); meeting = [meeting parent]) {
+            const auto found = masks_.find(meeting);
+            if (found == masks_.end() || (found->second & mask) == 0)
+                return lost(names_[link.file]);
+            down = down.empty() ? nameIn(mask, meeting) : nameIn(mask, meeting) + '/' + down;
+        }
+        std::string path;
+        for (DRFSObject* folder = [link.file parent]; folder != meeting; folder = [folder parent])
+            path += path.empty() ? ".." : "/..";
+        if (!down.empty())
+            path += path.empty() ? down : '/' + down;
+        Content* place = &root;
+        for (const size_t index : link.way)
+            place = &std::get<engine::VirtualFolder>(place->source).children[index];
+        place->source = engine::SymbolicLink{path.empty() ? "." : path};
+        return {};
+    }
+
+    std::string nameIn(uint8_t mask, DRFSObject* object) {
+        const NameRule rule = mask == filesystem::hfsPlus ? NameRule::HFSPlus : NameRule::UDF;
+        return mask == filesystem::iso9660
+                   ? names_[object]
+                   : composedBytes(
+                         [object mangledNameForFilesystem:DRFilesystems()[static_cast<int>(rule)].name]);
+    }
+
+    // What differs from the item's name. Rock Ridge has that one.
+    static std::shared_ptr<const engine::FilesystemNames> namesOf(DRFSObject* object, uint8_t mask,
+                                                                  const std::string& name) {
+        engine::FilesystemNames names;
+        const auto add = [&](uint8_t wanted, NSString* filesystemName, std::string& place) {
+            if ((mask & wanted) == 0)
+                return;
+            std::string found = composedBytes([object mangledNameForFilesystem:filesystemName]);
+            if (found != name)
+                place = std::move(found);
+        };
+        add(filesystem::joliet, DRJoliet, names.joliet);
+        add(filesystem::udf, DRUDF, names.udf);
+        add(filesystem::hfsPlus, DRHFSPlus, names.hfsPlus);
+        if (names.joliet.empty() && names.udf.empty() && names.hfsPlus.empty())
+            return nullptr;
+        return std::make_shared<const engine::FilesystemNames>(std::move(names));
+    }
+
+    static std::u16string unitsOf(NSString* text) { return pathnames::decode(composedBytes(text)); }
+
+    DRFolder* root_;
+    bool estimating_;
+    std::vector<size_t> way_; ///< to the item that is read
+    std::vector<Link> links_;
+    std::unordered_map<DRFSObject*, uint8_t> masks_;
+    std::unordered_map<DRFSObject*, std::string> names_; ///< in Rock Ridge
+};
+
+} // namespace
+
+Result<ReadContent> contentOfRoot(DRFolder* root, bool estimating) {
+    return ContentReader(root, estimating).read();
+}
+
+} // namespace discrecording

@@ -1,0 +1,93 @@
+// FileProducers: a file's producer as the engine asks it.
+#include "FileProducers.hpp"
+#import "DRFilePrivate.h"
+#import "ProducerCalls.h"
+
+#include <cstdlib>
+#include <limits>
+#include <stdexcept>
+
+namespace discrecording {
+namespace {
+
+constexpr uint32_t blockSize = 2048;
+
+// What the producer raises becomes a C++ exception, which the engine reports with the file's name.
+template <typename Body> void call(Body body) {
+    const std::unique_ptr<char, void (*)(void*)> reason(
+        DRCallProducer([](void* context) { (*static_cast<Body*>(context))(); }, &body), std::free);
+    if (reason)
+        throw std::runtime_error(reason.get());
+}
+
+class ObjectProducer final : public engine::FileProducer {
+  public:
+    ObjectProducer(DRFile* file, bool estimating)
+        : file_([file retain]), producer_([[file producer] retain]), estimating_(estimating) {}
+
+    ~ObjectProducer() override {
+        try {
+            call([this] {
+                [producer_ release];
+                [file_ release];
+            });
+        } catch (const std::exception&) {
+            // what an object raises while it goes is nobody's
+        }
+    }
+
+    bool prepare() override {
+        bool isPrepared = true;
+        if (!estimating_ && [producer_ respondsToSelector:@selector(prepareFileForBurn:)])
+            call([&] { isPrepared = [producer_ prepareFileForBurn:file_]; });
+        return isPrepared;
+    }
+
+    uint64_t size() override {
+        uint64_t bytes = 0;
+        if ([producer_ respondsToSelector:@selector(calculateSizeOfFile:fork:estimating:)])
+            call([&] {
+                bytes = [producer_ calculateSizeOfFile:file_ fork:DRFileForkData estimating:estimating_];
+            });
+        return bytes;
+    }
+
+    size_t read(uint64_t offset, std::span<std::byte> buffer) override {
+        const auto length = static_cast<uint32_t>(
+            std::min<size_t>(buffer.size(), std::numeric_limits<int32_t>::max() / blockSize * blockSize));
+        uint32_t count = 0;
+        if ([producer_ respondsToSelector:@selector(produceFile:fork:intoBuffer:length:atAddress:blockSize:)])
+            call([&] {
+                count = [producer_ produceFile:file_
+                                          fork:DRFileForkData
+                                    intoBuffer:buffer.data()
+                                        length:length
+                                     atAddress:offset
+                                     blockSize:blockSize];
+            });
+        return count;
+    }
+
+    void cleanup() noexcept override {
+        if (estimating_ || ![producer_ respondsToSelector:@selector(cleanupFileAfterBurn:)])
+            return;
+        try {
+            call([this] { [producer_ cleanupFileAfterBurn:file_]; });
+        } catch (const std::exception& problem) {
+            NSLog(@"A producer could not clean up: %s", problem.what());
+        }
+    }
+
+  private:
+    DRFile* file_;
+    id producer_;
+    bool estimating_;
+};
+
+} // namespace
+
+std::shared_ptr<engine::FileProducer> producerOfFile(DRFile* file, bool estimating) {
+    return std::make_shared<ObjectProducer>(file, estimating);
+}
+
+} // namespace discrecording

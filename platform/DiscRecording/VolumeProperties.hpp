@@ -1,0 +1,13 @@
+// VolumeProperties: what a track's properties say of the volume on it.
+#pragma once
+
+#import "DRTrack.h"
+
+#include "Layout.hpp"
+
+namespace discrecording {
+
+/// Reads texts, dates, DRISOLevel and DRISORockRidgeExtensions into the track. BadLayout for values of a wrong type.
+engine::Result<void> readVolumeProperties(NSDictionary* properties, engine::DataTrack& track);
+
+} // namespace discrecording

@@ -1,0 +1,135 @@
+// NameRulesTest: what becomes of a name in each file system, and of names that collide.
+#include "NameRules.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <set>
+
+namespace {
+
+using namespace discrecording;
+using enum NameRule;
+
+std::u16string file(NameRule rule, std::u16string_view name) { return legalName(rule, name, false); }
+std::u16string folder(NameRule rule, std::u16string_view name) { return legalName(rule, name, true); }
+
+TEST(NameRules, AFilesNameInEachFileSystem) {
+    const auto name = u"this: is an unusual$ filename.with_extension";
+    EXPECT_EQ(file(ISOLevelOne, name), u"THISISAN.WIT");
+    EXPECT_EQ(file(ISOLevelTwo, name), u"THIS: IS AN UNU.WITH_EXTENSION");
+    EXPECT_EQ(file(Joliet, name), u"this: is an unusual filename.with_extension");
+    EXPECT_EQ(file(HFSPlus, name), name);
+    EXPECT_EQ(file(UDF, name), name);
+}
+
+TEST(NameRules, AFoldersNameInEachFileSystem) {
+    const auto name = u"my long, long directory";
+    EXPECT_EQ(folder(ISOLevelOne, name), u"MYLONGLO");
+    EXPECT_EQ(folder(ISOLevelTwo, name), u"MY LONG LONG DIRECTORY");
+    EXPECT_EQ(folder(Joliet, name), name);
+    EXPECT_EQ(folder(ISOLevelOne, u"photos.old"), u"PHOTOSOL");
+}
+
+TEST(NameRules, LettersWithoutAccentsRemainInIso9660) {
+    EXPECT_EQ(file(ISOLevelOne, u"Gro\u0308\u00DFe.txt"), u"GROE.TXT");
+    EXPECT_EQ(file(ISOLevelOne, u"\u65E5\u672C.txt"), u"_.TXT") << "a name of nothing that is legal";
+}
+
+TEST(NameRules, DotsAndEmptyNames) {
+    EXPECT_EQ(file(ISOLevelTwo, u"archive.tar.gz"), u"ARCHIVETAR.GZ");
+    EXPECT_EQ(file(Joliet, u"archive.tar.gz"), u"archivetar.gz");
+    EXPECT_EQ(file(UDF, u"archive.tar.gz"), u"archive.tar.gz");
+    EXPECT_EQ(file(ISOLevelOne, u".profile"), u"PROFILE");
+    for (const NameRule rule : {ISOLevelOne, ISOLevelTwo, Joliet, HFSPlus, UDF}) {
+        EXPECT_EQ(file(rule, u""), u"_");
+        const std::u16string dots = file(rule, u"..");
+        EXPECT_TRUE(dots != u".." && dots != u"." && !dots.empty());
+    }
+}
+
+TEST(NameRules, SeparatorsAndControlCharacters) {
+    EXPECT_EQ(file(ISOLevelTwo, u"a/b\tc;1"), u"ABC1");
+    EXPECT_EQ(file(Joliet, u"a/b\\c*d?e\u0001f"), u"abcdef");
+    EXPECT_EQ(file(HFSPlus, u"a/b"), u"a:b");
+    EXPECT_EQ(file(UDF, u"a/b"), u"a_b");
+}
+
+TEST(NameRules, LengthsAndTheExtensionThatIsKept) {
+    const std::u16string longest(300, u'x');
+    EXPECT_EQ(file(ISOLevelTwo, longest).size(), 30u);
+    EXPECT_EQ(file(Joliet, longest + u".jpeg").size(), 64u);
+    EXPECT_TRUE(file(Joliet, longest + u".jpeg").ends_with(u".jpeg"));
+    EXPECT_EQ(file(HFSPlus, longest).size(), 255u);
+    EXPECT_EQ(file(UDF, longest).size(), 253u);
+    EXPECT_EQ(file(UDF, std::u16string(300, u'\u65E5')).size(), 126u);
+    EXPECT_EQ(file(ISOLevelTwo, u"a." + longest).size(), 30u);
+    EXPECT_EQ(file(ISOLevelTwo, u"a." + longest).substr(0, 2), u"A.");
+    // A character of two units is not cut in two.
+    EXPECT_EQ(file(Joliet, std::u16string(63, u'x') + u"\U0001F4BF").size(), 63u);
+}
+
+std::vector<Sibling> siblings(size_t count, std::u16string_view name) {
+    return std::vector<Sibling>(count, Sibling{std::u16string(name), false});
+}
+
+TEST(NameRules, CollidingSiblingsGetNumbersInsideTheLimit) {
+    EXPECT_EQ(mangledNames(ISOLevelOne, siblings(3, u"MEASUREM.TXT")),
+              (std::vector<std::u16string>{u"MEASUREM.TXT", u"MEAS_001.TXT", u"MEAS_002.TXT"}));
+    const auto joliet = mangledNames(Joliet, siblings(2, std::u16string(60, u'x') + u".txt"));
+    EXPECT_EQ(joliet[1], std::u16string(56, u'x') + u"_001.txt");
+}
+
+TEST(NameRules, AReadyNameIsNotTaken) {
+    const std::vector<Sibling> all{{u"A.TXT", false}, {u"A.TXT", false}, {u"A_001.TXT", false}};
+    EXPECT_EQ(mangledNames(ISOLevelOne, all),
+              (std::vector<std::u16string>{u"A.TXT", u"A_002.TXT", u"A_001.TXT"}));
+}
+
+TEST(NameRules, CapitalsCollideWhereTheFileSystemDoesNotTellThem) {
+    const std::vector<Sibling> all{{u"Readme", false}, {u"README", false}};
+    EXPECT_EQ(mangledNames(HFSPlus, all)[1], u"README_001");
+    EXPECT_EQ(mangledNames(UDF, all)[1], u"README");
+    EXPECT_EQ(mangledNames(RockRidge, all)[1], u"README");
+}
+
+void expectDistinct(NameRule rule, const std::vector<Sibling>& all) {
+    const auto names = mangledNames(rule, all);
+    EXPECT_EQ(std::set<std::u16string>(names.begin(), names.end()).size(), all.size());
+    EXPECT_TRUE(std::all_of(names.begin(), names.end(),
+                            [](const std::u16string& name) { return name.size() <= 12; }));
+}
+
+TEST(NameRules, ManySiblingsOfOneName) { expectDistinct(ISOLevelOne, siblings(20000, u"COLLIDES.TXT")); }
+
+// Different names that are the same as soon as they are cut: each pair would try all numbers of the others.
+TEST(NameRules, ManySiblingsThatCollideOnlyWhenCut) {
+    std::vector<Sibling> all;
+    for (int i = 0; i < 9999; ++i) {
+        std::u16string name = u"SAME";
+        for (const char digit : std::to_string(10000 + i).substr(1))
+            name += static_cast<char16_t>(digit);
+        all.push_back({name, false});
+        all.push_back({name, false});
+    }
+    expectDistinct(ISOLevelOne, all);
+}
+
+// Four times as many take about four times as long; a square would be sixteen. The best of three runs counts.
+TEST(NameRules, TimeGrowsWithTheNumberOfSiblings) {
+    const auto seconds = [](size_t count) {
+        double best = 1e9;
+        for (int run = 0; run < 3; ++run) {
+            const auto began = std::chrono::steady_clock::now();
+            EXPECT_EQ(mangledNames(ISOLevelOne, siblings(count, u"COLLIDES.TXT")).size(), count);
+            best = std::min(best,
+                            std::chrono::duration<double>(std::chrono::steady_clock::now() - began).count());
+        }
+        return best;
+    };
+    const double few = seconds(5000), many = seconds(20000);
+    EXPECT_LT(many, few * 10) << few << " and " << many;
+}
+
+} // namespace
