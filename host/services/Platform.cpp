@@ -99,13 +99,41 @@ void registerThread() {
     if (auto* make = symbol<uint8_t()>("GSRegisterCurrentThread")) registration.isDone = make() != 0;
 }
 
+namespace {
+
+// The application object, if a plug-in has brought up the user interface and this is the thread that it lives on. Never
+// makes one.
+Id application() {
+    const auto* known = symbol<const Id>("NSApp");
+    return known && send<uint8_t>(classNamed("NSThread"), "isMainThread") ? *known : nullptr;
+}
+
+// Windows live by the events that their program hands on: a run loop alone only collects them.
+void handOnEvents(Id application, Id date) {
+    const auto* mode = symbol<const Id>("NSDefaultRunLoopMode");
+    constexpr unsigned long anyEvent = ~0UL;
+    for (;;) {
+        const Pool pool;
+        const Id event = send<Id>(application, "nextEventMatchingMask:untilDate:inMode:dequeue:", anyEvent,
+                                  date, *mode, static_cast<uint8_t>(1));
+        if (!event) return;
+        send<void>(application, "sendEvent:", event);
+        send<void>(application, "updateWindows");
+    }
+}
+
+} // namespace
+
 void runLoop(double seconds) {
     const Pool pool;
     const Unlocked unlocked;
     const Id date = send<Id>(classNamed("NSDate"), "dateWithTimeIntervalSinceNow:", seconds);
     const Id loop = send<Id>(classNamed("NSRunLoop"), "currentRunLoop");
     const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
-    if (date && loop) send<void>(loop, "runUntilDate:", date);
+    if (date && application())
+        handOnEvents(application(), date);
+    else if (date && loop)
+        send<void>(loop, "runUntilDate:", date);
     // A run loop without sources returns at once.
     std::this_thread::sleep_until(end);
 }

@@ -4,10 +4,12 @@
 
 #include <dlfcn.h>
 #include <pthread.h>
+#include <signal.h>
 #include <stdlib.h>
 #include <unistd.h>
 
 static const char InterfaceLibrary[] = "libgnustep-gui.so.0.29";
+static const char PanelsLibrary[] = "libDiscRecordingUI.so"; // in the folder of this library
 
 // Whether the loader would find the library; loading it to see would already run its start-up code.
 static BOOL IsInstalled(const char* library) {
@@ -51,6 +53,58 @@ static BOOL DisplayAnswers(void) {
     return display != NULL;
 }
 
+// The panels are built on the interface library, so they come after it. Without them the rest works as without a display.
+static void LoadPanels(void) {
+    Dl_info here;
+    if (dladdr((void*)&NSApplicationLoad, &here) == 0)
+        return;
+    NSString* folder = [[NSString stringWithUTF8String:here.dli_fname] stringByDeletingLastPathComponent];
+    NSString* path = [folder stringByAppendingPathComponent:[NSString stringWithUTF8String:PanelsLibrary]];
+    if (access([path fileSystemRepresentation], R_OK) != 0)
+        return;
+    if (dlopen([path fileSystemRepresentation], RTLD_NOW | RTLD_GLOBAL) == NULL)
+        NSLog(@"The panels can't be loaded: %s", dlerror());
+}
+
+// A program that shows a panel now and then is no application of its own on the person's desktop: it has no icon there,
+// and its windows are decorated as all others are. What a person has set otherwise counts.
+static void BehaveAsAGuest(void) {
+    [[NSUserDefaults standardUserDefaults]
+        registerDefaults:[NSDictionary dictionaryWithObject:@"YES" forKey:@"GSSuppressAppIcon"]];
+}
+
+// Which window gets the keys, the application learns by notifications, and it begins to listen when it is started in
+// full. That start is for applications of their own: it talks to services of the desktop and may wait for them for
+// long. So it is told of the windows here. A name that it doesn't know any more is left out.
+static void TellOfWindows(id application) {
+    NSString* const rows[][2] = {{@"NSWindowDidBecomeKeyNotification", @"_windowDidBecomeKey:"},
+                                 {@"NSWindowDidBecomeMainNotification", @"_windowDidBecomeMain:"},
+                                 {@"NSWindowDidResignKeyNotification", @"_windowDidResignKey:"},
+                                 {@"NSWindowDidResignMainNotification", @"_windowDidResignMain:"},
+                                 {@"NSWindowWillCloseNotification", @"_windowWillClose:"}};
+    for (unsigned i = 0; i < sizeof rows / sizeof *rows; i++) {
+        NSString* const* name = dlsym(RTLD_DEFAULT, [rows[i][0] UTF8String]);
+        const SEL action = NSSelectorFromString(rows[i][1]);
+        if (name != NULL && [application respondsToSelector:action])
+            [[NSNotificationCenter defaultCenter] addObserver:application
+                                                     selector:action
+                                                         name:*name
+                                                       object:nil];
+    }
+}
+
+// The interface library takes signals for its own, which would keep Ctrl-C from the program. The program's own answer to
+// them is put back.
+static void MakeApplication(void) {
+    static const int signals[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT};
+    struct sigaction before[4];
+    for (unsigned i = 0; i < 4; i++)
+        sigaction(signals[i], NULL, &before[i]);
+    TellOfWindows([NSClassFromString(@"NSApplication") performSelector:@selector(sharedApplication)]);
+    for (unsigned i = 0; i < 4; i++)
+        sigaction(signals[i], &before[i], NULL);
+}
+
 Boolean NSApplicationLoad(void) {
     static pthread_mutex_t lock = PTHREAD_MUTEX_INITIALIZER;
     const char* display = getenv("DISPLAY");
@@ -59,6 +113,13 @@ Boolean NSApplicationLoad(void) {
     if (!loaded && display != NULL && *display != '\0' && IsInstalled(InterfaceLibrary) && DisplayAnswers()) {
         loaded = dlopen(InterfaceLibrary, RTLD_NOW | RTLD_GLOBAL) != NULL &&
                  NSClassFromString(@"NSApplication") != Nil;
+        if (loaded) {
+            NSAutoreleasePool* pool = [NSAutoreleasePool new];
+            BehaveAsAGuest();
+            LoadPanels();
+            MakeApplication();
+            [pool release];
+        }
     }
     pthread_mutex_unlock(&lock);
     return loaded;

@@ -1,0 +1,26 @@
+// DREraseSetupPanel: lets a person choose a drive whose disc is to be erased, and how thoroughly.
+#ifndef DISCRECORDINGUI_DRERASESETUPPANEL_H
+#define DISCRECORDINGUI_DRERASESETUPPANEL_H
+
+#import "DRSetupPanel.h"
+
+@class DRErase;
+struct DREraseSetupPanelInside;
+
+@interface DREraseSetupPanel : DRSetupPanel {
+  @private
+    struct DREraseSetupPanelInside* _erase;
+}
+
+/** A new panel. */
++ (DREraseSetupPanel*)setupPanel;
+
+/**
+ * A new erase with the drive and what was chosen; nil while the panel is shown and unless OK was chosen. From OK on the
+ * drive is kept for this process, until the panel and all erases made by it are released.
+ */
+- (DRErase*)eraseObject;
+
+@end
+
+#endif

@@ -1,0 +1,148 @@
+// DREraseSetupPanel: how thoroughly a disc is erased, and the erase that is made of it.
+#import "DREraseSetupPanel.h"
+#import "DRErase.h"
+#import "DRPanelTexts.h"
+#import "DRSetupPanelPrivate.h"
+
+// Keeps every other process out of a drive for as long as it lives.
+@interface DRDriveHold : NSObject {
+    DRDevice* _device;
+}
+- (id)initWithDevice:(DRDevice*)device; // nil when the drive can't be had
+- (DRDevice*)device;
+@end
+
+@implementation DRDriveHold
+
+- (id)initWithDevice:(DRDevice*)device {
+    self = [super init];
+    if (self != nil && [device acquireExclusiveAccess]) {
+        _device = [device retain];
+        return self;
+    }
+    [self release];
+    return nil;
+}
+
+- (void)dealloc {
+    [_device releaseExclusiveAccess];
+    [_device release];
+    [super dealloc];
+}
+
+- (DRDevice*)device {
+    return _device;
+}
+
+@end
+
+struct DREraseSetupPanelInside {
+    NSTextField* label;
+    NSButton *quick, *complete;
+    DRDriveHold* hold;
+};
+
+@implementation DREraseSetupPanel
+
++ (DREraseSetupPanel*)setupPanel {
+    return [[[self alloc] initWithNibName:nil] autorelease];
+}
+
+- (id)initWithNibName:(NSString*)nibName {
+    _erase = calloc(1, sizeof *_erase);
+    return [super initWithNibName:nibName];
+}
+
+- (void)dealloc {
+    struct DREraseSetupPanelInside* inside = _erase;
+    [inside->hold release];
+    inside->hold = nil;
+    [super dealloc];
+    free(inside);
+}
+
+- (NSString*)panelTitle {
+    return DRTextEraseTitle;
+}
+- (NSString*)defaultButtonText {
+    return DRTextErase;
+}
+
+- (void)setupForDisplay {
+    [super setupForDisplay];
+    [_erase->hold release];
+    _erase->hold = nil;
+}
+
+// ---- the options
+
+- (void)addOptionsTo:(NSView*)contents {
+    _erase->label = DRMakeLabel([NSFont systemFontOfSize:0]);
+    [_erase->label setStringValue:DRTextEraseLabel];
+    [_erase->label setAlignment:NSRightTextAlignment];
+    _erase->quick = DRMakeRadio(DRTextQuickErase, self, @selector(chooseType:));
+    _erase->complete = DRMakeRadio(DRTextCompleteErase, self, @selector(chooseType:));
+    [_erase->quick setState:NSOnState];
+    [contents addSubview:_erase->label];
+    [contents addSubview:_erase->quick];
+    [contents addSubview:_erase->complete];
+}
+
+- (NSArray*)optionControls {
+    return [NSArray arrayWithObjects:_erase->quick, _erase->complete, nil];
+}
+
+- (CGFloat)layoutOptionsFrom:(CGFloat)y {
+    [_erase->label setFrame:NSMakeRect(DRPanelTextLeft, y, DRPanelLabelWidth, 18)];
+    [_erase->quick setFrame:NSMakeRect(DRPanelOptionLeft, y, DRPanelOptionWidth, 18)];
+    [_erase->complete setFrame:NSMakeRect(DRPanelOptionLeft, y + 22, DRPanelOptionWidth, 18)];
+    return y + 22 + 18 + DRPanelRowGap;
+}
+
+// Of the two, the one that was clicked.
+- (IBAction)chooseType:(id)sender {
+    [_erase->quick setState:sender == _erase->quick ? NSOnState : NSOffState];
+    [_erase->complete setState:sender == _erase->complete ? NSOnState : NSOffState];
+}
+
+// ---- the disc
+
+- (BOOL)acceptsStatus:(NSDictionary*)status prompt:(NSString**)prompt {
+    NSDictionary* media = [status objectForKey:DRDeviceMediaInfoKey];
+    NSString* text = nil;
+    BOOL suitable = NO;
+    if (status == nil) {
+        text = DRTextPromptNoDrive;
+    } else if ([[status objectForKey:DRDeviceIsTrayOpenKey] boolValue]) {
+        text = DRTextPromptTrayOpen;
+    } else if (media == nil) {
+        text = DRTextPromptNoMedia;
+    } else if ([[status objectForKey:DRDeviceIsBusyKey] boolValue]) {
+        text = DRTextPromptBusy;
+    } else if ([[media objectForKey:DRDeviceMediaIsErasableKey] boolValue]) {
+        text = [[media objectForKey:DRDeviceMediaIsBlankKey] boolValue] ? DRTextPromptBlankErasable
+                                                                        : DRTextPromptErasable;
+        suitable = YES;
+    } else {
+        text = DRTextPromptNotErasable;
+    }
+    *prompt = [NSString stringWithFormat:text, [[self chosenDevice] displayName]];
+    return suitable;
+}
+
+// Nobody may come between the choice and the erase.
+- (BOOL)mayConfirm {
+    if (_erase->hold == nil)
+        _erase->hold = [[DRDriveHold alloc] initWithDevice:[self chosenDevice]];
+    return _erase->hold != nil;
+}
+
+- (DRErase*)eraseObject {
+    if (![self wasConfirmed] || [self chosenDevice] == nil)
+        return nil;
+    id erase = [[[NSClassFromString(@"DRErase") alloc] initWithDevice:[self chosenDevice]] autorelease];
+    [erase setEraseType:[_erase->complete state] == NSOnState ? DREraseTypeComplete : DREraseTypeQuick];
+    return erase;
+}
+
+@end

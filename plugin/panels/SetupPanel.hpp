@@ -1,0 +1,30 @@
+// SetupPanel.hpp: what the constructors of the two setup panels share.
+#pragma once
+
+#include "plugin/bridge/Member.hpp"
+#include "plugin/objc/Ownership.hpp"
+#include "plugin/panels/SetupPanelDelegate.hpp"
+
+namespace panels {
+
+// Makes the panel. Deliberately without a test for an earlier call, unlike the progress panels: a second call stores
+// what the platform gives then, and the earlier reference is not released.
+template <objc::FixedString platformClass>
+void constructSetupPanel(REALobject self) {
+    CocoaInit();
+    objc::Id panel = nullptr;
+    bridge::guarded([&] {
+        panel = objc::sendClass<platformClass, "setupPanel">();
+        if (panel) addDelegate(panel, self);
+        objc::retained(panel);
+    });
+    frame::slot(self) = panel;
+}
+
+// Many messages of panels want to know who sends; the panel itself does.
+template <objc::FixedString message>
+void tellFromItself(REALobject self) {
+    bridge::guarded([=] { objc::send<message, void>(frame::held(self), frame::held(self)); });
+}
+
+} // namespace panels
