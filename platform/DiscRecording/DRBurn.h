@@ -25,6 +25,12 @@ struct DRBurnInside;
     struct DRBurnInside* _inside;
 }
 
+/**
+ * A layout from an image file, for writeLayout: only: `.iso` and other images of file systems, `.cue` and `.toc`
+ * sheets with all the files that they name. Nil for what can't be read as an image; the reason goes to the log.
+ */
++ (id)layoutForImageFile:(NSString*)path;
+
 /** A burn for a drive, which is retained. A nil drive is allowed; the burn then fails with 0x80020023. */
 + (DRBurn*)burnForDevice:(DRDevice*)device;
 /** As burnForDevice:. */
@@ -36,7 +42,8 @@ struct DRBurnInside;
 /**
  * Starts the burn and returns; what becomes of it stands in the status. With DRSynchronousBehaviorKey it
  * returns when the burn has ended. A layout is a DRTrack (one session), an array of DRTracks (one session),
- * or an array of such arrays (a session each).
+ * or an array of such arrays (a session each), or
+ * what layoutForImageFile: answered.
  *
  * Raises NSInvalidArgumentException for anything else, empty arrays included, and
  * NSInternalInconsistencyException when this object has been used before. Nothing is written then.

@@ -1,12 +1,13 @@
 // DRBurn: one burn of one disc.
 #import "DRBurn.h"
-#include "BurnProcess.hpp"
+#include "Background.hpp"
+#include "BurnProperties.hpp"
 #import "DRDevicePrivate.h"
-#include "Elements.hpp"
+#import "DRImageLayout.h"
+#include "EngineThread.hpp"
 #include "LayoutReader.hpp"
 #include "LivingObjects.hpp"
 #include "Notifications.hpp"
-#include "PathStrings.hpp"
 #include "StatusDictionaries.hpp"
 
 #include <memory>
@@ -28,107 +29,36 @@ using engine::Error;
 using engine::ErrorCode;
 using engine::Result;
 
-bool flag(NSDictionary* properties, NSString* key, bool otherwise) {
-    id value = [properties objectForKey:key];
-    return [value respondsToSelector:@selector(boolValue)] ? [value boolValue] : otherwise;
-}
-
-Error refusal(ErrorCode code, NSString* sentence) { return {code, pathnames::bytesOf(sentence), {}}; }
-
-// What a property asks for that can't be done yet is refused before anything is written.
-Result<void> checkProperties(NSDictionary* properties) {
-    struct Unknown {
-        NSString* key;
-        ErrorCode code;
-    };
-    const Unknown unknown[] = {
-        {DRMediaCatalogNumberKey, ErrorCode::FunctionNotSupported},
-        {DRCDTextKey, ErrorCode::CantWriteCDText},
-        {DRBurnDoubleLayerL0DataZoneBlocksKey, ErrorCode::FunctionNotSupported},
-    };
-    for (const Unknown& row : unknown) {
-        if ([properties objectForKey:row.key] == nil)
-            continue;
-        return refusal(row.code,
-                       [NSString stringWithFormat:@"The burn asks for %@, which can't be burned yet; "
-                                                  @"leave it out.",
-                                                  row.key]);
-    }
-    if (flag(properties, DRBurnStrategyIsRequiredKey, false) &&
-        [properties objectForKey:DRBurnStrategyKey] != nil) {
-        return refusal(
-            ErrorCode::StrategyNotAvailable,
-            @"The burn insists on a strategy, and a strategy can't be chosen yet; let it be a wish.");
-    }
-    return {};
-}
-
-// YES to eject; a text that is neither of the two actions is an error.
-Result<bool> ejects(NSDictionary* properties, NSString* key, NSString* ejectText, NSString* stayText) {
-    id action = [properties objectForKey:key];
-    if (action == nil || [action isEqual:ejectText])
-        return true;
-    if ([action isEqual:stayText])
-        return false;
-    return refusal(ErrorCode::FunctionNotSupported,
-                   [NSString stringWithFormat:@"The burn's %@ is \"%@\"; use %@ or %@.", key, action,
-                                              ejectText, stayText]);
-}
-
-// A medium of any kind but CD takes its tracks one to a session.
-Result<void> checkTrackCount(const engine::Drive& drive, NSArray* sessions) {
-    const auto medium = drive.mediumInfo();
-    if (!medium || engine::factsOf(medium->kind).mediumClass == engine::MediumClass::CD)
-        return {};
-    for (NSArray* tracks : discrecording::Elements<NSArray*>(sessions)) {
-        if ([tracks count] > 1) {
-            return refusal(
-                ErrorCode::TooManyTracksForDVD,
-                [NSString stringWithFormat:@"The layout has %u tracks in a session, and a DVD takes one; "
-                                           @"put everything into one track.",
-                                           static_cast<unsigned>([tracks count])]);
-        }
-    }
-    return {};
-}
-
-Result<BurnPlan> planOf(DRDevice* device, NSArray* sessions, NSDictionary* properties, float speed) {
+Result<BurnPlan> planOf(DRDevice* device, NSArray* sessions, DRImageLayout* image, NSDictionary* properties,
+                        uint64_t burn) {
     if (DRDriveOfDevice(device) == nullptr) {
-        return refusal(ErrorCode::DeviceInvalid,
-                       @"The burn has no drive; make it for one of the drives that are there.");
+        return Error{ErrorCode::DeviceInvalid,
+                     "The burn has no drive; make it for one of the drives that are there.",
+                     {}};
     }
-    if (const auto allowed = checkProperties(properties); !allowed.ok())
-        return allowed.error();
-    const auto ejectsDone = ejects(properties, DRBurnCompletionActionKey, DRBurnCompletionActionEject,
-                                   DRBurnCompletionActionMount);
-    if (!ejectsDone.ok())
-        return ejectsDone.error();
-    const auto ejectsFailed =
-        ejects(properties, DRBurnFailureActionKey, DRBurnFailureActionEject, DRBurnFailureActionNone);
-    if (!ejectsFailed.ok())
-        return ejectsFailed.error();
-    auto layout = discrecording::layoutOfSessions(sessions);
-    if (!layout.ok())
-        return layout.error();
-    if (const auto allowed = checkTrackCount(*DRDriveOfDevice(device), sessions); !allowed.ok())
-        return allowed.error();
-
     BurnPlan plan;
-    plan.layout = std::move(*layout);
-    plan.options.verify = flag(properties, DRBurnVerifyDiscKey, true);
-    plan.options.overwrite = flag(properties, DRBurnOverwriteDiscKey, false);
-    plan.options.appendable = flag(properties, DRBurnAppendableKey, false);
-    plan.options.testing = flag(properties, DRBurnTestingKey, false);
-    plan.options.requestedSpeed = std::min(speed > 0 ? static_cast<double>(speed) : engine::maximumSpeed,
-                                           discrecording::speedLimitOfSessions(sessions));
-    plan.ejectWhenDone = *ejectsDone;
-    plan.ejectWhenFailed = *ejectsFailed;
+    if (image != nil) {
+        if (const auto read = DRReadImageLayout(image, plan); !read.ok())
+            return read.error();
+    } else {
+        auto layout = discrecording::layoutOfSessions(sessions, {burn, DRDriveOfDevice(device)});
+        if (!layout.ok())
+            return layout.error();
+        plan.layout = std::move(*layout);
+    }
+    // Last, because they count more than what an image says.
+    if (const auto read = discrecording::readBurnProperties(plan, properties); !read.ok())
+        return read.error();
     return plan;
 }
 
 } // namespace
 
 @implementation DRBurn
+
++ (id)layoutForImageFile:(NSString*)path {
+    return [DRImageLayout layoutForPath:path];
+}
 
 + (DRBurn*)burnForDevice:(DRDevice*)device {
     return [[[self alloc] initWithDevice:device] autorelease];
@@ -155,8 +85,19 @@ Result<BurnPlan> planOf(DRDevice* device, NSArray* sessions, NSDictionary* prope
 }
 
 - (void)dealloc {
-    delete _inside; // first: the burn ends while everything that it reads is still there
-    [_sessions release];
+    if (discrecording::EngineThread::isInside()) {
+        // The last reference went on a thread that the burn itself waits for: it ends on another one.
+        DRBurnInside* inside = _inside;
+        NSArray* sessions = _sessions;
+        engine::runInBackground("disc-end", [=] {
+            const discrecording::EngineThread thread;
+            delete inside;
+            [sessions release];
+        });
+    } else {
+        delete _inside; // first: the burn ends while everything that it reads is still there
+        [_sessions release];
+    }
     [_properties release];
     [_device release];
     [super dealloc];
@@ -169,7 +110,8 @@ Result<BurnPlan> planOf(DRDevice* device, NSArray* sessions, NSDictionary* prope
 // ---- the burn
 
 - (void)writeLayout:(id)layout {
-    NSArray* sessions = discrecording::sessionsOfLayout(layout);
+    DRImageLayout* image = [layout isKindOfClass:[DRImageLayout class]] ? layout : nil;
+    NSArray* sessions = image != nil ? nil : discrecording::sessionsOfLayout(layout);
     {
         const std::lock_guard lock(_inside->mutex);
         if (_inside->used) {
@@ -179,9 +121,9 @@ Result<BurnPlan> planOf(DRDevice* device, NSArray* sessions, NSDictionary* prope
         _inside->used = true;
     }
     _sessions = [sessions retain];
-    auto plan = planOf(_device, sessions, _properties, [self requestedBurnSpeed]);
+    auto plan = planOf(_device, sessions, image, _properties, _inside->number);
     // Who waits for the end is told nothing on the way.
-    const bool waits = flag(_properties, DRSynchronousBehaviorKey, false);
+    const bool waits = discrecording::burnFlag(_properties, DRSynchronousBehaviorKey, false);
     if (!plan.ok()) {
         engine::BurnStatus failed;
         failed.state = engine::BurnState::Failed;
@@ -263,8 +205,7 @@ Result<BurnPlan> planOf(DRDevice* device, NSArray* sessions, NSDictionary* prope
 }
 
 - (float)requestedBurnSpeed {
-    id value = [_properties objectForKey:DRBurnRequestedSpeedKey];
-    return [value respondsToSelector:@selector(floatValue)] ? [value floatValue] : DRDeviceBurnSpeedMax;
+    return discrecording::requestedSpeed(_properties);
 }
 
 - (void)setRequestedBurnSpeed:(float)speed {
@@ -272,7 +213,7 @@ Result<BurnPlan> planOf(DRDevice* device, NSArray* sessions, NSDictionary* prope
 }
 
 - (BOOL)appendable {
-    return flag(_properties, DRBurnAppendableKey, false);
+    return discrecording::burnFlag(_properties, DRBurnAppendableKey, false);
 }
 
 - (void)setAppendable:(BOOL)appendable {
@@ -280,7 +221,7 @@ Result<BurnPlan> planOf(DRDevice* device, NSArray* sessions, NSDictionary* prope
 }
 
 - (BOOL)verifyDisc {
-    return flag(_properties, DRBurnVerifyDiscKey, true);
+    return discrecording::burnFlag(_properties, DRBurnVerifyDiscKey, true);
 }
 
 - (void)setVerifyDisc:(BOOL)verify {

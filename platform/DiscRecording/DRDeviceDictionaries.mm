@@ -3,6 +3,7 @@
 #import "DRDevicePrivate.h"
 #import "DRTrackPrivate.h"
 #include "PathStrings.hpp"
+#include "TrackDescriptions.hpp"
 
 #include <algorithm>
 
@@ -85,12 +86,12 @@ NSDictionary* writeCapabilities(const engine::DriveCapabilities& can) {
                                      boolean(can.writesTrackAtOnce), DRDeviceCanWriteCDTAOKey,
                                      boolean(can.writesSessionAtOnce), DRDeviceCanWriteCDSAOKey,
                                      boolean(can.writesRaw), DRDeviceCanWriteCDRawKey,
-                                     boolean(can.writesSessionAtOnce && can.canWriteAny(MediumClass::DVD)),
-                                     DRDeviceCanWriteDVDDAOKey, boolean(can.canTestWriteCD),
-                                     DRDeviceCanTestWriteCDKey, boolean(can.canTestWriteDVD),
-                                     DRDeviceCanTestWriteDVDKey, boolean(can.canUnderrunProtectCD),
-                                     DRDeviceCanUnderrunProtectCDKey, boolean(can.canUnderrunProtectDVD),
-                                     DRDeviceCanUnderrunProtectDVDKey, nil];
+                                     boolean(can.writesDVDAtOnce), DRDeviceCanWriteDVDDAOKey,
+                                     boolean(can.canTestWriteCD), DRDeviceCanTestWriteCDKey,
+                                     boolean(can.canTestWriteDVD), DRDeviceCanTestWriteDVDKey,
+                                     boolean(can.canUnderrunProtectCD), DRDeviceCanUnderrunProtectCDKey,
+                                     boolean(can.canUnderrunProtectDVD), DRDeviceCanUnderrunProtectDVDKey,
+                                     nil];
 }
 
 NSArray* burnSpeeds(const engine::MediumInfo& medium) {
@@ -102,7 +103,7 @@ NSArray* burnSpeeds(const engine::MediumInfo& medium) {
 }
 
 NSDictionary* mediaInfo(DRDevice* device, const engine::MediumInfo& medium) {
-    return [NSDictionary
+    NSMutableDictionary* told = [NSMutableDictionary
         dictionaryWithObjectsAndKeys:DRBSDNameOfDrive(*DRDriveOfDevice(device)), DRDeviceMediaBSDNameKey,
                                      boolean(medium.blank), DRDeviceMediaIsBlankKey,
                                      boolean(medium.appendable), DRDeviceMediaIsAppendableKey,
@@ -123,25 +124,11 @@ NSDictionary* mediaInfo(DRDevice* device, const engine::MediumInfo& medium) {
                                      DRDeviceMediaTypeKey,
                                      // Documented one level up; programs look for them here as well.
                                      burnSpeeds(medium), DRDeviceBurnSpeedsKey, nil];
-}
-
-NSDictionary* trackInfo(const engine::MediumInfo& medium, const engine::SessionInfo& session,
-                        const engine::TrackInfo& track) {
-    const bool isCD = engine::factsOf(medium.kind).mediumClass == MediumClass::CD;
-    return [NSDictionary
-        dictionaryWithObjectsAndKeys:DRMSFOfBlocks(track.blocks), DRTrackLengthKey, number(engine::blockSize),
-                                     DRBlockSizeKey,
-                                     number(isCD ? kDRBlockTypeMode1Data : kDRBlockTypeDVDData),
-                                     DRBlockTypeKey, number(isCD ? kDRDataFormMode1Data : kDRDataFormDVDData),
-                                     DRDataFormKey,
-                                     number(isCD ? kDRSessionFormatMode1Data : kDRSessionFormatDVDData),
-                                     DRSessionFormatKey,
-                                     number(isCD ? kDRTrackMode1Data : kDRTrackModeDVDData), DRTrackModeKey,
-                                     number(track.startBlock), DRTrackStartAddressKey, number(track.number),
-                                     DRTrackNumberKey, number(session.number), DRSessionNumberKey,
-                                     medium.state == engine::MediumState::Incomplete ? DRTrackTypeIncomplete
-                                                                                     : DRTrackTypeClosed,
-                                     DRTrackTypeKey, boolean(track.blocks == 0), DRTrackIsEmptyKey, nil];
+    if (medium.doubleLayerL0DataZoneBlocks) {
+        [told setObject:number(*medium.doubleLayerL0DataZoneBlocks)
+                 forKey:DRDeviceMediaDoubleLayerL0DataZoneBlocksKey];
+    }
+    return told;
 }
 
 double fastest(const std::vector<MediumKind>& kinds) {
@@ -239,7 +226,7 @@ NSString* DRMediaTypeOfKind(MediumKind kind) {
     NSMutableDictionary* trackInfos = [NSMutableDictionary dictionary];
     for (const engine::SessionInfo& session : medium->sessions) {
         for (const engine::TrackInfo& onDisc : session.tracks) {
-            NSDictionary* facts = trackInfo(*medium, session, onDisc);
+            NSDictionary* facts = discrecording::propertiesOfTrack(*medium, session, onDisc);
             DRTrack* track = [[[DRTrack alloc] initWithProducer:nil] autorelease];
             [track setProperties:facts];
             [tracks addObject:track];

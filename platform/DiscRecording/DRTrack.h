@@ -7,6 +7,8 @@
 #import "DRTrackConstants.h"
 #import <Foundation/Foundation.h>
 
+@class DRBurn;
+
 /**
  * A track. What is to be known about it stands in its properties, under the keys of DRTrackConstants.h; its
  * data comes from a folder or from a producer.
@@ -16,6 +18,7 @@
     NSDictionary* _properties;
     id _producer; // retained, unless the track is its own
     DRFolder* _rootFolder;
+    NSString* _audioPath;
 }
 
 /**
@@ -30,6 +33,17 @@
  * track only when its DRVerificationTypeKey says so.
  */
 + (DRTrack*)trackForRootFolder:(DRFolder*)rootFolder;
+
+/**
+ * An audio track from a sound file: WAV, AIFF, FLAC, Ogg, MP3 and what else is known. What is not in a CD's form is
+ * mixed to two channels and resampled. Nil for a file that can't be read as sound; the reason goes to the log. All
+ * required properties are set, the length to the exact one.
+ */
++ (DRTrack*)trackForAudioFile:(NSString*)path;
+
+/** An audio track whose samples the producer gives: 16 bits, two channels, 44.1 kHz, little endian, 588 samples to a
+ * block. All required properties are set. */
++ (DRTrack*)trackForAudioOfLength:(DRMSF*)length producer:(id)producer;
 
 /** A copy of the properties; never nil. */
 - (NSDictionary*)properties;
@@ -50,12 +64,82 @@
  */
 - (uint64_t)estimateLength;
 
+/**
+ * How fast the track's data comes at best, in KB/s, without burning it: for so many seconds, or bytes. A producer is
+ * prepared and cleaned up as for a burn, with neither burn nor medium. 0 when the data can't be made; the reason
+ * goes to the log.
+ */
+- (float)testProductionSpeedForInterval:(NSTimeInterval)interval;
+- (float)testProductionSpeedForLength:(uint32_t)length;
+
 @end
 
-/** What a producer of track data may implement; this class's own methods have none of them. */
+/**
+ * What a producer of track data may implement; of all this only produceDataForTrack:... must be. It is looked for at
+ * each use. During a burn the methods are called on threads of the engine, one at a time, in this order:
+ *
+ * 1. prepareTrack:forBurn:toMedia:, then, when DRPreGapLengthKey is set, producePreGapForTrack:... until the pre-gap is
+ *    full; without it the pre-gap is silence,
+ * 2. produceDataForTrack:... until the track is full, in order and without gaps,
+ * 3. when burn and track verify by the producer: prepareTrackForVerification:, then for
+ *    DRVerificationTypeProduceAgain once more 2, for DRVerificationTypeReceiveData verifyPreGapForTrack:... and
+ *    verifyDataForTrack:..., at last cleanupTrackAfterVerification:,
+ * 4. cleanupTrackAfterBurn:, after success and failure.
+ *
+ * Lengths are in bytes. Addresses are in BLOCKS from the start of the track, or of the pre-gap: the byte is the address
+ * times the block's size. A block is as large as DRBlockSizeKey says, and 96 bytes larger when
+ * DRSubchannelDataFormKey asks for subchannel data: then DRFlagSubchannelDataRequested is set, and each block is the
+ * data with the subchannel behind it.
+ *
+ * A method that raises fails the burn with 0x80020062; the detail says what was raised.
+ */
 @interface NSObject (DRTrackDataProduction)
+
 /** The blocks that the track will need at most. Asked outside of burns only. */
 - (uint64_t)estimateLengthOfTrack:(DRTrack*)track;
+
+/** The disc is still as it was. May set the track's DRTrackLengthKey. `mediaInfo` is the drive's status. NO fails the
+ * burn. */
+- (BOOL)prepareTrack:(DRTrack*)track forBurn:(DRBurn*)burn toMedia:(NSDictionary*)mediaInfo;
+
+- (void)cleanupTrackAfterBurn:(DRTrack*)track;
+
+/** Fills the front of the buffer, which has room for whole blocks; answers the bytes. 0 fails the burn, a short answer is
+ * asked on from. DRFlagNoMoreData, set here, ends the track. */
+- (uint32_t)producePreGapForTrack:(DRTrack*)track
+                       intoBuffer:(char*)buffer
+                           length:(uint32_t)bufferLength
+                        atAddress:(uint64_t)address
+                        blockSize:(uint32_t)blockSize
+                          ioFlags:(uint32_t*)flags;
+- (uint32_t)produceDataForTrack:(DRTrack*)track
+                     intoBuffer:(char*)buffer
+                         length:(uint32_t)bufferLength
+                      atAddress:(uint64_t)address
+                      blockSize:(uint32_t)blockSize
+                        ioFlags:(uint32_t*)flags;
+
+/** NO fails the verification. */
+- (BOOL)prepareTrackForVerification:(DRTrack*)track;
+
+/** Whether that is what was produced. Who has no verifyDataForTrack:... and wants DRVerificationTypeReceiveData can't
+ * find it right. */
+- (BOOL)verifyPreGapForTrack:(DRTrack*)track
+                    inBuffer:(const char*)buffer
+                      length:(uint32_t)bufferLength
+                   atAddress:(uint64_t)address
+                   blockSize:(uint32_t)blockSize
+                     ioFlags:(uint32_t*)flags;
+- (BOOL)verifyDataForTrack:(DRTrack*)track
+                  inBuffer:(const char*)buffer
+                    length:(uint32_t)bufferLength
+                 atAddress:(uint64_t)address
+                 blockSize:(uint32_t)blockSize
+                   ioFlags:(uint32_t*)flags;
+
+/** NO fails the verification. */
+- (BOOL)cleanupTrackAfterVerification:(DRTrack*)track;
+
 @end
 
 #endif

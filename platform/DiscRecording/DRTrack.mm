@@ -1,8 +1,44 @@
 // DRTrack: a track to be burned, or one that is on a disc.
 #import "DRTrack.h"
+#import "DRDevicePrivate.h"
 #import "DRTrackPrivate.h"
 #include "LayoutReader.hpp"
 #include "PathStrings.hpp"
+#include "ProductionSpeed.hpp"
+#include "TrackReader.hpp"
+#include "audio/AudioTrack.hpp"
+
+namespace {
+
+NSDictionary* requiredProperties(int blockSize, int blockType, int dataForm, int sessionFormat, int trackMode,
+                                 DRMSF* length) {
+    NSMutableDictionary* properties = [NSMutableDictionary dictionary];
+    [properties setObject:[NSNumber numberWithInt:blockSize] forKey:DRBlockSizeKey];
+    [properties setObject:[NSNumber numberWithInt:blockType] forKey:DRBlockTypeKey];
+    [properties setObject:[NSNumber numberWithInt:dataForm] forKey:DRDataFormKey];
+    [properties setObject:[NSNumber numberWithInt:sessionFormat] forKey:DRSessionFormatKey];
+    [properties setObject:[NSNumber numberWithInt:trackMode] forKey:DRTrackModeKey];
+    if (length != nil)
+        [properties setObject:length forKey:DRTrackLengthKey];
+    return properties;
+}
+
+NSDictionary* audioProperties(DRMSF* length) {
+    return requiredProperties(kDRBlockSizeAudio, kDRBlockTypeAudio, kDRDataFormAudio, kDRSessionFormatAudio,
+                              kDRTrackModeAudio, length);
+}
+
+float speedOf(DRTrack* track, const engine::SpeedTestEnd& end) {
+    auto made = discrecording::trackOf(track, {});
+    const auto speed =
+        made.ok() ? engine::productionSpeed(std::move(*made), end) : engine::Result<double>(made.error());
+    if (speed.ok())
+        return static_cast<float>(*speed);
+    NSLog(@"The speed of a track can't be tested: %@", pathnames::textOf(speed.error().message));
+    return 0;
+}
+
+} // namespace
 
 @implementation DRTrack
 
@@ -29,17 +65,29 @@
     }
     DRTrack* track = [[[self alloc] initWithProducer:nil] autorelease];
     track->_rootFolder = [rootFolder retain];
-    [track setProperties:[NSDictionary
-                             dictionaryWithObjectsAndKeys:[NSNumber numberWithInt:kDRBlockSizeMode1Data],
-                                                          DRBlockSizeKey,
-                                                          [NSNumber numberWithInt:kDRBlockTypeMode1Data],
-                                                          DRBlockTypeKey,
-                                                          [NSNumber numberWithInt:kDRDataFormMode1Data],
-                                                          DRDataFormKey,
-                                                          [NSNumber numberWithInt:kDRSessionFormatMode1Data],
-                                                          DRSessionFormatKey,
-                                                          [NSNumber numberWithInt:kDRTrackMode1Data],
-                                                          DRTrackModeKey, nil]];
+    [track
+        setProperties:requiredProperties(kDRBlockSizeMode1Data, kDRBlockTypeMode1Data, kDRDataFormMode1Data,
+                                         kDRSessionFormatMode1Data, kDRTrackMode1Data, nil)];
+    return track;
+}
+
++ (DRTrack*)trackForAudioFile:(NSString*)path {
+    if (path == nil)
+        return nil;
+    const auto audio = engine::trackForAudioFile(pathnames::bytesOf(path));
+    if (!audio.ok()) {
+        NSLog(@"No track can be made: %@", pathnames::textOf(audio.error().message));
+        return nil;
+    }
+    DRTrack* track = [[[self alloc] initWithProducer:nil] autorelease];
+    track->_audioPath = [path copy];
+    [track setProperties:audioProperties(DRMSFOfBlocks(audio->blocks))];
+    return track;
+}
+
++ (DRTrack*)trackForAudioOfLength:(DRMSF*)length producer:(id)producer {
+    DRTrack* track = [[[self alloc] initWithProducer:producer] autorelease];
+    [track setProperties:audioProperties(length == nil ? [DRMSF msf] : length)];
     return track;
 }
 
@@ -48,6 +96,7 @@
         [_producer release];
     [_properties release];
     [_rootFolder release];
+    [_audioPath release];
     [super dealloc];
 }
 
@@ -93,6 +142,8 @@
 }
 
 - (uint64_t)estimateLength {
+    if (_audioPath != nil)
+        return [[self length] sectors];
     if (_rootFolder == nil) {
         return [_producer respondsToSelector:@selector(estimateLengthOfTrack:)]
                    ? [_producer estimateLengthOfTrack:self]
@@ -106,12 +157,28 @@
     return 0;
 }
 
+- (float)testProductionSpeedForInterval:(NSTimeInterval)interval {
+    return speedOf(self, {interval, std::nullopt});
+}
+
+- (float)testProductionSpeedForLength:(uint32_t)length {
+    return speedOf(self, {std::nullopt, length});
+}
+
 @end
 
 @implementation DRTrack (Private)
 
 - (DRFolder*)rootFolder {
     return _rootFolder;
+}
+
+- (NSString*)audioPath {
+    return _audioPath;
+}
+
+- (id)producer {
+    return _producer;
 }
 
 @end

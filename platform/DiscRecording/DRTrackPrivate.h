@@ -7,6 +7,10 @@
 @interface DRTrack (Private)
 /// Nil for a track whose data a producer makes, and for one that is on a disc.
 - (DRFolder*)rootFolder;
+/// Nil for a track that is not made from a sound file.
+- (NSString*)audioPath;
+/// Nil for those two.
+- (id)producer;
 @end
 
 #endif

@@ -4,6 +4,7 @@
 #import "DRTrack.h"
 
 #include "BurnJob.hpp"
+#include "ProducerBridge.hpp"
 
 namespace discrecording {
 
@@ -17,10 +18,8 @@ NSArray* sessionsOfLayout(id layout);
 /// `estimating` is for producers of files, see contentOfRoot().
 engine::Result<engine::DataTrack> dataTrackOf(DRTrack* track, bool estimating = false);
 
-/// The engine's layout for sessionsOfLayout()'s answer. TrackReused when a track comes twice.
-engine::Result<engine::Layout> layoutOfSessions(NSArray* sessions);
-
-/// The lowest DRMaxBurnSpeedKey of the tracks in KB/s; the engine's maximum when none has one.
-double speedLimitOfSessions(NSArray* sessions);
+/// The engine's layout for sessionsOfLayout()'s answer. The errors of trackOf(), and TrackReused when a track
+/// comes twice.
+engine::Result<engine::Layout> layoutOfSessions(NSArray* sessions, const ProducedFor& producedFor);
 
 } // namespace discrecording

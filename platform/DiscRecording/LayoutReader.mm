@@ -5,6 +5,7 @@
 #include "ContentReader.hpp"
 #include "Elements.hpp"
 #include "PathStrings.hpp"
+#include "TrackReader.hpp"
 #include "VolumeProperties.hpp"
 
 #include <algorithm>
@@ -37,13 +38,6 @@ Result<void> checkProperties(NSDictionary* properties) {
     const Unknown unknown[] = {
         {DRVolumeCheckedDate, ErrorCode::FunctionNotSupported, nil},
         {DRISOMacExtensions, ErrorCode::FunctionNotSupported, @"0"},
-        {DRTrackISRCKey, ErrorCode::CantWriteISRC, nil},
-        {DRIndexPointsKey, ErrorCode::CantWriteIndexPoints, nil},
-        {DRAudioPreEmphasisKey, ErrorCode::FunctionNotSupported, @"0"},
-        {DRAudioFourChannelKey, ErrorCode::FunctionNotSupported, @"0"},
-        {DRSerialCopyManagementStateKey, ErrorCode::CantWriteSCMS, nil},
-        {DRDVDTimestampKey, ErrorCode::FunctionNotSupported, nil},
-        {DRDVDCopyrightInfoKey, ErrorCode::FunctionNotSupported, nil},
         {DRSubchannelDataFormKey, ErrorCode::FunctionNotSupported, DRSubchannelDataFormNone},
     };
     for (const Unknown& row : unknown) {
@@ -52,15 +46,6 @@ Result<void> checkProperties(NSDictionary* properties) {
             continue;
         Error error = notSupported(row.key);
         error.code = row.code;
-        return error;
-    }
-    // The first track starts at its disc's first block: the standard 150 blocks before it are the drive's
-    // business.
-    id gap = [properties objectForKey:DRPreGapLengthKey];
-    if ([[properties objectForKey:DRPreGapIsRequiredKey] boolValue] && gap != nil &&
-        [gap unsignedIntValue] != 150) {
-        Error error = notSupported(@"a pre-gap of another length than 150 blocks");
-        error.code = ErrorCode::PreGapLengthNotAvailable;
         return error;
     }
     return {};
@@ -110,11 +95,7 @@ NSArray* sessionsOfLayout(id layout) {
 Result<engine::DataTrack> dataTrackOf(DRTrack* track, bool estimating) {
     DRFolder* root = [track rootFolder];
     if (root == nil) {
-        return Error{
-            ErrorCode::FunctionNotSupported,
-            "The track has no root folder, and tracks whose data comes from a producer can't be burned yet; "
-            "make the track for a root folder.",
-            {}};
+        return Error{ErrorCode::BadLayout, "The track has no root folder; make it for one.", {}};
     }
     NSDictionary* properties = [track properties];
     if (const auto allowed = checkProperties(properties); !allowed.ok())
@@ -130,7 +111,7 @@ Result<engine::DataTrack> dataTrackOf(DRTrack* track, bool estimating) {
     return data;
 }
 
-Result<engine::Layout> layoutOfSessions(NSArray* sessions) {
+Result<engine::Layout> layoutOfSessions(NSArray* sessions, const ProducedFor& producedFor) {
     engine::Layout layout;
     NSMutableSet* seen = [NSMutableSet set];
     for (NSArray* tracks : Elements<NSArray*>(sessions)) {
@@ -143,32 +124,14 @@ Result<engine::Layout> layoutOfSessions(NSArray* sessions) {
                     {}};
             }
             [seen addObject:track];
-            auto data = dataTrackOf(track);
-            if (!data.ok())
-                return data.error();
-            engine::Track made;
-            made.content = std::move(*data);
-            NSString* verification = [[track properties] objectForKey:DRVerificationTypeKey];
-            if (verification == nil || [verification isEqual:DRVerificationTypeNone])
-                made.verification = engine::Verification::None;
-            session.tracks.push_back(std::move(made));
+            auto made = trackOf(track, producedFor);
+            if (!made.ok())
+                return made.error();
+            session.tracks.push_back(std::move(*made));
         }
         layout.sessions.push_back(std::move(session));
     }
     return layout;
-}
-
-double speedLimitOfSessions(NSArray* sessions) {
-    double limit = engine::maximumSpeed;
-    for (NSArray* tracks : Elements<NSArray*>(sessions)) {
-        for (DRTrack* track : Elements<DRTrack*>(tracks)) {
-            id value = [[track properties] objectForKey:DRMaxBurnSpeedKey];
-            if ([value isKindOfClass:[NSNumber class]] && [value doubleValue] > 0) {
-                limit = std::min(limit, [value doubleValue]);
-            }
-        }
-    }
-    return limit;
 }
 
 } // namespace discrecording

@@ -1,6 +1,7 @@
 // DRBurnQRX.cpp: one burn of one drive.
 //
 // The platform burns in the background; a program starts the burn with a layout and polls its status.
+#include "plugin/bridge/Files.hpp"
 #include "plugin/bridge/Member.hpp"
 #include "plugin/bridge/Properties.hpp"
 #include "plugin/bridge/Registry.hpp"
@@ -19,6 +20,24 @@ using Speed = Number<float>;
 REALdictionary status(REALobject self) { return ask<Dictionary, "status">(self); }
 REALdictionary properties(REALobject self) { return ask<Dictionary, "properties">(self); }
 void setProperties(REALobject self, REALdictionary value) { tell<"setProperties:", Dictionary>(self, value); }
+
+// True says that the burn was started with the image's layout; what becomes of it stands in the status. What can't
+// be read as an image answers false and starts nothing.
+bool burnImage(REALobject self, objc::Id path) {
+    if (!path) return false;
+    const objc::Id layout = objc::sendClass<"DRBurn", "layoutForImageFile:">(path);
+    if (!layout) return false;
+    objc::send<"writeLayout:", void>(frame::held(self), layout);
+    return true;
+}
+
+// The slot is tested before the path is made.
+bool writeImageFile(REALobject self, REALfolderItem ImageFile) {
+    return guarded([=] { return frame::held(self) && burnImage(self, NewNSStringPath(ImageFile)); });
+}
+bool writeImageFilePath(REALobject self, REALstring ImagePath) {
+    return guarded([=] { return frame::held(self) && burnImage(self, NewNSString(ImagePath)); });
+}
 
 // Only with a track and a burn on both sides; otherwise nothing happens, without an exception.
 void writeLayout(REALobject self, REALobject track) {
@@ -106,6 +125,8 @@ using frame::method, frame::property, frame::sharedMethod;
 REALmethodDefinition methods[] = {
     method<"status as dictionary", status>(),
     property<"properties as dictionary", properties, setProperties>(),
+    method<"writeImageFile(ImageFile as FolderItem) as boolean", writeImageFile>(),
+    method<"writeImageFile(ImagePath as String) as boolean", writeImageFilePath>(),
     method<"writeLayout(track as DRTrackQRX)", writeLayout>(),
     method<"writeLayout(tracks() as DRTrackQRX)", writeLayoutArray>(),
     method<"device as DRDeviceQRX", device>(),

@@ -301,8 +301,10 @@ static void TestRefusals(NSString* source) {
     DRFolder* folder = [DRFolder folderWithPath:source];
     DRTrack* track = [DRTrack trackForRootFolder:folder];
     CheckRefused("no drive", BurnThatStays(nil), track, 0x80020023, @"no drive");
-    CheckRefused("a track of a producer", BurnThatStays(device),
-                 [[[DRTrack alloc] initWithProducer:@"x"] autorelease], 0x80020067, @"root folder");
+    CheckRefused("a producer that produces nothing", BurnThatStays(device),
+                 [[[DRTrack alloc] initWithProducer:@"x"] autorelease], 0x80020062, @"no method");
+    CheckRefused("neither folder nor producer", BurnThatStays(device),
+                 [[[DRTrack alloc] initWithProducer:nil] autorelease], 0x80020062, @"make it for one");
     CheckRefused("the same track twice", BurnThatStays(device), [NSArray arrayWithObjects:track, track, nil],
                  0x8002006F, @"twice");
     CheckRefused("two tracks on a DVD", BurnThatStays(device),
@@ -351,24 +353,21 @@ static void TestRefusals(NSString* source) {
         unsigned code;
     } burnAsks[] = {{DRBurnCompletionActionKey, @"Polish", 0x80020067},
                     {DRBurnFailureActionKey, DRBurnCompletionActionEject, 0x80020067},
-                    {DRMediaCatalogNumberKey, [NSData data], 0x80020067},
-                    {DRCDTextKey, [NSArray array], 0x80020201},
-                    {DRBurnTestingKey, [NSNumber numberWithBool:YES], 0x80020067},
-                    {DRBurnAppendableKey, [NSNumber numberWithBool:YES], 0x80020067}};
+                    {DRMediaCatalogNumberKey, [NSData data], 0x80020065},
+                    {DRCDTextKey, @"no block", 0x80020201},
+                    {DRBurnDoubleLayerL0DataZoneBlocksKey, @"half", 0x8002006A}};
     for (size_t i = 0; i < sizeof burnAsks / sizeof *burnAsks; i++) {
         DRBurn* burn = BurnThatStays(device);
         NSMutableDictionary* properties = [NSMutableDictionary dictionaryWithDictionary:[burn properties]];
         [properties setObject:burnAsks[i].value forKey:burnAsks[i].key];
         [burn setProperties:properties];
-        CheckRefused("what a burn can't do yet", burn, track, burnAsks[i].code, @"");
+        CheckRefused("what a burn can't do", burn, track, burnAsks[i].code, @"");
     }
     struct {
         NSString* key;
         id value;
         unsigned code;
-    } trackAsks[] = {{DRTrackISRCKey, [NSData data], 0x80020203},
-                     {DRIndexPointsKey, [NSArray array], 0x80020202},
-                     {DRVolumeCheckedDate, [NSDate date], 0x80020067},
+    } trackAsks[] = {{DRVolumeCheckedDate, [NSDate date], 0x80020067},
                      {DRISOMacExtensions, [NSNumber numberWithBool:YES], 0x80020067},
                      {DRISOLevel, [NSNumber numberWithInt:4], 0x80020065},
                      {DRPublisher, [NSNumber numberWithInt:1], 0x80020065},

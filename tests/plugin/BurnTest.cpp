@@ -1,7 +1,9 @@
 // BurnTest.cpp: burns, through the members that DRBurnQRX declares.
 #include "host/runtime/Array.hpp"
+#include "host/runtime/FolderItem.hpp"
 #include "plugin/bridge/Dictionaries.hpp"
 #include "plugin/bridge/Registry.hpp"
+#include "plugin/bridge/Wrappers.hpp"
 #include "tests/plugin/Companion.hpp"
 #include "tests/plugin/Drives.hpp"
 #include "tests/plugin/PluginTest.hpp"
@@ -194,6 +196,108 @@ TEST_F(Burn, AnArrayOfTracksOnAnEmptyBurnDoesNothing) {
     call<void>(className, arrayLayout, empty.get(), host::arrayHandle(tracks.get()));
     call<void>(className, arrayLayout, empty.get(), REALarray{nullptr});
     EXPECT_EQ(raised(), std::nullopt);
+}
+
+constexpr const char* imageByPath = "writeImageFile(ImagePath as String) as boolean";
+constexpr const char* imageByItem = "writeImageFile(ImageFile as FolderItem) as boolean";
+
+// The first burn makes an image, and the medium is emptied for the next.
+class ImageBurn : public Burn {
+  protected:
+    void SetUp() override {
+        Burn::SetUp();
+        const Ref first = device(), burn = burnFor(first);
+        stay(burn);
+        call<void>(className, "writeLayout(track as DRTrackQRX)", burn.get(), track().get());
+        ASSERT_EQ(finalState(burn), "DRStatusStateDone");
+        const std::string drive =
+            textOf(call<REALstring>("DRDeviceQRX", "ioRegistryEntryPath as string", first.get()));
+        std::filesystem::copy(std::filesystem::path(drive) / "medium.iso", image());
+    }
+    void stay(const Ref& burn) {
+        harness::setterOf<void(REALobject, REALstring)>(className, "completionAction as string")(
+            burn.get(), String("DRBurnCompletionActionMount").get());
+        harness::setterOf<void(REALobject, bool)>(className, "Overwrite as boolean")(burn.get(), true);
+    }
+    std::filesystem::path image() { return drives.scratch / "image.iso"; }
+    bool writePath(const Ref& burn, const String& path) {
+        return call<bool>(className, imageByPath, burn.get(), path.get());
+    }
+};
+
+TEST_F(ImageBurn, AnImageIsBurnedByItsPath) {
+    const Ref burn = burnFor(device());
+    stay(burn);
+    EXPECT_TRUE(writePath(burn, String(image().string())));
+    EXPECT_EQ(finalState(burn), "DRStatusStateDone");
+    EXPECT_EQ(raised(), std::nullopt);
+}
+
+TEST_F(ImageBurn, AnImageIsBurnedByItsFolderItem) {
+    const Ref burn = burnFor(device());
+    stay(burn);
+    const Ref item = host::newFolderItem(image().string());
+    EXPECT_TRUE((call<bool>(className, imageByItem, burn.get(), item.get())));
+    EXPECT_EQ(finalState(burn), "DRStatusStateDone");
+    EXPECT_EQ(raised(), std::nullopt);
+}
+
+TEST_F(ImageBurn, WhatIsNoReadableImageAnswersFalseAndStartsNothing) {
+    writeFile(drives.scratch / "no image.iso", "this is no image");
+    writeFile(drives.scratch / "empty.iso", "");
+    const Ref burn = burnFor(device());
+    testing::internal::CaptureStderr();
+    for (const char* name : {"not there.iso", "no image.iso", "empty.iso", "content"})
+        EXPECT_FALSE(writePath(burn, String((drives.scratch / name).string()))) << name;
+    EXPECT_FALSE((call<bool>(className, imageByPath, burn.get(), REALstring{nullptr}))) << "no path";
+    EXPECT_FALSE((call<bool>(className, imageByItem, burn.get(), REALfolderItem{nullptr}))) << "no item";
+    const Ref missing = host::newFolderItem((drives.scratch / "none.iso").string());
+    EXPECT_FALSE((call<bool>(className, imageByItem, burn.get(), missing.get())));
+    testing::internal::GetCapturedStderr();
+    EXPECT_EQ(raised(), std::nullopt);
+    EXPECT_EQ(state(burn), "DRStatusStateNone");
+}
+
+TEST_F(ImageBurn, ABurnWithoutADriveAnswersFalse) {
+    const Ref burn = make(className);
+    EXPECT_FALSE(writePath(burn, String(image().string())));
+    const Ref item = host::newFolderItem(image().string());
+    EXPECT_FALSE((call<bool>(className, imageByItem, burn.get(), item.get())));
+    EXPECT_EQ(raised(), std::nullopt);
+}
+
+TEST_F(ImageBurn, WhatThePlatformRaisesMakesItFalse) {
+    const Ref burn = burnFor(device());
+    stay(burn);
+    EXPECT_TRUE(writePath(burn, String(image().string())));
+    testing::internal::CaptureStderr();
+    EXPECT_FALSE(writePath(burn, String(image().string()))) << "a burn is good for one";
+    testing::internal::GetCapturedStderr();
+    EXPECT_EQ(raised()->className, "RuntimeException");
+    EXPECT_EQ(finalState(burn), "DRStatusStateDone");
+}
+
+TEST_F(Burn, EveryPropertyOfAKeyReadsEmptyUntilItIsSetAndThenWhatWasSet) {
+    const Ref burn = burnFor(device());
+    for (const char* declaration :
+         {"Overwrite as boolean", "UnderrunProtection as boolean", "Testing as boolean"}) {
+        EXPECT_FALSE((call<bool>(className, declaration, burn.get()))) << declaration;
+        harness::setterOf<void(REALobject, bool)>(className, declaration)(burn.get(), true);
+        EXPECT_TRUE((call<bool>(className, declaration, burn.get()))) << declaration;
+    }
+    const char* zone = "DoubleLayerL0DataZoneBlocks as double";
+    EXPECT_EQ((call<double>(className, zone, burn.get())), 0.0);
+    harness::setterOf<void(REALobject, double)>(className, zone)(burn.get(), 0.75);
+    EXPECT_EQ((call<double>(className, zone, burn.get())), 0.75);
+    const char* number = "MediaCatalogNumber as memoryblock";
+    EXPECT_EQ((call<REALmemoryBlock>(className, number, burn.get())), nullptr);
+    EXPECT_EQ(raised(), std::nullopt);
+}
+
+TEST_F(Burn, ThePlatformsBurnComesBackAsTheHostObjectThatMadeIt) {
+    const Ref burn = burnFor(device());
+    const Ref again = Ref::adopt(NewDRBurnQRX(frame::slot(burn.get())));
+    EXPECT_EQ(again.get(), burn.get());
 }
 
 } // namespace

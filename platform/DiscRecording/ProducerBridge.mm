@@ -1,0 +1,155 @@
+// ProducerBridge: an object that produces a track's data, as the engine asks it.
+#include "ProducerBridge.hpp"
+#import "DRDevicePrivate.h"
+#include "EngineThread.hpp"
+#include "LivingObjects.hpp"
+#include "PathStrings.hpp"
+#import "Raised.h"
+
+#include <stdexcept>
+
+namespace discrecording {
+namespace {
+
+class ProducerBridge final : public engine::TrackProducer {
+  public:
+    ProducerBridge(DRTrack* track, id producer, ProducedFor producedFor)
+        : track_(track), producer_(producer), for_(std::move(producedFor)) {}
+
+    uint64_t estimatedBlocks(uint64_t declared) override {
+        return ask(@selector(estimateLengthOfTrack:), declared,
+                   [&] { return [producer_ estimateLengthOfTrack:track_]; });
+    }
+
+    // Its answer stands in the track: preparing may have changed the length.
+    bool prepare(uint64_t& blocks, const engine::MediumInfo&) override {
+        const bool prepared = ask(@selector(prepareTrack:forBurn:toMedia:), true, [&] {
+            return [producer_ prepareTrack:track_
+                                   forBurn:livingObject(for_.burn)
+                                   toMedia:[DRDeviceOfDrive(for_.drive) status]] != NO;
+        });
+        const EngineThread thread;
+        if (prepared)
+            blocks = [[track_ length] sectors];
+        return prepared;
+    }
+
+    bool producesPreGap() override {
+        return responds(@selector(producePreGapForTrack:intoBuffer:length:atAddress:blockSize:ioFlags:));
+    }
+
+    size_t producePreGap(uint64_t block, std::span<std::byte> buffer, engine::ProduceFlags& flags) override {
+        return produced(flags, [&](uint32_t* bits) {
+            return [producer_ producePreGapForTrack:track_
+                                         intoBuffer:reinterpret_cast<char*>(buffer.data())
+                                             length:static_cast<uint32_t>(buffer.size())
+                                          atAddress:block
+                                          blockSize:blockBytes(flags)
+                                            ioFlags:bits];
+        });
+    }
+
+    size_t produce(uint64_t block, std::span<std::byte> buffer, engine::ProduceFlags& flags) override {
+        return produced(flags, [&](uint32_t* bits) {
+            return [producer_ produceDataForTrack:track_
+                                       intoBuffer:reinterpret_cast<char*>(buffer.data())
+                                           length:static_cast<uint32_t>(buffer.size())
+                                        atAddress:block
+                                        blockSize:blockBytes(flags)
+                                          ioFlags:bits];
+        });
+    }
+
+    bool prepareForVerification() override {
+        return ask(@selector(prepareTrackForVerification:), true,
+                   [&] { return [producer_ prepareTrackForVerification:track_] != NO; });
+    }
+
+    bool verifyPreGap(uint64_t block, std::span<const std::byte> bytes) override {
+        return ask(@selector(verifyPreGapForTrack:inBuffer:length:atAddress:blockSize:ioFlags:), true, [&] {
+            uint32_t bits = 0;
+            return [producer_ verifyPreGapForTrack:track_
+                                          inBuffer:reinterpret_cast<const char*>(bytes.data())
+                                            length:static_cast<uint32_t>(bytes.size())
+                                         atAddress:block
+                                         blockSize:blockBytes({})
+                                           ioFlags:&bits] != NO;
+        });
+    }
+
+    // Who wants to see the data and has no way to can't find it right.
+    bool verify(uint64_t block, std::span<const std::byte> bytes) override {
+        return ask(@selector(verifyDataForTrack:inBuffer:length:atAddress:blockSize:ioFlags:), false, [&] {
+            uint32_t bits = 0;
+            return [producer_ verifyDataForTrack:track_
+                                        inBuffer:reinterpret_cast<const char*>(bytes.data())
+                                          length:static_cast<uint32_t>(bytes.size())
+                                       atAddress:block
+                                       blockSize:blockBytes({})
+                                         ioFlags:&bits] != NO;
+        });
+    }
+
+    bool cleanupAfterVerification() override {
+        return ask(@selector(cleanupTrackAfterVerification:), true,
+                   [&] { return [producer_ cleanupTrackAfterVerification:track_] != NO; });
+    }
+
+    void cleanupAfterBurn() override {
+        ask(@selector(cleanupTrackAfterBurn:), true, [&] {
+            [producer_ cleanupTrackAfterBurn:track_];
+            return true;
+        });
+    }
+
+  private:
+    bool responds(SEL selector) const {
+        const EngineThread thread;
+        bool answer = false;
+        raisedBy([&] { answer = [producer_ respondsToSelector:selector] != NO; });
+        return answer;
+    }
+
+    // What the method answers, or `otherwise` where the producer has none. What it raises is a failure whose
+    // detail is what was raised.
+    template <typename Answer, typename Call>
+    Answer ask(SEL selector, Answer otherwise, const Call& call) const {
+        const EngineThread thread;
+        Answer answer = otherwise;
+        NSString* raised = raisedBy([&] {
+            if ([producer_ respondsToSelector:selector])
+                answer = call();
+        });
+        if (raised != nil)
+            throw std::runtime_error(pathnames::bytesOf(raised));
+        return answer;
+    }
+
+    template <typename Call> size_t produced(engine::ProduceFlags& flags, const Call& call) const {
+        const EngineThread thread;
+        uint32_t bits = flags.subchannelDataRequested ? DRFlagSubchannelDataRequested : 0;
+        size_t count = 0;
+        NSString* raised = raisedBy([&] { count = call(&bits); });
+        if (raised != nil)
+            throw std::runtime_error(pathnames::bytesOf(raised));
+        flags.noMoreData = (bits & DRFlagNoMoreData) != 0;
+        return count;
+    }
+
+    uint32_t blockBytes(const engine::ProduceFlags& flags) const {
+        const uint32_t data = [[[track_ properties] objectForKey:DRBlockSizeKey] unsignedIntValue];
+        return data + (flags.subchannelDataRequested ? static_cast<uint32_t>(engine::subchannelBytes) : 0);
+    }
+
+    DRTrack* track_; // not retained
+    id producer_;    // neither
+    const ProducedFor for_;
+};
+
+} // namespace
+
+std::shared_ptr<engine::TrackProducer> makeProducer(DRTrack* track, id producer, ProducedFor producedFor) {
+    return std::make_shared<ProducerBridge>(track, producer, std::move(producedFor));
+}
+
+} // namespace discrecording
