@@ -1,0 +1,72 @@
+' Files whose bytes come from events: what goes wrong in an event ends the burn with a sentence, and all is cleaned up.
+' environment: DISC_DRIVES=drives
+Class Produced Inherits DRFileQRX
+    Public Mode As String
+    Shared Prepared As Integer
+    Shared CleanedUp As Integer
+
+    Event prepareFileForBurn() As Boolean
+        Produced.Prepared = Produced.Prepared + 1
+        Return Mode <> "unprepared"
+    End Event
+
+    Event calculateSizeOfFile(fork As Integer, estimating As Boolean) As UInt64
+        If fork <> DRFileQRX.DRFileForkData Or estimating Then Return 1
+        Return 5000
+    End Event
+
+    Event produceFile(fork As Integer, buffer As MemoryBlock, Bufferlen As UInt32, address As UInt64, blocksize As UInt32) As UInt32
+        If Mode = "raises" Then Raise New UnsupportedOperationException("no bytes today")
+        If Mode = "short" And address >= 3000 Then Return 0
+        If Mode = "short" Or Mode = "slow" Then
+            Dim count As Integer = Min(1000, Bufferlen)
+            For i As Integer = 0 To count - 1
+                buffer.UInt8Value(i) = (address + i) Mod 251
+            Next
+            Return count
+        End If
+        Return Bufferlen + 1
+    End Event
+
+    Event cleanupFileAfterBurn()
+        Produced.CleanedUp = Produced.CleanedUp + 1
+    End Event
+End Class
+
+' How the burn ended; what an event raised comes out here, at the program's next statement.
+Function BurnOf(mode As String) As String
+    Dim file As New Produced("produced.bin")
+    file.Mode = mode
+    Dim root As DRFolderQRX = DRFolderQRX.virtualFolderWithName("Events")
+    root.addChild(file)
+    Dim burn As New DRBurnQRX(DRDeviceQRX.device(0))
+    burn.BurnFailureAction = DRBurnQRX.DRBurnFailureActionNone
+    burn.completionAction = DRBurnQRX.DRBurnCompletionActionMount
+    burn.writeLayout(DRTrackQRX.trackForRootFolder(root))
+    Dim raised As String
+    Do
+        Try
+            App.DoEvents(10)
+        Catch e As UnsupportedOperationException
+            raised = " and " + e.Message
+        End Try
+        Dim status As Dictionary = burn.status
+        Dim state As String = status.Value(DRBurnQRX.DRStatusStateKey)
+        If state = DRBurnQRX.DRStatusStateDone Then Return "done" + raised
+        If state = DRBurnQRX.DRStatusStateFailed Then
+            Dim problem As Dictionary = status.Value(DRBurnQRX.DRErrorStatusKey)
+            Dim code As Integer = problem.Value(DRBurnQRX.DRErrorStatusErrorKey)
+            Return Hex(code) + ": " + problem.Value(DRBurnQRX.DRErrorStatusErrorStringKey).StringValue + raised
+        End If
+    Loop
+End Function
+
+Print BurnOf("unprepared") ' expect: 80020062: The producer of the file "produced.bin" could not prepare it, or can't tell its size.
+Print BurnOf("raises") ' expect: 80020062: The producer of the file "produced.bin" gave 0 bytes of the 5000 that it had announced. and no bytes today
+Print BurnOf("short") ' expect: 80020062: The producer of the file "produced.bin" gave 3000 bytes of the 5000 that it had announced.
+Print BurnOf("more") ' expect: 80020062: The producer of the file "produced.bin" says that it gave more than it was asked for.
+Print DRDeviceQRX.device(0).mediaIsBlank ' expect: True
+Print BurnOf("slow") ' expect: done
+App.DoEvents(200)
+Print Produced.Prepared ' expect: 5
+Print Produced.CleanedUp ' expect: 5
