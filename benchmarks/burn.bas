@@ -9,6 +9,8 @@ Dim burn As New DRBurnQRX(drive)
 Dim how As String = App.Arguments(1)
 burn.verifyDisc = how = "verify"
 burn.completionAction = DRBurnQRX.DRBurnCompletionActionMount
+' A burn that fails would eject the disc: opening the tray is made durable, which is not what is measured.
+burn.BurnFailureAction = DRBurnQRX.DRBurnFailureActionNone
 burn.Overwrite = True
 
 Dim root As DRFolderQRX = DRFolderQRX.folderWithPath(App.Arguments(0))

@@ -1,12 +1,13 @@
 #!/usr/bin/env python3
 """burn.py: burns side by side with the programs that people use for it, whole processes, one run.
 
-    benchmarks/burn.py [--rounds 5] [--scale 1.0] [--folder DIR]
+    benchmarks/burn.py [--rounds 5] [--scale 1.0] [--folder DIR] [--only sets,kinds,memory,drives,abort]
 
 Three sets: one file of 1 GiB, 20,000 files of 4 KiB in 200 folders, 200 files of 5 MiB. In every round each command
 runs once, in random order, on files that are in the page cache. Every figure is durable: the peers are followed by a
 sync of their image, and our burn does not say that it is done before its data is synced. Quoted are medians, and the
-ratios of medians. --scale 0.1 makes everything a tenth of its size, to try the script.
+ratios of medians. Then every kind of medium burns what fits on a CD, 100,000 files show how much memory they take, and
+50 drives how long it takes to list them. --scale 0.1 makes everything a tenth of its size, to try the script.
 """
 import argparse
 import os
@@ -20,6 +21,8 @@ import time
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 HOST = os.path.join(ROOT, "build/release/bin/disc-basic")
+TOOL = os.path.join(ROOT, "build/release/bin/disc-drives")
+KINDS = ("CD-R", "CD-RW", "DVD-R", "DVD-R DL", "DVD-RW", "DVD-RAM", "DVD+R", "DVD+R DL", "DVD+RW", "BD-R", "BD-RE")
 PROGRAM = os.path.join(ROOT, "benchmarks/burn.bas")
 
 
@@ -39,6 +42,8 @@ def make_sets(folder, scale):
         "1 GiB": [("one", int((1 << 30) * scale))],
         "20,000 small": [(f"folder{i // 100:03}/file{i:05}", 4096) for i in range(int(20000 * scale))],
         "200 x 5 MiB": [(f"file{i:03}", int((5 << 20) * scale)) for i in range(200)],
+        "600 MB": [("one", int(600e6 * scale))],
+        "100,000 small": [(f"folder{i // 100:04}/file{i:06}", 100) for i in range(int(100000 * scale))],
         "empty": [],
     }
     made = {}
@@ -65,7 +70,7 @@ def run(command, env=None):
 
 def peak_memory(command, env):
     """Peak memory (MiB) of one run, watched from outside: what wait4 tells includes this script before the exec."""
-    process = subprocess.Popen(command, stdout=subprocess.DEVNULL, env=env)
+    process = subprocess.Popen(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, env=env)
     peak = 0
     while process.poll() is None:
         try:
@@ -88,9 +93,15 @@ class Bench:
         shutil.rmtree(self.out, ignore_errors=True)
         os.makedirs(os.path.join(self.out, "drives"))
 
+    def insert(self, kind):
+        self.fresh()
+        run([TOOL, "create", "drive", "--kind", kind], self.environment())
+
+    def environment(self):
+        return dict(os.environ, DISC_DRIVES=os.path.join(self.out, "drives"))
+
     def ours(self, source, how, measure=run):
-        env = dict(os.environ, DISC_DRIVES=os.path.join(self.out, "drives"))
-        return measure([HOST, "run", PROGRAM, source, how], env)
+        return measure([HOST, "run", PROGRAM, source, how], self.environment())
 
     def memory(self, source):
         self.fresh()
@@ -108,17 +119,22 @@ class Bench:
         }
 
 
-def compare(bench, name, source, rounds):
+def make_image(bench, source):
     subprocess.run(["genisoimage", "-quiet", "-R", "-J", "-iso-level", "3", "-o", bench.image, source],
                    check=True, stderr=subprocess.DEVNULL)
     subprocess.run(["sync"], check=True)
-    commands = bench.commands(source)
+
+
+def compare(bench, name, source, rounds, commands=None, prepare=lambda command: None):
+    make_image(bench, source)
+    commands = commands or bench.commands(source)
     walls = {command: [] for command in commands}
     for counted in range(-1, rounds):
         order = list(commands)
         random.shuffle(order)
         for command in order:
             bench.fresh()
+            prepare(command)
             wall, _ = commands[command]()
             if counted >= 0:  # the first round warms up
                 walls[command].append(wall)
@@ -129,12 +145,59 @@ def compare(bench, name, source, rounds):
               f"{middle[command] / middle['genisoimage']:14.2f}{middle[command] / middle['cp image']:7.2f}", flush=True)
 
 
+def every_kind(bench, source, rounds):
+    """Each kind of medium, without and with verifying, beside the same peers."""
+    peers = {name: command for name, command in bench.commands(source).items() if name in ("genisoimage", "cp image")}
+    for kind in KINDS:
+        commands = {f"{kind}": lambda: bench.ours(source, "plain"), f"{kind} + verify": lambda: bench.ours(source, "verify"),
+                    **peers}
+        compare(bench, f"600 MB on {kind}", source, rounds, commands,
+                lambda command, kind=kind: bench.insert(kind) if command.startswith(kind) else None)
+
+
+def memory(bench, sets):
+    empty = bench.memory(sets["empty"])
+    for name in ("20,000 small", "100,000 small"):
+        ours = bench.memory(sets[name])
+        bench.fresh()
+        peer = peak_memory(["xorriso", "-as", "mkisofs", "-quiet", "-R", "-J", "-o", os.path.join(bench.out, "peer.iso"),
+                            sets[name]], None)
+        print(f"\npeak memory, {name}: {ours:.1f} MiB ({empty:.1f} MiB for an empty disc); xorriso {peer:.1f} MiB")
+
+
+def listing(bench, rounds):
+    """50 drives: the whole command, beside the command that does nothing but start."""
+    bench.fresh()
+    for number in range(50):
+        run([TOOL, "create", f"drive-{number}", "--kind", KINDS[number % len(KINDS)]], bench.environment())
+    times = {what: [] for what in ("list", "--help")}
+    for _ in range(rounds * 4):
+        for what, walls in times.items():
+            walls.append(run([TOOL, what], bench.environment())[0] * 1000)
+    print(f"\nlisting 50 drives: median {statistics.median(times['list']):.1f} ms, worst {max(times['list']):.1f} ms; "
+          f"the command alone {statistics.median(times['--help']):.1f} ms")
+
+
+def abort(bench, sets, rounds):
+    idle = []
+    for _ in range(rounds):
+        bench.fresh()
+        idle.append(float(bench.ours(sets["1 GiB"], "abort")[1].split()[-1]))
+    print(f"\nabort to idle: median {statistics.median(idle):.1f} ms, worst {max(idle):.1f} ms")
+
+
 def main():
     options = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     options.add_argument("--rounds", type=int, default=5)
     options.add_argument("--scale", type=float, default=1.0)
-    options.add_argument("--folder", help="where to work; needs about 7 GiB (default: the system's temporary folder)")
+    options.add_argument("--folder", help="where to work; needs about 9 GiB (default: the system's temporary folder)")
+    options.add_argument("--only", default="sets,kinds,memory,drives,abort", help="which parts, of all")
+    options.add_argument("--build", help="where what is measured was built (default: build/release)")
     options = options.parse_args()
+    options.only = options.only.split(",")
+    if options.build:
+        global HOST, TOOL
+        HOST, TOOL = (os.path.join(options.build, "bin", name) for name in ("disc-basic", "disc-drives"))
     for program in ("genisoimage", "xorriso"):
         if not shutil.which(program):
             sys.exit(f"burn.py: {program} is missing; install it with apt-get install {program}")
@@ -143,15 +206,17 @@ def main():
     with tempfile.TemporaryDirectory(dir=options.folder, prefix="disc-bench-") as scratch:
         bench = Bench(scratch)
         sets = make_sets(scratch, options.scale)
-        for name in ("1 GiB", "20,000 small", "200 x 5 MiB"):
-            compare(bench, name, sets[name], options.rounds)
-        empty, small = bench.memory(sets["empty"]), bench.memory(sets["20,000 small"])
-        print(f"\npeak memory: {empty:.1f} MiB for an empty disc, {small - empty:.1f} MiB more for 20,000 files")
-        idle = []
-        for _ in range(options.rounds):
-            bench.fresh()
-            idle.append(float(bench.ours(sets["1 GiB"], "abort")[1].split()[-1]))
-        print(f"abort to idle: median {statistics.median(idle):.1f} ms, worst {max(idle):.1f} ms")
+        if "sets" in options.only:
+            for name in ("1 GiB", "20,000 small", "200 x 5 MiB"):
+                compare(bench, name, sets[name], options.rounds)
+        if "kinds" in options.only:
+            every_kind(bench, sets["600 MB"], options.rounds)
+        if "memory" in options.only:
+            memory(bench, sets)
+        if "drives" in options.only:
+            listing(bench, options.rounds)
+        if "abort" in options.only:
+            abort(bench, sets, options.rounds)
 
 
 if __name__ == "__main__":
