@@ -1,7 +1,9 @@
 #!/usr/bin/python3
 """Trees made in memory: what each file system of the disc shows of them, read by programs that are not ours."""
 import os
+import random
 import subprocess
+import unicodedata
 import unittest
 
 import pycdlib
@@ -20,17 +22,22 @@ class Trees(ExamplesCase):
     def bas(self, text):
         return self.write("program.bas", text.encode(), self.scratch)
 
+    def plain(self, name):
+        """Without the version, and the dot that stands in front of it where there is no extension."""
+        return name.removesuffix(";1").removesuffix(".")
+
     def joliet(self, image):
         iso = pycdlib.PyCdlib()
         iso.open(image)
-        found = [os.path.join(folder, name).removesuffix(";1") for folder, _, names in iso.walk(joliet_path="/") for name in names]
+        found = [self.plain(os.path.join(folder, name)) for folder, _, names in iso.walk(joliet_path="/") for name in names]
         iso.close()
         return sorted(found)
 
     def hfs_plus(self, image):
-        """Names as 7zz finds them; it warns that something stands in front."""
+        """Names, composed, as 7zz finds them; it warns that something stands in front."""
         done = subprocess.run(["7zz", "l", "-slt", "-thfs", image], capture_output=True, text=True, check=False)
-        names = [line[7:] for line in done.stdout.splitlines() if line.startswith("Path = ")]
+        listed = unicodedata.normalize("NFC", done.stdout)
+        names = [line[7:] for line in listed.splitlines() if line.startswith("Path = ")]
         return sorted(name for name in names if name != image)
 
     def in_hfs_plus(self, image, path):
@@ -92,6 +99,93 @@ class Trees(ExamplesCase):
         self.succeed("generated-files.bas", "20000")
         self.assertEqual(self.files_on(self.image())["powers of 2.txt"].decode(),
                          "".join(f"{n:10}{n * n:13}\n" for n in range(1, 20001)))
+
+    # ---- random trees -----------------------------------------------------------------------------------------
+
+    # Letters that each file system keeps; a name of two dots is another one in Joliet.
+    LETTERS = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789 _-+()äößéñ日本語Жя"
+
+    def random_name(self, dice, taken):
+        while True:
+            name = "".join(dice.choice(self.LETTERS) for _ in range(dice.randint(1, 30))).strip() or "x"
+            name += dice.choice(["", ".txt", ".jpeg", ".tar.gz"])
+            if name.lower() not in taken:
+                taken.add(name.lower())
+                return name
+
+    def random_program(self, dice):
+        """A program that burns a tree and prints what Joliet calls its items; and the files that are to be there."""
+        lines = ['Dim f0 As DRFolderQRX = DRFolderQRX.virtualFolderWithName("Random")',
+                 "f0.explicitFilesystemMask = 11", "Dim bytes As MemoryBlock"]
+        folders = [("", 0, set())]
+        wanted = {}
+        for number in range(1, dice.randint(5, 40)):
+            path, parent, taken = dice.choice(folders)
+            name = self.random_name(dice, taken)
+            where = f"{path}/{name}" if path else name
+            if dice.random() < 0.3 and path.count("/") < 6:
+                lines.append(f'Dim f{number} As DRFolderQRX = DRFolderQRX.virtualFolderWithName("{name}")')
+                folders.append((where, number, set()))
+                wanted[where] = None
+            else:
+                data = "".join(dice.choice("abcdefgh") for _ in range(dice.choice([0, 1, 100, 2048, 5000])))
+                mode = dice.choice([0o644, 0o400, 0o755])
+                lines.append(f"bytes = New MemoryBlock({len(data)})")
+                if data:
+                    lines.append(f'bytes.StringValue(0, {len(data)}) = "{data}"')
+                lines += [f'Dim f{number} As DRFileQRX = DRFileQRX.virtualFileWithName("{name}", bytes)',
+                          f"f{number}.setProperty({mode}, DRFSObjectQRX.DRPosixFileMode, DRFSObjectQRX.DRISO9660)"]
+                wanted[where] = (data.encode(), mode)
+            lines.append(f"f{parent}.addChild(f{number})")
+            lines.append(f'Print f{number}.mangledNameForFilesystem(DRFSObjectQRX.DRJoliet)')
+        lines += ["Dim burn As New DRBurnQRX(DRDeviceQRX.device(0))",
+                  "burn.completionAction = DRBurnQRX.DRBurnCompletionActionMount", "burn.Overwrite = True",
+                  "burn.writeLayout(DRTrackQRX.trackForRootFolder(f0))", "Dim state As String", "Do", "App.DoEvents(10)",
+                  "state = burn.status.Value(DRBurnQRX.DRStatusStateKey)",
+                  "Loop Until state = DRBurnQRX.DRStatusStateDone Or state = DRBurnQRX.DRStatusStateFailed", "Print state"]
+        return "\n".join(lines) + "\n", wanted
+
+    def burn_random(self, seed):
+        text, wanted = self.random_program(random.Random(seed))
+        program = os.path.join(self.scratch, "random.bas")
+        with open(program, "w", encoding="utf-8") as file:
+            file.write(text)
+        said = self.succeed(program).splitlines()
+        self.assertEqual(said[-1], "DRStatusStateDone")
+        return wanted, said[:-1]
+
+    def check_random(self, seed):
+        wanted, joliet = self.burn_random(seed)
+        image = self.image()
+        listed = subprocess.run(["bsdtar", "--format=mtree", "--options=mtree:!all,mode,type,size", "-cf", "-",
+                                 "@" + image], capture_output=True, check=True).stdout.decode()
+        modes = {}
+        for line in listed.splitlines()[1:]:
+            words = line.split(" ")
+            name = words[0].encode().decode("unicode_escape").encode("latin-1").decode("utf-8")
+            modes[name.removeprefix("./")] = {word.split("=")[0]: word.split("=")[1] for word in words[1:]}
+        files = self.files_on(image)
+        self.assertEqual(sorted(name for name in modes if name != "."), sorted(wanted))
+        for name, content in wanted.items():
+            if content is None:
+                self.assertEqual(modes[name]["type"], "dir", name)
+                continue
+            self.assertEqual(files[name], content[0], name)
+            self.assertEqual(int(modes[name]["mode"], 8), content[1], name)
+        iso = pycdlib.PyCdlib()
+        iso.open(image)
+        found = []
+        for _, folders, names in iso.walk(joliet_path="/"):
+            found += folders + [self.plain(name) for name in names]
+        iso.close()
+        self.assertEqual(sorted(found), sorted(joliet))
+        self.assertEqual(sorted(name.removeprefix("Random/") for name in self.hfs_plus(image) if name != "Random"),
+                         sorted(wanted))
+
+    def test_random_trees_are_the_same_for_every_reader(self):
+        for seed in range(25):
+            with self.subTest(seed=seed):
+                self.check_random(seed)
 
 
 if __name__ == "__main__":
