@@ -44,8 +44,8 @@ class VirtualTarget final : public BurnTarget {
         kept_ = record_.sessions.size();
         renewsStart_ = facts_.overwritable && (plan.appendable || !isFirst);
         endState_ = plan.appendable ? MediumState::Appendable : MediumState::Complete;
-        const bool hasTwoLayers = record_.kind == MediumKind::DVDRDualLayer ||
-                                  record_.kind == MediumKind::DVDPlusRDoubleLayer;
+        const bool hasTwoLayers =
+            record_.kind == MediumKind::DVDRDualLayer || record_.kind == MediumKind::DVDPlusRDoubleLayer;
         if (plan.doubleLayerL0DataZone && *plan.doubleLayerL0DataZone > 1 && hasTwoLayers)
             record_.doubleLayerL0DataZoneBlocks = static_cast<uint64_t>(*plan.doubleLayerL0DataZone);
         if (!plan.mediaCatalogNumber.empty()) record_.mediaCatalogNumber = plan.mediaCatalogNumber;
