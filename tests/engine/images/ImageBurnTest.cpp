@@ -1,0 +1,109 @@
+// Images on discs, and the discs' own files as images again: what a copy of a disc is made of.
+#include "Fixture.hpp"
+#include "images/ReadImage.hpp"
+#include "sectors/SectorCoding.hpp"
+
+namespace {
+
+using namespace engine;
+
+class ImageBurn : public EngineTest {
+  protected:
+    ImageLayout read(const fs::path& path) {
+        auto image = readImageFile(path.string());
+        EXPECT_TRUE(image.ok()) << (image.ok() ? "" : image.error().message);
+        return image.ok() ? std::move(*image) : ImageLayout{};
+    }
+    // Burns an image with verification onto a new medium, and answers the drive's folder.
+    fs::path burnTo(const char* name, MediumKind kind, const ImageLayout& image) {
+        VirtualDriveSetup setup;
+        setup.medium = kind;
+        const fs::path folder = base / "drives" / name;
+        EXPECT_TRUE(makeVirtualDrive(folder.string(), setup).ok());
+        BurnOptions options;
+        image.applyTo(options);
+        EXPECT_DONE(burn(VirtualDrive::open(folder.string()), image.layout, options));
+        return folder;
+    }
+    // Mode 1 sectors of these data, from block 0 on.
+    static std::string sectorsOf(const std::string& data) {
+        std::string sectors(data.size() / 2048 * sectorBytes, '\0');
+        for (size_t number = 0; number < data.size() / 2048; ++number)
+            encodeSector(BlockForm::Data, static_cast<int64_t>(number),
+                         std::as_bytes(std::span(data).subspan(number * 2048, 2048)),
+                         std::as_writable_bytes(std::span(sectors).subspan(number * sectorBytes))
+                             .first<sectorBytes>());
+        return sectors;
+    }
+};
+
+TEST_F(ImageBurn, AMixedDiscIsBurnedFromItsSheetAndCopied) {
+    const std::string data = sectorsOf(noise(400 * 2048)), sound = noise(900 * sectorBytes, 3);
+    write("disc.bin", data + sound);
+    write("disc.cue", "CATALOG 0123456789012\nTITLE \"Mixed\"\nFILE \"disc.bin\" BINARY\n"
+                      "  TRACK 01 MODE1/2352\n    INDEX 01 00:00:00\n"
+                      "  TRACK 02 AUDIO\n    TITLE \"Two\"\n    FLAGS DCP PRE\n    ISRC USRC17607839\n"
+                      "    INDEX 00 00:05:25\n    INDEX 01 00:07:25\n    INDEX 02 00:09:00\n"
+                      "  TRACK 03 AUDIO\n    INDEX 01 00:12:00\n");
+    const fs::path disc = burnTo("drive-1", MediumKind::CDR, read(source / "disc.cue"));
+    EXPECT_TRUE(bytesOf(disc / "medium.bin") == data + sound); // sector for sector
+
+    const fs::path copy = burnTo("drive-2", MediumKind::CDR, read(disc / "medium.cue"));
+    EXPECT_TRUE(bytesOf(copy / "medium.bin") == data + sound);
+    const std::string sheet = bytesOf(copy / "medium.cue");
+    EXPECT_EQ(sheet, bytesOf(disc / "medium.cue"));
+    EXPECT_EQ(bytesOf(copy / "medium.cdt"), bytesOf(disc / "medium.cdt"));
+    EXPECT_FALSE(bytesOf(copy / "medium.cdt").empty());
+    for (const char* part : {"CATALOG 0123456789012", "TITLE \"Two\"", "FLAGS DCP PRE", "ISRC USRC17607839",
+                             "INDEX 00 00:05:25", "INDEX 02 00:09:00"})
+        EXPECT_NE(sheet.find(part), std::string::npos) << part << " is not in\n" << sheet;
+}
+
+TEST_F(ImageBurn, AHiddenPreGapComesThrough) {
+    const std::string sound = noise(500 * sectorBytes);
+    write("disc.bin", sound);
+    write("disc.cue", "FILE disc.bin BINARY\nTRACK 1 AUDIO\nINDEX 0 00:00:00\nINDEX 1 00:00:40\nTRACK 2 "
+                      "AUDIO\nINDEX 1 00:04:00\n");
+    const fs::path disc = burnTo("drive-1", MediumKind::CDR, read(source / "disc.cue"));
+    EXPECT_TRUE(bytesOf(disc / "medium.bin") == sound);
+    EXPECT_NE(bytesOf(disc / "medium.cue").find("INDEX 01 00:00:40"), std::string::npos)
+        << bytesOf(disc / "medium.cue");
+}
+
+TEST_F(ImageBurn, APlainImageIsTheMedium) {
+    write("files/one.txt", noise(5000));
+    const fs::path iso = source / "disc.iso";
+    ASSERT_EQ(std::system(("genisoimage -quiet -V VOLUME -o '" + iso.string() + "' '" +
+                           (source / "files").string() + "'")
+                              .c_str()),
+              0);
+    for (const MediumKind kind : {MediumKind::CDR, MediumKind::DVDPlusRW, MediumKind::BDR}) {
+        const fs::path disc =
+            burnTo(("drive-" + std::to_string(static_cast<int>(kind))).c_str(), kind, read(iso));
+        // A medium's own alignment may follow.
+        EXPECT_TRUE(bytesOf(disc / "medium.iso").starts_with(bytesOf(iso))) << static_cast<int>(kind);
+    }
+}
+
+// A .bin of data only is not bound to CDs.
+TEST_F(ImageBurn, TheDataOfWholeSectorsGoOntoADVD) {
+    const std::string data = noise(100 * 2048);
+    write("disc.bin", sectorsOf(data));
+    write("disc.cue", "FILE disc.bin BINARY\nTRACK 1 MODE1/2352\nINDEX 1 00:00:00\n");
+    const fs::path disc = burnTo("drive-1", MediumKind::DVDPlusRW, read(source / "disc.cue"));
+    EXPECT_TRUE(bytesOf(disc / "medium.iso").starts_with(data));
+}
+
+TEST_F(ImageBurn, AFileThatVanishesFailsTheBurnAndLeavesTheDiscBlank) {
+    write("disc.bin", noise(500 * sectorBytes));
+    write("disc.cue", "FILE disc.bin BINARY\nTRACK 1 AUDIO\nINDEX 1 00:00:00\n");
+    const ImageLayout image = read(source / "disc.cue");
+    fs::remove(source / "disc.bin");
+    const auto drive = makeDrive(MediumKind::CDR);
+    EXPECT_FAILED(burn(drive, image.layout), FileLocationConflict,
+                  "The file \"" + (source / "disc.bin").string() +
+                      "\" can't be opened: No such file or directory.");
+    EXPECT_TRUE(drive->mediumInfo()->blank);
+}
+
+} // namespace
