@@ -36,6 +36,7 @@ class CueDisc {
         image.mediaCatalogNumber = told_.catalogNumber;
         const bool hasSound = std::any_of(told_.tracks.begin(), told_.tracks.end(),
                                           [](const CueTrack& each) { return each.isSound(); });
+        told_.texts.findLanguage();
         // CD-Text is about music; the title of a data disc is its volume's name.
         if (hasSound)
             image.cdText = told_.packs.empty() ? packsOf({told_.texts}, told_.tracks.size()) : told_.packs;

@@ -32,6 +32,16 @@ void DiscTexts::setGenre(uint16_t code, std::string_view bytes) {
     set(CDTextType::Genre, 0, bytes);
 }
 
+void DiscTexts::findLanguage() {
+    const auto isKana = [](char16_t each) { return each >= u'\u3041' && each <= u'\u30FF'; };
+    for (const auto& [type, texts] : block_.texts)
+        for (const std::string& text : texts)
+            if (const std::u16string units = utf16Of(text); std::any_of(units.begin(), units.end(), isKana)) {
+                block_.language = cdTextLanguage("ja");
+                block_.characters = CDTextCharacters::ShiftJIS;
+            }
+}
+
 CDTextBlock DiscTexts::block(size_t tracks) const {
     CDTextBlock block = block_;
     block.firstTrack = 1;

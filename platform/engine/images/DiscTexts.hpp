@@ -20,6 +20,8 @@ class DiscTexts {
     void set(CDTextType type, size_t track, std::string_view bytes);
     void setGenre(uint16_t code, std::string_view bytes);
     void setCharacters(CDTextCharacters characters) { block_.characters = characters; }
+    /// Where a text has kana, Japanese and its characters: Latin-1 has none of them.
+    void findLanguage();
     bool isEmpty() const noexcept { return block_.texts.empty() && block_.genreCode == 0; }
     /// For a disc of so many tracks.
     CDTextBlock block(size_t tracks) const;

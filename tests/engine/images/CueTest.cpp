@@ -273,6 +273,18 @@ TEST_F(Cue, AnySystemsTextIsRead) {
     EXPECT_EQ(textIn(readText("disc.cue", "\xFE\xFF" + turned), CDTextType::Title, 1), "Fr\xF6hlich");
 }
 
+// A sheet doesn't say its language; kana do.
+TEST_F(Cue, JapaneseTitlesStayJapanese) {
+    write("disc.bin", noise(10 * cd));
+    const auto image = readText(
+        "disc.cue", "TITLE \"\u3042\u3044\"\nFILE disc.bin BINARY\nTRACK 1 AUDIO\nINDEX 1 00:00:00\n");
+    const auto blocks = cdTextFromPacks(image.cdText);
+    ASSERT_TRUE(blocks.ok());
+    EXPECT_EQ(blocks->at(0).language, cdTextLanguage("ja"));
+    EXPECT_EQ(cdTextDecoded(blocks->at(0).texts.at(CDTextType::Title).at(0), blocks->at(0).characters),
+              u"\u3042\u3044");
+}
+
 TEST_F(Cue, NamesMayHaveBlanksAndQuotes) {
     const std::string bytes = noise(10 * cd);
     for (const char* name : {"my disc.bin", "my \"new\" disc.bin", "m\xC3\xBCsic.bin", "m\xFCsic.bin"}) {
