@@ -112,12 +112,13 @@ void addMediumCommands(CommandSet& set, Given& given) {
                                "  disc-drives insert burner blank.medium\n"
                                "  disc-drives insert burner holiday.iso\n"
                                "  disc-drives insert burner holiday.iso --kind DVD+RW\n"
+                               "  disc-drives insert burner album.cue\n"
                                "  disc-drives insert burner exported-folder",
                                [&] { return insertMedium(given.common, given.inserting); });
     insert->add_option("NAME", given.inserting.name, "The drive, as list names it")->required();
     insert
         ->add_option("MEDIUM", given.inserting.medium,
-                     "A file of blank-medium, a folder of export, or an image (.iso)")
+                     "A file of blank-medium, a folder of export, or an image (.iso, .cue, .toc)")
         ->required();
     insert->add_option("-k,--kind", given.inserting.kind,
                        "What an image is put on (default: a medium that can only be read)");

@@ -114,6 +114,11 @@ void Progress::show(uint64_t bytesDone) {
     if (quarter_ > 0) std::fprintf(stderr, "  %d%%\n", quarter_ * 25);
 }
 
+void Progress::show(uint64_t bytesDone, uint64_t totalBytes) {
+    total_ = totalBytes;
+    show(bytesDone);
+}
+
 void Progress::drawBar(double part) {
     constexpr int width = 30;
     const int filled = static_cast<int>(part * width);

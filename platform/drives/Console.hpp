@@ -36,6 +36,8 @@ class Progress {
 
     void add(uint64_t bytes) { show(done_ + bytes); }
     void show(uint64_t bytesDone);
+    /// For work whose size is known later, or anew for each of its parts.
+    void show(uint64_t bytesDone, uint64_t totalBytes);
 
   private:
     void drawBar(double part);

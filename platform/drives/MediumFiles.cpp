@@ -1,8 +1,11 @@
 // Media as files.
 #include "MediumFiles.hpp"
+#include "BurnJob.hpp"
 #include "Failure.hpp"
 #include "FileSystemCheck.hpp"
+#include "Lookup.hpp"
 #include "MediumNames.hpp"
+#include "images/ReadImage.hpp"
 
 #include <cerrno>
 #include <cstdio>
@@ -10,6 +13,7 @@
 #include <filesystem>
 #include <map>
 #include <set>
+#include <strings.h>
 #include <unistd.h>
 
 namespace drives {
@@ -117,6 +121,40 @@ MediumFiles stageImage(const std::string& path, const std::string& kind, const S
     return medium;
 }
 
+bool isSheet(const fs::path& path) {
+    const std::string extension = path.extension().string();
+    return ::strcasecmp(extension.c_str(), ".cue") == 0 || ::strcasecmp(extension.c_str(), ".toc") == 0;
+}
+
+// A sheet's tracks are burned onto a disc in a drive of the staging folder's own, whose medium they are then.
+MediumFiles stageSheet(const std::string& path, const std::string& kind, const Staging& staging, bool quiet) {
+    Progress progress("Copying", 0, quiet);
+    const engine::ImageLayout image = take(engine::readImageFile(path));
+    const MediumKind wanted = kind.empty() ? MediumKind::CDROM : kindNamed(kind);
+    engine::VirtualDriveSetup setup;
+    setup.product = fs::path(path).filename().string();
+    setup.medium = engine::factsOf(wanted).writable ? wanted : MediumKind::CDR;
+    const std::string folder = staging.path() + "/drive";
+    take(engine::makeVirtualDrive(folder, setup));
+    const auto drive = engine::VirtualDrive::open(folder);
+    engine::BurnOptions options;
+    options.verify = false;
+    image.applyTo(options);
+    engine::BurnJob job(drive); // aborts when an interruption leaves this function
+    take(job.start(image.layout, options));
+    while (!job.waitFor(std::chrono::milliseconds(50))) {
+        checkInterruption();
+        const engine::BurnStatus status = job.status();
+        if (status.bytesTotal > 0) progress.show(status.bytesDone, status.bytesTotal);
+    }
+    if (const auto error = job.wait().error) throw engine::Failure(*error);
+    MediumFiles medium{*engine::loadMedium(drive->folder()), folder};
+    medium.record.kind = wanted;
+    if (!engine::factsOf(wanted).writable)
+        medium.record.capacityBlocks = medium.record.info(folder).blocksUsed;
+    return medium;
+}
+
 } // namespace
 
 std::vector<std::string> dataFilesOf(const engine::MediumRecord& record) {
@@ -139,6 +177,7 @@ MediumFiles stageMedium(const std::string& path, const std::string& kind, const 
     const bool isFolder = fs::is_directory(path, ignored);
     const fs::path file = isFolder ? fs::path(path) / engine::names::medium : fs::path(path);
     fileSize(file.string()); // says what is wrong when there is none
+    if (!isFolder && isSheet(file)) return stageSheet(path, kind, staging, quiet);
     if (!isFolder && !looksLikeADescription(file.string())) return stageImage(path, kind, staging, quiet);
     if (!kind.empty())
         fail(ErrorCode::BadLayout,

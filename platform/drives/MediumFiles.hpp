@@ -21,7 +21,8 @@ std::vector<std::string> dataFilesOf(const engine::MediumRecord& record);
 uint64_t dataBytesOf(const MediumFiles& medium);
 
 /// Copies a medium to a staging folder: a medium's description with its data beside it, the folder that holds
-/// one, or an image. `kind` is for images, whose kind is else the smallest read-only one. Throws Failure.
+/// one, an image, or a .cue or .toc sheet. `kind` is for images and sheets, whose kind is else the smallest
+/// read-only one. Throws Failure.
 MediumFiles stageMedium(const std::string& path, const std::string& kind, const Staging& staging, bool quiet);
 
 /// The staged medium is the one in the drive from here on; the one before is gone. Cut off anywhere, one of

@@ -120,6 +120,69 @@ class Media(DrivesCase):
         self.assertEqual(self.shown("reader")["medium"]["usedBlocks"], 5)
         self.succeed("verify", "reader")
 
+    def album(self):
+        """A sheet of two tracks of sound and one of data, as another program might have it; and the sound."""
+        sound = os.urandom(2352 * 1500)
+        self.image()
+        with open(self.path("sound.bin"), "wb") as file:
+            file.write(sound)
+        with open(self.path("album.cue"), "w") as file:
+            file.write('FILE "holiday.iso" BINARY\n  TRACK 01 MODE1/2048\n    INDEX 01 00:00:00\n'
+                       'FILE "sound.bin" BINARY\n  TRACK 02 AUDIO\n    PREGAP 00:02:00\n    ISRC DEA123456789\n'
+                       '    INDEX 01 00:00:00\n  TRACK 03 AUDIO\n    INDEX 01 00:10:00\n')
+        return self.path("album.cue"), sound
+
+    def test_a_sheet_becomes_a_medium_with_its_tracks(self):
+        sheet, sound = self.album()
+        self.succeed("create", "reader", "--kind", "none")
+        self.assertEqual(self.succeed("insert", "reader", sheet), 'A CD-ROM (complete) is in "reader".\n')
+        medium = self.shown("reader")["medium"]
+        tracks = medium["sessions"][0]["tracks"]
+        self.assertEqual([track["mode"] for track in tracks], ["data", "audio", "audio"])
+        self.assertEqual((tracks[1]["isrc"], tracks[1]["blocks"], tracks[2]["blocks"]), ("DEA123456789", 750, 750))
+        with open(self.drive("reader", "medium.bin"), "rb") as file:
+            self.assertTrue(sound in file.read(), "the sound is on the medium")
+        said = self.succeed("verify", "reader")
+        self.assertEqual(said.count("good"), 3, said)
+        self.assertIn("Holiday", said)
+        self.assertEqual(sorted(os.listdir(self.drive("reader"))),
+                         ["drive.json", "lock", "medium.bin", "medium.cue", "medium.json"])
+
+    def test_a_medium_of_sectors_is_exported_for_other_programs_and_comes_back(self):
+        sheet, _ = self.album()
+        self.succeed("create", "one", "--kind", "none")
+        self.succeed("insert", "one", sheet, "--kind", "CD-R")
+        self.succeed("export", "one", self.path("shelf"))
+        self.assertEqual(sorted(os.listdir(self.path("shelf"))), ["medium.bin", "medium.cue", "medium.json"])
+        listed = subprocess.run(["cd-info", "--no-header", "--no-device-info", "--no-cddb", "--cue-file",
+                                 self.path("shelf", "medium.cue")], capture_output=True, text=True, check=False).stdout
+        self.assertRegex(listed, r"(?m)^ +1: .* data ")
+        self.assertRegex(listed, r"(?m)^ +3: .* audio ")
+        self.succeed("create", "two", "--kind", "none")
+        self.succeed("insert", "two", self.path("shelf"))
+        self.assertEqual(self.medium("two"), self.medium("one"))
+        self.same(self.drive("one", "medium.bin"), self.drive("two", "medium.bin"))
+        self.succeed("verify", "two")
+
+    def test_sectors_that_are_damaged_are_found(self):
+        sheet, _ = self.album()
+        self.succeed("create", "one", "--kind", "none")
+        self.succeed("insert", "one", sheet)
+        self.patch(20 * 2352 + 100, b"changed")(self.drive("one", "medium.bin"))
+        done = self.run_command("verify", "one")
+        self.assertEqual(done.returncode, 1, done.stdout)
+        self.assertIn("error detection code", done.stdout)
+
+    def test_sheets_that_lie(self):
+        sheet, _ = self.album()
+        self.succeed("create", "one", "--kind", "none")
+        for text in ('FILE "lost.bin" BINARY\n  TRACK 01 AUDIO\n    INDEX 01 00:00:00\n',
+                     'FILE "sound.bin" BINARY\n  TRACK 01 AUDIO\n    INDEX 01 50:00:00\n', "TRACK 01 AUDIO\n", ""):
+            with open(sheet, "w") as file:
+                file.write(text)
+            self.refuse("album.cue|lost.bin|sound.bin", "insert", "one", sheet)
+            self.assertEqual(sorted(os.listdir(self.drive("one"))), ["drive.json", "lock"])
+
     def test_a_medium_with_data_is_replaced_by_force_only(self):
         self.used("burner")
         self.succeed("blank-medium", "CD-R", self.path("blank"))
