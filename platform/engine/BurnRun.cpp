@@ -69,6 +69,7 @@ void BurnRun::run() {
     fitPlan(plan_, options_, *drive_, target->medium());
     singleSpeed_ = singleSpeedOf(factsOf(target->medium().kind).mediumClass);
     paces_ = target->needsPacing();
+    target->watch(signal_);
     target->begin(plan_);
     prepare(*target);
     checkSpace(plan_, *drive_, target->medium());

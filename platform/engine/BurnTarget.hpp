@@ -61,6 +61,9 @@ class BurnTarget {
     /// Whether the job must hold the speed down, because nothing turns.
     virtual bool needsPacing() const noexcept { return true; }
 
+    /// For calls that wait for a drive: they throw UserCanceled as soon as the signal says so. Called first.
+    virtual void watch(const SignalRef& signal) { (void)signal; }
+
     /// How the medium is to be written; lengths and addresses are not known yet.
     virtual void begin(const BurnPlan& plan) = 0;
     /// Sets where a track will begin and how long its pre-gap will be. Called for all in order; those before it

@@ -3,6 +3,7 @@
 #include "Failure.hpp"
 #include "Files.hpp"
 #include "VirtualDrive.hpp"
+#include "physical/PhysicalDrive.hpp"
 
 #include <algorithm>
 #include <filesystem>
@@ -50,7 +51,12 @@ Result<std::vector<DriveRef>> drives() {
         makeFolders(folder.string());
         std::vector<std::string> paths = drivePaths(folder);
         std::error_code ignored;
-        if (paths.empty() && !fs::exists(folder / "none", ignored)) {
+        const bool wantsNone = fs::exists(folder / "none", ignored);
+        std::vector<DriveRef> found;
+        if (!wantsNone)
+            for (auto& drive : physicalDrives())
+                found.push_back(std::move(drive));
+        if (paths.empty() && found.empty() && !wantsNone) {
             const auto made = makeVirtualDrive((folder / "drive-1").string(), {});
             paths = drivePaths(folder); // not empty either when another process was faster
             if (!made && paths.empty()) throw Failure(made.error());
@@ -58,7 +64,6 @@ Result<std::vector<DriveRef>> drives() {
         Attached& all = attached();
         const std::lock_guard lock(all.mutex);
         std::erase_if(all.drives, [](const auto& each) { return !each.second->isValid(); });
-        std::vector<DriveRef> found;
         for (const std::string& path : paths) {
             auto known = all.drives.find(path);
             if (known == all.drives.end()) {
@@ -68,6 +73,9 @@ Result<std::vector<DriveRef>> drives() {
             }
             found.push_back(known->second);
         }
+        std::sort(found.begin(), found.end(), [](const DriveRef& one, const DriveRef& other) {
+            return one->identity().id < other->identity().id;
+        });
         return found;
     });
 }

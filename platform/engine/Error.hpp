@@ -6,6 +6,7 @@
 #include <string_view>
 #include <utility>
 #include <variant>
+#include <vector>
 
 namespace engine {
 
@@ -64,6 +65,9 @@ struct Error {
     ErrorCode code = ErrorCode::Internal;
     std::string message;
     std::string info;
+    /// What a drive answered when it refused a command, 18 bytes; empty when none did. physical/Sense.hpp has the
+    /// texts.
+    std::vector<uint8_t> sense = {};
 
     bool operator==(const Error&) const = default;
 };

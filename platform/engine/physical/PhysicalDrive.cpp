@@ -1,0 +1,375 @@
+// The drive: who it is, who has it, its tray.
+#include "PhysicalDrive.hpp"
+#include "../Failure.hpp"
+#include "BurnLibrary.hpp"
+#include "PhysicalReader.hpp"
+#include "PhysicalTarget.hpp"
+
+#include <array>
+#include <cerrno>
+#include <fcntl.h>
+#include <filesystem>
+#include <libburn/libburn.h>
+#include <linux/cdrom.h>
+#include <sys/file.h>
+#include <sys/ioctl.h>
+#include <sys/stat.h>
+#include <thread>
+#include <unistd.h>
+
+namespace engine {
+namespace {
+
+constexpr auto mediumIsFresh = std::chrono::seconds(1);
+constexpr int statusOfNone = -1;
+
+std::string trimmed(const char* text) {
+    std::string result(text);
+    result.erase(result.find_last_not_of(' ') + 1);
+    return result;
+}
+
+std::optional<uint64_t> deviceNumber(const std::string& path) {
+    struct stat found {};
+    if (::stat(path.c_str(), &found) != 0 || !S_ISBLK(found.st_mode)) return std::nullopt;
+    return static_cast<uint64_t>(found.st_rdev);
+}
+
+Descriptor openForStatus(const std::string& path, int more = 0) {
+    return Descriptor(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | more));
+}
+
+// How the drive is attached, as far as the kernel tells.
+void describeConnection(DriveIdentity& identity) {
+    std::error_code ignored;
+    const std::string name = std::filesystem::path(identity.id).filename().string();
+    const std::string where = std::filesystem::canonical("/sys/block/" + name + "/device", ignored).string();
+    identity.location = InterconnectLocation::Unknown;
+    identity.interconnect = Interconnect::SCSI;
+    if (where.find("/usb") != std::string::npos) {
+        identity.interconnect = Interconnect::USB;
+        identity.location = InterconnectLocation::External;
+    } else if (where.find("/ata") != std::string::npos) {
+        identity.interconnect = Interconnect::ATAPI;
+        identity.location = InterconnectLocation::Internal;
+    }
+}
+
+// Where this user's processes agree about what no drive keeps.
+std::string reservationFile(const std::string& path) {
+    const char* own = std::getenv("XDG_RUNTIME_DIR");
+    const std::string folder =
+        own != nullptr && own[0] == '/' ? std::string(own) : "/tmp/disc-drives-" + std::to_string(::getuid());
+    makeFolders(folder);
+    return folder + "/disc-reservation-" + std::filesystem::path(path).filename().string();
+}
+
+} // namespace
+
+std::shared_ptr<PhysicalDrive> PhysicalDrive::open(const std::string& path) {
+    startBurnLibrary();
+    const std::shared_ptr<PhysicalDrive> drive(new PhysicalDrive);
+    const auto number = deviceNumber(path);
+    if (!number) fail(ErrorCode::DeviceInvalid, "There is no drive at " + inQuotes(path) + ".");
+    drive->device_ = *number;
+    drive->identity_.id = path;
+    drive->attach();
+    drive->learn();
+    burn_drive_release(drive->drive_, 0);
+    return drive;
+}
+
+// Afterwards the library has grabbed the drive.
+void PhysicalDrive::attach() {
+    dropLibraryMessages();
+    std::string address = path();
+    if (burn_drive_scan_and_grab(&infos_, address.data(), 0) <= 0) {
+        infos_ = nullptr;
+        throw Failure(libraryError(ErrorCode::DeviceAccess,
+                                   "The drive at " + inQuotes(path()) + " can't be used now."));
+    }
+    drive_ = infos_[0].drive;
+}
+
+PhysicalDrive::~PhysicalDrive() {
+    if (infos_ != nullptr) burn_drive_info_free(infos_);
+}
+
+// What the drive says of itself, once.
+void PhysicalDrive::learn() {
+    const burn_drive_info& info = infos_[0];
+    identity_.vendor = trimmed(info.vendor);
+    identity_.product = trimmed(info.product);
+    identity_.firmwareRevision = trimmed(info.revision);
+    describeConnection(identity_);
+
+    int count = 0;
+    std::array<int, 64> profiles{};
+    std::array<char, 64> current{};
+    burn_drive_get_all_profiles(drive_, &count, profiles.data(), current.data());
+    const auto add = [&](MediumKind kind) {
+        if (!capabilities_.canWrite(kind)) capabilities_.writes.push_back(kind);
+    };
+    for (int index = 0; index < count; ++index) {
+        if (profiles[static_cast<size_t>(index)] == 0x09 && !info.write_cdr) continue;
+        if (profiles[static_cast<size_t>(index)] == 0x0A && !info.write_cdrw) continue;
+        const auto kind = kindOfProfile(profiles[static_cast<size_t>(index)]);
+        if (kind && factsOf(*kind).writable) add(*kind);
+    }
+    const bool writesCD = capabilities_.canWriteAny(MediumClass::CD),
+               writesDVD = capabilities_.canWriteAny(MediumClass::DVD);
+    capabilities_.canTestWriteCD = writesCD && info.write_simulate;
+    // Only DVD-R and DVD-RW can rehearse; which one is in the drive is known later.
+    capabilities_.canTestWriteDVD = false;
+    capabilities_.canUnderrunProtectCD = writesCD;
+    capabilities_.canUnderrunProtectDVD = writesDVD;
+    capabilities_.writesTrackAtOnce = capabilities_.writesSessionAtOnce = writesCD;
+    capabilities_.writesCDText = capabilities_.writesIndexPoints = capabilities_.writesISRC = writesCD;
+    capabilities_.choosesPreGap = writesCD;
+    capabilities_.writesDVDAtOnce = writesDVD;
+    capabilities_.writesBDAtOnce = capabilities_.canWriteAny(MediumClass::BD);
+    capabilities_.writeBufferBytes = static_cast<uint32_t>(info.buffer_size) * 1024;
+}
+
+bool PhysicalDrive::isValid() const {
+    if (gone_) return false;
+    const bool present = deviceNumber(path()) == device_;
+    if (!present) gone_ = true;
+    return present;
+}
+
+void PhysicalDrive::requireValid() const {
+    if (!isValid())
+        fail(ErrorCode::DeviceInvalid,
+             "The drive " + inQuotes(displayName()) + " is no longer there; choose another one.", path());
+}
+
+void PhysicalDrive::grab() {
+    requireValid();
+    const std::lock_guard commands(commands_);
+    const std::lock_guard lock(mutex_);
+    if (grabs_ == 0) {
+        dropLibraryMessages();
+        if (burn_drive_grab(drive_, 0) != 1)
+            throw Failure(
+                libraryError(ErrorCode::DeviceBusy, "The drive " + inQuotes(displayName()) +
+                                                        " is in use by another program; try again later."));
+    }
+    ++grabs_;
+}
+
+void PhysicalDrive::release() {
+    const std::lock_guard commands(commands_);
+    const std::lock_guard lock(mutex_);
+    if (--grabs_ == 0 && infos_ != nullptr) burn_drive_release(drive_, 0);
+}
+
+void PhysicalDrive::reopen() {
+    const std::lock_guard lock(mutex_);
+    medium_.reset();
+    // The library's thread goes on for a moment after its job is over; until then it keeps the drive.
+    for (int attempt = 0; attempt < 300; ++attempt) {
+        if (burn_drive_info_forget(infos_, 1) > 0) break;
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    burn_drive_info_free(infos_);
+    if (guarded([&] { attach(); })) return;
+    gone_ = true; // it may be found again, as another one
+}
+
+void PhysicalDrive::reassess() {
+    // The library's thread goes on for a moment after its job is over.
+    for (int attempt = 0; attempt < 300 && isValid(); ++attempt) {
+        dropLibraryMessages();
+        if (burn_drive_re_assess(drive_, 0) > 0) break;
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    const std::lock_guard lock(mutex_);
+    medium_.reset();
+}
+
+int PhysicalDrive::status() const {
+    const Descriptor device = openForStatus(path());
+    return device ? ::ioctl(device.get(), CDROM_DRIVE_STATUS, CDSL_CURRENT) : statusOfNone;
+}
+
+// A look at the medium takes the drive some time, so it lasts a second; while somebody writes, it lasts until then.
+Result<std::optional<MediumInfo>> PhysicalDrive::readMedium() const {
+    return guarded([&]() -> std::optional<MediumInfo> {
+        requireValid();
+        {
+            const std::lock_guard lock(mutex_);
+            if (burning_) return medium_;
+        }
+        const int now = status();
+        if (now == CDS_TRAY_OPEN || now == CDS_NO_DISC) {
+            const std::lock_guard lock(mutex_);
+            medium_.reset();
+            return std::nullopt;
+        }
+        const std::lock_guard commands(commands_);
+        {
+            const std::lock_guard lock(mutex_);
+            if (medium_ && std::chrono::steady_clock::now() - seen_ < mediumIsFresh) return medium_;
+        }
+        const Hold hold(std::const_pointer_cast<PhysicalDrive>(shared_from_this()));
+        auto medium = describeMedium(drive_, path());
+        const std::lock_guard lock(mutex_);
+        medium_ = medium;
+        seen_ = std::chrono::steady_clock::now();
+        return medium;
+    });
+}
+
+Result<std::unique_ptr<MediumReader>> PhysicalDrive::openMedium() {
+    return guarded([&]() -> std::unique_ptr<MediumReader> {
+        const auto medium = readMedium();
+        if (!medium) throw Failure(medium.error());
+        if (!*medium)
+            fail(ErrorCode::MediaNotPresent,
+                 "There is no disc in " + inQuotes(displayName()) + "; put one in.");
+        return std::make_unique<PhysicalReader>(std::make_shared<Hold>(shared_from_this()));
+    });
+}
+
+bool PhysicalDrive::isTrayOpen() const { return status() == CDS_TRAY_OPEN; }
+
+void PhysicalDrive::mechanics(unsigned long request, const char* what) {
+    requireValid();
+    const std::lock_guard commands(commands_);
+    const std::lock_guard lock(mutex_);
+    if (burning_)
+        fail(ErrorCode::DeviceBusy,
+             "The drive " + inQuotes(displayName()) + " is writing; wait until it is done.");
+    const Descriptor device = openForStatus(path());
+    if (!device)
+        fail(ErrorCode::DeviceAccess, "The drive " + inQuotes(displayName()) + " can't be used.",
+             systemText(errno));
+    medium_.reset();
+    ::ioctl(device.get(), CDROM_LOCKDOOR, 0);
+    if (::ioctl(device.get(), request, 0) != 0)
+        fail(ErrorCode::DeviceNotReady, "The drive " + inQuotes(displayName()) + " does not " + what + ".",
+             systemText(errno));
+}
+
+Result<void> PhysicalDrive::openTray() {
+    return guarded([&] {
+        const int now = status();
+        if (now == CDS_TRAY_OPEN) return;
+        if (now != CDS_NO_DISC)
+            fail(ErrorCode::BurnNotAllowed,
+                 "There is a disc in " + inQuotes(displayName()) + ": eject it instead.");
+        mechanics(CDROMEJECT, "open");
+    });
+}
+
+Result<void> PhysicalDrive::closeTray() {
+    return guarded([&] { mechanics(CDROMCLOSETRAY, "close"); });
+}
+
+Result<void> PhysicalDrive::eject() {
+    return guarded([&] { mechanics(CDROMEJECT, "open"); });
+}
+
+// The kernel lets one opener in who wants the drive for himself.
+bool PhysicalDrive::isBusy() const {
+    {
+        const std::lock_guard lock(mutex_);
+        if (burning_ || exclusive_ > 0) return true;
+        if (grabs_ > 0) return false; // only looking
+    }
+    return !openForStatus(path(), O_EXCL) && errno == EBUSY;
+}
+
+Result<void> PhysicalDrive::acquireExclusiveAccess() {
+    return guarded([&] {
+        grab();
+        const std::lock_guard lock(mutex_);
+        ++exclusive_;
+    });
+}
+
+void PhysicalDrive::releaseExclusiveAccess() {
+    {
+        const std::lock_guard lock(mutex_);
+        if (exclusive_ == 0) return;
+        --exclusive_;
+    }
+    release();
+}
+
+bool PhysicalDrive::hasExclusiveAccess() const {
+    const std::lock_guard lock(mutex_);
+    return exclusive_ > 0;
+}
+
+void PhysicalDrive::acquireMediaReservation() {
+    {
+        const std::lock_guard lock(mutex_);
+        ++reservations_;
+    }
+    holdsMediaReservation();
+}
+
+void PhysicalDrive::releaseMediaReservation() {
+    const std::lock_guard lock(mutex_);
+    if (reservations_ > 0 && --reservations_ == 0) reservation_.reset();
+}
+
+bool PhysicalDrive::holdsMediaReservation() {
+    const std::lock_guard lock(mutex_);
+    if (reservations_ == 0 || reservation_) return static_cast<bool>(reservation_);
+    const auto file = guarded([&] { return reservationFile(path()); });
+    if (!file) return false;
+    Descriptor taken(::open(file->c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
+    if (taken && ::flock(taken.get(), LOCK_EX | LOCK_NB) == 0) reservation_ = std::move(taken);
+    return static_cast<bool>(reservation_);
+}
+
+void PhysicalDrive::beginJob() {
+    const std::lock_guard lock(mutex_);
+    if (burning_)
+        fail(ErrorCode::DeviceBusy,
+             "The drive " + inQuotes(displayName()) + " is already writing; wait until it is done.");
+    burning_ = true;
+}
+
+void PhysicalDrive::endBurn() {
+    const std::lock_guard lock(mutex_);
+    burning_ = false;
+    medium_.reset();
+}
+
+Result<std::unique_ptr<BurnTarget>> PhysicalDrive::beginBurn() {
+    return guarded([&]() -> std::unique_ptr<BurnTarget> {
+        const auto medium = readMedium();
+        if (!medium) throw Failure(medium.error());
+        if (!*medium)
+            fail(ErrorCode::MediaNotPresent,
+                 "There is no disc in " + inQuotes(displayName()) + "; put one in.");
+        auto hold = std::make_shared<Hold>(shared_from_this());
+        beginJob();
+        return makePhysicalTarget(std::move(hold), **medium);
+    });
+}
+
+Result<void> PhysicalDrive::erase(EraseType type, const EraseProgress& progress) {
+    return guarded([&] {
+        const auto medium = readMedium();
+        if (!medium) throw Failure(medium.error());
+        if (!*medium)
+            fail(ErrorCode::MediaNotPresent,
+                 "There is no disc in " + inQuotes(displayName()) + "; put one in.");
+        const Hold hold(shared_from_this());
+        beginJob();
+        struct End {
+            PhysicalDrive& drive;
+            ~End() { drive.endBurn(); }
+        } const end{*this};
+        const std::lock_guard commands(commands_);
+        eraseMedium(drive_, **medium, type, progress);
+        reassess();
+    });
+}
+
+} // namespace engine

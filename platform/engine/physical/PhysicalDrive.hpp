@@ -1,0 +1,110 @@
+// A recorder that is attached to the computer, through libburn.
+#pragma once
+
+#include "../Drive.hpp"
+#include "../Files.hpp"
+
+#include <atomic>
+#include <chrono>
+#include <mutex>
+
+#include "LibBurn.hpp"
+
+namespace engine {
+
+class PhysicalDrive final : public Drive, public std::enable_shared_from_this<PhysicalDrive> {
+  public:
+    /// The drive at a device's path. Throws DeviceBusy while another program has it, DeviceAccess, DeviceInvalid.
+    static std::shared_ptr<PhysicalDrive> open(const std::string& path);
+    ~PhysicalDrive() override;
+
+    const DriveIdentity& identity() const noexcept override { return identity_; }
+    const DriveCapabilities& capabilities() const noexcept override { return capabilities_; }
+    const LoadingMechanism& loadingMechanism() const noexcept override { return mechanism_; }
+    bool isValid() const override;
+    Result<std::optional<MediumInfo>> readMedium() const override;
+    Result<std::unique_ptr<MediumReader>> openMedium() override;
+    bool isTrayOpen() const override;
+    Result<void> openTray() override;
+    Result<void> closeTray() override;
+    Result<void> eject() override;
+    bool isBusy() const override;
+    Result<void> acquireExclusiveAccess() override;
+    void releaseExclusiveAccess() override;
+    bool hasExclusiveAccess() const override;
+    void acquireMediaReservation() override;
+    void releaseMediaReservation() override;
+    bool holdsMediaReservation() override;
+    Result<std::unique_ptr<BurnTarget>> beginBurn() override;
+    Result<void> erase(EraseType type, const EraseProgress& progress) override;
+
+    /// Has the drive for itself as long as it lives, together with others of this process. Throws DeviceBusy,
+    /// DeviceInvalid.
+    class Hold {
+      public:
+        explicit Hold(std::shared_ptr<PhysicalDrive> drive) : drive_(std::move(drive)) { drive_->grab(); }
+        Hold(const Hold&) = delete;
+        Hold& operator=(const Hold&) = delete;
+        ~Hold() { drive_->release(); }
+
+        burn_drive* get() const noexcept { return drive_->drive_; }
+        PhysicalDrive& drive() const noexcept { return *drive_; }
+
+      private:
+        std::shared_ptr<PhysicalDrive> drive_;
+    };
+
+    /// libburn does one thing at a time with a drive; whoever calls it holds this.
+    std::recursive_mutex& commands() const noexcept { return commands_; }
+    /// The library looks at drive and medium anew. Commands held.
+    void reassess();
+    /// The library begins anew with a drive whose job it did not bring to its end: what cut that off would cut off
+    /// everything that follows. Commands held.
+    void reopen();
+    /// Ends what beginBurn() began.
+    void endBurn();
+    const std::string& path() const noexcept { return identity_.id; }
+
+  private:
+    PhysicalDrive() = default;
+    void attach();
+    void learn();
+    void requireValid() const;
+    void grab();
+    void release();
+    void beginJob();
+    int status() const;
+    void mechanics(unsigned long request, const char* what);
+
+    DriveIdentity identity_;
+    DriveCapabilities capabilities_;
+    LoadingMechanism mechanism_;
+    burn_drive_info* infos_ = nullptr;
+    burn_drive* drive_ = nullptr;
+    uint64_t device_ = 0; ///< the node's number
+    mutable std::atomic<bool> gone_{false};
+
+    mutable std::recursive_mutex commands_;
+    mutable std::mutex mutex_; ///< of what follows
+    uint32_t grabs_ = 0, exclusive_ = 0;
+    bool burning_ = false;
+    uint32_t reservations_ = 0;
+    Descriptor reservation_;
+    mutable std::optional<MediumInfo> medium_; ///< as it was seen last
+    mutable std::chrono::steady_clock::time_point seen_;
+};
+
+/// The medium in a drive that is held, with commands held; empty when there is none. Throws.
+std::optional<MediumInfo> describeMedium(burn_drive* drive, const std::string& path);
+
+/// Waits until the library's job is over. `poll` is called about every 10 ms.
+void waitUntilIdle(burn_drive* drive, const std::function<void()>& poll);
+
+/// Makes the medium blank. Commands held.
+void eraseMedium(burn_drive* drive, const MediumInfo& medium, EraseType type, const EraseProgress& progress);
+
+/// The drives that are attached, in the order of their ids. Looks at device nodes only, as long as nothing changed.
+/// Empty where physical drives are not wanted (README.md).
+std::vector<std::shared_ptr<PhysicalDrive>> physicalDrives();
+
+} // namespace engine

@@ -1,0 +1,78 @@
+// Which physical drives there are.
+#include "../Failure.hpp"
+#include "PhysicalDrive.hpp"
+
+#include <cstdlib>
+#include <map>
+#include <string_view>
+#include <sys/stat.h>
+
+namespace engine {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr int mostDrives = 32;
+constexpr auto patience = std::chrono::seconds(2);
+
+struct Attached {
+    std::mutex mutex;
+    std::map<std::string, std::shared_ptr<PhysicalDrive>> drives;
+    std::map<std::string, Clock::time_point> refused; ///< busy, or of no use: not asked again at once
+};
+
+// Never destroyed: jobs may still use drives while the process exits.
+Attached& attached() {
+    static auto* instance = new Attached;
+    return *instance;
+}
+
+bool isWanted() {
+    const char* said = std::getenv("DISC_PHYSICAL");
+    if (said != nullptr && *said != '\0') return std::string_view(said) != "0";
+    // Whoever says where his drives are means those only.
+    const char* folder = std::getenv("DISC_DRIVES");
+    return folder == nullptr || *folder == '\0';
+}
+
+bool isThere(const std::string& path) {
+    struct stat found {};
+    return ::stat(path.c_str(), &found) == 0 && S_ISBLK(found.st_mode);
+}
+
+} // namespace
+
+std::vector<std::shared_ptr<PhysicalDrive>> physicalDrives() {
+    std::vector<std::shared_ptr<PhysicalDrive>> found;
+    if (!isWanted()) return found;
+    Attached& all = attached();
+    const std::lock_guard lock(all.mutex);
+    for (int number = 0; number < mostDrives; ++number) {
+        const std::string path = "/dev/sr" + std::to_string(number);
+        if (!isThere(path)) {
+            all.drives.erase(path);
+            all.refused.erase(path);
+            continue;
+        }
+        auto known = all.drives.find(path);
+        if (known != all.drives.end() && !known->second->isValid()) {
+            all.drives.erase(known);
+            known = all.drives.end();
+        }
+        if (known == all.drives.end()) {
+            const auto refused = all.refused.find(path);
+            if (refused != all.refused.end() && Clock::now() - refused->second < patience) continue;
+            const auto opened = guarded([&] { return PhysicalDrive::open(path); });
+            if (!opened) {
+                all.refused[path] = Clock::now();
+                continue;
+            }
+            all.refused.erase(path);
+            known = all.drives.emplace(path, *opened).first;
+        }
+        found.push_back(known->second);
+    }
+    return found;
+}
+
+} // namespace engine

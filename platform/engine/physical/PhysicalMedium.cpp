@@ -1,0 +1,275 @@
+// What a drive tells of the medium in it.
+#include "BurnLibrary.hpp"
+#include "PhysicalDrive.hpp"
+#include "PhysicalTarget.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <libburn/libburn.h>
+#include <memory>
+#include <set>
+#include <thread>
+
+namespace engine {
+namespace {
+
+struct Deleter {
+    void operator()(burn_disc* disc) const noexcept { burn_disc_free(disc); }
+    void operator()(burn_write_opts* options) const noexcept { burn_write_opts_free(options); }
+};
+
+constexpr int quietly = 1 << 1 | 1 << 2;      // read without a message, without a second attempt
+constexpr int quietRunOut = quietly | 1 << 4; // and run-out is no error
+constexpr uint64_t descriptorBlock = 16;
+constexpr uint64_t alignment = 32;
+
+bool readBlocks(burn_drive* drive, uint64_t block, std::span<char> bytes) {
+    off_t count = 0;
+    return burn_read_data(drive, static_cast<off_t>(block * blockSize), bytes.data(),
+                          static_cast<off_t>(bytes.size()), &count, quietly) > 0;
+}
+
+/// The ISO 9660 descriptor of a file system that begins at a block.
+struct Volume {
+    std::string name;
+    uint64_t blocks = 0;
+};
+
+std::optional<Volume> volumeAt(burn_drive* drive, uint64_t block) {
+    std::array<char, blockSize> bytes{};
+    if (!readBlocks(drive, block + descriptorBlock, bytes)) return std::nullopt;
+    if (std::memcmp(bytes.data(), "\1CD001", 6) != 0) return std::nullopt;
+    Volume volume;
+    volume.name.assign(bytes.data() + 40, 32);
+    volume.name.erase(volume.name.find_last_not_of(' ') + 1);
+    for (size_t index = 0; index < 4; ++index)
+        volume.blocks |= uint64_t{static_cast<unsigned char>(bytes[80 + index])} << (8 * index);
+    return volume;
+}
+
+std::vector<double> speedsOf(burn_drive* drive) {
+    std::set<double> speeds;
+    burn_speed_descriptor* list = nullptr;
+    if (burn_drive_get_speedlist(drive, &list) > 0) {
+        for (const burn_speed_descriptor* each = list; each != nullptr; each = each->next)
+            if (each->write_speed > 0) speeds.insert(each->write_speed);
+        burn_drive_free_speedlist(&list);
+    }
+    return {speeds.begin(), speeds.end()};
+}
+
+// The two blocks behind a track written at once belong to nobody.
+uint64_t withoutRunOut(burn_drive* drive, uint64_t start, uint64_t blocks) {
+    if (blocks <= 2) return blocks;
+    std::array<char, 2 * blockSize> bytes{};
+    off_t count = 0;
+    const auto address = static_cast<off_t>((start + blocks - 2) * blockSize);
+    const bool isThere = burn_read_data(drive, address, bytes.data(), sizeof bytes, &count, quietRunOut) > 0;
+    return isThere ? blocks : blocks - 2;
+}
+
+TrackInfo describeTrack(burn_drive* drive, burn_track* track, uint32_t number, bool isCD) {
+    burn_toc_entry entry{};
+    burn_track_get_entry(track, &entry);
+    TrackInfo info;
+    info.number = number;
+    info.startBlock = static_cast<uint64_t>(std::max(entry.start_lba, 0));
+    info.blocks = static_cast<uint64_t>(std::max(entry.track_blocks, 0));
+    if (isCD && (entry.control & 4) == 0) {
+        info.form = BlockForm::Audio;
+        info.preEmphasis = (entry.control & 1) != 0;
+        info.copyPermitted = (entry.control & 2) != 0;
+        info.fourChannel = (entry.control & 8) != 0;
+        return info;
+    }
+    if (isCD) info.blocks = withoutRunOut(drive, info.startBlock, info.blocks);
+    if (const auto volume = volumeAt(drive, info.startBlock)) info.volumeName = volume->name;
+    return info;
+}
+
+void describeSessions(burn_drive* drive, MediumInfo& medium, bool isCD) {
+    const std::unique_ptr<burn_disc, Deleter> disc(burn_drive_get_disc(drive));
+    if (!disc) return;
+    int count = 0;
+    burn_session** sessions = burn_disc_get_sessions(disc.get(), &count);
+    uint32_t number = 0;
+    for (int index = 0; index < count; ++index) {
+        SessionInfo session;
+        session.number = static_cast<uint32_t>(index + 1);
+        int tracks = 0;
+        burn_track** list = burn_session_get_tracks(sessions[index], &tracks);
+        for (int track = 0; track < tracks; ++track)
+            session.tracks.push_back(describeTrack(drive, list[track], ++number, isCD));
+        medium.sessions.push_back(std::move(session));
+    }
+}
+
+// Media that take blocks in any order have no sessions of their own: what is on them, their file system says.
+void describeOverwritable(burn_drive* drive, MediumInfo& medium) {
+    int status = 0, formats = 0;
+    off_t size = 0;
+    unsigned bl_sas = 0;
+    burn_disc_get_formats(drive, &status, &size, &bl_sas, &formats);
+    medium.blank = true;
+    if (status != BURN_FORMAT_IS_UNFORMATTED) {
+        if (size > 0) medium.capacityBlocks = static_cast<uint64_t>(size) / blockSize;
+        TrackInfo track;
+        const auto volume = volumeAt(drive, 0);
+        if (volume && volume->blocks > 0) {
+            track.blocks = std::min(volume->blocks, medium.capacityBlocks);
+            track.volumeName = volume->name;
+        } else {
+            std::vector<char> start(32 * blockSize);
+            const bool isZero = !readBlocks(drive, 0, start) ||
+                                std::all_of(start.begin(), start.end(), [](char each) { return each == 0; });
+            if (!isZero) track.blocks = medium.capacityBlocks;
+        }
+        medium.blank = track.blocks == 0;
+        if (!medium.blank) medium.sessions = {SessionInfo{1, {track}}};
+    }
+    medium.overwritable = medium.erasable = true;
+    medium.blocksOverwritable = medium.capacityBlocks;
+    medium.blocksUsed = medium.blank ? 0 : medium.sessions.front().tracks.front().blocks;
+    const uint64_t next = (medium.blocksUsed + alignment - 1) / alignment * alignment;
+    medium.appendable = next < medium.capacityBlocks;
+    if (medium.appendable) medium.nextWritableBlock = next;
+    medium.blocksFree = medium.appendable ? medium.capacityBlocks - next : 0;
+    medium.state = medium.blank        ? MediumState::Blank
+                   : medium.appendable ? MediumState::Appendable
+                                       : MediumState::Complete;
+}
+
+void describeSequential(burn_drive* drive, MediumInfo& medium, burn_disc_status status) {
+    const MediumFacts& facts = factsOf(medium.kind);
+    const bool isCD = facts.mediumClass == MediumClass::CD;
+    medium.blank = status == BURN_DISC_BLANK;
+    medium.appendable = medium.blank || status == BURN_DISC_APPENDABLE;
+    medium.erasable = burn_disc_erasable(drive) != 0;
+    medium.state = medium.blank        ? MediumState::Blank
+                   : medium.appendable ? MediumState::Appendable
+                                       : MediumState::Complete;
+    if (!medium.blank) describeSessions(drive, medium, isCD);
+    if (!medium.sessions.empty() && !medium.sessions.back().tracks.empty()) {
+        const TrackInfo& last = medium.sessions.back().tracks.back();
+        medium.blocksUsed = last.startBlock + last.blocks;
+    }
+    if (medium.appendable) {
+        const std::unique_ptr<burn_write_opts, Deleter> options(burn_write_opts_new(drive));
+        burn_write_opts_set_write_type(options.get(), BURN_WRITE_TAO, BURN_BLOCK_MODE1);
+        int start = 0, next = 0;
+        if (burn_disc_track_lba_nwa(drive, options.get(), 0, &start, &next) > 0 && next >= 0)
+            medium.nextWritableBlock = static_cast<uint64_t>(next);
+        medium.blocksFree =
+            static_cast<uint64_t>(std::max<off_t>(burn_disc_available_space(drive, options.get()), 0)) /
+            blockSize;
+        if (medium.blank)
+            medium.capacityBlocks = medium.blocksFree;
+        else
+            medium.capacityBlocks =
+                std::max(medium.blocksUsed, medium.nextWritableBlock.value_or(0) + medium.blocksFree);
+    } else {
+        int start = 0, end = 0;
+        if (isCD && burn_disc_read_atip(drive) > 0 &&
+            burn_drive_get_start_end_lba(drive, &start, &end, 0) > 0 && end > 2)
+            medium.capacityBlocks = static_cast<uint64_t>(end - 2);
+        if (!facts.writable) medium.capacityBlocks = medium.blocksUsed;
+    }
+    // Documented: re-writable media are always overwritable, and so are blank ones that are written once.
+    medium.overwritable = medium.blank || medium.erasable;
+    medium.blocksOverwritable = medium.overwritable ? medium.capacityBlocks : 0;
+    // A track that a burn left open can't be trusted.
+    if (!medium.blank && burn_disc_next_track_is_damaged(drive, 0) != 0) {
+        medium.state = MediumState::Incomplete;
+        medium.appendable = false;
+        medium.blocksFree = 0;
+        medium.nextWritableBlock.reset();
+    }
+}
+
+} // namespace
+
+std::optional<MediumKind> kindOfProfile(int profile) noexcept {
+    switch (profile) {
+    case 0x08:
+        return MediumKind::CDROM;
+    case 0x09:
+        return MediumKind::CDR;
+    case 0x0A:
+        return MediumKind::CDRW;
+    case 0x10:
+        return MediumKind::DVDROM;
+    case 0x11:
+        return MediumKind::DVDR;
+    case 0x12:
+        return MediumKind::DVDRAM;
+    case 0x13:
+    case 0x14:
+        return MediumKind::DVDRW;
+    case 0x15:
+    case 0x16:
+        return MediumKind::DVDRDualLayer;
+    case 0x1A:
+        return MediumKind::DVDPlusRW;
+    case 0x1B:
+        return MediumKind::DVDPlusR;
+    case 0x2B:
+        return MediumKind::DVDPlusRDoubleLayer;
+    case 0x40:
+        return MediumKind::BDROM;
+    case 0x41:
+    case 0x42:
+        return MediumKind::BDR;
+    case 0x43:
+        return MediumKind::BDRE;
+    default:
+        return std::nullopt;
+    }
+}
+
+bool takesBlocksInAnyOrder(burn_drive* drive) {
+    int profile = 0;
+    char name[80];
+    burn_disc_get_profile(drive, &profile, name);
+    return profile == 0x12 || profile == 0x13 || profile == 0x1A || profile == 0x43;
+}
+
+std::optional<MediumInfo> describeMedium(burn_drive* drive, const std::string& path) {
+    burn_disc_status status = burn_disc_get_status(drive);
+    for (int attempt = 0; status == BURN_DISC_UNREADY && attempt < 100; ++attempt) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        status = burn_disc_get_status(drive);
+    }
+    int profile = 0;
+    char name[80];
+    if (burn_disc_get_profile(drive, &profile, name) <= 0) return std::nullopt;
+    const auto kind = kindOfProfile(profile);
+    if (status == BURN_DISC_EMPTY || status == BURN_DISC_UNGRABBED || !kind) return std::nullopt;
+    MediumInfo medium;
+    medium.kind = *kind;
+    medium.capacityBlocks = factsOf(*kind).capacityBlocks;
+    medium.speeds = speedsOf(drive);
+    medium.path = path;
+    if (takesBlocksInAnyOrder(drive))
+        describeOverwritable(drive, medium);
+    else
+        describeSequential(drive, medium, status);
+    if (medium.blank) medium.path.clear();
+    if (factsOf(*kind).mediumClass == MediumClass::CD && !medium.blank) {
+        unsigned char* packs = nullptr;
+        int count = 0;
+        medium.hasCDText = burn_disc_get_leadin_text(drive, &packs, &count, 0) > 0 && count > 0;
+        std::free(packs);
+    }
+    dropLibraryMessages();
+    return medium;
+}
+
+void waitUntilIdle(burn_drive* drive, const std::function<void()>& poll) {
+    while (burn_drive_get_status(drive, nullptr) != BURN_DRIVE_IDLE) {
+        poll();
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+}
+
+} // namespace engine

@@ -1,0 +1,241 @@
+// Writing to a physical drive: what is where, and what the drive must do before and after.
+#include "PhysicalTarget.hpp"
+#include "../Background.hpp"
+#include "../Failure.hpp"
+#include "../SessionPlaces.hpp"
+#include "BurnLibrary.hpp"
+#include "PhysicalReader.hpp"
+#include "WriteJob.hpp"
+
+#include <algorithm>
+#include <libburn/libburn.h>
+
+namespace engine {
+namespace {
+
+constexpr uint64_t startBlocks =
+    32; // in front of the first session of an overwritable medium that stays open
+constexpr uint64_t runOutBlocks = 2; // behind a track that is written at once
+constexpr uint64_t leastTrack = 300; // blocks of a CD's track
+constexpr int flushAfter = 1;
+
+class PhysicalTarget final : public BurnTarget {
+  public:
+    PhysicalTarget(std::shared_ptr<PhysicalDrive::Hold> hold, const MediumInfo& medium)
+        : hold_(std::move(hold)), medium_(medium), isCD_(factsOf(medium.kind).mediumClass == MediumClass::CD),
+          anyOrder_(takesBlocksInAnyOrder(hold_->get())) {}
+
+    // The library may need long to let go of a drive. Nobody waits for it, but the drive is busy until then.
+    ~PhysicalTarget() override {
+        auto end = [job = std::move(job_), hold = std::move(hold_)]() mutable {
+            if (job) {
+                job->cancel();
+                job = nullptr;
+                const std::lock_guard commands(hold->drive().commands());
+                hold->drive().reopen();
+            }
+            hold->drive().endBurn();
+            hold = nullptr;
+        };
+        try {
+            runInBackground("disc-release", std::move(end));
+        } catch (...) {
+            end();
+        }
+    }
+
+    const MediumInfo& medium() const noexcept override { return medium_; }
+    bool needsPacing() const noexcept override { return false; }
+    void watch(const SignalRef& signal) override { signal_ = signal; }
+
+    void begin(const BurnPlan& plan) override {
+        const bool isFirst = medium_.blank || plan.startsAgain;
+        renewsStart_ = anyOrder_ && (plan.appendable || !isFirst);
+        erases_ = plan.startsAgain && !medium_.blank && !anyOrder_;
+        if (!isFirst) before_ = medium_.sessions;
+        if (!isCD_ && plan.sessions.size() > 1)
+            fail(ErrorCode::BadLayout,
+                 "A DVD or BD in " + name() +
+                     " takes one session in a burn; burn the others one after another.");
+        // The library writes at once only what is alone on a blank CD, and of one kind.
+        atOnce_ = isCD_ && plan.strategy == Strategy::CDSessionAtOnce && isFirst && plan.sessions.size() == 1;
+        for (const auto& session : plan.sessions)
+            checkForms(session);
+        if (!atOnce_) checkTrackAtOnce(plan);
+    }
+
+    void place(BurnPlan& plan, size_t session, size_t track) override {
+        placeTrack(plan, session, track, medium_.kind, before_, renewsStart_ ? startBlocks : 0);
+        TrackInfo& info = plan.sessions[session][track].info;
+        // The drive knows best where it goes on.
+        if (session == 0 && track == 0 && !before_.empty() && medium_.nextWritableBlock)
+            info.startBlock = *medium_.nextWritableBlock + (isCD_ ? info.preGapBlocks - usualPreGap : 0);
+        if (track > 0 && isCD_ && !atOnce_) {
+            const TrackInfo& last = plan.sessions[session][track - 1].info;
+            info.startBlock =
+                last.startBlock + std::max(last.blocks, leastTrack) + runOutBlocks + usualPreGap;
+        }
+    }
+
+    bool wantsStart() const noexcept override { return renewsStart_; }
+
+    void openSession(const BurnPlan& plan, size_t session) override {
+        const std::lock_guard commands(hold_->drive().commands());
+        isTest_ = plan.isTest;
+        if (session == 0)
+            prepareMedium();
+        else
+            hold_->drive().reassess();
+        std::vector<TrackInfo> tracks;
+        for (const PlannedTrack& each : plan.sessions[session])
+            tracks.push_back(each.info);
+        written_.push_back(std::move(tracks));
+        job_ = std::make_shared<WriteJob>(hold_, plan, session, anyOrder_, atOnce_);
+        track_ = 0;
+    }
+
+    void openTrack(const PlannedTrack& track) override {
+        // What the library writes before block 0 of a session is its own.
+        takesPreGap_ = atOnce_ && track_ > 0 && track.preGapIsProduced;
+    }
+
+    void writePreGap(std::span<std::byte> buffer) override {
+        if (takesPreGap_) write(buffer);
+    }
+
+    void write(std::span<std::byte> buffer) override {
+        if (job_->give(track_, buffer, signal_.get())) return;
+        job_->finish(signal_.get());
+        throw Failure(job_->problem());
+    }
+
+    void closeTrack(uint64_t blocks) override {
+        written_.back()[track_].blocks = blocks;
+        job_->endTrack(track_++);
+    }
+
+    void closeSession() override {
+        job_->finish(signal_.get());
+        job_ = nullptr;
+    }
+
+    void writeStart(std::vector<std::byte> bytes) override { start_ = std::move(bytes); }
+
+    // The drive has closed what it wrote. What it shows now is where the tracks really are.
+    void flush(const SignalRef& signal) override {
+        signal->check();
+        const std::lock_guard commands(hold_->drive().commands());
+        hold_->drive().reassess();
+        if (isTest_ || anyOrder_) return;
+        const auto medium = describeMedium(hold_->get(), hold_->drive().path());
+        for (auto& session : written_)
+            for (TrackInfo& track : session)
+                findTrack(medium, track);
+    }
+
+    std::shared_ptr<MediumReader> reader() override { return std::make_shared<PhysicalReader>(hold_); }
+    std::vector<std::vector<TrackInfo>> written() const override { return written_; }
+    uint64_t keptPreGap(const TrackInfo& track, bool isFirst) const override {
+        return isFirst || !atOnce_ ? 0 : track.preGapBlocks;
+    }
+
+    // A drive has no mark for a disc that turned out to be wrong; only what readers look at first is left as it was.
+    void commit(bool intact) override {
+        if (!intact || isTest_ || start_.empty()) return;
+        const std::lock_guard commands(hold_->drive().commands());
+        dropLibraryMessages();
+        if (burn_random_access_write(hold_->get(), 0, reinterpret_cast<char*>(start_.data()),
+                                     static_cast<off_t>(start_.size()), flushAfter) <= 0)
+            throw Failure(libraryError(ErrorCode::MediaWriteFailure,
+                                       "The start of the disc in " + name() + " can't be made new."));
+    }
+
+  private:
+    std::string name() const { return inQuotes(hold_->drive().displayName()); }
+
+    void checkForms(const std::vector<PlannedTrack>& tracks) {
+        bool hasData = false, hasAudio = false;
+        for (const PlannedTrack& track : tracks) {
+            const BlockForm form = track.info.form;
+            if (form != BlockForm::Data && form != BlockForm::Audio)
+                fail(ErrorCode::FunctionNotSupported, "Track " + std::to_string(track.info.number) +
+                                                          " is of the form \"" + std::string(nameOf(form)) +
+                                                          "\", which can't be written with " + name() +
+                                                          "; only data and audio can.");
+            (form == BlockForm::Data ? hasData : hasAudio) = true;
+        }
+        if (hasData && hasAudio) atOnce_ = false;
+    }
+
+    // What only a session written at once can have.
+    void checkTrackAtOnce(const BurnPlan& plan) const {
+        const std::string why = ", but " + name() + " writes this session track by track; burn it without.";
+        if (!plan.cdText.empty()) fail(ErrorCode::CantWriteCDText, "There is CD-Text" + why);
+        for (const auto& session : plan.sessions)
+            for (const PlannedTrack& track : session) {
+                const std::string which = "Track " + std::to_string(track.info.number);
+                if (!track.info.isrc.empty())
+                    fail(ErrorCode::CantWriteISRC, which + " has a recording code (ISRC)" + why);
+                if (!track.info.indexPoints.empty())
+                    fail(ErrorCode::CantWriteIndexPoints, which + " has index points" + why);
+                if (track.preGapIsRequired &&
+                    (track.preGapIsProduced || track.info.preGapBlocks != usualPreGap))
+                    fail(ErrorCode::PreGapLengthNotAvailable, which + " has a pre-gap of its own" + why);
+            }
+    }
+
+    void prepareMedium() {
+        burn_drive* drive = hold_->get();
+        if (erases_) {
+            eraseMedium(drive, medium_, EraseType::Quick,
+                        [this](double) { return !signal_ || !signal_->isCanceled(); });
+            hold_->drive().reassess();
+        }
+        int status = 0, formats = 0;
+        off_t size = 0;
+        unsigned more = 0;
+        const bool needsFormat = medium_.kind == MediumKind::DVDRAM || medium_.kind == MediumKind::BDRE;
+        if (!needsFormat || burn_disc_get_formats(drive, &status, &size, &more, &formats) <= 0 ||
+            status != BURN_FORMAT_IS_UNFORMATTED)
+            return;
+        dropLibraryMessages();
+        burn_disc_format(drive, 0, 3 << 1 | 1 << 6); // to its usual size, without a check of every block
+        waitUntilIdle(drive, [] {});
+        if (burn_drive_wrote_well(drive) == 0)
+            throw Failure(
+                libraryError(ErrorCode::MediaWriteFailure, "The disc in " + name() + " can't be formatted."));
+        hold_->drive().reassess();
+    }
+
+    void findTrack(const std::optional<MediumInfo>& medium, TrackInfo& track) const {
+        if (medium)
+            for (const SessionInfo& session : medium->sessions)
+                for (const TrackInfo& each : session.tracks)
+                    if (each.number == track.number && each.form == track.form) {
+                        track.startBlock = each.startBlock;
+                        return;
+                    }
+        fail(ErrorCode::MediaWriteFailure, "The drive " + name() + " does not show track " +
+                                               std::to_string(track.number) + ", which it has just written.");
+    }
+
+    std::shared_ptr<PhysicalDrive::Hold> hold_;
+    MediumInfo medium_;
+    const bool isCD_, anyOrder_;
+    std::vector<SessionInfo> before_;
+    bool renewsStart_ = false, erases_ = false, atOnce_ = false, isTest_ = false, takesPreGap_ = false;
+    SignalRef signal_;
+    std::shared_ptr<WriteJob> job_;
+    size_t track_ = 0; ///< of the session
+    std::vector<std::vector<TrackInfo>> written_;
+    std::vector<std::byte> start_;
+};
+
+} // namespace
+
+std::unique_ptr<BurnTarget> makePhysicalTarget(std::shared_ptr<PhysicalDrive::Hold> hold,
+                                               const MediumInfo& medium) {
+    return std::make_unique<PhysicalTarget>(std::move(hold), medium);
+}
+
+} // namespace engine

@@ -1,0 +1,195 @@
+// Burning, appending and erasing through libburn; what was burned is read back by programs that are not ours.
+#include "Fixture.hpp"
+
+#include <thread>
+
+using namespace engine;
+
+namespace {
+
+class Sound final : public TrackProducer {
+  public:
+    explicit Sound(std::string bytes) : bytes_(std::move(bytes)) {}
+    size_t produce(uint64_t block, std::span<std::byte> buffer, ProduceFlags&) override {
+        const size_t at = static_cast<size_t>(block) * 2352;
+        const size_t count = std::min(buffer.size(), bytes_.size() - at);
+        std::memcpy(buffer.data(), bytes_.data() + at, count);
+        return count;
+    }
+
+  private:
+    std::string bytes_;
+};
+
+} // namespace
+
+class PhysicalKinds : public PhysicalTest, public ::testing::WithParamInterface<const char*> {};
+
+TEST_P(PhysicalKinds, BurnsAppendsAndShowsBoth) {
+    insert(GetParam());
+    const std::string bytes = noise(3'000'000);
+    file("noise.bin", bytes);
+    BurnOptions options;
+    options.appendable = true;
+    EXPECT_DONE(burn(layout(), options));
+    EXPECT_TRUE(extracted("noise.bin") == bytes);
+    MediumInfo info = medium();
+    EXPECT_EQ(info.state, MediumState::Appendable);
+    ASSERT_EQ(info.sessionCount(), 1u);
+    EXPECT_EQ(info.sessions.front().tracks.front().volumeName, "DISC");
+
+    fs::remove(source / "noise.bin");
+    file("letter.txt", "Dear reader,\n");
+    EXPECT_DONE(burn(layout("MORE")));
+    EXPECT_TRUE(extracted("noise.bin") == bytes);
+    EXPECT_EQ(extracted("letter.txt"), "Dear reader,\n");
+    info = medium();
+    if (!factsOf(info.kind).overwritable) {
+        EXPECT_EQ(info.state, MediumState::Complete);
+        EXPECT_EQ(info.sessionCount(), 2u);
+    }
+}
+
+TEST_P(PhysicalKinds, OverwritesWhereItCan) {
+    insert(GetParam());
+    file("old.bin", noise(700'000, 2));
+    EXPECT_DONE(burn(layout("OLD")));
+    fs::remove(source / "old.bin");
+    file("new.bin", noise(900'000, 3));
+    BurnOptions options;
+    options.overwrite = true;
+    const BurnStatus again = burn(layout("NEW"), options);
+    if (factsOf(medium().kind).erasable) {
+        EXPECT_DONE(again);
+        EXPECT_TRUE(extracted("new.bin") == noise(900'000, 3));
+    } else {
+        EXPECT_EQ(again.error->code, ErrorCode::MediaNotBlank);
+        EXPECT_TRUE(extracted("old.bin") == noise(700'000, 2));
+    }
+}
+
+TEST_P(PhysicalKinds, ErasesWhatCanBeErased) {
+    insert(GetParam());
+    file("noise.bin", noise(700'000));
+    EXPECT_DONE(burn(layout()));
+    const bool isErasable = factsOf(medium().kind).erasable;
+    for (const EraseType type : {EraseType::Quick, EraseType::Complete}) {
+        EraseJob job(drive());
+        ASSERT_TRUE(job.start(type).ok());
+        const EraseStatus status = job.wait();
+        if (!isErasable) {
+            ASSERT_TRUE(status.error.has_value());
+            EXPECT_EQ(status.error->code, ErrorCode::MediaNotErasable);
+            EXPECT_TRUE(extracted("noise.bin") == noise(700'000));
+            continue;
+        }
+        EXPECT_EQ(nameOf(status.state), "Done")
+            << (status.error ? status.error->message + status.error->info : "");
+        EXPECT_TRUE(medium().blank);
+        EXPECT_DONE(burn(layout()));
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(All, PhysicalKinds,
+                         ::testing::Values("CD-R", "CD-RW", "DVD+RW", "DVD-R", "DVD-RW", "DVD-RAM", "DVD+R",
+                                           "BD-R", "BD-RE"),
+                         [](const auto& each) {
+                             std::string name = each.param;
+                             for (char& letter : name)
+                                 letter = letter == '+' ? 'p' : letter == '-' ? '_' : letter;
+                             return name;
+                         });
+
+TEST_F(PhysicalTest, TrackAtOnceWhenAskedFor) {
+    insert("CD-R");
+    file("noise.bin", noise(800'000));
+    BurnOptions options;
+    options.strategies = {Strategy::CDTrackAtOnce};
+    options.strategyIsRequired = true;
+    EXPECT_DONE(burn(layout(), options));
+    EXPECT_TRUE(extracted("noise.bin") == noise(800'000));
+    EXPECT_EQ(state()["tracks"][0]["pregap"], 0); // the drive's own; at once it is written from the sheet
+}
+
+TEST_F(PhysicalTest, SoundWithCodesAndCatalogue) {
+    insert("CD-R");
+    Layout disc;
+    disc.sessions.emplace_back();
+    for (const uint64_t seed : {1, 2}) {
+        Track track;
+        ProducedTrack sound;
+        sound.form = BlockForm::Audio;
+        sound.blocks = 350;
+        sound.producer = std::make_shared<Sound>(noise(350 * 2352, seed));
+        track.content = sound;
+        track.isrc = seed == 1 ? "DEABC1234567" : "DEABC1234568";
+        disc.sessions.front().tracks.push_back(track);
+    }
+    BurnOptions options;
+    options.mediaCatalogNumber = "1234567890123";
+    EXPECT_DONE(burn(disc, options));
+    const Json now = state();
+    EXPECT_EQ(now["catalogue"], "1234567890123");
+    ASSERT_EQ(now["tracks"].size(), 2u);
+    EXPECT_EQ(now["tracks"][1]["isrc"], "DEABC1234568");
+    EXPECT_EQ(now["tracks"][1]["start"], 500); // a pre-gap of two seconds
+    run("cdrdao read-cd --device /dev/sr0 --driver generic-mmc --paranoia-mode 0 --datafile back.bin "
+        "back.toc");
+    std::ostringstream back;
+    back << std::ifstream(first.parent_path() / "back.bin", std::ios::binary).rdbuf();
+    std::string samples = back.str();
+    for (size_t at = 0; at + 1 < samples.size(); at += 2)
+        std::swap(samples[at], samples[at + 1]);
+    EXPECT_TRUE(samples == noise(350 * 2352, 1) + std::string(150 * 2352, '\0') + noise(350 * 2352, 2));
+}
+
+TEST_F(PhysicalTest, TestBurnWritesNothing) {
+    insert("CD-R");
+    file("noise.bin", noise(800'000));
+    BurnOptions options;
+    options.testing = true;
+    EXPECT_DONE(burn(layout(), options));
+    EXPECT_GT(state()["writes"], 10);
+    EXPECT_EQ(state()["tracks"].size(), 0u);
+    EXPECT_TRUE(medium().blank);
+    EXPECT_DONE(burn(layout()));
+    EXPECT_TRUE(extracted("noise.bin") == noise(800'000));
+}
+
+TEST_F(PhysicalTest, SpeedIsTheDrivesOwn) {
+    insert("CD-R");
+    file("letter.txt", "Dear reader,\n");
+    BurnOptions options;
+    options.requestedSpeed = 16 * 176.4;
+    EXPECT_DONE(burn(layout(), options));
+    EXPECT_EQ(state()["writeSpeed"], 16 * 176);
+}
+
+TEST_F(PhysicalTest, DriveThatTakesItsTime) {
+    insert("DVD+RW", {{"faults", {{"busyEveryWrites", 5}}}});
+    file("noise.bin", noise(3'000'000));
+    EXPECT_DONE(burn(layout()));
+    EXPECT_TRUE(extracted("noise.bin") == noise(3'000'000));
+}
+
+TEST_F(PhysicalTest, AbortIsQuickAndTheDriveComesBack) {
+    insert("DVD+RW");
+    file("noise.bin", noise(60'000'000));
+    BurnJob job(drive());
+    ASSERT_TRUE(job.start(layout()).ok());
+    while (job.status().state != BurnState::TrackWrite || job.status().bytesDone == 0)
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    const auto began = std::chrono::steady_clock::now();
+    job.abort();
+    const BurnStatus status = job.wait();
+    EXPECT_LT(std::chrono::steady_clock::now() - began, std::chrono::milliseconds(200));
+    ASSERT_TRUE(status.error.has_value());
+    EXPECT_EQ(status.error->code, ErrorCode::UserCanceled);
+    waitUntilFree();
+    fs::remove(source / "noise.bin");
+    file("letter.txt", "Dear reader,\n");
+    BurnOptions options;
+    options.overwrite = true;
+    EXPECT_DONE(burn(layout(), options));
+    EXPECT_EQ(extracted("letter.txt"), "Dear reader,\n");
+}

@@ -1,0 +1,138 @@
+// A physical drive as a drive: who it is, what it can do, its tray, who has it.
+#include "Fixture.hpp"
+
+#include <chrono>
+#include <fcntl.h>
+#include <unistd.h>
+
+using namespace engine;
+
+TEST_F(PhysicalTest, DriveIsFoundAndDescribed) {
+    insert("CD-RW");
+    const auto all = drives();
+    ASSERT_TRUE(all.ok());
+    ASSERT_EQ(all->size(), 1u);
+    const DriveIdentity& who = all->front()->identity();
+    EXPECT_EQ(who.id, "/dev/sr0");
+    EXPECT_EQ(who.vendor, "TESTLAB");
+    EXPECT_EQ(who.product, "MMC RECORDER");
+    EXPECT_EQ(who.firmwareRevision, "1.00");
+    EXPECT_FALSE(who.isVirtual);
+    EXPECT_EQ(all->front()->displayName(), "TESTLAB MMC RECORDER");
+    const DriveCapabilities& can = all->front()->capabilities();
+    for (const MediumKind kind : {MediumKind::CDR, MediumKind::CDRW, MediumKind::DVDPlusRW, MediumKind::BDR})
+        EXPECT_TRUE(can.canWrite(kind)) << factsOf(kind).name;
+    EXPECT_FALSE(can.canWrite(MediumKind::CDROM));
+    EXPECT_TRUE(can.canTestWriteCD && can.writesCDText && can.writesISRC);
+    EXPECT_EQ(can.writeBufferBytes, 2048u * 1024);
+}
+
+TEST_F(PhysicalTest, SameObjectAtEveryCall) {
+    insert("CD-RW");
+    EXPECT_EQ(drive(), drive());
+}
+
+TEST_F(PhysicalTest, ListingAgainIsQuick) {
+    insert("CD-RW");
+    ASSERT_NE(drive(), nullptr);
+    const auto began = std::chrono::steady_clock::now();
+    for (int count = 0; count < 20; ++count)
+        ASSERT_TRUE(drives().ok());
+    EXPECT_LT(std::chrono::steady_clock::now() - began, std::chrono::milliseconds(500));
+}
+
+TEST_F(PhysicalTest, DriveThatGoesAwayStaysInvalid) {
+    insert("CD-RW");
+    const DriveRef gone = drive();
+    setGone(first);
+    EXPECT_FALSE(gone->isValid());
+    insert("CD-RW");
+    EXPECT_FALSE(gone->isValid());
+    EXPECT_EQ(gone->readMedium().error().code, ErrorCode::DeviceInvalid);
+    EXPECT_NE(drive(), gone);
+    EXPECT_TRUE(drive()->isValid());
+}
+
+TEST_F(PhysicalTest, TwoDrives) {
+    insert("CD-RW");
+    insert("DVD+RW", {{"product", "OTHER"}}, second);
+    const auto all = drives();
+    ASSERT_EQ(all->size(), 2u);
+    EXPECT_EQ((*all)[1]->identity().id, "/dev/sr1");
+    EXPECT_EQ((*all)[0]->mediumInfo()->kind, MediumKind::CDRW);
+    EXPECT_EQ((*all)[1]->mediumInfo()->kind, MediumKind::DVDPlusRW);
+}
+
+TEST_F(PhysicalTest, NoneWhereNotWanted) {
+    insert("CD-RW");
+    for (const char* said : {"0", ""}) { // whoever names his drives means only those
+        ::setenv("DISC_PHYSICAL", said, 1);
+        const auto all = drives();
+        ASSERT_EQ(all->size(), 1u);
+        EXPECT_TRUE(all->front()->identity().isVirtual);
+    }
+}
+
+TEST_F(PhysicalTest, NoPseudoDrive) {
+    setGone(first);
+    const auto all = drives();
+    ASSERT_FALSE(all->empty());
+    for (const DriveRef& each : *all)
+        EXPECT_TRUE(each->identity().isVirtual);
+}
+
+TEST_F(PhysicalTest, TrayOpensAndCloses) {
+    insert("CD-RW");
+    const DriveRef own = drive();
+    EXPECT_FALSE(own->isTrayOpen());
+    EXPECT_EQ(own->openTray().error().code, ErrorCode::BurnNotAllowed);
+    EXPECT_TRUE(own->eject().ok());
+    EXPECT_TRUE(own->isTrayOpen());
+    EXPECT_FALSE(own->mediumInfo());
+    EXPECT_TRUE(own->closeTray().ok());
+    EXPECT_FALSE(own->isTrayOpen());
+    EXPECT_TRUE(own->mediumInfo());
+}
+
+TEST_F(PhysicalTest, EmptyDrive) {
+    insert("");
+    const DriveRef own = drive();
+    const auto read = own->readMedium();
+    ASSERT_TRUE(read.ok()) << read.error().message;
+    EXPECT_FALSE(*read);
+    EXPECT_TRUE(own->openTray().ok());
+    EXPECT_TRUE(own->isTrayOpen());
+}
+
+TEST_F(PhysicalTest, ExclusiveAccessKeepsOtherProgramsOut) {
+    insert("DVD+RW");
+    const DriveRef own = drive();
+    ASSERT_TRUE(own->acquireExclusiveAccess().ok());
+    ASSERT_TRUE(own->acquireExclusiveAccess().ok());
+    EXPECT_TRUE(own->hasExclusiveAccess());
+    EXPECT_TRUE(own->isBusy());
+    own->releaseExclusiveAccess();
+    EXPECT_EQ(::open("/dev/sr0", O_RDWR | O_EXCL), -1);
+    EXPECT_TRUE(own->mediumInfo()); // this process may go on
+    own->releaseExclusiveAccess();
+    EXPECT_FALSE(own->hasExclusiveAccess());
+    const int other = ::open("/dev/sr0", O_RDWR | O_EXCL);
+    EXPECT_GE(other, 0);
+    EXPECT_TRUE(own->isBusy());
+    EXPECT_EQ(own->acquireExclusiveAccess().error().code, ErrorCode::DeviceBusy);
+    ::close(other);
+    EXPECT_FALSE(own->isBusy());
+}
+
+TEST_F(PhysicalTest, ReservationIsCountedAndReleased) {
+    insert("DVD+RW");
+    const DriveRef own = drive();
+    EXPECT_FALSE(own->holdsMediaReservation());
+    own->acquireMediaReservation();
+    own->acquireMediaReservation();
+    EXPECT_TRUE(own->holdsMediaReservation());
+    own->releaseMediaReservation();
+    EXPECT_TRUE(own->holdsMediaReservation());
+    own->releaseMediaReservation();
+    EXPECT_FALSE(own->holdsMediaReservation());
+}

@@ -1,0 +1,109 @@
+// What goes wrong in a drive comes back with the drive's own words.
+#include "Fixture.hpp"
+#include "physical/Sense.hpp"
+
+using namespace engine;
+
+TEST(PhysicalSense, TextsAndCodes) {
+    const Sense sense{0x3, 0x0C, 0x00};
+    const auto bytes = bytesOf(sense);
+    ASSERT_EQ(bytes.size(), 18u);
+    const auto back = senseOf(bytes);
+    ASSERT_TRUE(back.has_value());
+    EXPECT_EQ(textOfSenseKey(back->key), "Medium Error");
+    EXPECT_EQ(textOfAdditionalSense(*back), "Write error");
+    EXPECT_EQ(textOfAdditionalSense({0x5, 0x47, 0x03}), "Code 47/03");
+    EXPECT_FALSE(senseOf({}).has_value());
+    EXPECT_EQ(codeOf({0x3, 0x73, 0x03}, ErrorCode::MediaWriteFailure), ErrorCode::PowerCalibration);
+    EXPECT_EQ(codeOf({0x2, 0x3A, 0x02}, ErrorCode::MediaWriteFailure), ErrorCode::MediaNotPresent);
+    EXPECT_EQ(codeOf({0x3, 0x0C, 0x00}, ErrorCode::MediaWriteFailure), ErrorCode::MediaWriteFailure);
+}
+
+TEST_F(PhysicalTest, WriteErrorHasTheDrivesSense) {
+    for (const char* kind : {"DVD+RW", "CD-R"}) {
+        insert(kind, {{"faults", {{"writeErrors", {500}}}}});
+        file("noise.bin", noise(3'000'000));
+        const BurnStatus status = burn(layout());
+        ASSERT_TRUE(status.error.has_value()) << kind;
+        EXPECT_EQ(status.error->code, ErrorCode::MediaWriteFailure) << kind;
+        const auto sense = senseOf(status.error->sense);
+        ASSERT_TRUE(sense.has_value()) << kind << status.error->info;
+        EXPECT_EQ(sense->key, 0x3);
+        EXPECT_EQ(sense->code, 0x0C);
+        EXPECT_NE(status.error->info.find("Medium Error: Write error"), std::string::npos)
+            << status.error->info;
+        drive()->closeTray().ok();
+    }
+}
+
+TEST_F(PhysicalTest, PowerCalibrationHasACodeOfItsOwn) {
+    insert("CD-R", {{"faults", {{"powerCalibration", true}}}});
+    file("letter.txt", "Dear reader,\n");
+    const BurnStatus status = burn(layout());
+    ASSERT_TRUE(status.error.has_value());
+    EXPECT_EQ(status.error->code, ErrorCode::PowerCalibration) << status.error->info;
+}
+
+TEST_F(PhysicalTest, DriveThatGoesAwayWhileItWrites) {
+    insert("DVD+RW", {{"faults", {{"goneAfterWrites", 20}}}});
+    file("noise.bin", noise(6'000'000));
+    const BurnStatus status = burn(layout());
+    ASSERT_TRUE(status.error.has_value());
+    EXPECT_EQ(status.error->code, ErrorCode::DeviceInvalid) << status.error->message << status.error->info;
+}
+
+TEST_F(PhysicalTest, BlockThatCanNotBeRead) {
+    insert("DVD+RW");
+    file("noise.bin", noise(3'000'000));
+    EXPECT_DONE(burn(layout()));
+    change("faults", {{"readErrors", {700}}});
+    auto reader = drive()->openMedium();
+    ASSERT_TRUE(reader.ok());
+    std::vector<std::byte> bytes(2048 * 64);
+    TrackInfo whole;
+    whole.blocks = 2000;
+    const auto count = (*reader)->read(whole, 690, bytes);
+    ASSERT_FALSE(count.ok());
+    EXPECT_EQ(count.error().code, ErrorCode::MediaInvalid);
+    EXPECT_EQ(count.error().info.substr(0, 6), "block ");
+    const auto sense = senseOf(count.error().sense);
+    ASSERT_TRUE(sense.has_value()) << count.error().info;
+    EXPECT_EQ(sense->code, 0x11);
+}
+
+TEST_F(PhysicalTest, WrongByteIsFoundByVerifying) {
+    insert("DVD+RW", {{"faults", {{"flipOnWrite", 600}}}});
+    file("noise.bin", noise(3'000'000));
+    const BurnStatus status = burn(layout());
+    ASSERT_TRUE(status.error.has_value());
+    EXPECT_EQ(status.error->code, ErrorCode::VerificationFailed);
+}
+
+TEST_F(PhysicalTest, NoDiscAndBusyDrive) {
+    insert("");
+    file("letter.txt", "Dear reader,\n");
+    EXPECT_EQ(burn(layout()).error->code, ErrorCode::MediaNotPresent);
+    insert("CD-R");
+    const int other = ::open("/dev/sr0", O_RDWR | O_EXCL);
+    BurnJob job(drive());
+    ASSERT_TRUE(job.start(layout()).ok());
+    EXPECT_EQ(job.wait().error->code, ErrorCode::DeviceBusy);
+    ::close(other);
+}
+
+TEST_F(PhysicalTest, FormsThatNeedAnotherWayAreRefused) {
+    insert("CD-R");
+    Track track;
+    ProducedTrack raw;
+    raw.form = BlockForm::Mode2;
+    raw.blocks = 300;
+    struct Zeros final : public TrackProducer {
+        size_t produce(uint64_t, std::span<std::byte> buffer, ProduceFlags&) override {
+            return buffer.size();
+        }
+    };
+    raw.producer = std::make_shared<Zeros>();
+    track.content = raw;
+    EXPECT_EQ(burn(Layout::ofTrack(track)).error->code, ErrorCode::FunctionNotSupported);
+    EXPECT_TRUE(medium().blank);
+}

@@ -1,0 +1,43 @@
+// Starts the tests in a process that sees the recorder, and clears its folder away afterwards.
+#include <cstdlib>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <string>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+int runWithRecorder(char** arguments) {
+    std::string folder = (std::filesystem::temp_directory_path() / "physical-test-XXXXXX").string();
+    if (::mkdtemp(folder.data()) == nullptr) return 1;
+    std::filesystem::create_directories(folder + "/sr0");
+    std::filesystem::create_directories(folder + "/sr1");
+    std::filesystem::create_directories(folder + "/drives");
+    ::setenv("DISC_RECORDER", (folder + "/sr0:" + folder + "/sr1").c_str(), 1);
+    ::setenv("DISC_DRIVES", (folder + "/drives").c_str(), 1);
+    ::setenv("DISC_PHYSICAL", "1", 1);
+    ::setenv("XDG_RUNTIME_DIR", folder.c_str(), 1);
+    ::setenv("LD_PRELOAD", RECORDER, 1);
+    // The library comes before the sanitizer's runtime, which it has no part in.
+    ::setenv("ASAN_OPTIONS", "verify_asan_link_order=0", 1);
+    const pid_t child = ::fork();
+    if (child == 0) {
+        ::execv("/proc/self/exe", arguments);
+        ::_exit(127);
+    }
+    int status = 1;
+    ::waitpid(child, &status, 0);
+    std::error_code ignored;
+    std::filesystem::remove_all(folder, ignored);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 1;
+}
+
+} // namespace
+
+int main(int count, char** arguments) {
+    const bool isList = count > 1 && std::string(arguments[1]).starts_with("--gtest_list_tests");
+    if (std::getenv("DISC_RECORDER") == nullptr && !isList) return runWithRecorder(arguments);
+    ::testing::InitGoogleTest(&count, arguments);
+    return RUN_ALL_TESTS();
+}
