@@ -153,3 +153,53 @@ TEST_F(DriveTest, refusesASecondJob) {
     EXPECT_FALSE(drive->isBusy());
     EXPECT_DONE(burn(drive, layout()));
 }
+
+// One process holds the reservation; it passes on when released. Two objects of one drive stand for two processes:
+// the lock is of the open file, not of the process.
+TEST_F(DriveTest, aReservationIsHeldByOneAtATime) {
+    const auto first = makeDrive(), second = openDrive();
+    EXPECT_FALSE(first->holdsMediaReservation());
+    first->acquireMediaReservation();
+    first->acquireMediaReservation();
+    EXPECT_TRUE(first->holdsMediaReservation());
+    second->acquireMediaReservation();
+    EXPECT_FALSE(second->holdsMediaReservation());
+    first->releaseMediaReservation();
+    EXPECT_FALSE(second->holdsMediaReservation()); // counted
+    first->releaseMediaReservation();
+    EXPECT_FALSE(first->holdsMediaReservation());
+    EXPECT_TRUE(second->holdsMediaReservation());
+    first->acquireMediaReservation();
+    EXPECT_FALSE(first->holdsMediaReservation());
+    second->releaseMediaReservation();
+    EXPECT_TRUE(first->holdsMediaReservation());
+    first->releaseMediaReservation();
+    first->releaseMediaReservation();    // once too often: nothing
+    EXPECT_DONE(burn(second, layout())); // a wish, not a lock
+}
+
+TEST_F(DriveTest, readsOnlyAMediumThatIsThere) {
+    const auto drive = makeDrive();
+    ASSERT_TRUE(drive->eject().ok());
+    const auto none = drive->openMedium();
+    ASSERT_FALSE(none.ok());
+    EXPECT_EQ(none.error().code, ErrorCode::MediaNotPresent);
+    ASSERT_TRUE(drive->closeTray().ok());
+    write("a.bin", noise(100'000));
+    EXPECT_DONE(burn(drive, layout()));
+    auto reader = drive->openMedium();
+    ASSERT_TRUE(reader.ok());
+    TrackInfo track = drive->mediumInfo()->sessions[0].tracks[0];
+    std::string all(track.blocks * 2048 + 4096, '\0');
+    const auto count = (*reader)->read(track, 0, std::as_writable_bytes(std::span(all)));
+    ASSERT_TRUE(count.ok());
+    EXPECT_EQ(*count, track.blocks * 2048); // no further than the track
+    EXPECT_TRUE(all.substr(0, *count) == bytesOf(image()));
+    EXPECT_EQ(
+        *(*reader)->read(track, static_cast<int64_t>(track.blocks), std::as_writable_bytes(std::span(all))),
+        0u);
+    EXPECT_TRUE((*(*reader)->cdText()).empty());
+    track.file = "medium.gone.iso";
+    EXPECT_EQ((*reader)->read(track, 0, std::as_writable_bytes(std::span(all))).error().code,
+              ErrorCode::MediaInvalid);
+}
