@@ -1,13 +1,14 @@
 #!/usr/bin/python3
 """faults.py: cuts burns off at random points, on every kind of medium, and counts what became of the media.
 
-    tests/disc/faults.py [--count 1000] [--seed N] [--fault kill,space,limit,source] [--build build/release]
+    tests/disc/faults.py [--count 1000] [--seed N] [--fault kill,space,limit,source,producer] [--build build/release]
 
 Faults: "kill" ends the process at a random point of the burn; "space" lets the computer's disk fill up at a random
-byte; "limit" is a limit on the size of files; "source" shortens, grows or removes the file that is being read. After
-each, the medium must be as it was, or hold all that was to be burned, or be openly incomplete: its state says so,
-`disc-drives verify` says so, and another program reads what is on it. Then the next burn must work, where the kind
-allows one. Exit status 1 as soon as a medium is silently wrong, with the drive's folder kept.
+byte; "limit" is a limit on the size of files; "source" shortens, grows or removes the file that is being read;
+"producer" raises an exception in the program where it should give a file's bytes. After each, the medium must be as it
+was, or hold all that was to be burned, or be openly incomplete: its state says so, `disc-drives verify` says so, and
+another program reads what is on it. Then the next burn must work, where the kind allows one. Exit status 1 as soon as
+a medium is silently wrong, with the drive's folder kept.
 """
 import argparse
 import collections
@@ -170,6 +171,13 @@ class Bench:
             raise Wrong(f"a source that is {how} was burned as if nothing had happened: {told}")
         return told
 
+    def producer(self, _kind):
+        raises = self.random.choice((0, self.random.randrange(3_000_000)))
+        told = self.burn("new", words=f"overwrite,raises={raises}")
+        if told[0] != "DRStatusStateFailed" or "produced.bin" not in told[2]:
+            raise Wrong(f"a producer that raises: {told}")
+        return told
+
     # ---- afterwards -------------------------------------------------------------------------------------------
 
     def verify(self):
@@ -227,7 +235,8 @@ class Bench:
             if self.burn("old") != ["DRStatusStateDone"]:
                 raise Wrong("the first burn")
             before = "old"
-        told = {"kill": self.kill, "space": self.space, "limit": self.limit, "source": self.source_changes}[fault](kind)
+        told = {"kill": self.kill, "space": self.space, "limit": self.limit, "source": self.source_changes,
+                "producer": self.producer}[fault](kind)
         outcome = self.judge(kind, before, told)
         after = self.burn_again(kind, outcome)
         left = [name for name in os.listdir(self.folder) if "new" in name]
@@ -241,7 +250,7 @@ def main():
     options = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     options.add_argument("--count", type=int, default=1000)
     options.add_argument("--seed", type=int, default=random.SystemRandom().randrange(1 << 30))
-    options.add_argument("--fault", default="kill,space,limit,source")
+    options.add_argument("--fault", default="kill,space,limit,source,producer")
     options.add_argument("--build", default=os.path.join(ROOT, "build/release"))
     options = options.parse_args()
     scratch = tempfile.mkdtemp(prefix="disc-faults-")
@@ -259,9 +268,9 @@ def main():
             return 1
         if sys.stdout.isatty():
             print(f"\r{number + 1}", end="", flush=True)
-    print(f"\n{'fault':8}{'medium':13}{'afterwards':19}{'and then':27}{'count':>6}")
+    print(f"\n{'fault':10}{'medium':13}{'afterwards':19}{'and then':27}{'count':>6}")
     for (fault, sort, outcome, after), count in sorted(bench.counts.items()):
-        print(f"{fault:8}{sort:13}{outcome:19}{after:27}{count:6}")
+        print(f"{fault:10}{sort:13}{outcome:19}{after:27}{count:6}")
     print(f"{sum(bench.counts.values())} faults, no medium silently wrong")
     shutil.rmtree(scratch)
     return 0

@@ -5,7 +5,21 @@
 ' WHAT is a list of words: "wait" waits for a line of input between finding the drive and burning; "overwrite",
 ' "append" and "test" set those; "again" starts a second burn on the drive while the first runs; "slow" holds
 ' it down to the speed of one, "paced" to 20 MB a second; "erase" and "erase-all" erase instead; "tracks" burns two tracks, "same" the
-' same track twice; "image" burns FOLDER as an image.
+' same track twice; "raises=N" adds a file of 3 MB whose producer raises an exception at byte N.
+
+Class Raising Inherits DRFileQRX
+    Public Limit As UInt64
+    Event prepareFileForBurn() As Boolean
+        Return True
+    End Event
+    Event calculateSizeOfFile(fork As Integer, estimating As Boolean) As UInt64
+        Return 3000000
+    End Event
+    Event produceFile(fork As Integer, buffer As MemoryBlock, Bufferlen As UInt32, address As UInt64, blocksize As UInt32) As UInt32
+        If address + Bufferlen > Limit Then Raise New UnsupportedOperationException("no bytes today")
+        Return Bufferlen
+    End Event
+End Class
 
 Dim words() As String = Split(App.Arguments(0), ",")
 
@@ -25,7 +39,17 @@ Function IsFinal(status As Dictionary) As Boolean
 End Function
 
 Function TrackOf(path As String) As DRTrackQRX
-    Dim track As DRTrackQRX = DRTrackQRX.trackForRootFolder(DRFolderQRX.folderWithPath(GetFolderItem(path)))
+    Dim root As DRFolderQRX = DRFolderQRX.folderWithPath(GetFolderItem(path))
+    For Each word As String In words
+        If word.BeginsWith("raises=") Then
+            Dim file As New Raising("produced.bin")
+            file.Limit = Val(NthField(word, "=", 2))
+            root = DRFolderQRX.virtualFolderWithName("Produced")
+            root.addChild(DRFolderQRX.folderWithPath(GetFolderItem(path)))
+            root.addChild(file)
+        End If
+    Next
+    Dim track As DRTrackQRX = DRTrackQRX.trackForRootFolder(root)
     track.VerificationType = DRTrackQRX.DRVerificationTypeChecksum
     Return track
 End Function
@@ -75,6 +99,10 @@ If words.IndexOf("again") >= 0 Then
     Report(other.status)
 End If
 Do
-    App.DoEvents(10)
+    Try
+        App.DoEvents(10)
+    Catch e As UnsupportedOperationException
+        ' What a producer raises ends the burn, and comes out at the program's next statement.
+    End Try
 Loop Until IsFinal(burn.status)
 Report(burn.status)
