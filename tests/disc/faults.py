@@ -1,14 +1,14 @@
 #!/usr/bin/python3
 """faults.py: cuts burns off at random points, on every kind of medium, and counts what became of the media.
 
-    tests/disc/faults.py [--count 1000] [--seed N] [--fault kill,space,limit,source,producer] [--build build/release]
+    tests/disc/faults.py [--count 1000] [--seed N] [--fault kill,append,space,limit,source,producer] [--build build/release]
 
-Faults: "kill" ends the process at a random point of the burn; "space" lets the computer's disk fill up at a random
-byte; "limit" is a limit on the size of files; "source" shortens, grows or removes the file that is being read;
-"producer" raises an exception in the program where it should give a file's bytes. After each, the medium must be as it
-was, or hold all that was to be burned, or be openly incomplete: its state says so, `disc-drives verify` says so, and
-another program reads what is on it. Then the next burn must work, where the kind allows one. Exit status 1 as soon as
-a medium is silently wrong, with the drive's folder kept.
+Faults: "kill" ends the process at a random point of the burn, "append" of a second session; "space" lets the
+computer's disk fill up at a random byte; "limit" is a limit on the size of files; "source" shortens, grows or removes
+the file that is being read; "producer" raises an exception in the program where it should give a file's bytes. After
+each, the medium must be as it was, or hold all that was to be burned, or be openly incomplete: its state says so,
+`disc-drives verify` says so, and another program reads what is on it. Then the next burn must work, where the kind
+allows one. Exit status 1 as soon as a medium is silently wrong, with the drive's folder kept.
 """
 import argparse
 import collections
@@ -28,6 +28,7 @@ ROOT = os.path.dirname(os.path.dirname(HERE))
 REWRITABLE = {"CD-RW": 359847, "DVD-RW": 2297888, "DVD-RAM": 2236704, "DVD+RW": 2295104, "BD-RE": 12219392}
 WRITE_ONCE = {"CD-R": 359847, "DVD-R": 2298496, "DVD-R DL": 4171712, "DVD+R": 2295104, "DVD+R DL": 4173824,
               "BD-R": 12219392}
+OVERWRITABLE = ("DVD-RAM", "DVD+RW", "BD-RE")
 LIMIT = 120
 
 
@@ -44,6 +45,9 @@ class Bench:
         self.full = os.environ.get("DISC_NO_SPACE") or os.path.join(build, "lib/no_space.so")
         self.sources = {name: self.source(name, size) for name, size in (("old", 300_000), ("new", 6_000_000),
                                                                         ("next", 100_000), ("large", 48_000_000))}
+        # What a second session shows: its own files, and those of the first that have other names.
+        self.sources["both"] = shutil.copytree(self.sources["old"], os.path.join(scratch, "both"))
+        shutil.copytree(self.sources["new"], self.sources["both"], dirs_exist_ok=True)
         self.lengths = {}
         self.counts = collections.Counter()
 
@@ -128,9 +132,12 @@ class Bench:
 
     # ---- faults: each answers what the program was told, or nothing when it was killed --------------------------
 
-    def kill(self, kind):
+    def append(self, kind):
+        return self.kill(kind, "append")
+
+    def kill(self, kind, words="overwrite"):
         longest = self.lengths[kind]
-        process = self.start(self.sources["new"])
+        process = self.start(self.sources["new"], words)
         self.go(process)
         time.sleep(self.random.uniform(0, longest))
         process.send_signal(signal.SIGKILL)
@@ -226,19 +233,48 @@ class Bench:
             raise Wrong(f"a written medium that can't be overwritten: {again}")
         return "the next burn was refused"
 
+    def judge_appended(self, kind):
+        """The same for a second session: the first one must be there as it was, whatever became of the second."""
+        status, said = self.verify()
+        state = said["drives"][0]["state"]
+        held = self.holds()
+        # What can be overwritten shows its newest session at once; of the others a plain reader sees the first.
+        if held not in (("old", "both") if kind in OVERWRITABLE else ("old",)):
+            raise Wrong(f"the first session is not there: {held}")
+        if (status == 0) != (state == "appendable"):
+            raise Wrong(f"verify: {said}")
+        if state == "incomplete":
+            return "openly incomplete"
+        return "as before" if len(said["drives"][0]["tracks"]) == 1 else "the new one"
+
+    def append_again(self, kind, outcome):
+        if outcome != "openly incomplete":
+            if self.burn("next", words="append") != ["DRStatusStateDone"] or self.verify()[0] != 0:
+                raise Wrong("the next session")
+            return "the next session worked"
+        return self.burn_again(kind, outcome)
+
     def once(self, fault, kind):
-        if fault == "kill":
+        if fault in ("kill", "append"):
             self.measure(kind)
         self.fresh(kind)
         before = "blank"
-        if kind in REWRITABLE and self.random.random() < 0.7:
+        if fault == "append":
+            if self.burn("old", words="append") != ["DRStatusStateDone"]:
+                raise Wrong("the first session")
+            before = "old"
+        elif kind in REWRITABLE and self.random.random() < 0.7:
             if self.burn("old") != ["DRStatusStateDone"]:
                 raise Wrong("the first burn")
             before = "old"
         told = {"kill": self.kill, "space": self.space, "limit": self.limit, "source": self.source_changes,
-                "producer": self.producer}[fault](kind)
-        outcome = self.judge(kind, before, told)
-        after = self.burn_again(kind, outcome)
+                "producer": self.producer, "append": self.append}[fault](kind)
+        if fault == "append":
+            outcome = self.judge_appended(kind)
+            after = self.append_again(kind, outcome)
+        else:
+            outcome = self.judge(kind, before, told)
+            after = self.burn_again(kind, outcome)
         left = [name for name in os.listdir(self.folder) if "new" in name]
         if left:
             raise Wrong(f"left behind: {left}")
@@ -250,7 +286,7 @@ def main():
     options = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     options.add_argument("--count", type=int, default=1000)
     options.add_argument("--seed", type=int, default=random.SystemRandom().randrange(1 << 30))
-    options.add_argument("--fault", default="kill,space,limit,source,producer")
+    options.add_argument("--fault", default="kill,append,space,limit,source,producer")
     options.add_argument("--build", default=os.path.join(ROOT, "build/release"))
     options = options.parse_args()
     scratch = tempfile.mkdtemp(prefix="disc-faults-")

@@ -14,7 +14,7 @@ REPORT = os.path.join(os.path.dirname(os.path.abspath(__file__)), "report.bas")
 # The codes as programs see them.
 ACCESS, BUSY, INVALID = "80020020", "80020021", "80020023"
 NOT_PRESENT, NOT_WRITABLE, NOT_BLANK, MEDIUM_INVALID = "80020041", "80020042", "80020044", "80020046"
-NOT_ALLOWED = "80020061"
+NOT_ALLOWED, TOO_MANY_TRACKS, TRACK_REUSED = "80020061", "80020064", "8002006F"
 
 
 class BadInput(ExamplesCase):
@@ -148,6 +148,27 @@ class BadInput(ExamplesCase):
         before = self.medium()
         self.burn_fails(NOT_BLANK, "is not blank; put in a blank disc, or ask for it to be overwritten")
         self.assertEqual(self.medium(), before)
+
+    # ---- layouts ------------------------------------------------------------------------------------------------
+
+    def test_two_tracks_on_what_holds_one_in_a_session(self):
+        for kind in ("DVD+R", "DVD-RW", "BD-RE"):
+            folder = self.make_drive(kind=kind, capacityBlocks=359847)
+            self.burn_fails(TOO_MANY_TRACKS, "A session has 2 tracks, but the .* holds one in each", "tracks")
+            self.assertEqual(self.medium()["state"], "blank")
+            shutil.rmtree(folder)
+
+    def test_the_same_track_twice(self):
+        self.make_drive(kind="CD-R", capacityBlocks=359847)
+        self.burn_fails(TRACK_REUSED, "The same track stands in the layout twice", "same")
+        self.assertEqual(self.medium()["state"], "blank")
+
+    def test_a_test_burn_writes_nothing(self):
+        self.make_drive(kind="DVD-R", capacityBlocks=359847)
+        before = self.medium()
+        self.assertEqual(self.learn(self.start("test")), ["DRStatusStateDone"])
+        self.assertEqual(self.medium(), before)
+        self.assertFalse(os.path.exists(self.image()))
 
     def test_no_room_on_the_medium(self):
         self.make_drive(kind="CD-R", capacityBlocks=1000)
