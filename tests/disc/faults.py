@@ -147,7 +147,8 @@ class Bench:
     def space(self, _kind):
         after = self.random.choice((0, 200, self.random.randrange(7_000_000)))
         return self.burn("new", environment={"LD_PRELOAD": self.full, "NO_SPACE_AFTER": str(after),
-                                             "ASAN_OPTIONS": "verify_asan_link_order=0"})
+                                             "ASAN_OPTIONS": os.environ.get("ASAN_OPTIONS", "") +
+                                             ":verify_asan_link_order=0"})
 
     def limit(self, _kind):
         most = self.random.choice((0, 300, self.random.randrange(7_000_000)))
