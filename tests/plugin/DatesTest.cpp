@@ -3,6 +3,7 @@
 #include "plugin/bridge/Variants.hpp"
 #include "plugin/objc/Guard.hpp"
 #include "tests/plugin/HostClasses.hpp"
+#include "tests/plugin/OwnResolver.hpp"
 #include "tests/plugin/PlatformObjects.hpp"
 
 #include "host/runtime/Date.hpp"
@@ -133,6 +134,33 @@ TEST_F(Dates, OutOfAnyRangeTheyStillEnd) {
             Ref::adopt(NSDateRB(sendClass<"NSDate", "dateWithTimeIntervalSinceReferenceDate:">(seconds)));
         });
     EXPECT_EQ(partsOf(Ref::adopt(NSDateRB(platformDate(2009, 6, 1)))), "2009 6 1 0 0 0");
+}
+
+// ---- the order of the six parts ------------------------------------------------------------------------
+
+std::string order;
+
+uint8_t notedGet(REALobject object, const char* name, int32_t* value) {
+    order += std::string(name) + " ";
+    return hostsOwn<frame::entry::REALGetPropValueInt>("REALGetPropValueInt")(object, name, value);
+}
+
+uint8_t notedSet(REALobject object, const char* name, int32_t value) {
+    order += std::string(name) + " ";
+    return hostsOwn<frame::entry::REALSetPropValueInt>("REALSetPropValueInt")(object, name, value);
+}
+
+TEST_F(PluginTest, ThePartsOfADateAreReadAndSetFromTheYearToTheSecond) {
+    OwnServices::put("REALGetPropValueInt", notedGet);
+    OwnServices::put("REALSetPropValueInt", notedSet);
+    REALPluginMain(OwnServices::resolve);
+    const Ref date = host::newDate(1'000'000'000);
+    order.clear();
+    const Id converted = NewNSDate(date.get());
+    EXPECT_EQ(order, "Year Month Day Hour Minute Second ");
+    order.clear();
+    const Ref back = Ref::adopt(NSDateRB(converted));
+    EXPECT_EQ(order, "Year Month Day Hour Minute Second ");
 }
 
 } // namespace

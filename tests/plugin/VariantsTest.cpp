@@ -84,6 +84,8 @@ struct NumberRow {
     const char* accessor;
     Kind kind;
     double expected;
+
+    friend void PrintTo(const NumberRow& row, std::ostream* out) { *out << row.type << " " << row.number; }
 };
 
 class Numbers : public LoadedTest, public testing::WithParamInterface<NumberRow> {};
