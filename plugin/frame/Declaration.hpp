@@ -146,7 +146,11 @@ struct Signature {
     std::size_t count = 0;
     Crossing result = Crossing::None;
 
-    constexpr void add(Crossing crossing) { parameters[count++] = crossing; }
+    // What is thrown here says what is wrong with the table: it is read by the compiler.
+    constexpr void add(Crossing crossing) {
+        if (count == parameters.size()) throw "a declaration has more parameters than there is room for";
+        parameters[count++] = crossing;
+    }
     constexpr bool operator==(const Signature&) const = default;
 };
 
@@ -161,6 +165,7 @@ constexpr Signature parseDeclaration(std::string_view text) {
             if (text[close] == '(') ++depth;
             if (text[close] == ')' && --depth == 0) break;
         }
+        if (close == text.size()) throw "a declaration has a parenthesis that is not closed";
         std::string_view list = text.substr(open + 1, close - open - 1);
         while (!detail::trimmed(list).empty()) {
             const std::size_t comma = detail::find(list, ',');

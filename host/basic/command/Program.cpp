@@ -65,8 +65,9 @@ void tellLeaks() {
         tell("still alive at the end: " + std::to_string(count) + " of " + name + "\n");
 }
 
-int run(const std::string& file, bool listLeaks) {
-    const Source source = readProgram(file);
+} // namespace
+
+int runSource(const Source& source, bool listLeaks) {
     Diagnostics diagnostics;
     std::unique_ptr<Compiled> compiled;
     bool parsed = false;
@@ -94,15 +95,13 @@ int run(const std::string& file, bool listLeaks) {
         flushOut();
     } catch (const Exception& exception) {
         if (status == kExitGood) {
-            tell(file + ": " + exception.message() + "\n");
+            tell(source.fileName() + ": " + exception.message() + "\n");
             status = kExitUncaught;
         }
     }
     if (listLeaks) tellLeaks();
     return statusOf(status);
 }
-
-} // namespace
 
 int runProgram(const std::string& file, const std::vector<std::string>& arguments, bool listLeaks) {
     const Locked locked;
@@ -112,7 +111,7 @@ int runProgram(const std::string& file, const std::vector<std::string>& argument
         setProgram(file, arguments);
         defineLibraryClasses();
         stop::installSignalHandlers();
-        status = run(file, listLeaks);
+        status = runSource(readProgram(file), listLeaks);
     } catch (const UnreadableProgram& problem) {
         tell(problem.message + "\n");
     } catch (const Exception& exception) {

@@ -45,6 +45,8 @@ Context& Context::ofThisThread() {
 
 void Context::pollNow() {
     giveWay();
+    if (turnsLeft == 1) throw Stopped{}; // again and again: nothing runs on
+    if (turnsLeft > 1) --turnsLeft;
     if (stop::requested() && (!leaving || stop::secondsSinceRequest() > kCleanUpSeconds)) {
         leaving = true;
         throw Stopped{};

@@ -43,6 +43,10 @@ class Context {
     /// Set while a stop is on its way out: statements of Finally blocks and destructors run in spite of it.
     bool leaving = false;
 
+    /// How often pollNow() may still be called before the program is left; 0: as often as it likes. For those who
+    /// run programs that nobody has looked at.
+    uint32_t turnsLeft = 0;
+
   private:
     Context();
     [[noreturn]] static void overflow();
