@@ -90,13 +90,13 @@ class FileParts final : public FileBytes {
             const uint64_t unit = at / units_.partBytes, inside = at % units_.partBytes;
             const uint64_t touched =
                 std::min((inside + out.size() + units_.partBytes - 1) / units_.partBytes, unitsAtOnce);
-            buffer_.resize(touched * units_.unitBytes);
+            buffer_.resize(static_cast<size_t>(touched * units_.unitBytes));
             readFile(unit * units_.unitBytes, buffer_);
             for (uint64_t each = 0; each < touched && !out.empty(); ++each) {
                 const uint64_t from = each == 0 ? inside : 0;
                 const auto some =
                     static_cast<size_t>(std::min<uint64_t>(units_.partBytes - from, out.size()));
-                const std::byte* const whole = &buffer_[each * units_.unitBytes];
+                const std::byte* const whole = buffer_.data() + each * units_.unitBytes;
                 check(whole, unit + each);
                 std::memcpy(out.data(), whole + units_.partAt + from, some);
                 out = out.subspan(some);

@@ -43,7 +43,7 @@ class Row {
 
 class PieceProducer final : public TrackProducer {
   public:
-    PieceProducer(PieceTrack track, uint64_t blockBytes)
+    PieceProducer(PieceTrack track, size_t blockBytes)
         : preGap_(std::move(track.preGap)), body_(std::move(track.body)), blockBytes_(blockBytes),
           userBytes_(bytesPerBlock(track.form)), blocks_((body_.bytes() + blockBytes - 1) / blockBytes) {}
 
@@ -61,9 +61,10 @@ class PieceProducer final : public TrackProducer {
     }
     size_t produce(uint64_t block, std::span<std::byte> buffer, ProduceFlags& flags) override {
         if (block >= blocks_) return 0;
-        const uint64_t perBlock = userBytes_ + (flags.subchannelDataRequested ? subchannelBytes : 0);
+        const size_t perBlock = userBytes_ + (flags.subchannelDataRequested ? subchannelBytes : 0);
         const uint64_t left = (blocks_ - block) * perBlock;
-        return produceFrom(body_, block, buffer.first(std::min<uint64_t>(buffer.size(), left)), flags);
+        return produceFrom(body_, block,
+                           buffer.first(static_cast<size_t>(std::min<uint64_t>(buffer.size(), left))), flags);
     }
     void cleanupAfterBurn() override {
         preGap_.close();
@@ -79,7 +80,7 @@ class PieceProducer final : public TrackProducer {
             return room.size();
         }
         // Only one of the two has subchannel data: what isn't wanted is skipped, what isn't there is zeros.
-        const uint64_t wanted = userBytes_ + (flags.subchannelDataRequested ? subchannelBytes : 0);
+        const size_t wanted = userBytes_ + (flags.subchannelDataRequested ? subchannelBytes : 0);
         size_t done = 0;
         for (; done + wanted <= buffer.size(); done += wanted, ++block) {
             row.read(block * blockBytes_, buffer.subspan(done, userBytes_));
@@ -107,7 +108,7 @@ ProducedTrack producedTrack(PieceTrack track) {
     ProducedTrack made;
     made.form = track.form;
     made.subchannel = track.subchannel;
-    const uint64_t blockBytes =
+    const size_t blockBytes =
         bytesPerBlock(track.form) + (track.subchannel == SubchannelForm::None ? 0 : subchannelBytes);
     auto producer = std::make_shared<PieceProducer>(std::move(track), blockBytes);
     made.blocks = producer->estimatedBlocks(0);
