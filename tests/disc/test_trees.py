@@ -83,6 +83,91 @@ class Trees(ExamplesCase):
         with open(image, "rb") as file:
             self.assertEqual(file.read().count(b"Dear reader,\n"), 1)
 
+    def burn_tree(self, lines):
+        """Burns root, which the lines fill; answers what the program printed."""
+        program = os.path.join(self.scratch, "tree.bas")
+        with open(program, "w", encoding="utf-8") as file:
+            file.write("\n".join([
+                'Dim root As DRFolderQRX = DRFolderQRX.virtualFolderWithName("Tree")', *lines,
+                "Dim burn As New DRBurnQRX(DRDeviceQRX.device(0))",
+                "burn.completionAction = DRBurnQRX.DRBurnCompletionActionMount",
+                "burn.BurnFailureAction = DRBurnQRX.DRBurnFailureActionNone",
+                "burn.writeLayout(DRTrackQRX.trackForRootFolder(root))", "Dim state As String", "Do", "App.DoEvents(10)",
+                "state = burn.status.Value(DRBurnQRX.DRStatusStateKey)",
+                "Loop Until state = DRBurnQRX.DRStatusStateDone Or state = DRBurnQRX.DRStatusStateFailed", "Print state",
+                "If burn.status.HasKey(DRBurnQRX.DRErrorStatusKey) Then",
+                "Dim problem As Dictionary = burn.status.Value(DRBurnQRX.DRErrorStatusKey)",
+                "Print problem.Value(DRBurnQRX.DRErrorStatusErrorStringKey)", "End If", ""]))
+        return self.succeed(program).splitlines()
+
+    # ---- one file system and another --------------------------------------------------------------------------
+
+    def test_an_item_that_is_in_one_file_system_only_is_in_no_other(self):
+        said = self.burn_tree(["root.explicitFilesystemMask = 11", *(line for name, mask in (
+            ("iso", 1), ("joliet", 2), ("mac", 8), ("none", 4)) for line in (
+                f'Dim {name}f As DRFileQRX = DRFileQRX.virtualFileWithName("{name}", Nil)',
+                f"{name}f.explicitFilesystemMask = {mask}", f"root.addChild({name}f)"))])
+        self.assertEqual(said, ["DRStatusStateDone"])
+        self.assertEqual(sorted(self.files_on(self.image())), ["iso"])
+        self.assertEqual(self.joliet(self.image()), ["/joliet"])
+        self.assertEqual(self.hfs_plus(self.image()), ["Tree", "Tree/mac"])
+
+    def test_a_folder_with_two_names_has_its_files_once(self):
+        inside = os.path.join(self.scratch, "Inside")
+        self.write("deep/real.txt", b"really once", inside)
+        said = self.burn_tree([
+            'Dim folder As DRFolderQRX = DRFolderQRX.virtualFolderWithName("Long name")',
+            'folder.specificNameForFilesystem(DRFSObjectQRX.DRJoliet) = "Other name"', "root.addChild(folder)",
+            "Dim bytes As New MemoryBlock(11)", 'bytes.StringValue(0, 11) = "only once!!"',
+            'folder.addChild(DRFileQRX.virtualFileWithName("a.txt", bytes))',
+            f'folder.addChild(DRFolderQRX.folderWithPath("{inside}"))'])
+        self.assertEqual(said, ["DRStatusStateDone"])
+        self.assertEqual(self.files_on(self.image()), {"Long name/a.txt": b"only once!!",
+                                                       "Long name/Inside/deep/real.txt": b"really once"})
+        self.assertEqual(self.joliet(self.image()), ["/Other name/Inside/deep/real.txt", "/Other name/a.txt"])
+        with open(self.image(), "rb") as file:
+            bytes_on_disc = file.read()
+        self.assertEqual(bytes_on_disc.count(b"only once!!"), 1)
+        self.assertEqual(bytes_on_disc.count(b"really once"), 1)
+
+    def test_names_that_cross_are_refused_and_nothing_is_written(self):
+        said = self.burn_tree([
+            'Dim one As DRFileQRX = DRFileQRX.virtualFileWithName("one", Nil)',
+            'one.specificNameForFilesystem(DRFSObjectQRX.DRJoliet) = "two"', "root.addChild(one)",
+            'Dim two As DRFileQRX = DRFileQRX.virtualFileWithName("two", Nil)',
+            'two.specificNameForFilesystem(DRFSObjectQRX.DRJoliet) = "one"', "root.addChild(two)"])
+        self.assertEqual(said[0], "DRStatusStateFailed")
+        self.assertRegex(said[1], 'Two items of one folder are named "(one|two)"; give one of them another name.')
+        self.assertEqual(self.medium()["state"], "blank")
+
+    def test_twins_are_told_apart_by_numbers(self):
+        said = self.burn_tree(['root.addChild(DRFileQRX.virtualFileWithName("same.txt", Nil))'] * 3)
+        self.assertEqual(said, ["DRStatusStateDone"])
+        self.assertEqual(sorted(self.files_on(self.image())), ["same.txt", "same_001.txt", "same_002.txt"])
+        self.assertEqual(self.joliet(self.image()), ["/same.txt", "/same_001.txt", "/same_002.txt"])
+
+    def test_links_point_where_the_tree_says(self):
+        said = self.burn_tree([
+            'Dim a As DRFolderQRX = DRFolderQRX.virtualFolderWithName("a")', "root.addChild(a)",
+            'Dim b As DRFolderQRX = DRFolderQRX.virtualFolderWithName("b")', "a.addChild(b)",
+            "Dim up As DRFileQRX = DRFileQRX.symLinkPointingTo(root, DRFSObjectQRX.DRISO9660)", 'up.baseName = "up"',
+            "b.addChild(up)", "Dim here As DRFileQRX = DRFileQRX.symLinkPointingTo(b, DRFSObjectQRX.DRISO9660)",
+            'here.baseName = "here"', "b.addChild(here)",
+            "Dim down As DRFileQRX = DRFileQRX.symLinkPointingTo(up, DRFSObjectQRX.DRISO9660)", 'down.baseName = "down"',
+            "root.addChild(down)"])
+        self.assertEqual(said, ["DRStatusStateDone"])
+        listed = subprocess.run(["bsdtar", "-tvf", self.image()], capture_output=True, text=True, check=True).stdout
+        links = sorted(line.split(None, 8)[8].removeprefix("./") for line in listed.splitlines() if " -> " in line)
+        self.assertEqual(links, ["a/b/here -> .", "a/b/up -> ../..", "down -> a/b/up"])
+
+    def test_names_that_can_be_nowhere_are_refused(self):
+        for name, sentence in (("", "can't be the name"), ("a/b", "can't be the name"), ("..", "can't be the name"),
+                               ("x" * 300, "longer than 255 bytes")):
+            with self.subTest(name=name):
+                said = self.burn_tree([f'root.addChild(DRFileQRX.virtualFileWithName("{name}", Nil))'])
+                self.assertEqual(said[0], "DRStatusStateFailed")
+                self.assertIn(sentence, said[1])
+
     # ---- generated-files --------------------------------------------------------------------------------------
 
     def test_generated_files_have_the_bytes_that_the_events_made(self):

@@ -378,7 +378,7 @@ static void TestRefusals(NSString* source) {
         [properties setObject:trackAsks[i].value forKey:trackAsks[i].key];
         [asking setProperties:properties];
         CheckRefused("what a track can't have yet", BurnThatStays(device), asking, trackAsks[i].code,
-                     @"leave it out");
+                     @"The track");
     }
     PASS("after all that the medium is blank", [device mediaIsBlank] && ![device trayIsOpen]);
 
