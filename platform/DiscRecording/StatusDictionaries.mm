@@ -4,6 +4,7 @@
 #import "DREraseConstants.h"
 #import "DRStatusConstants.h"
 #include "PathStrings.hpp"
+#include "physical/Sense.hpp"
 
 namespace discrecording {
 namespace {
@@ -66,6 +67,15 @@ NSDictionary* errorDictionary(const engine::Error& error) {
     [told setObject:pathnames::textOf(error.message) forKey:DRErrorStatusErrorStringKey];
     if (!error.info.empty()) {
         [told setObject:pathnames::textOf(error.info) forKey:DRErrorStatusErrorInfoStringKey];
+    }
+    // Only where a drive has said something.
+    if (const auto sense = engine::senseOf(error.sense)) {
+        [told setObject:[NSData dataWithBytes:error.sense.data() length:error.sense.size()]
+                 forKey:DRErrorStatusSenseKey];
+        [told setObject:pathnames::textOf(std::string(engine::textOfSenseKey(sense->key)))
+                 forKey:DRErrorStatusSenseCodeStringKey];
+        [told setObject:pathnames::textOf(engine::textOfAdditionalSense(*sense))
+                 forKey:DRErrorStatusAdditionalSenseStringKey];
     }
     return [NSDictionary dictionaryWithDictionary:told];
 }

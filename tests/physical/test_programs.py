@@ -1,0 +1,61 @@
+#!/usr/bin/python3
+"""Programs as a person runs them, on a drive: the whole line from BASIC to SCSI commands."""
+import os
+import sys
+import unittest
+
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.dirname(os.path.abspath(__file__))), "recorder"))
+from harness import DEVICE, RecorderTest  # noqa: E402
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+EXAMPLES = os.path.join(os.path.dirname(os.path.dirname(HERE)), "examples")
+HOST = os.environ["DISC_BASIC"]
+# The library comes before a sanitizer's runtime, which it has no part in.
+SANITIZER = "verify_asan_link_order=0:" + os.environ.get("ASAN_OPTIONS", "")
+
+
+class Case(RecorderTest):
+    def environment(self):
+        drives = os.path.join(self.scratch, "drives")
+        os.makedirs(drives, exist_ok=True)
+        return dict(super().environment(), DISC_DRIVES=drives, DISC_PHYSICAL="1", ASAN_OPTIONS=SANITIZER)
+
+    def example(self, name, *arguments):
+        return self.tool(HOST, "run", os.path.join(EXAMPLES, name), *arguments)
+
+    def burns(self, medium):
+        self.insert(medium)
+        data = self.noise(1_500_000)
+        self.file("Holiday/noise.bin", data)
+        said = self.example("burn-folder.bas", os.path.join(self.scratch, "Holiday"))
+        self.assertIn("every byte was read back and is right", said)
+        self.tool("xorriso", "-osirrox", "on", "-indev", DEVICE, "-extract", "/noise.bin", "back")
+        with open(os.path.join(self.scratch, "back"), "rb") as file:
+            self.assertEqual(file.read(), data)
+
+    def test_burn_folder_on_cdr(self):
+        self.burns("CD-R")
+
+    def test_burn_folder_on_cdrw_and_erase(self):
+        self.burns("CD-RW")
+        self.example("erase.bas", "--yes")
+        self.assertEqual(self.tracks(), [])
+        self.assertIn("CD-RW: blank", self.example("list-drives.bas"))
+
+    def test_burn_folder_on_dvd_plus_rw_and_erase(self):
+        self.burns("DVD+RW")
+        self.example("erase.bas", "--yes")
+        self.assertIn("DVD+RW: blank", self.example("list-drives.bas"))
+
+    def test_sense_reaches_a_program(self):
+        self.insert("DVD+RW", faults={"writeErrors": [600]})
+        path = self.file("noise.bin", self.noise(3_000_000))
+        said = self.tool(HOST, "run", os.path.join(HERE, "sense.bas"), path)
+        self.assertEqual(said.splitlines(), [
+            "DRStatusStateFailed",
+            'The disc in "TESTLAB MMC RECORDER" could not be written; try another disc.',
+            "Medium Error", "Write error", "18 3 12"])
+
+
+if __name__ == "__main__":
+    unittest.main()
