@@ -128,9 +128,7 @@ struct DRProgressPanelInside {
     [_inside->bar setMaxValue:1];
     _inside->stop = DRMakeButton(DRTextStop, self, @selector(stopChosen:));
     _inside->keep = DRMakeButton(DRTextKeepBurning, self, @selector(keepChosen:));
-    [_inside->keep setKeyEquivalent:@"\r"]; // what loses nothing is what Return does
     _inside->done = DRMakeButton(DRTextOK, self, @selector(doneChosen:));
-    [_inside->done setKeyEquivalent:@"\r"];
     NSView* parts[] = {_inside->picture, _inside->headline, _inside->state, _inside->timeLeft, _inside->speed,
                        _inside->bar,     _inside->stop,     _inside->keep,  _inside->done};
     for (unsigned i = 0; i < sizeof parts / sizeof *parts; i++)
@@ -185,6 +183,9 @@ static CGFloat PlaceText(NSTextField* label, CGFloat y) {
     [_inside->stop setTitle:stage == Asking ? DRTextStopBurning : DRTextStop];
     [_inside->keep setHidden:stage != Asking];
     [_inside->done setHidden:stage != Failed];
+    // What loses nothing is what Return does. A hidden button would take the key as well.
+    [_inside->keep setKeyEquivalent:stage == Asking ? @"\r" : @""];
+    [_inside->done setKeyEquivalent:stage == Failed ? @"\r" : @""];
     [self layoutPanel];
     NSButton* first = stage == Failed ? _inside->done : stage == Asking ? _inside->keep : _inside->stop;
     [self makeFirstResponder:[first isHidden] ? nil : first];

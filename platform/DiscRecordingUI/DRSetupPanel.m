@@ -122,7 +122,8 @@ struct DRSetupPanelInside {
     y = [self layoutOptionsFrom:y + DRPanelButtonHeight + DRPanelRowGap] + DRPanelGroupGap - DRPanelRowGap;
     DRPlaceButtons([NSArray arrayWithObjects:_inside->confirm, _inside->cancel, nil], y);
     NSButton* extra = [self extraButton];
-    [extra setFrame:NSMakeRect(DRPanelMargin, y, DRWidthOfButton(extra), DRPanelButtonHeight)];
+    if (extra != nil)
+        [extra setFrame:NSMakeRect(DRPanelMargin, y, DRWidthOfButton(extra), DRPanelButtonHeight)];
     DRResizePanel(self, y + DRPanelButtonHeight + DRPanelMargin);
     [[self contentView] setNeedsDisplay:YES];
 
