@@ -45,7 +45,7 @@
 - (NSString*)textOfSpeedIn:(NSDictionary*)status {
     NSDictionary* info = [status objectForKey:DRStatusProgressInfoKey];
     const double speed = [[info objectForKey:DRStatusProgressCurrentKPS] doubleValue];
-    if (speed <= 0)
+    if (speed < 1)
         return @"";
     NSString* factor =
         [NSString stringWithFormat:@"%.1f", [[info objectForKey:DRStatusProgressCurrentXFactor] doubleValue]];
