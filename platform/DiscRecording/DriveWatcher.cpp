@@ -1,6 +1,7 @@
 // DriveWatcher: tells of drives that come, go and change.
 #include "DriveWatcher.hpp"
 #include "DrivesFolder.hpp"
+#include "VirtualMedium.hpp"
 
 #include <algorithm>
 #include <chrono>
@@ -25,8 +26,12 @@ constexpr uint32_t changes = IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO
                              IN_DELETE_SELF | IN_MOVE_SELF | IN_ONLYDIR;
 
 // The drives' descriptions are replaced by renaming. Their locks are opened by whoever looks whether a drive is
-// busy, this watcher included: news of them would never end.
-bool isNews(const inotify_event& event) { return event.len == 0 || std::string_view(event.name) != "lock"; }
+// busy or reserved, this watcher included: news of them would never end.
+bool isNews(const inotify_event& event) {
+    if (event.len == 0) return true;
+    const std::string_view name = event.name;
+    return name != engine::names::lock && name != engine::names::reservation;
+}
 
 } // namespace
 

@@ -6,19 +6,22 @@
 #include "VirtualTarget.hpp"
 
 #include <cerrno>
+#include <chrono>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 
 namespace engine {
 namespace {
 
-// The lock file, locked; or not, when someone else has it.
-Descriptor tryLock(int folder, const char* name = names::lock) {
+// The lock file, locked; or not, when someone else has it. Who only looks whether somebody has it shares it with
+// others who look.
+Descriptor tryLock(int folder, const char* name = names::lock, int kind = LOCK_EX) {
     Descriptor file(::openat(folder, name, O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0666));
     if (!file) fail(ErrorCode::DeviceAccess, "The drive's lock can't be opened.", systemText(errno));
-    if (::flock(file.get(), LOCK_EX | LOCK_NB) == 0) return file;
+    if (::flock(file.get(), kind | LOCK_NB) == 0) return file;
     if (errno != EWOULDBLOCK) fail(ErrorCode::DeviceAccess, "The drive can't be locked.", systemText(errno));
     return {};
 }
@@ -120,13 +123,17 @@ Result<void> VirtualDrive::eject() {
 bool VirtualDrive::isBusy() const {
     const std::lock_guard lock(mutex_);
     if (burning_ || exclusive_ > 0) return true;
-    const auto free = guarded([&] { return static_cast<bool>(tryLock(folder())); });
+    const auto free = guarded([&] { return static_cast<bool>(tryLock(folder(), names::lock, LOCK_SH)); });
     return free && !*free;
 }
 
 void VirtualDrive::lockLocked() {
     if (lock_) return;
-    lock_ = tryLock(folder());
+    // Another process that only looks is gone a moment later.
+    for (int tries = 0; tries < 20 && !lock_; ++tries) {
+        if (tries > 0) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        lock_ = tryLock(folder());
+    }
     if (!lock_)
         fail(ErrorCode::DeviceBusy,
              "The drive " + inQuotes(displayName()) + " is in use by another program; try again later.");

@@ -3,6 +3,8 @@
 #include "Fixture.hpp"
 
 #include <chrono>
+#include <csignal>
+#include <sys/wait.h>
 #include <thread>
 
 using namespace engine;
@@ -202,4 +204,31 @@ TEST_F(DriveTest, readsOnlyAMediumThatIsThere) {
     track.file = "medium.gone.iso";
     EXPECT_EQ((*reader)->read(track, 0, std::as_writable_bytes(std::span(all))).error().code,
               ErrorCode::MediaInvalid);
+}
+
+// Whoever looks takes the lock for a moment; that must not look like somebody at work, to neither side.
+TEST_F(DriveTest, lookingWhetherADriveIsBusyDisturbsNobody) {
+    const auto drive = makeDrive();
+    std::vector<pid_t> lookers;
+    for (int i = 0; i < 2; ++i) {
+        lookers.push_back(::fork());
+        if (lookers.back() == 0) {
+            const auto own = openDrive();
+            for (;;)
+                (void)own->isBusy();
+        }
+    }
+    int busy = 0, refused = 0;
+    for (int i = 0; i < 2000; ++i)
+        busy += drive->isBusy() ? 1 : 0;
+    for (int i = 0; i < 500; ++i) {
+        refused += drive->acquireExclusiveAccess().ok() ? 0 : 1;
+        drive->releaseExclusiveAccess();
+    }
+    for (const pid_t looker : lookers) {
+        ::kill(looker, SIGKILL);
+        ::waitpid(looker, nullptr, 0);
+    }
+    EXPECT_EQ(busy, 0);
+    EXPECT_EQ(refused, 0);
 }
