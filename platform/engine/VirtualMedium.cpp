@@ -148,7 +148,7 @@ void recoverMedium(int folder) {
     if (record && namesNewFiles(*record)) return finishCommit(folder, *record);
     if (!record) return; // whatever lies there, nobody has said yet that it is the medium
     removeOthers(folder, *record);
-    if (record->state != MediumState::Incomplete) cutImage(folder, *record);
+    if (record->state == MediumState::Appendable) cutImage(folder, *record);
     updateCueSheet(folder, *record);
 }
 

@@ -120,3 +120,59 @@ TEST_F(MediumRecordTest, isTheNewOneWhenCutOffAfterTheRename) {
     EXPECT_EQ(bytesOf(base / "medium.iso"), "new");
     EXPECT_EQ(loadMedium(folder.get())->image, "medium.iso");
 }
+
+TEST_F(MediumRecordTest, losesWhatACutOffBurnAppended) {
+    MediumRecord record = complete("medium.iso");
+    record.state = MediumState::Appendable;
+    saveMedium(folder.get(), record);
+    put("medium.iso", std::string(41 * 2048, 'x'));
+    put("medium.2.bin", "half");
+    put("medium.iso.mine", "a person's");
+    recoverMedium(folder.get());
+    EXPECT_EQ(fs::file_size(base / "medium.iso"), 40 * 2048u);
+    EXPECT_FALSE(fs::exists(base / "medium.2.bin"));
+    EXPECT_TRUE(fs::exists(base / "medium.iso.mine"));
+    // A disc that nothing can be appended to has no such rest: what is longer is not ours to cut.
+    saveMedium(folder.get(), complete("medium.iso"));
+    put("medium.iso", std::string(41 * 2048, 'x'));
+    recoverMedium(folder.get());
+    EXPECT_EQ(fs::file_size(base / "medium.iso"), 41 * 2048u);
+}
+
+TEST_F(MediumRecordTest, keepsAllThatIsKnownOfATrack) {
+    MediumRecord record = MediumRecord::blank(MediumKind::CDR);
+    TrackInfo track;
+    track.form = BlockForm::XA;
+    track.startBlock = 200;
+    track.blocks = 900;
+    track.preGapBlocks = 350;
+    track.isrc = "DEA120012345";
+    track.indexPoints = {1, 20};
+    track.preEmphasis = track.isCopy = true;
+    track.isComplete = false;
+    track.file = "medium.bin";
+    track.fileOffset = 200 * 2352;
+    record.sessions = {SessionInfo{1, {track}, false}};
+    record.state = MediumState::Incomplete;
+    record.image = "medium.cue";
+    record.mediaCatalogNumber = "0123456789012";
+    record.doubleLayerL0DataZoneBlocks = 4096;
+    saveMedium(folder.get(), record);
+    EXPECT_TRUE(fs::exists(base / "medium.cue"));
+    const auto read = loadMedium(folder.get());
+    ASSERT_TRUE(read);
+    ASSERT_EQ(read->sessions.size(), 1u);
+    EXPECT_FALSE(read->sessions[0].isClosed);
+    const TrackInfo& again = read->sessions[0].tracks[0];
+    EXPECT_EQ(again.form, BlockForm::XA);
+    EXPECT_EQ(again.startBlock, 200u);
+    EXPECT_EQ(again.preGapBlocks, 350u);
+    EXPECT_EQ(again.isrc, track.isrc);
+    EXPECT_EQ(again.indexPoints, track.indexPoints);
+    EXPECT_TRUE(again.preEmphasis && again.isCopy && !again.fourChannel && !again.copyPermitted);
+    EXPECT_FALSE(again.isComplete);
+    EXPECT_EQ(again.file, "medium.bin");
+    EXPECT_EQ(again.fileOffset, track.fileOffset);
+    EXPECT_EQ(read->mediaCatalogNumber, record.mediaCatalogNumber);
+    EXPECT_EQ(read->doubleLayerL0DataZoneBlocks, 4096u);
+}

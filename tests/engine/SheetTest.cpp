@@ -210,6 +210,35 @@ TEST_F(SheetTest, aFileSystemBehindMusic) {
               "/a.txt /b.txt ");
 }
 
+TEST_F(SheetTest, musicBehindAFileSystem) {
+    write("a.txt", "before the music");
+    for (const MediumKind kind : {MediumKind::CDR, MediumKind::CDRW}) {
+        fs::remove_all(drivePath());
+        const auto drive = makeDrive(kind);
+        EXPECT_DONE(burn(drive, layout("FIRST"), open()));
+        const std::string first = bytesOf(image());
+        Layout music;
+        music.sessions.emplace_back();
+        music.sessions[0].tracks = {song(audio(7), 400)};
+        EXPECT_DONE(burn(drive, music));
+        EXPECT_TRUE(bytesOf(image()) == first);
+        EXPECT_EQ(driveFiles(), "drive.json lock medium.2.bin medium.cue medium.iso medium.json ");
+        EXPECT_EQ(sheet(),
+                  "REM SESSION 01\nFILE \"medium.iso\" BINARY\n  TRACK 01 MODE1/2048\n    INDEX 01 00:00:00\n"
+                  "REM SESSION 02\nFILE \"medium.2.bin\" BINARY\n  TRACK 02 AUDIO\n    FLAGS DCP\n"
+                  "    INDEX 01 00:00:00\n");
+        const auto medium = drive->mediumInfo();
+        EXPECT_EQ(medium->path, file("medium.cue").string());
+        auto reader = drive->openMedium();
+        for (const SessionInfo& session : medium->sessions) {
+            const TrackInfo& track = session.tracks[0];
+            std::string read(track.blocks * bytesPerBlock(track.form), '\0');
+            ASSERT_EQ(*(*reader)->read(track, 0, std::as_writable_bytes(std::span(read))), read.size());
+            EXPECT_TRUE(read == (session.number == 1 ? first : audio(7)->bytes(400 * 2352)));
+        }
+    }
+}
+
 TEST_F(SheetTest, overwritingReplacesAllFiles) {
     const auto drive = makeDrive(MediumKind::CDRW);
     Layout music;
