@@ -83,6 +83,15 @@ std::optional<std::time_t> dateFor(NSDictionary* properties, NSString* key) {
                         : std::optional<std::time_t>(static_cast<std::time_t>([value timeIntervalSince1970]));
 }
 
+std::optional<std::array<uint8_t, 4>> codeFor(NSDictionary* properties, NSString* key) {
+    NSData* value = [properties objectForKey:key];
+    std::array<uint8_t, 4> code{};
+    if ([value length] != code.size())
+        return std::nullopt;
+    [value getBytes:code.data() length:code.size()];
+    return code;
+}
+
 // One set of attributes goes into all file systems: ISO 9660's where the item is in that.
 engine::Attributes attributesOf(DRFSObject* object, uint8_t mask) {
     NSString* name = (mask & filesystem::iso9660)   ? DRISO9660
@@ -91,14 +100,17 @@ engine::Attributes attributesOf(DRFSObject* object, uint8_t mask) {
                                                     : DRUDF;
     NSDictionary* properties = [object propertiesForFilesystem:name mergeWithOtherFilesystems:YES];
     engine::Attributes attributes;
-    if ([properties count] == 0)
-        return attributes;
     attributes.mode = numberFor<uint32_t>(properties, DRPosixFileMode);
     attributes.owner = numberFor<uint32_t>(properties, DRPosixUID);
     attributes.group = numberFor<uint32_t>(properties, DRPosixGID);
     attributes.modified = dateFor(properties, DRContentModificationDate);
     attributes.accessed = dateFor(properties, DRAccessDate);
     attributes.changed = dateFor(properties, DRAttributeModificationDate);
+    if ((mask & filesystem::hfsPlus) != 0) {
+        NSDictionary* forHFS = [object propertiesForFilesystem:DRHFSPlus mergeWithOtherFilesystems:YES];
+        attributes.macType = codeFor(forHFS, DRMacFileType);
+        attributes.macCreator = codeFor(forHFS, DRMacFileCreator);
+    }
     return attributes;
 }
 

@@ -1,6 +1,7 @@
 // What is to be put on a disc: a tree of folders and files, from disk, from memory, or produced on demand.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <ctime>
@@ -78,7 +79,8 @@ struct Attributes {
     std::optional<uint32_t> group;
     std::optional<std::time_t> modified;
     std::optional<std::time_t> accessed;
-    std::optional<std::time_t> changed; ///< of the attributes
+    std::optional<std::time_t> changed;                        ///< of the attributes
+    std::optional<std::array<uint8_t, 4>> macType, macCreator; ///< HFS+ only
 };
 
 /// One item of the tree. `name` is UTF-8 in composed form where it is text, but any bytes other than '/' and

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <climits>
+#include <cstdlib>
 #include <dirent.h>
 #include <fcntl.h>
 #include <map>
@@ -483,6 +484,17 @@ class TreeBuilder {
         if (attributes.modified) setModified(node, *attributes.modified);
         if (attributes.accessed) setAccessed(node, *attributes.accessed);
         if (attributes.changed) setChanged(node, *attributes.changed);
+        if (attributes.macType || attributes.macCreator) setMacCodes(node, attributes);
+    }
+
+    static void setMacCodes(IsoNode* node, const Attributes& attributes) {
+        std::unique_ptr<iso_hfsplus_xinfo_data, void (*)(void*)> codes(iso_hfsplus_xinfo_new(0), std::free);
+        if (!codes) throw std::bad_alloc();
+        if (attributes.macType) std::copy_n(attributes.macType->begin(), 4, codes->type_code);
+        if (attributes.macCreator) std::copy_n(attributes.macCreator->begin(), 4, codes->creator_code);
+        // A node that is there already answers 0, and keeps what it has.
+        if (iso_node_add_xinfo(node, iso_hfsplus_xinfo_func, codes.get()) > 0)
+            static_cast<void>(codes.release()); // the node's now
     }
 
     IsoImage* image_;

@@ -168,6 +168,15 @@ class Trees(ExamplesCase):
                 self.assertEqual(said[0], "DRStatusStateFailed")
                 self.assertIn(sentence, said[1])
 
+    def test_type_and_creator_are_in_hfs_plus(self):
+        said = self.burn_tree([
+            "root.explicitFilesystemMask = 9", 'Dim f As DRFileQRX = DRFileQRX.virtualFileWithName("f", Nil)',
+            "Dim code As New MemoryBlock(4)", 'code.StringValue(0, 4) = "QzTy"',
+            "f.setProperty(code, DRFSObjectQRX.DRMacFileType, DRFSObjectQRX.DRHFSPlus)", "root.addChild(f)"])
+        self.assertEqual(said, ["DRStatusStateDone"])
+        with open(self.image(), "rb") as file:
+            self.assertEqual(file.read().count(b"QzTy"), 1)
+
     # ---- generated-files --------------------------------------------------------------------------------------
 
     def test_generated_files_have_the_bytes_that_the_events_made(self):
