@@ -4,6 +4,7 @@
 #include "Failure.hpp"
 #include "ImageTree.hpp"
 #include "MediumKind.hpp"
+#include "UdfBridge.hpp"
 #include "Utf8.hpp"
 #include "VolumeSettings.hpp"
 
@@ -58,7 +59,8 @@ struct OptionsDeleter {
 };
 using Options = std::unique_ptr<IsoWriteOpts, OptionsDeleter>;
 
-Options makeOptions(const DataTrack& track, const ImagePlace& place, std::vector<std::byte>& start) {
+Options makeOptions(const DataTrack& track, const ImagePlace& place, uint64_t frontBlocks,
+                    std::vector<std::byte>& start) {
     IsoWriteOpts* made = nullptr;
     require(iso_write_opts_new(&made, 0), "no memory");
     Options options(made);
@@ -77,7 +79,7 @@ Options makeOptions(const DataTrack& track, const ImagePlace& place, std::vector
     iso_write_opts_set_output_charset(made, "UTF-8");
     iso_write_opts_set_sort_files(made, 1); // contents in the order of the source list
     iso_write_opts_set_fifo_size(made, 64);
-    iso_write_opts_set_ms_block(made, static_cast<uint32_t>(place.startBlock));
+    iso_write_opts_set_ms_block(made, static_cast<uint32_t>(place.startBlock + frontBlocks));
     iso_write_opts_set_appendable(made, place.previous ? 1 : 0); // only what is new is written
     if (place.wantsStart) {
         start.resize(startBytes);
@@ -167,86 +169,123 @@ std::shared_ptr<DataImage> DataImage::plan(const DataTrack& track, const Signal&
     iso_image_set_volset_id(generator.image,
                             track.volumeSet.empty() ? track.root.name.c_str() : track.volumeSet.c_str());
     setVolumeTexts(generator.image, track);
-    buildImageTree(generator.image, track, writtenFilesystems(track), result->sources_,
-                   static_cast<bool>(place.previous), signal);
+    const uint8_t filesystems = writtenFilesystems(track);
+    const NodeSet notInUdf = buildImageTree(generator.image, track, filesystems, result->sources_,
+                                            static_cast<bool>(place.previous), signal);
 
     signal.check();
-    const Options options = makeOptions(track, place, result->start_);
+    if (filesystems & filesystem::udf) {
+        result->bridge_ = std::make_unique<UdfBridge>(generator.image, notInUdf, track, place);
+        result->frontBlocks_ = result->bridge_->frontBlocks();
+    }
+    const Options options = makeOptions(track, place, result->frontBlocks_, result->start_);
     require(iso_image_create_burn_source(generator.image, options.get(), &generator.source),
             "the tree was refused");
-    result->blocks_ = static_cast<uint64_t>(generator.source->get_size(generator.source)) / blockSize;
+    const uint64_t isoBlocks =
+        static_cast<uint64_t>(generator.source->get_size(generator.source)) / blockSize;
     uint32_t start = 0;
     require(iso_write_opts_get_data_start(options.get(), &start, 0), "no place for the files");
 
-    uint64_t contentBlocks = 0;
     for (const SourceFile& file : result->sources_.files)
-        contentBlocks += (file.fingerprint.size + blockSize - 1) / blockSize;
+        result->contentBlocks_ += (file.fingerprint.size + blockSize - 1) / blockSize;
     // In front of the first file lies one block for all empty files and links, which belongs to the head
     // here. All that follows must be contents that this class writes, or it would write them to a wrong
     // place.
-    const uint64_t headBlocks = start - place.startBlock + 1;
+    result->headBlocks_ = start - place.startBlock - result->frontBlocks_ + 1;
+    const uint64_t known = result->headBlocks_ + result->contentBlocks_;
     // HFS+ has the copy of its header at its end.
-    const bool hasTail = (track.filesystems & filesystem::hfsPlus) != 0;
-    if (hasTail && headBlocks + contentBlocks < result->blocks_)
-        result->tailBlocks_ = result->blocks_ - headBlocks - contentBlocks;
-    if (headBlocks + contentBlocks + result->tailBlocks_ != result->blocks_)
+    if ((filesystems & filesystem::hfsPlus) && known < isoBlocks) result->tailBlocks_ = isoBlocks - known;
+    if (known + result->tailBlocks_ != isoBlocks)
         fail(ErrorCode::Internal, "The file system of the disc was laid out in an unexpected way.",
-             std::to_string(headBlocks) + " + " + std::to_string(contentBlocks) +
-                 " != " + std::to_string(result->blocks_));
-    result->headBlocks_ = headBlocks;
+             std::to_string(result->headBlocks_) + " + " + std::to_string(result->contentBlocks_) +
+                 " != " + std::to_string(isoBlocks));
+    result->blocks_ = result->frontBlocks_ + isoBlocks;
+    if (result->bridge_) {
+        std::vector<std::byte> front(std::min<size_t>(startBytes, result->headBlocks_ * blockSize));
+        result->generate(front);
+        result->bridge_->place(result->sources_, start + 1, isoBlocks, front);
+        result->isoFront_ = std::move(front);
+        result->blocks_ += UdfBridge::behindBlocks;
+    }
     std::erase_if(result->sources_.files, [](const SourceFile& file) { return file.fingerprint.size == 0; });
     return result;
 }
 
 size_t DataImage::read(std::span<std::byte> buffer) {
     size_t filled = 0;
-    const uint64_t headBytes = headBlocks_ * blockSize;
-    const uint64_t contentEnd = (blocks_ - tailBlocks_) * blockSize;
-    if (position_ < headBytes) filled = generate(buffer, headBytes);
-    if (position_ >= headBytes && tailBlocks_ == 0 && generator_) {
+    // As much of the buffer as lies before that block of the image.
+    const auto upTo = [&](uint64_t block) {
+        const uint64_t end = block * blockSize;
+        return buffer.subspan(filled).first(static_cast<size_t>(
+            std::min<uint64_t>(buffer.size() - filled, end > position_ ? end - position_ : 0)));
+    };
+    const auto took = [&](size_t count) {
+        filled += count;
+        position_ += count;
+    };
+    uint64_t end = frontBlocks_;
+    if (const auto front = upTo(end); !front.empty()) {
+        makeBlocks(position_ / blockSize, front);
+        took(front.size());
+    }
+    if (const auto again = upTo(end + isoFront_.size() / blockSize); !again.empty()) {
+        std::memcpy(again.data(), isoFront_.data() + (position_ - end * blockSize), again.size());
+        took(again.size());
+    }
+    end += headBlocks_;
+    if (const auto head = upTo(end); !head.empty()) {
+        generate(head);
+        took(head.size());
+    }
+    if (position_ >= end * blockSize && tailBlocks_ == 0 && generator_) {
         // libisofs's tree of many small parts takes a while to free.
         runInBackground("disc-free", [generator = std::shared_ptr<Generator>(std::move(generator_))] {});
     }
-    while (filled < buffer.size() && position_ >= headBytes && position_ < contentEnd) {
-        const size_t count = reader_.read(buffer.subspan(filled));
+    end += contentBlocks_;
+    for (auto contents = upTo(end); !contents.empty(); contents = upTo(end)) {
+        const size_t count = reader_.read(contents);
         if (count == 0) fail(ErrorCode::Internal, "The disc's image ended too early.");
-        filled += count;
-        position_ += count;
+        took(count);
     }
-    if (filled < buffer.size() && tailBlocks_ > 0 && position_ >= contentEnd &&
-        position_ < blocks_ * blockSize) {
-        skipContents(contentEnd - headBytes);
-        filled += generate(buffer.subspan(filled), blocks_ * blockSize);
+    end += tailBlocks_;
+    if (const auto tail = upTo(end); !tail.empty()) {
+        skipContents();
+        generate(tail);
+        took(tail.size());
+    }
+    if (const auto behind = upTo(blocks_); !behind.empty()) {
+        makeBlocks(position_ / blockSize, behind);
+        took(behind.size());
     }
     return filled;
 }
 
-// What libisofs makes, up to that place of the image.
-size_t DataImage::generate(std::span<std::byte> buffer, uint64_t end) {
-    size_t filled = 0;
-    while (position_ < end && filled < buffer.size()) {
-        // Never more than is left: at its end the source drops what doesn't fill a whole request.
-        const auto wanted =
-            static_cast<int>(std::min<uint64_t>({end - position_, buffer.size() - filled, 64 * blockSize}));
-        auto* place = reinterpret_cast<unsigned char*>(buffer.data() + filled);
-        if (generator_->source->read_xt(generator_->source, place, wanted) != wanted)
+// What libisofs makes next. Never more than is left: at its end the source drops what doesn't fill a whole request.
+void DataImage::generate(std::span<std::byte> buffer) {
+    while (!buffer.empty()) {
+        const auto wanted = static_cast<int>(std::min<size_t>(buffer.size(), 64 * blockSize));
+        if (generator_->source->read_xt(generator_->source, reinterpret_cast<unsigned char*>(buffer.data()),
+                                        wanted) != wanted)
             fail(ErrorCode::DataProduction, "The file system of the disc could not be made.", lastMessage());
-        filled += static_cast<size_t>(wanted);
-        position_ += static_cast<uint64_t>(wanted);
+        buffer = buffer.subspan(static_cast<size_t>(wanted));
     }
-    return filled;
 }
 
 // libisofs gives zeros for the contents; they are taken from it only where something stands behind them.
-void DataImage::skipContents(uint64_t bytes) {
+void DataImage::skipContents() {
     if (skipped_) return;
     skipped_ = true;
-    const uint64_t position = position_;
     std::vector<std::byte> zeros(64 * blockSize);
-    position_ = 0;
-    while (position_ < bytes)
-        generate(zeros, bytes);
-    position_ = position;
+    for (uint64_t left = contentBlocks_; left > 0;) {
+        const uint64_t count = std::min<uint64_t>(left, 64);
+        generate(std::span(zeros).first(static_cast<size_t>(count * blockSize)));
+        left -= count;
+    }
+}
+
+void DataImage::makeBlocks(uint64_t first, std::span<std::byte> buffer) const {
+    for (; !buffer.empty(); buffer = buffer.subspan(blockSize))
+        bridge_->block(first++, buffer.first<blockSize>());
 }
 
 Result<void> checkVolumeName(std::string_view name) {

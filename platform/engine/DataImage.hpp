@@ -26,6 +26,8 @@ struct ImagePlace {
     bool wantsStart = false; ///< make the first 32 blocks of the medium, too
 };
 
+class UdfBridge;
+
 /// libisofs lays out the tree and writes the descriptors, path tables and directories, which stand in front.
 /// The contents follow in the order of the source list; they are read here in large pieces, because libisofs
 /// hands data over in 2 KiB pieces and hides short files behind zeros.
@@ -55,16 +57,22 @@ class DataImage {
   private:
     struct Generator;
     DataImage();
-    size_t generate(std::span<std::byte> buffer, uint64_t end);
-    void skipContents(uint64_t bytes);
+    void generate(std::span<std::byte> buffer);
+    void skipContents();
+    void makeBlocks(uint64_t first, std::span<std::byte> buffer) const;
 
     std::unique_ptr<Generator> generator_; ///< libisofs's side; gone when all it has to say is read
     SourceList sources_;
     SourceReader reader_{sources_};
     std::vector<std::byte> start_;
-    uint64_t blocks_ = 0;
-    uint64_t headBlocks_ = 0; ///< everything in front of the contents
-    uint64_t tailBlocks_ = 0; ///< behind the contents
+    std::unique_ptr<UdfBridge> bridge_; ///< when there is UDF, too
+    std::vector<std::byte> isoFront_;   ///< of libisofs's image, where it was read before its turn
+    // What the image is made of, in this order and in blocks.
+    uint64_t frontBlocks_ = 0;   ///< the bridge's
+    uint64_t headBlocks_ = 0;    ///< libisofs's, in front of the contents
+    uint64_t contentBlocks_ = 0; ///< the files
+    uint64_t tailBlocks_ = 0;    ///< libisofs's, behind them
+    uint64_t blocks_ = 0;        ///< all, with what the bridge has at its end
     bool skipped_ = false;
     uint64_t position_ = 0; ///< bytes given so far
 };

@@ -60,6 +60,8 @@ class TreeBuilder {
         addHardLinks();
     }
 
+    NodeSet notInUdf() { return std::move(notInUdf_); }
+
   private:
     struct PendingFolder {
         IsoDir* node;
@@ -120,6 +122,7 @@ class TreeBuilder {
             addName(all, nameIn(&FilesystemNames::joliet), filesystem::joliet);
         if (filesystems & filesystem::hfsPlus)
             addName(all, nameIn(&FilesystemNames::hfsPlus), filesystem::hfsPlus);
+        if (filesystems & filesystem::udf) addName(all, nameIn(&FilesystemNames::udf), filesystem::udf);
         return all;
     }
 
@@ -190,13 +193,15 @@ class TreeBuilder {
         }
     }
 
-    void hide(IsoNode* node, uint8_t shown) const {
+    void hide(IsoNode* node, uint8_t shown) {
         const auto hidden = static_cast<uint8_t>(filesystems_ & ~shown);
         int flags = 0;
         if (hidden & filesystem::iso9660) flags |= LIBISO_HIDE_ON_RR;
         if (hidden & filesystem::joliet) flags |= LIBISO_HIDE_ON_JOLIET;
         if (hidden & filesystem::hfsPlus) flags |= LIBISO_HIDE_ON_HFSPLUS;
-        if (flags != 0) iso_node_set_hidden(node, flags);
+        if (hidden & filesystem::udf) notInUdf_.insert(node);
+        // What only UDF shows must be written all the same.
+        if (flags != 0) iso_node_set_hidden(node, flags | LIBISO_HIDE_BUT_WRITE);
     }
 
     IsoNode* addProduced(IsoDir* parent, const std::string& name, const ProducedFile& produced) {
@@ -499,6 +504,7 @@ class TreeBuilder {
 
     IsoImage* image_;
     SourceList& sources_;
+    NodeSet notInUdf_;
     uint8_t filesystems_;      ///< that are written
     bool merges_;              ///< the image has a tree already
     std::set<IsoNode*> added_; ///< what this builder put into it
@@ -516,10 +522,12 @@ class TreeBuilder {
 
 } // namespace
 
-void buildImageTree(IsoImage* image, const DataTrack& track, uint8_t filesystems, SourceList& sources,
-                    bool merges, const Signal& signal) {
-    TreeBuilder(image, sources, filesystems, merges, signal, track.defaultDate.value_or(std::time(nullptr)))
-        .build(track.root);
+NodeSet buildImageTree(IsoImage* image, const DataTrack& track, uint8_t filesystems, SourceList& sources,
+                       bool merges, const Signal& signal) {
+    const std::time_t now = track.defaultDate.value_or(std::time(nullptr));
+    TreeBuilder builder(image, sources, filesystems, merges, signal, now);
+    builder.build(track.root);
+    return builder.notInUdf();
 }
 
 } // namespace engine

@@ -5,6 +5,7 @@
 #include "Error.hpp"
 #include "MediumKind.hpp"
 #include "TrackProducer.hpp"
+#include "udf/Tree.hpp"
 
 #include <array>
 #include <cstdint>
@@ -17,8 +18,8 @@
 
 namespace engine {
 
-/// The file systems of a folder tree, all around the same files. The root's name is the volume's name. All texts of the volume are UTF-8 and optional. Burned behind a session that holds a file
-/// system, its tree contains that one's, too: what has the same name is replaced, folders are merged.
+/// The file systems of a folder tree, all around the same files. The root's name is the volume's name. All texts of
+/// the volume are UTF-8 and optional. Burned behind a session that holds a file system, its tree contains that one's, too: what has the same name is replaced, folders are merged.
 struct DataTrack {
     Content root;
     std::string publisher;
@@ -32,6 +33,7 @@ struct DataTrack {
     uint8_t filesystems = filesystem::iso9660 | filesystem::joliet; ///< ISO 9660 is written with any other
     uint8_t isoLevel = 3;                                           ///< 1 to 3
     bool rockRidge = true;
+    udf::Revision udfRevision = udf::Revision::V102;
     std::optional<std::time_t> defaultDate; ///< of virtual items without one; else the start of the burn
     std::optional<std::time_t> created, modified, expires, effective; ///< of the volume
 };

@@ -25,4 +25,12 @@ inline void setModified(IsoNode* node, std::time_t time) { setNodeTime(iso_node_
 inline void setAccessed(IsoNode* node, std::time_t time) { setNodeTime(iso_node_set_atime, node, time); }
 inline void setChanged(IsoNode* node, std::time_t time) { setNodeTime(iso_node_set_ctime, node, time); }
 
+inline std::time_t nodeTime(std::time_t (*getter)(const IsoNode*), const IsoNode* node) {
+    return reinterpret_cast<NodeTime (*)(const IsoNode*)>(reinterpret_cast<void (*)()>(getter))(node);
+}
+
+inline std::time_t modifiedOf(const IsoNode* node) { return nodeTime(iso_node_get_mtime, node); }
+inline std::time_t accessedOf(const IsoNode* node) { return nodeTime(iso_node_get_atime, node); }
+inline std::time_t changedOf(const IsoNode* node) { return nodeTime(iso_node_get_ctime, node); }
+
 } // namespace engine

@@ -12,9 +12,6 @@ uint8_t writtenFilesystems(const DataTrack& track) {
     if (track.filesystems == 0)
         fail(ErrorCode::FilesystemsNotSupported,
              "The disc has no file system; choose one, ISO 9660 for instance.");
-    if (track.filesystems & filesystem::udf)
-        fail(ErrorCode::FilesystemsNotSupported,
-             "UDF can't be written yet; leave it out of the root folder's file systems.");
     if (track.isoLevel < 1 || track.isoLevel > 3)
         fail(ErrorCode::BadLayout,
              "There is no ISO 9660 level " + std::to_string(track.isoLevel) + "; the levels are 1 to 3.");

@@ -128,7 +128,8 @@ void Volume::fileEntry(uint32_t index, std::span<std::byte> block) const {
         fields.u32(static_cast<uint32_t>(embedded.size())).raw(embedded);
         return fields.finish(TagKind::FileEntry, entryBlockOf(index));
     }
-    uint32_t at = stream ? stream->firstBlock : static_cast<uint32_t>(node.firstBlock - partitionStart);
+    uint32_t at =
+        stream ? inPartition(stream->firstBlock) : static_cast<uint32_t>(node.firstBlock - partitionStart);
     fields.u32(static_cast<uint32_t>((bytes + mostExtentBytes - 1) / mostExtentBytes * 8));
     for (uint64_t left = bytes; left > 0;) {
         const auto part = static_cast<uint32_t>(std::min<uint64_t>(left, mostExtentBytes));
@@ -155,7 +156,7 @@ void Volume::folderBlock(const Stream& stream, uint32_t from, std::span<std::byt
         fields.u16(1).u8(kind).u8(static_cast<uint8_t>(name.size()));
         fields.longAllocation(blockBytes, entryBlockOf(node), static_cast<uint32_t>(uniqueIdOf(node)));
         fields.u16(0).raw(name).finish(TagKind::FileIdentifier,
-                                       stream.firstBlock + offset / uint32_t{blockBytes}, size);
+                                       inPartition(stream.firstBlock + offset / uint32_t{blockBytes}), size);
         const uint32_t start = std::max(offset, from);
         const uint32_t end = std::min(offset + size, from + static_cast<uint32_t>(blockBytes));
         if (start < end)

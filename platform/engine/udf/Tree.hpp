@@ -45,6 +45,8 @@ struct VolumeSettings {
     std::string volumeName;    ///< UTF-8; at most 30 characters are kept, 15 when one is beyond Latin-1
     std::string volumeSetName; ///< UTF-8; behind 16 hexadecimal digits that make it unique
     std::time_t recorded = 0;
+    uint32_t sessionStart =
+        0; ///< of the volume's own blocks; the partition begins in the medium's first session
 };
 
 } // namespace engine::udf

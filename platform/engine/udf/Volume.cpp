@@ -48,24 +48,25 @@ bool Volume::has(uint64_t number) const noexcept {
 void Volume::block(uint64_t number, std::span<std::byte, blockBytes> block) const {
     std::ranges::fill(block, std::byte{0});
     const auto at = static_cast<uint32_t>(number);
-    if (at == anchorBlock || (totalBlocks_ > 0 && at == totalBlocks_ - 1)) return anchor(at, block);
-    if (at < reserveSequence) return volumeDescriptor(at - mainSequence, at, block);
-    if (at < integritySequence) return volumeDescriptor(at - reserveSequence, at, block);
+    const uint32_t onMedium = settings_.sessionStart + at;
+    if (at == anchorBlock || (totalBlocks_ > 0 && at == totalBlocks_ - 1)) return anchor(onMedium, block);
+    if (at < reserveSequence) return volumeDescriptor(at - mainSequence, onMedium, block);
+    if (at < integritySequence) return volumeDescriptor(at - reserveSequence, onMedium, block);
     if (at == integritySequence) return integrity(block);
-    if (at == integritySequence + 1) return Fields(block).skip(496).finish(TagKind::Terminating, at);
-    const uint32_t inPartition = at - partitionStart;
-    if (inPartition == 0) return fileSet(block);
-    if (inPartition == 1) return Fields(block).skip(496).finish(TagKind::Terminating, inPartition);
-    if (inPartition - firstEntryBlock < tree_.nodes.size())
-        return fileEntry(inPartition - firstEntryBlock, block);
-    const auto after = std::ranges::upper_bound(streams_, inPartition, {}, &Stream::firstBlock);
-    streamBlock(*std::prev(after), inPartition - std::prev(after)->firstBlock, block);
+    if (at == integritySequence + 1) return Fields(block).skip(496).finish(TagKind::Terminating, onMedium);
+    const uint32_t structure = at - partitionStart;
+    if (structure == 0) return fileSet(block);
+    if (structure == 1) return Fields(block).skip(496).finish(TagKind::Terminating, inPartition(structure));
+    if (structure - firstEntryBlock < tree_.nodes.size())
+        return fileEntry(structure - firstEntryBlock, block);
+    const auto after = std::ranges::upper_bound(streams_, structure, {}, &Stream::firstBlock);
+    streamBlock(*std::prev(after), structure - std::prev(after)->firstBlock, block);
 }
 
 void Volume::anchor(uint32_t location, std::span<std::byte> block) const {
     Fields(block)
-        .extent(sequenceBlocks * blockBytes, mainSequence)
-        .extent(sequenceBlocks * blockBytes, reserveSequence)
+        .extent(sequenceBlocks * blockBytes, settings_.sessionStart + mainSequence)
+        .extent(sequenceBlocks * blockBytes, settings_.sessionStart + reserveSequence)
         .skip(480)
         .finish(TagKind::Anchor, location);
 }
@@ -93,12 +94,16 @@ void Volume::volumeDescriptor(uint32_t index, uint32_t location, std::span<std::
     case partition:
         // The one volume of the set, read only, from the block behind the anchor up to the last anchor.
         fields.u32(index).u16(1).u16(0).identifier("+NSR02").skip(128).u32(1).u32(partitionStart);
-        fields.u32(totalBlocks_ - 1 - partitionStart).developer();
+        fields.u32(partitionBlocks()).developer();
         return fields.skip(128 + 156).finish(TagKind::Partition, location);
     case logicalVolume:
         fields.u32(index).characterSet().fixedText(128, settings_.volumeName).u32(blockBytes);
-        fields.domain(settings_.revision).longAllocation(2 * blockBytes, 0).u32(6).u32(1).developer();
-        fields.skip(128).extent(integrityBlocks * blockBytes, integritySequence);
+        fields.domain(settings_.revision)
+            .longAllocation(2 * blockBytes, inPartition(0))
+            .u32(6)
+            .u32(1)
+            .developer();
+        fields.skip(128).extent(integrityBlocks * blockBytes, settings_.sessionStart + integritySequence);
         // One partition map of type 1: volume 1, partition 0.
         return fields.u8(1).u8(6).u16(1).u16(0).finish(TagKind::LogicalVolume, location);
     case unallocatedSpace:
@@ -115,9 +120,9 @@ void Volume::integrity(std::span<std::byte> block) const {
     Fields fields(block);
     fields.time(settings_.recorded).u32(1).extent(0, 0); // closed, and no further descriptor
     fields.u64(uniqueIdOf(static_cast<uint32_t>(tree_.nodes.size()))).skip(24);
-    fields.u32(1).u32(46).u32(0).u32(totalBlocks_ - 1 - partitionStart); // one partition, nothing free
+    fields.u32(1).u32(46).u32(0).u32(partitionBlocks()); // one partition, nothing free
     fields.developer().u32(fileCount_).u32(folderCount_).u16(revision).u16(revision).u16(revision);
-    fields.finish(TagKind::LogicalVolumeIntegrity, integritySequence);
+    fields.finish(TagKind::LogicalVolumeIntegrity, settings_.sessionStart + integritySequence);
 }
 
 void Volume::fileSet(std::span<std::byte> block) const {
@@ -125,7 +130,7 @@ void Volume::fileSet(std::span<std::byte> block) const {
     fields.time(settings_.recorded).u16(3).u16(3).u32(1).u32(1).u32(0).u32(0);
     fields.characterSet().fixedText(128, settings_.volumeName).characterSet();
     fields.fixedText(32, settings_.volumeName).skip(64).longAllocation(blockBytes, entryBlockOf(0));
-    fields.domain(settings_.revision).skip(16 + 48).finish(TagKind::FileSet, 0);
+    fields.domain(settings_.revision).skip(16 + 48).finish(TagKind::FileSet, inPartition(0));
 }
 
 } // namespace engine::udf

@@ -2,7 +2,7 @@
 // for.
 //
 // It is a bridge: another file system of the same disc, ISO 9660 for one, owns the first descriptors and shows the
-// same files. From the start of the session:
+// same files. Counted from the start of the session:
 //
 //     16 ...          the other file system's descriptors, then recognition() (ECMA-167 2/8, in a row with them)
 //     32 ... 65       volume descriptors, twice, and the integrity of the logical volume
@@ -45,7 +45,7 @@ class Volume {
 
     /// Blocks from partitionStart on that this writes.
     uint32_t structureBlocks() const noexcept { return structureBlocks_; }
-    /// What the whole image has, the second anchor included. Before block().
+    /// What the session has, the second anchor included. Before block().
     void setTotalBlocks(uint64_t total) noexcept { totalBlocks_ = static_cast<uint32_t>(total); }
 
     /// Whether block() makes that block.
@@ -66,10 +66,15 @@ class Volume {
     void fileEntry(uint32_t node, std::span<std::byte> block) const;
     void streamBlock(const Stream& stream, uint32_t index, std::span<std::byte> block) const;
     void folderBlock(const Stream& stream, uint32_t from, std::span<std::byte> block) const;
-    uint32_t entryBlockOf(uint32_t node) const noexcept { return firstEntryBlock + node; }
+    uint32_t partitionBlocks() const noexcept {
+        return settings_.sessionStart + totalBlocks_ - 1 - partitionStart;
+    }
+    /// Where a block of the structures lies in the partition.
+    uint32_t inPartition(uint32_t structure) const noexcept { return settings_.sessionStart + structure; }
+    uint32_t entryBlockOf(uint32_t node) const noexcept { return inPartition(firstEntryBlock + node); }
     uint64_t uniqueIdOf(uint32_t node) const noexcept { return node == 0 ? 0 : uint64_t{15} + node; }
 
-    /// In the partition: the file set, its end, then the nodes.
+    /// Of the structures: the file set, its end, then the nodes.
     static constexpr uint32_t firstEntryBlock = 2;
 
     const Stream* streamOf(uint32_t node) const noexcept;
