@@ -1,6 +1,7 @@
 #!/usr/bin/python3
 """The panels as a person uses them: windows on a display, keys and clicks, and what then is on the disc."""
 import os
+import shutil
 import subprocess
 import sys
 import unittest
@@ -243,6 +244,21 @@ BurnOnce(progress)
         self.display.keys("Return")
         self.assertEqual(program.end(), 0, program.errors)
         self.assertEqual(program.lines(), ["will begin", "burn did finish", "did finish", "DRStatusStateFailed"])
+
+    def test_a_drive_that_is_unplugged_while_it_burns_is_a_failure_that_is_shown(self):
+        self.drives.grow(6)
+        program = self.progress(speed=1385)
+        self.display.wait_window("Burning", moving=True)
+        with open(os.path.join(self.drives.folder, "none"), "w", encoding="utf-8"):
+            pass  # or another drive would be made
+        shutil.rmtree(self.drives.path())
+        before = self.height("Burning")
+        wait_for("the failure", lambda: self.height("Burning") != before)
+        self.assertIsNone(program.process.poll())
+        self.display.wait_window("Burning")
+        self.display.keys("Return")
+        self.assertEqual(program.end(), 0, program.errors)
+        self.assertEqual(program.lines()[-1], "DRStatusStateFailed")
 
     def test_a_failure_that_the_program_tells_is_not_told_again(self):
         program = self.progress(speed=60000, told="True",
