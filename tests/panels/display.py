@@ -54,7 +54,12 @@ class Display:
         return found[-1] if found else None
 
     def wait_window(self, title, moving=False):
-        window = wait_for(f"the window {title}", lambda: self.window(title))
+        try:
+            window = wait_for(f"the window {title}", lambda: self.window(title))
+        except AssertionError as problem:
+            found = self.tool("xdotool", "search", "--name", ".").split()
+            names = {self.tool("xdotool", "getwindowname", one).strip() for one in found}
+            raise AssertionError(f"{problem}; there are, shown or not: {names}") from None
         self.focus(window, moving)
         return window
 
