@@ -22,7 +22,8 @@ struct ItemData {
 const fs::path& path(REALobject item) { return dataOf<ItemData>(item).path; }
 
 fs::path normal(std::string_view text) {
-    fs::path result = fs::absolute(fs::path(text)).lexically_normal();
+    // No path at all is the folder that the program runs in.
+    fs::path result = fs::absolute(fs::path(text.empty() ? "." : text)).lexically_normal();
     if (!result.has_filename() && result.has_relative_path())
         result = result.parent_path(); // no "/" at the end
     return result;

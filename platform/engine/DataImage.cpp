@@ -201,7 +201,8 @@ std::shared_ptr<DataImage> DataImage::plan(const DataTrack& track, const Signal&
                  " != " + std::to_string(isoBlocks));
     result->blocks_ = result->frontBlocks_ + isoBlocks;
     if (result->bridge_) {
-        std::vector<std::byte> front(std::min<size_t>(startBytes, result->headBlocks_ * blockSize));
+        std::vector<std::byte> front(
+            static_cast<size_t>(std::min<uint64_t>(startBytes, result->headBlocks_ * blockSize)));
         result->generate(front);
         result->bridge_->place(result->sources_, start + 1, isoBlocks, front);
         result->isoFront_ = std::move(front);

@@ -1,0 +1,248 @@
+' Burns sound files as an audio CD. Titles, performers and ISRC codes come from the files' tags (FLAC, and ID3v2 in MP3)
+' and go onto the disc as CD-Text and codes; without tags a track is named after its file.
+'
+'   disc-basic audio-cd.bas [OPTIONS] FILE …
+'
+'   --title=TITLE       the disc's title (default: the first file's album)
+'   --performer=NAME    the disc's performer (default: the first file's artist)
+'   --gap=SECONDS       silence between tracks (default: none)
+'
+' A re-writable disc that holds data is overwritten.
+
+Const Usage = "Usage: audio-cd.bas [--title=TITLE] [--performer=NAME] [--gap=SECONDS] FILE …"
+
+Sub Fail(message As String)
+    StdErr.WriteLine("audio-cd: " + message)
+    Quit(1)
+End Sub
+
+' ---- what a file says about itself --------------------------------------------------------------------------
+
+Class Tags
+    Title As String
+    Performer As String
+    Album As String
+    ISRC As String
+
+    Sub Constructor(file As FolderItem)
+        Dim stream As BinaryStream = BinaryStream.Open(file)
+        Dim start As String = stream.Read(10)
+        If LeftB(start, 4) = "fLaC" Then
+            stream.Position = 4
+            ReadFLAC(stream)
+        ElseIf LeftB(start, 3) = "ID3" Then
+            ReadID3(stream, start)
+        End If
+        If Title = "" Then Title = NameWithoutEnding(file.Name)
+    End Sub
+
+    Private Function NameWithoutEnding(name As String) As String
+        Dim parts() As String = Split(name, ".")
+        If parts.LastIndex > 0 Then parts.Remove(parts.LastIndex)
+        Return Join(parts, ".")
+    End Function
+
+    Private Sub Take(name As String, value As String)
+        Select Case name
+        Case "TITLE", "TIT2"
+            Title = value
+        Case "ARTIST", "TPE1"
+            Performer = value
+        Case "ALBUM", "TALB"
+            Album = value
+        Case "ISRC", "TSRC"
+            ISRC = ReplaceAll(value, "-", "")
+        End Select
+    End Sub
+
+    ' Metadata blocks: a byte for the kind, its top bit on the last one, and three for the length. Kind 4 holds
+    ' texts of the form NAME=value, each behind its length.
+    Private Sub ReadFLAC(stream As BinaryStream)
+        Dim kind As Integer
+        Do
+            Dim head As String = stream.Read(4)
+            If LenB(head) < 4 Then Return
+            kind = AscB(head)
+            Dim body As String = stream.Read(Number(MidB(head, 2, 3)))
+            If (kind And 127) = 4 Then
+                Dim at As Integer = 5 + LittleNumber(LeftB(body, 4))
+                Dim count As Integer = LittleNumber(MidB(body, at, 4))
+                at += 4
+                For i As Integer = 1 To count
+                    Dim length As Integer = LittleNumber(MidB(body, at, 4))
+                    Dim text As String = DefineEncoding(MidB(body, at + 4, length), Encodings.UTF8)
+                    Dim name As String = NthField(text, "=", 1)
+                    Take(Uppercase(name), Mid(text, Len(name) + 2))
+                    at += 4 + length
+                Next
+            End If
+        Loop Until kind >= 128
+    End Sub
+
+    ' Frames: four letters, four bytes of length, two of flags; the text behind a byte for its encoding.
+    Private Sub ReadID3(stream As BinaryStream, head As String)
+        Dim body As String = stream.Read(SafeNumber(MidB(head, 7, 4)))
+        Dim at As Integer = 1
+        While at + 10 <= LenB(body) And AscB(MidB(body, at, 1)) <> 0
+            Dim length As Integer = Number(MidB(body, at + 4, 4))
+            If AscB(MidB(head, 4, 1)) >= 4 Then length = SafeNumber(MidB(body, at + 4, 4))
+            Dim text As String = MidB(body, at + 11, length - 1)
+            Select Case AscB(MidB(body, at + 10, 1))
+            Case 0
+                text = DefineEncoding(text, Encodings.ISOLatin1)
+            Case 1
+                text = DefineEncoding(MidB(text, 3), Encodings.UTF16)
+            Case 3
+                text = DefineEncoding(text, Encodings.UTF8)
+            End Select
+            Take(LeftB(MidB(body, at, 4), 4), ReplaceAll(ConvertEncoding(text, Encodings.UTF8), Chr(0), ""))
+            at += 10 + length
+        Wend
+    End Sub
+
+    Private Function Number(bytes As String) As Integer
+        Dim result As Integer
+        For i As Integer = 1 To LenB(bytes)
+            result = result * 256 + AscB(MidB(bytes, i, 1))
+        Next
+        Return result
+    End Function
+
+    Private Function LittleNumber(bytes As String) As Integer
+        Dim result As Integer
+        For i As Integer = LenB(bytes) DownTo 1
+            result = result * 256 + AscB(MidB(bytes, i, 1))
+        Next
+        Return result
+    End Function
+
+    ' Seven bits in each byte.
+    Private Function SafeNumber(bytes As String) As Integer
+        Dim result As Integer
+        For i As Integer = 1 To LenB(bytes)
+            result = result * 128 + AscB(MidB(bytes, i, 1))
+        Next
+        Return result
+    End Function
+End Class
+
+' ---- what to burn -------------------------------------------------------------------------------------------
+
+Dim files() As FolderItem
+Dim discTitle As String
+Dim discPerformer As String
+Dim gap As Double
+For Each argument As String In App.Arguments
+    Dim word As String = NthField(argument, "=", 1)
+    Dim value As String = Mid(argument, Len(word) + 2)
+    If word = "--title" Then
+        discTitle = value
+    ElseIf word = "--performer" Then
+        discPerformer = value
+    ElseIf word = "--gap" And (value = "0" Or Val(value) > 0) Then
+        gap = Val(value)
+    ElseIf argument.BeginsWith("--") Then
+        StdErr.WriteLine(Usage)
+        Quit(2)
+    Else
+        Dim file As FolderItem = GetFolderItem(argument)
+        If file Is Nil Or Not file.Exists Then Fail("there is no file " + argument)
+        files.Append(file)
+    End If
+Next
+If files.LastIndex < 0 Then
+    StdErr.WriteLine(Usage)
+    Quit(2)
+End If
+
+' A quotation mark would end a text of the sheet.
+Function Quoted(text As String) As String
+    Return """" + ReplaceAll(text, """", "'") + """"
+End Function
+
+Function Clock(blocks As Integer) As String
+    Return Format(blocks \ 4500, "00") + ":" + Format((blocks \ 75) Mod 60, "00") + ":" + Format(blocks Mod 75, "00")
+End Function
+
+Dim lines() As String
+For i As Integer = 0 To files.LastIndex
+    Dim track As DRTrackQRX = DRTrackQRX.trackForAudioFile(files(i))
+    If track Is Nil Then Fail(files(i).NativePath + " is no sound file that can be read")
+    Dim tags As New Tags(files(i))
+    If i = 0 And discTitle = "" Then discTitle = tags.Album
+    If i = 0 And discPerformer = "" Then discPerformer = tags.Performer
+    lines.Append("FILE " + Quoted(files(i).NativePath) + " WAVE")
+    lines.Append("  TRACK " + Format(i + 1, "00") + " AUDIO")
+    lines.Append("    TITLE " + Quoted(tags.Title))
+    If tags.Performer <> "" Then lines.Append("    PERFORMER " + Quoted(tags.Performer))
+    If Len(tags.ISRC) = 12 Then lines.Append("    ISRC " + tags.ISRC)
+    If i > 0 And gap > 0 Then lines.Append("    PREGAP " + Clock(Round(gap * 75)))
+    lines.Append("    INDEX 01 00:00:00")
+    Print Format(i + 1, "00") + "  " + track.Length.description + "  " + tags.Title
+Next
+If discTitle <> "" Then lines.Insert(0, "TITLE " + Quoted(discTitle))
+If discPerformer <> "" Then lines.Insert(0, "PERFORMER " + Quoted(discPerformer))
+
+' ---- where to -----------------------------------------------------------------------------------------------
+
+If DRDeviceQRX.deviceCount = 0 Then Fail("there is no drive that can write discs")
+Dim drive As DRDeviceQRX = DRDeviceQRX.device(0)
+If drive.trayIsOpen Then Call drive.closeTray
+If Not drive.mediaIsPresent Then Fail("there is no disc in " + drive.displayName + "; insert one and try again")
+If Not drive.mediaType.BeginsWith("DRDeviceMediaTypeCD") Then Fail("an audio CD needs a CD-R or CD-RW; insert one and try again")
+
+Dim burn As New DRBurnQRX(drive)
+burn.completionAction = DRBurnQRX.DRBurnCompletionActionMount
+burn.BurnFailureAction = DRBurnQRX.DRBurnFailureActionNone
+If Not drive.mediaIsBlank Then
+    Print "The disc in " + drive.displayName + " is overwritten."
+    burn.Overwrite = True
+End If
+
+' ---- burn ---------------------------------------------------------------------------------------------------
+
+' The sheet says it all: tracks, gaps, texts and codes. It is gone when the program ends.
+Class Sheet
+    File As FolderItem
+
+    Sub Constructor(lines() As String)
+        File = GetFolderItem(System.EnvironmentVariable("TMPDIR"))
+        If File Is Nil Or Not File.Directory Then File = GetFolderItem("/tmp")
+        File = File.Child("audio-cd-" + Str(Floor(Microseconds)) + ".cue")
+        Dim stream As TextOutputStream = TextOutputStream.Create(File)
+        For Each line As String In lines
+            stream.WriteLine(line)
+        Next
+        stream.Close
+    End Sub
+    Sub Destructor()
+        File.Delete
+    End Sub
+End Class
+
+Dim sheet As New Sheet(lines)
+If Not burn.writeImageFile(sheet.File) Then Fail("the tracks can't be burned as one disc")
+
+Dim status As Dictionary
+Dim state As String
+Dim shown As String
+Do
+    App.DoEvents(50)
+    status = burn.status
+    state = status.Value(DRBurnQRX.DRStatusStateKey)
+    Dim now As String
+    If state = DRBurnQRX.DRStatusStateTrackWrite Then
+        now = "Writing track " + Str(status.Value(DRBurnQRX.DRStatusCurrentTrackKey)) + " of " + _
+            Str(status.Value(DRBurnQRX.DRStatusTotalTracksKey))
+    ElseIf state = DRBurnQRX.DRStatusStateVerifying Then
+        now = "Verifying"
+    End If
+    If now <> "" And now <> shown Then Print now + " …"
+    If now <> "" Then shown = now
+Loop Until state = DRBurnQRX.DRStatusStateDone Or state = DRBurnQRX.DRStatusStateFailed
+
+If state = DRBurnQRX.DRStatusStateFailed Then
+    Dim problem As Dictionary = status.Value(DRBurnQRX.DRErrorStatusKey)
+    Fail(problem.Value(DRBurnQRX.DRErrorStatusErrorStringKey))
+End If
+Print "Burned " + Str(files.LastIndex + 1) + " tracks, " + drive.mediaSpaceUsed.description + " in all."

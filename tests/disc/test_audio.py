@@ -1,0 +1,117 @@
+#!/usr/bin/python3
+"""Audio discs as the example programs make and copy them, read by programs that are not ours."""
+import os
+import struct
+import subprocess
+import unittest
+
+from examples_case import ExamplesCase
+
+
+class Audio(ExamplesCase):
+    def sound(self, name, seconds, *options):
+        path = os.path.join(self.scratch, name)
+        subprocess.run(["sox", "-D", "-n", "-r", "44100", "-c", "2", "-b", "16", path, "synth", str(seconds), "sine",
+                        "440-880", "gain", "-6", *options], check=True, capture_output=True)
+        return path
+
+    def samples(self, path):
+        return subprocess.run(["sox", path, "-t", "raw", "-e", "signed", "-b", "16", "-L", "-"], check=True,
+                              capture_output=True).stdout
+
+    def on_disc(self, drive, first, blocks):
+        with open(os.path.join(self.drives, drive, "medium.bin"), "rb") as file:
+            file.seek(first * 2352)
+            return file.read(blocks * 2352)
+
+    def told(self, *command, cwd=None):
+        done = subprocess.run(command, capture_output=True, text=True, check=False, cwd=cwd, errors="replace")
+        self.assertEqual(done.returncode, 0, done.stdout + done.stderr)
+        return done.stdout
+
+    def cd(self, name="drive-1", product="Disc Drive 1"):
+        return self.make_drive(name, product, kind="CD-RW", capacityBlocks=359847)
+
+    def test_files_become_tracks_with_texts_codes_and_gaps(self):
+        folder = self.cd()
+        first, second = self.sound("first.flac", 5), self.sound("second song.wav", 4.5)
+        subprocess.run(["metaflac", "--set-tag=TITLE=Erstes Stück", "--set-tag=ARTIST=Die Gruppe",
+                        "--set-tag=ALBUM=Das Album", "--set-tag=ISRC=DE-ABC-26-12345", first], check=True)
+        said = self.succeed("audio-cd.bas", "--gap=2", first, second)
+        self.assertEqual([line for line in said.splitlines() if not line.endswith(" …")],
+                         ["01  00:05:00  Erstes Stück", "02  00:04:38  second song",
+                          "Burned 2 tracks, 00:11:38 in all."])
+        self.assertEqual(self.on_disc("drive-1", 0, 375), self.samples(first))
+        wanted = self.samples(second)
+        self.assertEqual(self.on_disc("drive-1", 375, 150), bytes(150 * 2352))
+        self.assertEqual(self.on_disc("drive-1", 525, 338), wanted + bytes(338 * 2352 - len(wanted)))
+        info = self.told("cd-info", "--no-header", "--no-device-info", "--no-cddb", "--cue-file",
+                         os.path.join(folder, "medium.cue"))
+        for text in ("Erstes St", "Die Gruppe", "Das Album", "second song"):
+            self.assertIn(text, info)
+        toc = self.told("cdrdao", "show-toc", "medium.cue", cwd=folder)
+        self.assertRegex(toc, r"ISRC[: ]+\"?DE-?ABC-?26-?12345")
+
+    def test_tags_of_mp3_files(self):
+        folder = self.cd()
+        sound, song = self.sound("song.wav", 5), os.path.join(self.scratch, "song.mp3")
+        subprocess.run(["lame", "--quiet", "--id3v2-only", "--tt", "Ein Lied", "--ta", "Jemand", sound, song],
+                       check=True)
+        self.assertIn("  Ein Lied\n", self.succeed("audio-cd.bas", song))
+        with open(os.path.join(folder, "medium.cue"), encoding="utf-8") as sheet:
+            self.assertIn('PERFORMER "Jemand"', sheet.read())
+
+    def test_what_is_no_sound_is_refused_by_name_and_nothing_is_burned(self):
+        self.cd()
+        done = self.run_program("audio-cd.bas", os.path.join(self.source, "letter.txt"))
+        self.assertEqual(done.returncode, 1)
+        self.assertIn("letter.txt is no sound file that can be read\n", done.stderr)
+        self.refuse("there is no file /no/such.wav", "audio-cd.bas", "/no/such.wav")
+        self.refuse("^Usage: audio-cd.bas", "audio-cd.bas", status=2)
+        self.assertEqual(self.medium()["state"], "blank")
+
+    def test_an_audio_disc_needs_a_cd(self):
+        self.make_drive(kind="DVD+R", capacityBlocks=2295104)
+        self.refuse("an audio CD needs a CD-R or CD-RW", "audio-cd.bas", self.sound("a.wav", 4))
+
+    def test_a_track_is_made_by_the_program_while_it_burns(self):
+        self.cd()
+        self.assertEqual(self.succeed("generated-track.bas", "5", "1000").splitlines(), [
+            "Burned a tone of 1000 Hz, 00:05:00 long.",
+            "750 blocks were made for 375 on the disc: each was made again to verify it."])
+        tone = self.on_disc("drive-1", 0, 375)
+        self.assertEqual(len(tone), 375 * 2352)
+        one = tone[:75 * 2352]
+        self.assertEqual(tone, one * 5, "every second is like the first")
+        left = struct.unpack(f"<{len(tone) // 2}h", tone)[::2]
+        crossings = sum((one < 0) != (next < 0) for one, next in zip(left, left[1:]))
+        self.assertAlmostEqual(crossings, 2 * 1000 * 5, delta=4)
+        self.assertGreater(max(left), 15000)
+
+    def test_an_audio_disc_is_copied_whole(self):
+        self.cd("a", "First")
+        self.cd("b", "Second")
+        first, second = self.sound("first.wav", 5), self.sound("second.wav", 6)
+        self.succeed("audio-cd.bas", "--gap=1", "--title=The Disc", first, second)
+        said = self.succeed("copy-disc.bas", "Virtual First", "Virtual Second")
+        self.assertEqual(said, "Copied 2 tracks, 00:12:00 in all, from Virtual First to Virtual Second.\n")
+        for name in ("medium.bin", "medium.cue", "medium.cdt"):
+            with open(os.path.join(self.drives, "a", name), "rb") as one, \
+                    open(os.path.join(self.drives, "b", name), "rb") as other:
+                self.assertEqual(one.read(), other.read(), name)
+
+    def test_a_data_disc_is_copied_whole(self):
+        self.make_drive("a", "First", kind="DVD+RW", capacityBlocks=2295104)
+        self.make_drive("b", "Second", kind="DVD-R", capacityBlocks=2298496)
+        self.write("some.bin", os.urandom(3_000_000))
+        self.succeed("burn-folder.bas", self.source)
+        self.succeed("copy-disc.bas", "Virtual First", "Virtual Second")
+        with open(os.path.join(self.drives, "a", "medium.iso"), "rb") as one, \
+                open(os.path.join(self.drives, "b", "medium.iso"), "rb") as other:
+            self.assertEqual(one.read(), other.read())
+        self.refuse("a disc can't be copied onto itself", "copy-disc.bas", "Virtual First", "Virtual First")
+        self.refuse("there is no drive Third", "copy-disc.bas", "Third", "Virtual First")
+
+
+if __name__ == "__main__":
+    unittest.main()
