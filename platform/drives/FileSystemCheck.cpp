@@ -70,17 +70,17 @@ class Walk {
     }
 
     void list(const Extent& folder) {
-        const size_t blocks = (folder.bytes + engine::blockSize - 1) / engine::blockSize;
-        std::vector<std::byte> bytes(blocks * engine::blockSize);
+        constexpr size_t blockSize{engine::blockSize};
+        std::vector<std::byte> bytes((folder.bytes + blockSize - 1) / blockSize * blockSize);
         if (!read_(folder.block, bytes))
             return problem("the folder at block " + std::to_string(folder.block) + " can't be read");
         for (size_t offset = 0; offset < folder.bytes && report_.problem.empty();) {
-            const size_t inBlock = offset % engine::blockSize, length = byteAt(bytes, offset);
+            const size_t inBlock = offset % blockSize, length = byteAt(bytes, offset);
             if (length == 0) { // no record crosses a block's end
-                offset += engine::blockSize - inBlock;
+                offset += blockSize - inBlock;
                 continue;
             }
-            if (length <= recordHead || inBlock + length > engine::blockSize)
+            if (length <= recordHead || inBlock + length > blockSize)
                 return problem("the folder at block " + std::to_string(folder.block) + " is damaged");
             const std::span<const std::byte> record(bytes.data() + offset, length);
             const size_t nameLength = byteAt(record, 32);

@@ -131,7 +131,7 @@ uint32_t UdfBridge::nodeOf(IsoNode* from) {
 
 uint32_t UdfBridge::fileNodeOf(IsoFile* file, udf::Node node) {
     node.size = static_cast<uint64_t>(iso_file_get_size(file));
-    uint64_t number = 0;
+    size_t number = 0;
     int count = 0;
     struct iso_file_section* sections = nullptr;
     if (iso_file_get_old_image_sections(file, &count, &sections, 0) == 1) {
@@ -150,7 +150,7 @@ uint32_t UdfBridge::fileNodeOf(IsoFile* file, udf::Node node) {
         dev_t device = 0;
         ino_t inode = 0;
         iso_stream_get_id(iso_file_get_stream(file), &fileSystem, &device, &inode);
-        number = inode;
+        number = static_cast<size_t>(inode);
         if (nodeOfSource_.size() <= number) nodeOfSource_.resize(number + 1, UINT32_MAX);
         if (nodeOfSource_[number] != UINT32_MAX) return nodeOfSource_[number]; // a hard link
         nodeOfSource_[number] = static_cast<uint32_t>(tree_.nodes.size());

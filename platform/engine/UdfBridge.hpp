@@ -42,7 +42,7 @@ class UdfBridge {
 
     udf::Tree tree_;
     std::vector<IsoDir*> folders_;       ///< of each node; only while the tree is read
-    std::vector<uint64_t> sourceOf_;     ///< of each node: its number in the list of sources, 0 for none
+    std::vector<size_t> sourceOf_;       ///< of each node: its number in the list of sources, 0 for none
     std::vector<uint32_t> nodeOfSource_; ///< and the other way
     udf::VolumeSettings settings_;
     std::unique_ptr<udf::Volume> volume_;

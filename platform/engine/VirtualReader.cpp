@@ -59,7 +59,8 @@ Result<size_t> VirtualReader::read(const TrackInfo& track, int64_t block, std::s
 }
 
 size_t VirtualReader::readPlain(const TrackInfo& track, uint64_t block, std::span<std::byte> buffer) {
-    return file(track.file).read(track.fileOffset + block * blockSize, buffer) / blockSize * blockSize;
+    const size_t count = file(track.file).read(track.fileOffset + block * blockSize, buffer);
+    return count - count % blockSize;
 }
 
 size_t VirtualReader::readSectors(const TrackInfo& track, int64_t block, std::span<std::byte> buffer) {

@@ -50,7 +50,7 @@ class Audio(ExamplesCase):
         for text in ("Erstes St", "Die Gruppe", "Das Album", "second song"):
             self.assertIn(text, info)
         toc = self.told("cdrdao", "show-toc", "medium.cue", cwd=folder)
-        self.assertRegex(toc, r"ISRC[: ]+\"?DE-?ABC-?26-?12345")
+        self.assertIn("ISRC DE ABC 26 12345", toc)
 
     def test_tags_of_mp3_files(self):
         folder = self.cd()
