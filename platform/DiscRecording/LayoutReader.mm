@@ -1,8 +1,8 @@
 // LayoutReader: turns tracks and folders into what the engine burns.
 #include "LayoutReader.hpp"
 
-#import "DRTrackPrivate.h"
 #include "ContentReader.hpp"
+#import "DRTrackPrivate.h"
 #include "Elements.hpp"
 #include "PathStrings.hpp"
 #include "TrackReader.hpp"

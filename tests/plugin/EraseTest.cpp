@@ -194,8 +194,7 @@ TEST_F(Erase, StartReturnsAtOnceAndTheMediumIsBlankInTheEnd) {
     testing::internal::CaptureStderr();
     call<void>(className, "start", erase.get());
     testing::internal::GetCapturedStderr();
-    EXPECT_EQ(raised()->className, "RuntimeException")
-        << "the platform's refusal of a second start";
+    EXPECT_EQ(raised()->className, "RuntimeException") << "the platform's refusal of a second start";
 }
 
 } // namespace
