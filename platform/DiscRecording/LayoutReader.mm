@@ -108,6 +108,9 @@ Result<engine::DataTrack> dataTrackOf(DRTrack* track, bool estimating) {
         return content.error();
     data.root = std::move(content->root);
     data.filesystems = content->filesystems;
+    id version = [root propertyForKey:DRUDFWriteVersion inFilesystem:DRUDF mergeWithOtherFilesystems:YES];
+    if ([version isEqual:DRUDFVersion150])
+        data.udfRevision = engine::udf::Revision::V150;
     return data;
 }
 

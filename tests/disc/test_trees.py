@@ -112,6 +112,28 @@ class Trees(ExamplesCase):
         self.assertEqual(self.joliet(self.image()), ["/joliet"])
         self.assertEqual(self.hfs_plus(self.image()), ["Tree", "Tree/mac"])
 
+    def test_udf_shows_its_names_and_the_revision_that_was_asked_for(self):
+        said = self.burn_tree([
+            "root.explicitFilesystemMask = DRFSObjectQRX.DRFilesystemInclusionMaskISO9660 Or "
+            "DRFSObjectQRX.DRFilesystemInclusionMaskUDF",
+            "root.setProperty(DRFSObjectQRX.DRUDFVersion150, DRFSObjectQRX.DRUDFWriteVersion, DRFSObjectQRX.DRUDF)",
+            "Dim bytes As New MemoryBlock(11)", 'bytes.StringValue(0, 11) = "only once!!"',
+            'Dim file As DRFileQRX = DRFileQRX.virtualFileWithName("a.txt", bytes)',
+            'file.specificNameForFilesystem(DRFSObjectQRX.DRUDF) = "Grüße: 漢字.txt"', "root.addChild(file)",
+            'Dim only As DRFileQRX = DRFileQRX.virtualFileWithName("only in UDF", bytes)',
+            "only.explicitFilesystemMask = DRFSObjectQRX.DRFilesystemInclusionMaskUDF", "root.addChild(only)"])
+        self.assertEqual(said, ["DRStatusStateDone"])
+        out = os.path.join(self.scratch, "out")
+        subprocess.run(["7zz", "x", "-y", "-tudf", f"-o{out}", self.image()], check=True, capture_output=True)
+        self.assertEqual(sorted(os.listdir(out)), ["Grüße: 漢字.txt", "only in UDF"])
+        for name in os.listdir(out):
+            with open(os.path.join(out, name), "rb") as file:
+                self.assertEqual(file.read(), b"only once!!")
+        self.assertEqual(self.files_on(self.image()), {"a.txt": b"only once!!"})
+        told = subprocess.run(["udfinfo", self.image()], check=True, capture_output=True, text=True).stdout
+        self.assertIn("udfrev=1.50\n", told)
+        self.assertIn("label=Tree\n", told)
+
     def test_a_folder_with_two_names_has_its_files_once(self):
         inside = os.path.join(self.scratch, "Inside")
         self.write("deep/real.txt", b"really once", inside)
