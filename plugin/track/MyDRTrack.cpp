@@ -94,7 +94,7 @@ objc::Boolean cleanupTrackAfterVerification(Id self, Sel, Id) {
 
 template <objc::FixedString selectorName, class Wanted>
 bool isMissing(Sel asked, REALobject host) {
-    return asked == objc::selector<selectorName>() && !events.of<Wanted>(host);
+    return objc::sel_isEqual(asked, objc::selector<selectorName>()) && !events.of<Wanted>(host);
 }
 
 // Denies the callbacks whose events the host object lacks, so that the burn engine uses its own default there.

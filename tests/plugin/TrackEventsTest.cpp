@@ -10,6 +10,8 @@
 
 #include <cstring>
 
+extern "C" objc::Sel sel_registerTypedName(const char* name, const char* types);
+
 namespace {
 
 using namespace test;
@@ -130,6 +132,14 @@ TEST_F(TrackEvents, OnlyImplementedCallbacksAreAnsweredFor) {
             << callback;
     EXPECT_TRUE(responds(platform(track), "setProperties:")) << "what DRTrack has is DRTrack's to answer";
     EXPECT_FALSE(responds(platform(track), "noSuchMessage"));
+}
+
+TEST_F(TrackEvents, ASelectorMayStateTypesAndIsTheSameAllTheSame) {
+    const Ref track = trackWith({});
+    const objc::Sel typed = sel_registerTypedName("prepareTrackForVerification:", "C@:@");
+    ASSERT_NE(typed, objc::sel_registerName("prepareTrackForVerification:"))
+        << "another one, of the same name";
+    EXPECT_EQ((objc::send<"respondsToSelector:", objc::Boolean>(platform(track), typed)), 0);
 }
 
 TEST_F(TrackEvents, EveryImplementedCallbackIsAnsweredFor) {
