@@ -192,7 +192,7 @@ TEST_F(DriveTest, readsOnlyAMediumThatIsThere) {
     auto reader = drive->openMedium();
     ASSERT_TRUE(reader.ok());
     TrackInfo track = drive->mediumInfo()->sessions[0].tracks[0];
-    std::string all(track.blocks * 2048 + 4096, '\0');
+    std::string all(static_cast<size_t>(track.blocks * 2048 + 4096), '\0');
     const auto count = (*reader)->read(track, 0, std::as_writable_bytes(std::span(all)));
     ASSERT_TRUE(count.ok());
     EXPECT_EQ(*count, track.blocks * 2048); // no further than the track

@@ -215,7 +215,8 @@ TEST_F(LayoutTest, sessionsOfOneBurn) {
         for (size_t index = 0; index < 3; ++index) {
             const TrackInfo& track = medium->sessions[index].tracks[0];
             const TestProducer same(2048, index + 1);
-            EXPECT_TRUE(bytes.substr(track.startBlock * 2048, track.blocks * 2048) ==
+            EXPECT_TRUE(bytes.substr(static_cast<size_t>(track.startBlock * 2048),
+                                     static_cast<size_t>(track.blocks * 2048)) ==
                         same.bytes(track.blocks * 2048));
         }
     }

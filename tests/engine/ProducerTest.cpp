@@ -102,7 +102,7 @@ TEST_F(ProducerTest, endsATrackOfVariableLength) {
     producer->fault = [](uint64_t given, std::span<std::byte> buffer, ProduceFlags& flags) -> size_t {
         if (given + buffer.size() < 2'500'000) return buffer.size();
         flags.noMoreData = true;
-        return 2'500'000 - given;
+        return static_cast<size_t>(2'500'000 - given);
     };
     EXPECT_DONE(burnTrack(track()));
     const uint64_t ended = (2'500'000 + 2047) / 2048;

@@ -110,7 +110,7 @@ TEST_F(SheetTest, readsBackTrackByTrack) {
         const auto& content = std::get<ProducedTrack>(layout.sessions[0].tracks[index].content);
         const auto producer = std::static_pointer_cast<TestProducer>(content.producer);
         EXPECT_EQ(track.form, content.form);
-        std::string read(track.blocks * bytesPerBlock(track.form), '\0');
+        std::string read(static_cast<size_t>(track.blocks * bytesPerBlock(track.form)), '\0');
         const auto count = (*reader)->read(track, 0, std::as_writable_bytes(std::span(read)));
         ASSERT_TRUE(count.ok());
         ASSERT_EQ(*count, read.size());
@@ -202,7 +202,7 @@ TEST_F(SheetTest, aFileSystemBehindMusic) {
     // Taken out of its sectors, the newest session is an image that isoinfo reads.
     auto reader = drive->openMedium();
     const TrackInfo& track = medium->sessions[2].tracks[0];
-    std::string user(track.blocks * 2048, '\0');
+    std::string user(static_cast<size_t>(track.blocks * 2048), '\0');
     ASSERT_EQ(*(*reader)->read(track, 0, std::as_writable_bytes(std::span(user))), user.size());
     std::ofstream(base / "session.iso", std::ios::binary) << user;
     EXPECT_EQ(output("isoinfo -R -N " + std::to_string(track.startBlock) + " -i '" +
@@ -232,7 +232,7 @@ TEST_F(SheetTest, musicBehindAFileSystem) {
         auto reader = drive->openMedium();
         for (const SessionInfo& session : medium->sessions) {
             const TrackInfo& track = session.tracks[0];
-            std::string read(track.blocks * bytesPerBlock(track.form), '\0');
+            std::string read(static_cast<size_t>(track.blocks * bytesPerBlock(track.form)), '\0');
             ASSERT_EQ(*(*reader)->read(track, 0, std::as_writable_bytes(std::span(read))), read.size());
             EXPECT_TRUE(read == (session.number == 1 ? first : audio(7)->bytes(400 * 2352)));
         }

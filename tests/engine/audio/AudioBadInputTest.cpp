@@ -89,7 +89,7 @@ TEST_F(AudioBadInput, WhatIsLeftOfOtherFilesIsTaken) {
         const auto reader = AudioReader::open((base / (std::string("cut-") + name)).string());
         ASSERT_TRUE(reader.ok()) << name << ' ' << reader.error().message << reader.error().info;
         EXPECT_NEAR(double((*reader)->samples()) / 44100, 5, 0.7) << name;
-        std::vector<std::byte> all((*reader)->samples() * bytesPerSample + 100);
+        std::vector<std::byte> all(static_cast<size_t>((*reader)->samples() * bytesPerSample + 100));
         EXPECT_EQ((*reader)->read(all), all.size() - 100) << name;
     }
 }
@@ -137,7 +137,7 @@ TEST_F(AudioBadInput, DamagedFilesDoNoHarm) {
                 seed = seed * 6364136223846793005u + 1442695040888963407u;
                 // Half of them in the header.
                 const size_t range = round % 2 == 0 ? std::min<size_t>(200, other.size()) : other.size();
-                other[(seed >> 33) % range] = static_cast<char>(seed >> 56);
+                other[static_cast<size_t>((seed >> 33) % range)] = static_cast<char>(seed >> 56);
             }
             write(broken, other);
             tryOne(broken);

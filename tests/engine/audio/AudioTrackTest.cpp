@@ -21,7 +21,8 @@ class AudioTrack : public Scratch {
         std::vector<std::byte> buffer(bytes);
         for (uint64_t block = 0; block < track.blocks;) {
             ProduceFlags flags;
-            const size_t some = std::min<size_t>(bytes, (track.blocks - block) * sectorBytes);
+            const size_t some =
+                static_cast<size_t>(std::min<uint64_t>(bytes, (track.blocks - block) * sectorBytes));
             const size_t got = track.producer->produce(block, std::span(buffer).first(some), flags);
             EXPECT_GT(got, 0u);
             EXPECT_EQ(got % sectorBytes, 0u);

@@ -64,7 +64,8 @@ class ImageTest : public Scratch {
             for (uint64_t block = 0; block < count;) {
                 engine::ProduceFlags flags;
                 flags.subchannelDataRequested = subchannel;
-                const size_t room = std::min<size_t>(bufferBlocks, count - block) * blockBytes;
+                const size_t room =
+                    static_cast<size_t>(std::min<uint64_t>(bufferBlocks, count - block)) * blockBytes;
                 const size_t got = ask(block, std::span(buffer).first(room), flags);
                 EXPECT_EQ(got % blockBytes, 0u);
                 if (got == 0) break;

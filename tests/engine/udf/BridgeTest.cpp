@@ -142,7 +142,7 @@ TEST_F(UdfBridges, ASecondSessionHasAVolumeOfItsOwnThatShowsBoth) {
     // Readers find the last session's anchor 256 blocks behind its start. 7zz knows no sessions: it gets that anchor
     // where it looks.
     std::string disc = bytesOf(image());
-    std::string anchor = disc.substr((start + 256) * blockSize, blockSize);
+    std::string anchor = disc.substr(static_cast<size_t>((start + 256) * blockSize), blockSize);
     const auto there = static_cast<uint32_t>(start + 256);
     for (int i = 0; i < 4; ++i) { // the tag says where it lies, and its checksum counts that in
         const auto before = static_cast<uint8_t>(there >> (8 * i)),

@@ -61,7 +61,7 @@ class Image {
             data += found->second;
             data.resize((data.size() + udf::blockBytes - 1) / udf::blockBytes * udf::blockBytes);
         }
-        const uint64_t total = next + data.size() / udf::blockBytes + 150 + 1;
+        const auto total = static_cast<size_t>(next) + data.size() / udf::blockBytes + 150 + 1;
         volume.setTotalBlocks(total);
         std::string image(total * udf::blockBytes, '\0');
         const auto blockAt = [&](uint64_t number) {
@@ -72,7 +72,7 @@ class Image {
             udf::putRecognition(i, blockAt(16 + i));
         for (uint64_t number = 0; number < total; ++number)
             if (volume.has(number)) volume.block(number, blockAt(number));
-        image.replace(next * udf::blockBytes, data.size(), data);
+        image.replace(static_cast<size_t>(next) * udf::blockBytes, data.size(), data);
         std::ofstream(path, std::ios::binary) << image;
     }
 
