@@ -11,8 +11,8 @@
 //     behind that     whatever else: the files' contents, the other file system
 //     the last block  the second anchor
 //
-// Written after ECMA-167 (second edition) and the OSTA UDF specification, 1.02 and 1.50; for read-only volumes both
-// have the same structures and differ in the numbers that they state.
+// Written after ECMA-167 (second edition) and OSTA's UDF 1.02 and 1.50; for read-only volumes both have the same
+// structures and differ in the numbers that they state.
 #pragma once
 
 #include "Tree.hpp"
