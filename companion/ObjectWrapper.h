@@ -5,8 +5,9 @@
 // object are equal, so that a host object may be a key.
 //
 // The platform may release a box on any thread, and nothing of the companion's is locked for that. The companion
-// relies on the host: on references that are counted atomically, and on destructors that run under its lock, which
-// every thread holds that looks into the table of wrappers (Registry.h).
+// relies on the host: on references that are counted atomically, and on its lock, under which the last reference to
+// an object of a plug-in goes and its destructors run, and which every thread holds that looks into the table of
+// wrappers (Registry.h).
 @interface QRXREALobjectWrapper : NSObject <NSCopying> {
   @private
     REALobject _object;

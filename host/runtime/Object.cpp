@@ -11,6 +11,7 @@
 #include <deque>
 #include <mutex>
 #include <new>
+#include <optional>
 #include <vector>
 
 namespace host {
@@ -40,6 +41,27 @@ std::vector<Class*> chainOf(Class& objectClass) { // the root first
     for (Class* c = &objectClass; c; c = c->super())
         chain.insert(chain.begin(), c);
     return chain;
+}
+
+// Whether others may find the object without a reference: plug-ins keep tables of their objects, from which the
+// object's destructor takes it out, and a program's destructor is a part of the program.
+bool endsUnderLock(const Class& objectClass) {
+    for (const Class* c = &objectClass; c; c = c->superOrNull())
+        if (c->destructor() || (c->definition() && c->nativeDestructor())) return true;
+    return false;
+}
+
+// Drops a reference that is not the last one; false when it is.
+bool dropsOneOfMany(REALobject object) {
+    auto* word = &object->header[kCountWord];
+    void* count = __atomic_load_n(word, __ATOMIC_RELAXED);
+    for (;;) {
+        const auto number = reinterpret_cast<intptr_t>(count);
+        if (number == 1) return false;
+        if (__atomic_compare_exchange_n(word, &count, reinterpret_cast<void*>(number - 1), true,
+                                        __ATOMIC_ACQ_REL, __ATOMIC_RELAXED))
+            return true;
+    }
 }
 
 // The last reference is given up in one step with the count's change to dying, so that nobody who takes and drops
@@ -75,7 +97,6 @@ void setInitialFields(Class& objectClass, REALobject object) {
 
 void runDestructor(const Class& objectClass, REALobject object) {
     if (!objectClass.destructor()) return;
-    Locked lock;
     PendingAside aside; // a destructor runs at any time, also while an exception is on its way
     try {
         objectClass.destructor()(object);
@@ -125,7 +146,12 @@ void retain(REALobject object) {
 }
 
 void release(REALobject object) {
-    if (object && dropsTheLast(object)) destroy(object);
+    if (!object || dropsOneOfMany(object)) return;
+    // The lock comes before the last reference goes, not only before the destructors: else who holds it would find
+    // in a table an object that can't be saved any more. Found in time it lives on, and this was not the last.
+    std::optional<Locked> lock;
+    if (endsUnderLock(classOf(object))) lock.emplace();
+    if (dropsTheLast(object)) destroy(object);
 }
 
 void outlive(REALobject object) {

@@ -24,7 +24,8 @@ class Value;
 REALobject newObject(Class& objectClass);
 
 // Null is allowed in both. The last release runs the destructors (BASIC's first, then each class's, the
-// root's last) and frees the object.
+// root's last) and frees the object. Where a program or a plug-in has a destructor, the last release waits for the
+// lock, so it must not be made while holding anything that a thread with the lock may wait for.
 void retain(REALobject object);
 void release(REALobject object);
 

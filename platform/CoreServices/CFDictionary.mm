@@ -3,6 +3,7 @@
 #import <Foundation/Foundation.h>
 
 #include <memory>
+#include <mutex>
 #include <unordered_map>
 #include <utility>
 
@@ -83,10 +84,14 @@ const CFDictionaryValueCallBacks kCFTypeDictionaryValueCallBacks = {0, retainObj
 
 @end
 
+// Any number of threads may use one: plug-ins look wrappers up on the threads that events come on. The mutex is
+// recursive, because call-backs that compare keys may look at the dictionary.
+//
 // As a Foundation dictionary it answers the messages of one, so far as its keys and values are objects.
 @interface CFDictionaryMap : NSMutableDictionary {
   @private
     Map* _map;
+    std::recursive_mutex* _mutex;
     CFDictionaryKeyCallBacks _keyCalls;
     CFDictionaryValueCallBacks _valueCalls;
 }
@@ -110,6 +115,7 @@ const CFDictionaryValueCallBacks kCFTypeDictionaryValueCallBacks = {0, retainObj
         _valueCalls = *valueCalls;
     const KeyRules rules{_keyCalls};
     _map = new Map(16, rules, rules);
+    _mutex = new std::recursive_mutex;
     return self;
 }
 
@@ -131,20 +137,24 @@ const CFDictionaryValueCallBacks kCFTypeDictionaryValueCallBacks = {0, retainObj
             dropped(_valueCalls, value);
         }
         delete _map;
+        delete _mutex;
     }
     [super dealloc];
 }
 
 - (const void*)valueForAddress:(const void*)key {
+    const std::lock_guard guard(*_mutex);
     const auto found = _map->find(key);
     return found == _map->end() ? nullptr : found->second;
 }
 
 - (void)setValue:(const void*)value forAddress:(const void*)key {
     const void* held = taken(_valueCalls, value);
+    std::unique_lock guard(*_mutex);
     const auto found = _map->find(key);
     if (found != _map->end()) {
         const void* old = std::exchange(found->second, held);
+        guard.unlock();
         dropped(_valueCalls, old);
     } else {
         _map->emplace(taken(_keyCalls, key), held);
@@ -152,16 +162,19 @@ const CFDictionaryValueCallBacks kCFTypeDictionaryValueCallBacks = {0, retainObj
 }
 
 - (void)removeAddress:(const void*)key {
+    std::unique_lock guard(*_mutex);
     const auto found = _map->find(key);
     if (found == _map->end())
         return;
     const auto entry = *found;
     _map->erase(found);
+    guard.unlock();
     dropped(_keyCalls, entry.first);
     dropped(_valueCalls, entry.second);
 }
 
 - (NSUInteger)count {
+    const std::lock_guard guard(*_mutex);
     return _map->size();
 }
 
@@ -170,6 +183,7 @@ const CFDictionaryValueCallBacks kCFTypeDictionaryValueCallBacks = {0, retainObj
 }
 
 - (NSEnumerator*)keyEnumerator {
+    const std::lock_guard guard(*_mutex);
     return [[[CFDictionaryKeyList alloc] initWithMap:*_map] autorelease];
 }
 

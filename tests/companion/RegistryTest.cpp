@@ -3,7 +3,9 @@
 
 #include "host/runtime/Array.hpp"
 
+#include <atomic>
 #include <dlfcn.h>
+#include <thread>
 
 namespace {
 
@@ -41,6 +43,34 @@ TEST_F(Registry, ComparesKeysByIdentityAndRetainsNeitherKeysNorValues) {
     EXPECT_EQ(platformCall<GetValue>("CFDictionaryGetValue")(table(), one), value.object());
     platformCall<void(void*, const void*)>("CFDictionaryRemoveValue")(table(), one);
     EXPECT_EQ(platformCall<GetValue>("CFDictionaryGetValue")(table(), one), nullptr);
+}
+
+// Events come on threads of the platform's, and those look wrappers up as well.
+TEST_F(Registry, MayBeUsedByAnyNumberOfThreads) {
+    static constexpr uintptr_t each = 20000;
+    const auto address = [](uintptr_t number) { return reinterpret_cast<const void*>(number * 16); };
+    const auto set = platformCall<SetValue>("CFDictionarySetValue");
+    const auto get = platformCall<GetValue>("CFDictionaryGetValue");
+    const auto remove = platformCall<void(void*, const void*)>("CFDictionaryRemoveValue");
+    void* const all = table();
+    std::atomic<int> wrong = 0;
+    std::vector<std::thread> threads;
+    for (uintptr_t thread = 1; thread <= 3; ++thread)
+        threads.emplace_back([=, &wrong] {
+            for (uintptr_t i = 0; i < each; ++i) {
+                const void* key = address(thread * each + i);
+                set(all, key, key);
+                if (get(all, key) != key) ++wrong;
+                if (i % 2 == 0) remove(all, key);
+            }
+        });
+    for (auto& thread : threads)
+        thread.join();
+    EXPECT_EQ(wrong, 0);
+    for (uintptr_t i = each; i < 4 * each; ++i) {
+        EXPECT_EQ(get(all, address(i)), i % 2 == 0 ? nullptr : address(i));
+        remove(all, address(i));
+    }
 }
 
 TEST_F(Registry, TheSameDriveIsTheSameObjectWhileItLives) {
