@@ -165,14 +165,71 @@ TEST_F(UserInfo, HasDataAsMemoryBlocks) {
     EXPECT_TRUE(ofValue(data(bytes)).isNil());
 }
 
+// Data that only says how long it is and where.
+Id dataOf(unsigned long length, const void* bytes) {
+    static unsigned long saidLength;
+    static const void* saidBytes;
+    saidLength = length;
+    saidBytes = bytes;
+    static const objc::Class made = [] {
+        const objc::Class data = objc::objc_allocateClassPair(objc::objc_getClass("NSData"), "SaidData", 0);
+        const auto add = [=](const char* selector, auto* function, const char* types) {
+            objc::class_addMethod(data, objc::sel_registerName(selector),
+                                  reinterpret_cast<objc::Imp>(function), types);
+        };
+        add(
+            "length", +[](Id, objc::Sel) { return saidLength; }, sizeof(long) == 8 ? "Q@:" : "I@:");
+        add(
+            "bytes", +[](Id, objc::Sel) { return saidBytes; }, "r^v@:");
+        add(
+            "dealloc", +[](Id, objc::Sel) {}, "v@:"); // the one object stays
+        objc::objc_registerClassPair(data);
+        return data;
+    }();
+    static const Id only = objc::send<"alloc">(reinterpret_cast<Id>(made));
+    return only;
+}
+
+TEST_F(UserInfo, DataWithoutBytesIsNilUnlessItIsEmpty) {
+    EXPECT_TRUE(ofValue(dataOf(4, nullptr)).isNil());
+    const Value empty = ofValue(dataOf(0, nullptr));
+    ASSERT_TRUE(host::isMemoryBlock(empty.object()));
+    EXPECT_EQ(host::memoryOf(empty.object()).size(), 0u);
+}
+
+// A host counts a block's bytes with 31 bits.
+TEST_F(UserInfo, DataOf2GiBAndMoreIsNilAndItsBytesAreNotTouched) {
+    std::vector<unsigned long> lengths{0x80000000ul, static_cast<unsigned long>(-1)};
+    if (sizeof(long) == 8) lengths.push_back(static_cast<unsigned long>(0x100000004ull)); // 4, if it was cut
+    for (const unsigned long length : lengths)
+        EXPECT_TRUE(ofValue(dataOf(length, reinterpret_cast<const void*>(16))).isNil()) << length;
+}
+
 TEST_F(UserInfo, HasGeometryAndNoOtherValues) {
+    using Number = std::conditional_t<sizeof(void*) == 8, double, float>;
     struct Range {
         unsigned long location, length;
     };
-    const Value range = ofValue(objc::sendClass<"NSValue", "valueWithRange:">(Range{9, 10}));
-    EXPECT_EQ(range.typeName(), "NSRangeQRX");
-    EXPECT_EQ(ask(range, "location").toInt32(), 9);
-    EXPECT_EQ(ask(range, "length").toInt32(), 10);
+    struct Pair {
+        Number first, second;
+    };
+    struct Rect {
+        Number x, y, width, height;
+    };
+    const auto expect = [](const Value& value, const std::string& type,
+                           std::vector<std::pair<const char*, double>> fields) {
+        ASSERT_EQ(value.typeName(), type);
+        for (const auto& [name, number] : fields)
+            EXPECT_EQ(ask(value, name).toDouble(), number) << type << "." << name;
+    };
+    expect(ofValue(objc::sendClass<"NSValue", "valueWithRange:">(Range{9, 10})), "NSRangeQRX",
+           {{"location", 9}, {"length", 10}});
+    expect(ofValue(objc::sendClass<"NSValue", "valueWithRect:">(Rect{1.5, -2, 3, 4})), "NSRectQRX",
+           {{"x", 1.5}, {"y", -2}, {"width", 3}, {"height", 4}});
+    expect(ofValue(objc::sendClass<"NSValue", "valueWithSize:">(Pair{5, 6.5})), "NSSizeQRX",
+           {{"width", 5}, {"height", 6.5}});
+    expect(ofValue(objc::sendClass<"NSValue", "valueWithPoint:">(Pair{-7, 8})), "NSPointQRX",
+           {{"x", -7}, {"y", 8}});
     EXPECT_TRUE(
         ofValue(objc::sendClass<"NSValue", "valueWithPointer:">(static_cast<const void*>(""))).isNil());
 }

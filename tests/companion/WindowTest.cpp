@@ -1,4 +1,5 @@
 // WindowTest.cpp: windows and panels, with a window that only remembers what it was told, and with none.
+#include "plugin/objc/Encoding.hpp"
 #include "tests/companion/CompanionTest.hpp"
 
 namespace {
@@ -46,6 +47,7 @@ void setTitle(Id self, objc::Sel, Id text) {
     }
     told.title = text;
 }
+Id delegate(Id, objc::Sel) { return nullptr; }
 Rect frame(Id, objc::Sel) {
     if (told.raises) raiseWindowException("no frame today");
     return told.frame;
@@ -55,22 +57,26 @@ void setFrame(Id, objc::Sel, Rect rect, objc::Boolean) {
     told.ownedWhenFramed = !told.releasedWhenClosed;
 }
 
-// A platform class that stands for the window library's.
+// A platform class that stands for the window library's. Numbers have the machine's letters.
 void addWindowClass(const char* name) {
+    const std::string rect = "{_NSRect={_NSPoint=" + std::string(2, objc::encodingOf<Number>()) +
+                             "}{_NSSize=" + std::string(2, objc::encodingOf<Number>()) + "}}";
+    const std::string word(1, objc::encodingOf<uintptr_t>());
     const objc::Class made = objc::objc_allocateClassPair(objc::objc_getClass("NSObject"), name, 0);
-    const auto add = [&](const char* selector, auto* function, const char* types) {
+    const auto add = [&](const char* selector, auto* function, const std::string& types) {
         objc::class_addMethod(made, objc::sel_registerName(selector), reinterpret_cast<objc::Imp>(function),
-                              types);
+                              types.c_str());
     };
-    add("initWithContentRect:styleMask:backing:defer:", initWith, "@@:{_NSRect=dddd}QQC");
+    add("initWithContentRect:styleMask:backing:defer:", initWith, "@@:" + rect + word + word + "C");
     add("setReleasedWhenClosed:", setReleasedWhenClosed, "v@:C");
     add("makeKeyAndOrderFront:", show, "v@:@");
     add("orderOut:", hide, "v@:@");
     add("isVisible", isVisible, "C@:");
     add("title", title, "@@:");
     add("setTitle:", setTitle, "v@:@");
-    add("frame", frame, "{_NSRect=dddd}@:");
-    add("setFrame:display:", setFrame, "v@:{_NSRect=dddd}C");
+    add("delegate", delegate, "@@:");
+    add("frame", frame, rect + "@:");
+    add("setFrame:display:", setFrame, "v@:" + rect + "C");
     objc::objc_registerClassPair(made);
 }
 
