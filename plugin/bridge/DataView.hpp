@@ -4,6 +4,9 @@
 #include "plugin/frame/HostServices.hpp"
 
 // Lives on the stack. A null string or block, or one whose bytes the host does not give, is an empty view.
+//
+// Bytes and length are those of the moment when the view begins. A program may resize a block, and then its bytes lie
+// elsewhere: nothing that lets a program run may be called while a view stands. Every conversion copies at once.
 class rbData {
   public:
     // The string's own bytes, unconverted.

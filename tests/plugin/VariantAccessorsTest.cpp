@@ -13,6 +13,8 @@ struct Accessor {
     const char* entry;    // the host's function
     const char* property; // the entry that reads the property in its place
     double (*read)(REALvariant);
+
+    friend void PrintTo(const Accessor& accessor, std::ostream* out) { *out << accessor.entry; }
 };
 
 class Accessors : public PluginTest, public testing::WithParamInterface<Accessor> {};
