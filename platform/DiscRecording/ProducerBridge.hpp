@@ -14,8 +14,8 @@ struct ProducedFor {
     engine::DriveRef drive;
 };
 
-/// Calls the producer of the track on the engine's threads, as DRTrack.h says. Retains nothing: whoever burns
-/// keeps the track until its job has ended, after which no call comes.
+/// Calls the producer of the track on the engine's threads, as DRTrack.h says. Retains both from preparing to cleaning
+/// up, which may come when whoever burned is gone; before that whoever burns keeps the track.
 std::shared_ptr<engine::TrackProducer> makeProducer(DRTrack* track, id producer, ProducedFor producedFor);
 
 } // namespace discrecording

@@ -7,6 +7,7 @@
 #import "Raised.h"
 
 #include <stdexcept>
+#include <utility>
 
 namespace discrecording {
 namespace {
@@ -16,6 +17,8 @@ class ProducerBridge final : public engine::TrackProducer {
     ProducerBridge(DRTrack* track, id producer, ProducedFor producedFor)
         : track_(track), producer_(producer), for_(std::move(producedFor)) {}
 
+    ~ProducerBridge() override { letGo(); }
+
     uint64_t estimatedBlocks(uint64_t declared) override {
         return ask(@selector(estimateLengthOfTrack:), declared,
                    [&] { return [producer_ estimateLengthOfTrack:track_]; });
@@ -23,6 +26,7 @@ class ProducerBridge final : public engine::TrackProducer {
 
     // Its answer stands in the track: preparing may have changed the length.
     bool prepare(uint64_t& blocks, const engine::MediumInfo&) override {
+        keep();
         const bool prepared = ask(@selector(prepareTrack:forBurn:toMedia:), true, [&] {
             return [producer_ prepareTrack:track_
                                    forBurn:livingObject(for_.burn)
@@ -96,6 +100,10 @@ class ProducerBridge final : public engine::TrackProducer {
     }
 
     void cleanupAfterBurn() override {
+        struct Last {
+            ProducerBridge& bridge;
+            ~Last() { bridge.letGo(); }
+        } const last{*this};
         ask(@selector(cleanupTrackAfterBurn:), true, [&] {
             [producer_ cleanupTrackAfterBurn:track_];
             return true;
@@ -103,6 +111,24 @@ class ProducerBridge final : public engine::TrackProducer {
     }
 
   private:
+    // From preparing to the end of cleaning up: the engine walks away from a producer that sleeps, and cleans up when
+    // the burn that keeps the track may be gone.
+    void keep() {
+        if (std::exchange(isKept_, true))
+            return;
+        [track_ retain];
+        [producer_ retain];
+    }
+    void letGo() {
+        if (!std::exchange(isKept_, false))
+            return;
+        const EngineThread thread;
+        raisedBy([&] {
+            [producer_ release];
+            [track_ release];
+        });
+    }
+
     bool responds(SEL selector) const {
         const EngineThread thread;
         bool answer = false;
@@ -141,8 +167,9 @@ class ProducerBridge final : public engine::TrackProducer {
         return data + (flags.subchannelDataRequested ? static_cast<uint32_t>(engine::subchannelBytes) : 0);
     }
 
-    DRTrack* track_; // not retained
-    id producer_;    // neither
+    DRTrack* track_;
+    id producer_;
+    bool isKept_ = false;
     const ProducedFor for_;
 };
 

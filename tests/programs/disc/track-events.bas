@@ -151,4 +151,5 @@ While DRDeviceQRX.device(0).mediaIsBusy And waited < 500
     waited += 1
 Wend
 Print DRDeviceQRX.device(0).mediaIsBusy                      ' expect: False
+track = Nil ' its clean-up may come late, and is not the next burn's
 Call BurnOf("", DRTrackQRX.DRVerificationTypeChecksum)       ' expect match: ^done: prepare produce .*cleanup
