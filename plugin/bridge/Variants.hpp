@@ -22,7 +22,7 @@ objc::Id GetObjectAsNSObject(REALobject object);
 // A new host "Dictionary" with one reference. Keys and values that convert to null are stored as nil.
 REALdictionary NSDictionaryRB(objc::Id dictionary);
 
-// A platform dictionary that belongs to the current pool. Values that convert to nil become the platform's
+// A platform dictionary that belongs to the current pool. Keys and values that convert to nil become the platform's
 // null; an entry with a nil key is skipped.
 objc::Id NewNSDictionary(REALdictionary dictionary);
 
