@@ -100,6 +100,8 @@ const Variable* Compiler::findVariable(std::string_view name) const {
             if (found != block->end()) return &found->second;
         }
     }
+    // In a class its own members come before what the top level declares.
+    if (scope_ && scope_->owner && !scope_->owner->find(name).empty()) return nullptr;
     const auto found = globals_.find(name);
     return found == globals_.end() ? nullptr : &found->second;
 }
