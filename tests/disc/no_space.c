@@ -1,5 +1,8 @@
 /* A disk that fills up while a disc's files are written: preloaded, it lets files named medium.* in a drive's folder
  * take NO_SPACE_AFTER bytes, all writes together, and then answers ENOSPC. Space can't be reserved beforehand. */
+/* Both names of a call stand here, so neither may be made the other by the width of offsets. */
+#undef _TIME_BITS
+#undef _FILE_OFFSET_BITS
 #define _GNU_SOURCE
 #include <dlfcn.h>
 #include <errno.h>
