@@ -47,7 +47,7 @@ class Fields {
         return *this;
     }
     Fields& raw(std::string_view text) {
-        std::memcpy(bytes_.data() + at_, text.data(), text.size());
+        if (!text.empty()) std::memcpy(bytes_.data() + at_, text.data(), text.size());
         return skip(text.size());
     }
     Fields& fixedText(size_t size, std::string_view utf8) {
