@@ -29,7 +29,10 @@ inline bool raises = false;   // every message to a panel raises
 inline void raise() {
     if (!raises) return;
     const Id exception = objc::sendClass<"NSException", "exceptionWithName:reason:userInfo:">(
-        Id{}, asObject(CFStringCreateWithCString(nullptr, "The panel is broken.", kREALEncodingASCII)), Id{});
+        Id{},
+        objc::autoreleased(
+            asObject(CFStringCreateWithCString(nullptr, "The panel is broken.", kREALEncodingASCII))),
+        Id{});
     objc::send<"raise", void>(exception);
 }
 

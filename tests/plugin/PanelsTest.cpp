@@ -123,8 +123,8 @@ TEST_F(Panels, SelectionChangesTellTheDeviceAndNilWhereThereIsNone) {
         return Value();
     })});
     const Ref known = Ref::adopt(NewDRDeviceQRX(aDevice()));
-    const Id key =
-        asObject(CFStringCreateWithCString(nullptr, "DRSetupPanelSelectedDeviceKey", kREALEncodingASCII));
+    const Id key = objc::autoreleased(
+        asObject(CFStringCreateWithCString(nullptr, "DRSetupPanelSelectedDeviceKey", kREALEncodingASCII)));
     const auto notify = [&](Id info) {
         const Id notification = objc::sendClass<"NSNotification", "notificationWithName:object:userInfo:">(
             key, fake::shared, info);

@@ -38,6 +38,9 @@ Class Produced Inherits DRTrackQRX
         If Mode = "too much" Then Return Bufferlen + 1
         If Mode = "keeps" Then Kept = buffer
         If Mode = "slow" Then Sleep(20)
+        ' All of it is written: who is asked again must answer the same.
+        Dim blank As New MemoryBlock(Bufferlen)
+        buffer.StringValue(0, Bufferlen) = blank.StringValue(0, Bufferlen)
         Dim blocks As Integer = Bufferlen \ blocksize
         For i As Integer = 0 To blocks - 1
             buffer.UInt64Value(i * blocksize) = address + i
