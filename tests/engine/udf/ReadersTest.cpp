@@ -34,7 +34,7 @@ TEST_F(UdfReaders, UdfinfoFindsNoFaultInBothRevisions) {
     image.symbolicLink(0, "link", "folder/file");
     for (const auto& [revision, text] :
          {std::pair(udf::Revision::V102, "udfrev=1.02"), std::pair(udf::Revision::V150, "udfrev=1.50")}) {
-        const std::string told = run("udfinfo --locale " + volumeOf(image, revision));
+        const std::string told = run("udfinfo --utf8 " + volumeOf(image, revision));
         for (const char* line : {text, "label=Holiday Übersee\n", "numfiles=2\n", "numdirs=2\n",
                                  "integrity=closed\n", "accesstype=readonly\n", "freeblocks=0\n"})
             EXPECT_NE(told.find(line), std::string::npos) << line << told;
