@@ -85,7 +85,7 @@ TEST_F(UdfReaders, ALargeFolderIsReadWhole) {
                   std::to_string(i));
 }
 
-TEST_F(UdfReaders, ModesAndTimesAreKept) {
+TEST_F(UdfReaders, TimesAreKept) {
     Image image;
     const uint32_t node = image.file(0, "file", "x");
     image.nodes[node].modified = 1'234'567'890;

@@ -108,6 +108,18 @@ TEST(UdfVolume, ALargeFileIsSeveralExtentsOfLessThanAGibibyte) {
     EXPECT_EQ(bytes, size);
 }
 
+// ECMA-167 4/14.9.5: execute, write, read, change attributes and delete, for others, group and owner.
+TEST(UdfVolume, ModesAreKeptAndWhoMayWriteMayDelete) {
+    Image image;
+    const uint32_t node = image.file(0, "file", "");
+    image.nodes[node].mode = 04641;
+    udf::Volume volume(image.tree(), {});
+    volume.setTotalBlocks(1000);
+    const Block block = blockOf(volume, 259 + node);
+    EXPECT_EQ(number(block, 44, 4), 0b11110'00100'00001u);
+    EXPECT_EQ(number(block, 16 + 18, 2), 1u << 6) << "set-user-id, in the entry's flags";
+}
+
 // ECMA-167 4/14.16: a byte for the kind, one for the length of the name, two zeros, the name.
 TEST(UdfVolume, ALinksTargetIsPathComponents) {
     Image image;
