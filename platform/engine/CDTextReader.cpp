@@ -82,8 +82,16 @@ class TextReader {
     bool wide_;
 };
 
+// Only the types up to Message have the block's characters. Packs and characters that don't agree on the width of a
+// terminator leave open where a text ends.
 Result<void> readTexts(CDTextBlock& block, CDTextType type, const std::vector<Pack>& packs) {
-    TextReader reader(block.lastTrack, isWide(packs.front()));
+    const bool ownCharacters = type <= CDTextType::Message;
+    const bool wide = ownCharacters && block.characters == CDTextCharacters::ShiftJIS;
+    for (const Pack pack : packs)
+        if (ownCharacters && isWide(pack) != wide)
+            return unreadable(nameOf(pack) + " has characters of " + (wide ? "one byte" : "two bytes") +
+                              ", and the block says " + (wide ? "two" : "one"));
+    TextReader reader(block.lastTrack, wide);
     for (const Pack pack : packs)
         if (const auto read = reader.read(pack); !read.ok()) return read.error();
     auto texts = reader.finish(packs.back());

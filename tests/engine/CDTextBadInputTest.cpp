@@ -59,6 +59,10 @@ TEST(CDText, WhatPacksMayNotSayIsNamed) {
     has(changed(wideBlock, sizes + 1, 12, 99), "packs of block 0 and not 100");
     has(changed(wideBlock, sizes + 1, 13, 9), "block 1 is announced and is not there");
     has(changed(wideBlock, 2, 0, 0x85), "has no end");
+    has(changed(wideBlock, 0, 3, 0x00),
+        "pack 0 of block 0 has characters of one byte, and the block says two");
+    has(changed(wideBlock, sizes, 4, 0x00),
+        "pack 0 of block 0 has characters of two bytes, and the block says one");
 }
 
 TEST(CDText, RecordsAreKeptAndTypesWithoutAMeaningAreNot) {
