@@ -122,6 +122,50 @@ class Examples(ExamplesCase):
             self.assertEqual(sorted(name.split(";")[0] for name in listed.split()), ["/letter.txt", "/second.txt"], kind)
             shutil.rmtree(os.path.join(self.drives, "drive-1"))
 
+    def session_files(self, session):
+        """The files that a session shows, with their contents, as another program reads them."""
+        start = str(self.medium()["sessions"][session]["tracks"][0]["startBlock"])
+        here = ["isoinfo", "-R", "-T", start, "-i", self.image()]
+        names = subprocess.run([*here, "-f"], capture_output=True, check=True).stdout.decode().splitlines()
+        return {name: subprocess.run([*here, "-x", name], capture_output=True, check=True).stdout for name in names}
+
+    def test_backup_leaves_out_what_is_excluded_and_keeps_the_earlier_ones(self):
+        self.make_drive(kind="DVD+R", capacityBlocks=2295104)
+        for name in ("src/main.c", "src/main.o", "src/notes.old.txt", ".git/config", "empty.txt"):
+            self.write(name, b"" if name == "empty.txt" else name.encode())
+        os.symlink("src/main.c", os.path.join(self.source, "way"))
+        words = ("--exclude=*.o", "--exclude=.git", "--exclude=n*.old.*t", self.source)
+        said = self.succeed("backup.bas", *words).splitlines()
+        self.assertRegex(said[0], r'^Backed up 4 files, \d+ bytes, as "\d{4}-\d\d-\d\d \d\d\.\d\d\.\d\d"\.$')
+        self.assertEqual(said[1], "Left out: 3")
+        self.write("src/main.c", b"changed")
+        time.sleep(1.1)  # a copy is named after its second
+        self.succeed("backup.bas", *words)
+        days = []
+        for session, text in enumerate((b"src/main.c", b"changed")):
+            files = self.session_files(session)
+            days = sorted(name for name in files if name.count("/") == 1)
+            self.assertEqual(len(days), session + 1)
+            inside = {name.removeprefix(days[-1]): data for name, data in files.items() if name.startswith(days[-1] + "/")}
+            self.assertEqual(sorted(inside), ["/Holiday", "/Holiday/empty.txt", "/Holiday/letter.txt", "/Holiday/src",
+                                              "/Holiday/src/main.c", "/Holiday/way", "/listing.txt"])
+            self.assertEqual(inside["/Holiday/src/main.c"], text)
+            listing = inside["/listing.txt"].decode().splitlines()
+            self.assertRegex(listing[1], r"^4 files, \d+ bytes$")
+            self.assertEqual(sorted(line.split("  ")[-1] for line in listing[3:]),
+                             ["Holiday/empty.txt", "Holiday/letter.txt", "Holiday/src/main.c", "Holiday/way"])
+            self.assertIn(" %d  Holiday/src/main.c" % len(text), inside["/listing.txt"].decode())
+        self.assertEqual(self.session_files(1)[days[0] + "/Holiday/src/main.c"], b"src/main.c")
+
+    def test_backup_refuses_what_can_t_be(self):
+        self.make_drive(kind="CD-R", capacityBlocks=359847)
+        for words in ((), ("--exclude=", self.source), (self.source, self.source)):
+            self.refuse("^Usage: backup.bas", "backup.bas", *words, status=2)
+        self.refuse("there is no folder /no/such", "backup.bas", "/no/such")
+        self.refuse("there is no drive Other", "backup.bas", "--drive=Other", self.source)
+        self.succeed("burn-folder.bas", self.source)
+        self.refuse("nothing can be added to the disc", "backup.bas", self.source)
+
     def test_append_session_refuses_a_disc_that_is_closed(self):
         self.make_drive(kind="CD-R", capacityBlocks=359847)
         self.succeed("burn-folder.bas", self.source)
