@@ -9,8 +9,7 @@ Dim burn As New DRBurnQRX(drive)
 Dim how As String = App.Arguments(1)
 burn.verifyDisc = how = "verify"
 burn.completionAction = DRBurnQRX.DRBurnCompletionActionMount
-' A burn that fails would eject the disc: opening the tray is made durable, which is not what is measured.
-burn.BurnFailureAction = DRBurnQRX.DRBurnFailureActionNone
+burn.BurnFailureAction = DRBurnQRX.DRBurnFailureActionEject ' the default: an aborted burn is idle when the disc is out
 burn.Overwrite = True
 
 Dim root As DRFolderQRX = DRFolderQRX.folderWithPath(App.Arguments(0))

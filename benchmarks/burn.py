@@ -179,11 +179,14 @@ def listing(bench, rounds):
 
 
 def abort(bench, sets, rounds):
-    idle = []
-    for _ in range(rounds):
-        bench.fresh()
-        idle.append(float(bench.ours(sets["1 GiB"], "abort")[1].split()[-1]))
-    print(f"\nabort to idle: median {statistics.median(idle):.1f} ms, worst {max(idle):.1f} ms")
+    """From a program's abort to an idle drive that has ejected the disc, a third into the burn."""
+    for kind in ("DVD+RW", "BD-R"):  # one that stays as it was, and one that is then incomplete
+        idle = []
+        for _ in range(rounds):
+            bench.insert(kind)
+            idle.append(float(bench.ours(sets["1 GiB"], "abort")[1].split()[-1]))
+        print(f"\nabort to idle, {kind}: min {min(idle):.1f} ms, median {statistics.median(idle):.1f} ms, "
+              f"worst {max(idle):.1f} ms", flush=True)
 
 
 def main():

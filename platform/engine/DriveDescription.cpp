@@ -53,11 +53,6 @@ std::string textIn(const DriveDescription& json, const char* name) {
     return found != json.end() && found->is_string() ? found->get<std::string>() : std::string();
 }
 
-void saveDescription(int folder, const DriveDescription& description) {
-    replaceSmallFile(folder, names::drive,
-                     description.dump(2, ' ', false, DriveDescription::error_handler_t::replace) + '\n');
-}
-
 void setCapabilities(DriveCapabilities& can, const DriveDescription& description) {
     const auto lacks = description.find("lacks");
     for (const auto& [which, name] : abilities)
@@ -88,7 +83,8 @@ Result<void> makeVirtualDrive(const std::string& folder, const VirtualDriveSetup
                                  {"firmwareRevision", setup.firmwareRevision},
                                  {"tray", "closed"}};
         if (!setup.lacks.empty()) json["lacks"] = setup.lacks;
-        saveDescription(made.get(), json);
+        replaceSmallFile(made.get(), names::drive,
+                         json.dump(2, ' ', false, DriveDescription::error_handler_t::replace) + '\n');
         if (setup.medium) saveMedium(made.get(), MediumRecord::blank(*setup.medium, setup.capacityBlocks));
         // Fails when another process was faster, or when the folder exists and isn't empty.
         if (::rename(temporary.c_str(), folder.c_str()) != 0) failed();

@@ -13,9 +13,6 @@ using DriveDescription = nlohmann::ordered_json;
 /// Reads drive.json in an open folder; `path` is its name for sentences. Throws DeviceInvalid.
 DriveDescription readDescription(int folder, const std::string& path);
 
-/// Replaces drive.json durably. Throws MediaWriteFailure.
-void saveDescription(int folder, const DriveDescription& description);
-
 /// A member's text; empty when there is none.
 std::string textIn(const DriveDescription& description, const char* name);
 

@@ -39,7 +39,7 @@ std::optional<std::string> readSmallFile(int folder, const std::string& name) {
     }
 }
 
-void replaceSmallFile(int folder, const std::string& name, std::string_view bytes) {
+void replaceSmallFile(int folder, const std::string& name, std::string_view bytes, Lasting lasting) {
     const std::string temporary = name + ".new";
     const auto failed = [&](int errorNumber) {
         ::unlinkat(folder, temporary.c_str(), 0);
@@ -55,10 +55,10 @@ void replaceSmallFile(int folder, const std::string& name, std::string_view byte
         if (count < 0) failed(errno);
         bytes.remove_prefix(static_cast<size_t>(count));
     }
-    if (::fsync(file.get()) != 0) failed(errno);
+    if (lasting == Lasting::Durable && ::fsync(file.get()) != 0) failed(errno);
     file.reset();
     if (::renameat(folder, temporary.c_str(), folder, name.c_str()) != 0) failed(errno);
-    syncFolder(folder);
+    if (lasting == Lasting::Durable) syncFolder(folder);
 }
 
 void makeFolders(const std::string& path) {

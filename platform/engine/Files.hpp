@@ -31,9 +31,15 @@ class Descriptor {
 /// over 16 MiB included.
 std::optional<std::string> readSmallFile(int folder, const std::string& name);
 
+enum class Lasting {
+    Durable, ///< synced, file and folder
+    Passing, ///< nothing is synced: a power cut may leave the old bytes, or none
+};
+
 /// Writes `bytes` to name + ".new", syncs it, renames it to `name` and syncs the folder: whatever happens,
 /// `name` holds the old bytes or the new ones. Throws MediaWriteFailure.
-void replaceSmallFile(int folder, const std::string& name, std::string_view bytes);
+void replaceSmallFile(int folder, const std::string& name, std::string_view bytes,
+                      Lasting lasting = Lasting::Durable);
 
 /// Makes a folder and all above it that is missing; throws DeviceAccess.
 void makeFolders(const std::string& path);

@@ -158,7 +158,9 @@ std::optional<MediumRecord> loadMedium(int folder) {
     return record;
 }
 
-void saveMedium(int folder, const MediumRecord& record) {
+namespace {
+
+std::string textOf(const MediumRecord& record) {
     Json json;
     json["format"] = 1;
     json["kind"] = factsOf(record.kind).name;
@@ -178,8 +180,19 @@ void saveMedium(int folder, const MediumRecord& record) {
         json["sessions"].push_back({{"tracks", std::move(tracks)}});
         if (!session.isClosed) json["sessions"].back()["complete"] = false;
     }
-    replaceSmallFile(folder, names::medium, json.dump(2, ' ', false, Json::error_handler_t::replace) + '\n');
+    return json.dump(2, ' ', false, Json::error_handler_t::replace) + '\n';
+}
+
+} // namespace
+
+void saveMedium(int folder, const MediumRecord& record) {
+    replaceSmallFile(folder, names::medium, textOf(record));
     updateCueSheet(folder, record);
+}
+
+bool isSaved(int folder, const MediumRecord& record) {
+    const auto bytes = guarded([&] { return readSmallFile(folder, names::medium); });
+    return bytes && *bytes == textOf(record);
 }
 
 } // namespace engine

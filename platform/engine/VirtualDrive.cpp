@@ -26,6 +26,8 @@ Descriptor tryLock(int folder, const char* name = names::lock, int kind = LOCK_E
     return {};
 }
 
+constexpr std::string_view trayText(bool open) { return open ? "open\n" : "closed\n"; }
+
 } // namespace
 
 std::shared_ptr<VirtualDrive> VirtualDrive::open(const std::string& folder) {
@@ -84,8 +86,13 @@ Result<std::optional<MediumInfo>> VirtualDrive::readMedium() const {
 }
 
 bool VirtualDrive::isTrayOpen() const {
-    const auto json = guarded([&] { return readDescription(folder(), path()); });
-    return json && textIn(*json, "tray") == "open";
+    // The file first: it is the newer one, and the cheaper. One that a power cut emptied says nothing.
+    const auto open = guarded([&] {
+        const auto state = readSmallFile(folder(), names::tray);
+        if (state == trayText(true) || state == trayText(false)) return state == trayText(true);
+        return textIn(readDescription(folder(), path()), "tray") == "open";
+    });
+    return open && *open;
 }
 
 void VirtualDrive::setTray(bool open) {
@@ -94,11 +101,12 @@ void VirtualDrive::setTray(bool open) {
     if (burning_)
         fail(ErrorCode::DeviceBusy,
              "The drive " + inQuotes(displayName()) + " is writing; wait until it is done.");
-    DriveDescription json = readDescription(folder(), path());
-    if ((textIn(json, "tray") == "open") == open) return;
+    if (isTrayOpen() == open) return;
     lockLocked();
-    json["tray"] = open ? "open" : "closed";
-    const auto done = guarded([&] { saveDescription(folder(), json); });
+    // Deliberately not synced: a tray that a power cut moves is nobody's loss, and a burn that was aborted is idle
+    // only when the medium is out.
+    const auto done =
+        guarded([&] { replaceSmallFile(folder(), names::tray, trayText(open), Lasting::Passing); });
     unlockLocked();
     if (!done) throw Failure(done.error());
 }

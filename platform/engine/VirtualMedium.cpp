@@ -138,8 +138,11 @@ std::vector<std::string> mediumFiles(int folder) {
 }
 
 void commitNewFiles(int folder, MediumRecord record) {
-    saveMedium(folder, record);
-    finishCommit(folder, record);
+    const auto saved = guarded([&] { saveMedium(folder, record); });
+    if (!saved && !isSaved(folder, record)) throw Failure(saved.error());
+    // Deliberate: from here on the medium is the new one, so a burn that can't tidy up is not one that failed. The old
+    // files stay until it can.
+    if (saved) (void)guarded([&] { finishCommit(folder, record); });
 }
 
 void recoverMedium(int folder) {

@@ -46,6 +46,7 @@ inline constexpr char medium[] = "medium.json";
 inline constexpr char image[] = "medium.iso";        ///< where the image stays
 inline constexpr char newImage[] = "medium.new.iso"; ///< where a re-writable medium's next image grows
 inline constexpr char sheet[] = "medium.cue";
+inline constexpr char tray[] = "tray"; ///< "open" or "closed"; without it drive.json says
 inline constexpr char lock[] = "lock";
 inline constexpr char reservation[] = "reservation"; ///< locked by the process that holds it
 /// What the names of the medium's files begin with; sessions' files are medium.bin, medium.2.bin...
@@ -59,12 +60,17 @@ std::optional<MediumRecord> loadMedium(int folder);
 /// Replaces medium.json durably, and the cue sheet after it. Throws MediaWriteFailure.
 void saveMedium(int folder, const MediumRecord& record);
 
+/// Whether medium.json says just this. After a saveMedium() that failed: the last of its steps may fail (syncing the folder,
+/// the cue sheet) when the medium is already what it says.
+bool isSaved(int folder, const MediumRecord& record);
+
 /// A re-writable medium takes new files in these steps; cut off anywhere, it is the old medium or the new
 /// one:
 ///   1. files whose names begin with newStem are complete and synced (by the burn),
 ///   2. medium.json is replaced by one that names them: from here on the medium is the new one,
 ///   3. they are renamed, 4. medium.json is replaced by one that says so, 5. other files of the medium go.
-/// This does 2 to 5 for a record that names the new files. Throws MediaWriteFailure.
+/// This does 2 to 5 for a record that names the new files. Throws MediaWriteFailure when the medium is still the old one;
+/// what fails after that is left to recoverMedium().
 void commitNewFiles(int folder, MediumRecord record);
 
 /// Ends what a cut-off commit began, and removes what a cut-off burn left. The caller holds the drive's lock.

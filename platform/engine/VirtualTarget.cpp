@@ -150,7 +150,9 @@ class VirtualTarget final : public BurnTarget {
             putStart();
             record_.state = after;
         }
-        saveMedium(folder(), record_);
+        const auto saved = guarded([&] { saveMedium(folder(), record_); });
+        // Deliberate: what the medium says of itself is what the burn says, also when the disk then fails.
+        if (!saved && !isSaved(folder(), record_)) throw Failure(saved.error());
         committed_ = true;
     }
 

@@ -1,10 +1,11 @@
 #!/usr/bin/python3
 """faults.py: cuts burns off at random points, on every kind of medium, and counts what became of the media.
 
-    tests/disc/faults.py [--count 1000] [--seed N] [--fault kill,append,space,limit,source,producer] [--build build/release]
+    tests/disc/faults.py [--count 1000] [--seed N] [--fault kill,append,space,limit,readonly,source,producer] [--build build/release]
 
 Faults: "kill" ends the process at a random point of the burn, "append" of a second session; "space" lets the
-computer's disk fill up at a random byte; "limit" is a limit on the size of files; "source" shortens, grows or removes
+computer's disk fill up at a random byte; "limit" is a limit on the size of files; "readonly" makes the medium's files,
+or the whole drive, read-only before the burn or at a random step of it; "source" shortens, grows or removes
 the file that is being read; "producer" raises an exception in the program where it should give a file's bytes. After
 each, the medium must be as it was, or hold all that was to be burned, or be openly incomplete: its state says so,
 `disc-drives verify` says so, and another program reads what is on it. Then the next burn must work, where the kind
@@ -30,6 +31,7 @@ WRITE_ONCE = {"CD-R": 359847, "DVD-R": 2298496, "DVD-R DL": 4171712, "DVD+R": 22
               "BD-R": 12219392}
 OVERWRITABLE = ("DVD-RAM", "DVD+RW", "BD-RE")
 LIMIT = 120
+STEPS = 30  # calls that change something in a drive's folder while these sources are burned, and a few more
 
 
 class Wrong(Exception):
@@ -43,6 +45,7 @@ class Bench:
         self.host = os.environ.get("DISC_BASIC") or os.path.join(build, "bin/disc-basic")
         self.tool = os.environ.get("DISC_DRIVES_COMMAND") or os.path.join(build, "bin/disc-drives")
         self.full = os.environ.get("DISC_NO_SPACE") or os.path.join(build, "lib/no_space.so")
+        self.locked = os.environ.get("DISC_READ_ONLY") or os.path.join(build, "lib/read_only.so")
         self.sources = {name: self.source(name, size) for name, size in (("old", 300_000), ("new", 6_000_000),
                                                                         ("next", 100_000), ("large", 48_000_000))}
         # What a second session shows: its own files, and those of the first that have other names.
@@ -144,11 +147,20 @@ class Bench:
         process.communicate()
         return None
 
+    def burn_with(self, library, **environment):
+        return self.burn("new", environment={"LD_PRELOAD": library, "ASAN_OPTIONS": os.environ.get("ASAN_OPTIONS", "") +
+                                             ":verify_asan_link_order=0", **environment})
+
     def space(self, _kind):
         after = self.random.choice((0, 200, self.random.randrange(7_000_000)))
-        return self.burn("new", environment={"LD_PRELOAD": self.full, "NO_SPACE_AFTER": str(after),
-                                             "ASAN_OPTIONS": os.environ.get("ASAN_OPTIONS", "") +
-                                             ":verify_asan_link_order=0"})
+        return self.burn_with(self.full, NO_SPACE_AFTER=str(after))
+
+    def readonly(self, _kind):
+        # The last of the steps come when all has been written.
+        after = self.random.choice((0, self.random.randrange(STEPS), self.random.randrange(STEPS)))
+        return self.burn_with(self.locked, READ_ONLY_AFTER=str(after),
+                              READ_ONLY_WHAT=self.random.choice(("medium", "drive")),
+                              READ_ONLY_ERROR=self.random.choice(("EROFS", "EACCES")))
 
     def limit(self, _kind):
         most = self.random.choice((0, 300, self.random.randrange(7_000_000)))
@@ -268,7 +280,8 @@ class Bench:
             if self.burn("old") != ["DRStatusStateDone"]:
                 raise Wrong("the first burn")
             before = "old"
-        told = {"kill": self.kill, "space": self.space, "limit": self.limit, "source": self.source_changes,
+        told = {"kill": self.kill, "space": self.space, "limit": self.limit,
+                "readonly": self.readonly, "source": self.source_changes,
                 "producer": self.producer, "append": self.append}[fault](kind)
         if fault == "append":
             outcome = self.judge_appended(kind)
@@ -287,7 +300,7 @@ def main():
     options = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     options.add_argument("--count", type=int, default=1000)
     options.add_argument("--seed", type=int, default=random.SystemRandom().randrange(1 << 30))
-    options.add_argument("--fault", default="kill,append,space,limit,source,producer")
+    options.add_argument("--fault", default="kill,append,space,limit,readonly,source,producer")
     options.add_argument("--build", default=os.path.join(ROOT, "build/release"))
     options = options.parse_args()
     scratch = tempfile.mkdtemp(prefix="disc-faults-")

@@ -277,7 +277,7 @@ class Media(DrivesCase):
         said = self.succeed("eject", "one", "--to", self.path("shelf"))
         self.assertEqual(said, f'The medium lies in "{self.path("shelf")}"; the tray is open.\n')
         self.assertIsNone(self.shown("one")["medium"])
-        self.assertEqual(sorted(os.listdir(self.drive("one"))), ["drive.json", "lock"])
+        self.assertEqual(sorted(os.listdir(self.drive("one"))), ["drive.json", "lock", "tray"])
         self.succeed("insert", "one", self.path("shelf"))
         self.assertEqual(self.shown("one")["medium"]["state"], "complete")
         self.refuse("holds a medium.* Give --force", "eject", "one", "--to", self.path("shelf"))

@@ -96,6 +96,32 @@ TEST_F(DriveTest, hasNoMediumWhileItsTrayIsOpen) {
     EXPECT_TRUE(drive->mediumInfo());
 }
 
+TEST_F(DriveTest, isDescribedAsItWasWhileItsTrayMoves) {
+    const auto drive = makeDrive();
+    const std::string description = bytesOf(drivePath() / "drive.json");
+    EXPECT_TRUE(drive->eject().ok());
+    EXPECT_EQ(bytesOf(drivePath() / "tray"), "open\n");
+    EXPECT_EQ(driveFiles(), "drive.json lock medium.json tray ");
+    EXPECT_TRUE(drive->closeTray().ok());
+    EXPECT_EQ(bytesOf(drivePath() / "tray"), "closed\n");
+    EXPECT_EQ(bytesOf(drivePath() / "drive.json"), description);
+}
+
+// Drives that say in their drive.json where the tray is, and a file that a power cut has emptied.
+TEST_F(DriveTest, hasTheTrayThatItsDescriptionSaysUntilItMoves) {
+    const auto drive = makeDrive();
+    std::ofstream(drivePath() / "drive.json") << R"({"format": 1, "tray": "open"})";
+    EXPECT_TRUE(drive->isTrayOpen());
+    std::ofstream(drivePath() / "tray") << "";
+    EXPECT_TRUE(drive->isTrayOpen());
+    EXPECT_TRUE(drive->openTray().ok());
+    EXPECT_EQ(bytesOf(drivePath() / "tray"), "") << "nothing moves";
+    EXPECT_TRUE(drive->closeTray().ok());
+    EXPECT_FALSE(drive->isTrayOpen());
+    EXPECT_FALSE(openDrive()->isTrayOpen());
+    EXPECT_TRUE(drive->mediumInfo());
+}
+
 TEST_F(DriveTest, keepsOthersOutAsOftenAsItWasAcquired) {
     const auto drive = makeDrive(), other = openDrive();
     EXPECT_TRUE(drive->acquireExclusiveAccess().ok());

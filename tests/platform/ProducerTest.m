@@ -1,12 +1,9 @@
 // ProducerTest: tracks whose data an object produces, as the burn engine calls it; what arrives on the disc.
-#import "Check.h"
-#import "DRBurn.h"
+#import "Burning.h"
 #import "DRTrack.h"
 
 #include <pthread.h>
 #include <unistd.h>
-
-static NSString* drives;
 
 // Byte i of a track; no two blocks are alike.
 static unsigned char ByteAt(uint64_t i) { return (unsigned char)(i * 2654435761u >> 13 ^ i >> 20); }
@@ -171,77 +168,6 @@ static int ownTracks;
     return length;
 }
 @end
-
-static void MakeMedium(const char* kind, unsigned blocks) {
-    NSString* drive = [drives stringByAppendingPathComponent:@"drive-1"];
-    [[NSFileManager defaultManager] removeFileAtPath:drives handler:nil];
-    [[NSFileManager defaultManager] createDirectoryAtPath:drives attributes:nil];
-    [[NSFileManager defaultManager] createDirectoryAtPath:drive attributes:nil];
-    [@"{\"format\": 1, \"vendor\": \"Virtual\", \"product\": \"Disc Drive 1\", \"firmwareRevision\": "
-     @"\"1.00\", "
-     @"\"tray\": \"closed\"}" writeToFile:[drive stringByAppendingPathComponent:@"drive.json"]
-                               atomically:NO];
-    NSString* medium =
-        [NSString stringWithFormat:@"{\"format\": 1, \"kind\": \"%s\", \"capacityBlocks\": %u, \"state\": "
-                                   @"\"blank\", \"sessions\": []}",
-                                   kind, blocks];
-    [medium writeToFile:[drive stringByAppendingPathComponent:@"medium.json"] atomically:NO];
-}
-
-static DRDevice* Device(const char* kind) {
-    MakeMedium(kind, 300000);
-    return [[DRDevice devices] objectAtIndex:0];
-}
-
-static void Set(DRTrack* track, NSString* key, id value) {
-    NSMutableDictionary* properties = [NSMutableDictionary dictionaryWithDictionary:[track properties]];
-    [properties setObject:value forKey:key];
-    [track setProperties:properties];
-}
-
-static void SetNumber(DRTrack* track, NSString* key, int value) {
-    Set(track, key, [NSNumber numberWithInt:value]);
-}
-
-static DRTrack* DataTrack(id producer, int blocks) {
-    DRTrack* track = [[[DRTrack alloc] initWithProducer:producer] autorelease];
-    SetNumber(track, DRTrackLengthKey, blocks);
-    SetNumber(track, DRBlockSizeKey, kDRBlockSizeMode1Data);
-    SetNumber(track, DRBlockTypeKey, kDRBlockTypeMode1Data);
-    SetNumber(track, DRDataFormKey, kDRDataFormMode1Data);
-    SetNumber(track, DRSessionFormatKey, kDRSessionFormatMode1Data);
-    SetNumber(track, DRTrackModeKey, kDRTrackMode1Data);
-    return track;
-}
-
-static NSDictionary* BurnOn(DRDevice* device, id layout, NSDictionary* more) {
-    DRBurn* burn = [DRBurn burnForDevice:device];
-    NSMutableDictionary* properties = [NSMutableDictionary
-        dictionaryWithObjectsAndKeys:DRBurnCompletionActionMount, DRBurnCompletionActionKey,
-                                     DRBurnFailureActionNone, DRBurnFailureActionKey,
-                                     [NSNumber numberWithBool:YES], DRSynchronousBehaviorKey, nil];
-    [properties addEntriesFromDictionary:more];
-    [burn setProperties:properties];
-    [burn writeLayout:layout];
-    return [burn status];
-}
-
-static void ExpectDone(const char* what, NSDictionary* status) {
-    PASS("is done", [[status objectForKey:DRStatusStateKey] isEqual:DRStatusStateDone]);
-    if (![[status objectForKey:DRStatusStateKey] isEqual:DRStatusStateDone])
-        fprintf(stderr, "    %s: %s\n", what, [[status description] UTF8String]);
-}
-
-static void ExpectError(const char* what, NSDictionary* status, uint32_t code, NSString* words) {
-    NSDictionary* error = [status objectForKey:DRErrorStatusKey];
-    NSString* all = [NSString stringWithFormat:@"%@ (%@)", [error objectForKey:DRErrorStatusErrorStringKey],
-                                               [error objectForKey:DRErrorStatusErrorInfoStringKey]];
-    BOOL right = [[error objectForKey:DRErrorStatusErrorKey] intValue] == (int)code &&
-                 ([words length] == 0 || [all rangeOfString:words].length != 0);
-    PASS("fails as it must", right);
-    if (!right)
-        fprintf(stderr, "    %s: %s\n", what, [[status description] UTF8String]);
-}
 
 static NSData* Image(DRDevice* device, NSString* name) {
     return [NSData dataWithContentsOfFile:[[device ioRegistryEntryPath] stringByAppendingPathComponent:name]];
