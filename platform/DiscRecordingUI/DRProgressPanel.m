@@ -49,6 +49,8 @@ struct DRProgressPanelInside {
     _inside->time = [DRProgressTime new];
     [self setReleasedWhenClosed:NO];
     [self setHidesOnDeactivate:NO];
+    // A window of the display that is shown again counts its frame twice, and has black edges.
+    [self setOneShot:YES];
     [self addParts];
     return self;
 }

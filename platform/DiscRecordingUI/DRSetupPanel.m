@@ -47,6 +47,8 @@ struct DRSetupPanelInside {
     _inside->watch = [[DRDriveWatch alloc] initWithTarget:self action:@selector(lookAround)];
     [self setReleasedWhenClosed:NO];
     [self setHidesOnDeactivate:NO];
+    // A window of the display that is shown again counts its frame twice, and has black edges.
+    [self setOneShot:YES];
     [self addParts];
     return self;
 }

@@ -137,6 +137,14 @@ std::vector<std::string> mediumFiles(int folder) {
     return files;
 }
 
+void requireNewFiles(int folder, MediumRecord record) {
+    forEachFile(record, [&](const std::string& name) {
+        if (isNew(name) && ::faccessat(folder, name.c_str(), F_OK, AT_SYMLINK_NOFOLLOW) != 0)
+            fail(ErrorCode::MediaWriteFailure, "What was written has gone from the drive; burn it again.",
+                 systemText(errno));
+    });
+}
+
 void commitNewFiles(int folder, MediumRecord record) {
     const auto saved = guarded([&] { saveMedium(folder, record); });
     if (!saved && !isSaved(folder, record)) throw Failure(saved.error());

@@ -64,6 +64,9 @@ void saveMedium(int folder, const MediumRecord& record);
 /// the cue sheet) when the medium is already what it says.
 bool isSaved(int folder, const MediumRecord& record);
 
+/// Throws MediaWriteFailure when a new file that the record names has been taken away since it was written.
+void requireNewFiles(int folder, MediumRecord record);
+
 /// A re-writable medium takes new files in these steps; cut off anywhere, it is the old medium or the new
 /// one:
 ///   1. files whose names begin with newStem are complete and synced (by the burn),

@@ -204,6 +204,7 @@ class VirtualTarget final : public BurnTarget {
         auto old = std::make_shared<std::vector<Descriptor>>();
         for (const std::string& name : mediumFiles(folder()))
             old->emplace_back(::openat(folder(), name.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW));
+        requireNewFiles(folder(), record_);
         committed_ = true; // from here on the journal says what the new files are
         commitNewFiles(folder(), record_);
         runInBackground("disc-close", [old = std::move(old)] {});

@@ -121,6 +121,19 @@ TEST_F(MediumRecordTest, isTheNewOneWhenCutOffAfterTheRename) {
     EXPECT_EQ(loadMedium(folder.get())->image, "medium.iso");
 }
 
+TEST_F(MediumRecordTest, isNotExchangedForFilesThatWereTakenAway) {
+    MediumRecord record = complete("medium.new.iso");
+    put("medium.iso", "old"); // is not taken for the new one
+    try {
+        requireNewFiles(folder.get(), record);
+        FAIL() << "there is no new file";
+    } catch (const Failure& failure) {
+        EXPECT_EQ(failure.error().code, ErrorCode::MediaWriteFailure);
+    }
+    put("medium.new.iso", "new");
+    EXPECT_NO_THROW(requireNewFiles(folder.get(), record));
+}
+
 TEST_F(MediumRecordTest, losesWhatACutOffBurnAppended) {
     MediumRecord record = complete("medium.iso");
     record.state = MediumState::Appendable;

@@ -8,6 +8,7 @@ import time
 
 ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 HOST = os.environ["DISC_BASIC"]
+DRIVES_COMMAND = os.environ["DISC_DRIVES_COMMAND"]
 # Generous: machines are slow when much runs at once. Nothing waits longer than it must.
 LIMIT = float(os.environ.get("PANEL_LIMIT", "60"))
 
@@ -98,14 +99,34 @@ class Display:
             self.tool("xdotool", "key", name)
             time.sleep(0.1)
 
-    def click(self, window, x, y):
-        """At a place in the window's contents. A person's finger stays down for a moment."""
+    def point(self, window, x, y):
+        """At a place in the window's contents."""
         self.tool("xdotool", "mousemove", "--window", window, str(x), str(y))
         time.sleep(0.1)
+
+    def press(self, window, x, y):
+        self.point(window, x, y)
         self.tool("xdotool", "mousedown", "1")
         time.sleep(0.12)
+
+    def release(self):
         self.tool("xdotool", "mouseup", "1")
         time.sleep(0.1)
+
+    def click(self, window, x, y):
+        """A person's finger stays down for a moment."""
+        self.press(window, x, y)
+        self.release()
+
+    def choose(self, window, x, y, rows):
+        """Of a menu: pulled open, and let go so many rows below (above: negative) what was chosen before."""
+        before = self.picture()
+        self.press(window, x, y)
+        wait_for("the menu to open", lambda: self.picture() != before)
+        self.settle()
+        self.point(window, x, y + 26 * rows)
+        self.settle()
+        self.release()
 
     def cross(self, window, moving=False):
         """What the cross of the window's frame does: asks the program to close it."""
@@ -125,11 +146,26 @@ class Drives:
         with open(os.path.join(self.source, "letter.txt"), "w", encoding="utf-8") as file:
             file.write("Dear reader,\n")
 
-    def path(self, drive=1):
-        return os.path.join(self.folder, f"drive-{drive}")
+    def path(self, drive="drive-1"):
+        return os.path.join(self.folder, drive)
 
-    def image(self, drive=1):
+    def image(self, drive="drive-1"):
         return os.path.join(self.path(drive), "medium.iso")
+
+    def command(self, *words):
+        """As another process does it to a drive; what it printed, whether or not that worked."""
+        done = subprocess.run([DRIVES_COMMAND, *words], env=dict(os.environ, DISC_DRIVES=self.folder),
+                              capture_output=True, text=True, check=False)
+        return done.stdout + done.stderr
+
+    def create(self, name, kind, *words):
+        printed = self.command("create", name, "--kind", kind, *words)
+        assert "Made the drive" in printed, printed
+
+    def keep_empty(self):
+        """Without a drive there is none: in an empty folder the system would make one."""
+        with open(os.path.join(self.folder, "none"), "w", encoding="utf-8"):
+            pass
 
     def grow(self, megabytes):
         with open(os.path.join(self.source, "large"), "wb") as file:
@@ -170,6 +206,13 @@ class Program:
 
     def lines(self):
         return self.text().splitlines()
+
+    def wait_lines(self, expected):
+        """Waits until exactly these lines were printed."""
+        try:
+            wait_for("the lines", lambda: self.lines() == expected)
+        except AssertionError as problem:
+            raise AssertionError(f"{problem}: {expected}; there are {self.lines()}") from None
 
     def kill(self):
         if self.process.poll() is None:

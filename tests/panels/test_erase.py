@@ -1,0 +1,114 @@
+#!/usr/bin/python3
+"""Erasing with the two erase panels."""
+import os
+import unittest
+
+from cases import ERASE, Case
+
+# Erases once with what was chosen; tells what kind of erase that was, and whether the panel is there at its end. The
+# panel stays until a file is there, because an erase may be faster than an eye.
+THOROUGH = """
+Class Progress
+    Inherits DREraseProgressPanelQRX
+    finished As Boolean
+    Event eraseProgressPanelEraseDidFinish(erase As DREraseQRX) As Boolean
+        Print Me.visible
+        While Not GetFolderItem(App.Arguments(0)).Exists
+            App.DoEvents
+        Wend
+        Print erase.status.Value(DRBurnQRX.DRStatusStateKey).StringValue
+        Return False
+    End Event
+    Event eraseProgressPanelDidFinish()
+        Print Me.visible
+        finished = True
+    End Event
+End Class
+Dim setup As New DREraseSetupPanelQRX
+Print setup.runSetupPanel
+Dim erase As DREraseQRX = setup.eraseObject
+If erase Is Nil Then Quit
+Print erase.eraseType
+Dim progress As New Progress
+progress.beginProgressPanelForErase(erase)
+While Not progress.finished
+    App.DoEvents
+Wend
+"""
+
+
+class Panels(Case):
+    def burn(self, drive):
+        burnt = self.run_program(None, self.drives.source, text=f"""
+Dim burn As New DRBurnQRX(DRDeviceQRX.device(0))
+burn.completionAction = DRBurnQRX.DRBurnCompletionActionMount
+burn.writeLayout(DRTrackQRX.trackForRootFolder(GetFolderItem(App.Arguments(0))))
+While burn.status.Value(DRBurnQRX.DRStatusStateKey) <> DRBurnQRX.DRStatusStateDone
+    App.DoEvents
+Wend
+""")
+        self.assertEqual(burnt.end(), 0, burnt.errors)
+        self.assertTrue(os.path.exists(self.drives.image(drive)))
+
+    def test_a_written_disc_is_erased(self):
+        self.drives.create("Amber", "DVD+RW")
+        self.burn("Amber")
+        program = self.run_program(ERASE)
+        self.display.wait_window("Erase a Disc")
+        self.picture("erase-setup")
+        self.display.keys("Return")
+        self.assertEqual(program.end(), 0, program.errors)
+        self.assertEqual(program.lines(), ["Erasing.", "The erase ended: DRStatusStateDone"])
+        self.assertFalse(os.path.exists(self.drives.image("Amber")))
+
+    def thoroughly(self, choose):
+        self.drives.create("Amber", "DVD+RW", "--capacity", "600MB")
+        self.burn("Amber")
+        seen = os.path.join(self.drives.scratch, "seen")
+        program = self.run_program(None, seen, text=THOROUGH)
+        window = self.display.wait_window("Erase a Disc")
+        choose(window)
+        self.display.settle()
+        self.picture("erase-setup-complete")
+        self.display.focus(window)
+        self.display.keys("Return")
+        self.display.wait_window("Erasing", moving=True)
+        self.picture("erase-progress", moving=True)
+        with open(seen, "w", encoding="utf-8"):
+            pass
+        self.assertEqual(program.end(), 0, program.errors)
+        self.assertEqual(program.lines(), ["1", "DREraseTypeComplete", "True", "DRStatusStateDone", "False"])
+        self.assertIn("blank", self.drives.command("show", "Amber"))
+        self.assertFalse(os.path.exists(self.drives.image("Amber")))
+
+    def test_a_click_erases_completely(self):
+        self.thoroughly(lambda window: self.display.click(window, 250, 112))
+
+    def test_keys_erase_completely(self):
+        self.thoroughly(lambda window: self.display.keys("Tab", "Tab", "Tab", "space"))
+
+    def test_cancelling_leaves_the_disc_as_it_is(self):
+        self.drives.create("Amber", "DVD+RW")
+        self.burn("Amber")
+        program = self.run_program(None, text=THOROUGH)
+        self.display.wait_window("Erase a Disc")
+        self.display.keys("Escape")
+        self.assertEqual(program.end(), 0, program.errors)
+        self.assertEqual(program.lines(), ["0"])
+        self.assertTrue(os.path.exists(self.drives.image("Amber")))
+
+    def test_what_cant_be_erased_cant_be_confirmed(self):
+        self.drives.create("Amber", "CD-R")
+        program = self.run_program(None, text=THOROUGH)
+        self.display.wait_window("Erase a Disc")
+        self.picture("erase-setup-unsuitable")
+        self.display.keys("Return")
+        self.display.settle()
+        self.assertIsNone(program.process.poll())
+        self.display.keys("Escape")
+        self.assertEqual(program.end(), 0, program.errors)
+        self.assertEqual(program.lines(), ["0"])
+
+
+if __name__ == "__main__":
+    unittest.main()
