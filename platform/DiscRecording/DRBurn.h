@@ -43,7 +43,7 @@ struct DRBurnInside;
  * Starts the burn and returns; what becomes of it stands in the status. With DRSynchronousBehaviorKey it
  * returns when the burn has ended. A layout is a DRTrack (one session), an array of DRTracks (one session),
  * or an array of such arrays (a session each), or
- * what layoutForImageFile: answered.
+ * what layoutForImageFile: answered. Nil does nothing, and the burn can still be used.
  *
  * Raises NSInvalidArgumentException for anything else, empty arrays included, and
  * NSInternalInconsistencyException when this object has been used before. Nothing is written then.

@@ -110,6 +110,8 @@ Result<BurnPlan> planOf(DRDevice* device, NSArray* sessions, DRImageLayout* imag
 // ---- the burn
 
 - (void)writeLayout:(id)layout {
+    if (layout == nil)
+        return;
     DRImageLayout* image = [layout isKindOfClass:[DRImageLayout class]] ? layout : nil;
     NSArray* sessions = image != nil ? nil : discrecording::sessionsOfLayout(layout);
     {

@@ -66,10 +66,12 @@ struct DRDeviceInside;
 /** NO when the tray did not open; with a medium inside it stays closed: use ejectMedia. */
 - (BOOL)openTray;
 - (BOOL)closeTray;
-/** Pushes the medium out; with none it is openTray. NO while somebody writes. */
+/** Pushes the medium out; with none it is openTray. NO while somebody writes, and on a physical drive while the disc
+ * is mounted: mounted volumes are the system's, and nothing here unmounts them. */
 - (BOOL)ejectMedia;
 
-/** Keeps every other process out until released as often as acquired. NO when another has the drive. */
+/** Keeps every other process out until released as often as acquired. NO when another has the drive, or
+ * the system has mounted its disc. */
 - (BOOL)acquireExclusiveAccess;
 - (void)releaseExclusiveAccess;
 

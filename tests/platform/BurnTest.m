@@ -204,6 +204,14 @@ static void TestActions(NSString* source) {
     PASS("the disc is ejected unless told otherwise", [device trayIsOpen]);
     PASS("and comes in again", [device closeTray] && [device mediaIsPresent] && ![device mediaIsBlank]);
 
+    DRFolder* folder = [DRFolder folderWithPath:source];
+    DRBurn* failing = [DRBurn burnForDevice:FreshDevice()];
+    [failing writeLayout:[NSArray arrayWithObjects:[DRTrack trackForRootFolder:folder],
+                                                   [DRTrack trackForRootFolder:folder], nil]];
+    Await(failing);
+    SAME("two tracks on a DVD fail", State(failing), DRStatusStateFailed);
+    PASS("and the disc is ejected unless told otherwise", [[failing device] trayIsOpen]);
+
     DRBurn* synchronous = BurnThatStays(FreshDevice());
     NSMutableDictionary* properties = [NSMutableDictionary dictionaryWithDictionary:[synchronous properties]];
     [properties setObject:[NSNumber numberWithBool:YES] forKey:DRSynchronousBehaviorKey];
@@ -263,8 +271,7 @@ static void TestProperties(void) {
 static void TestIllegalLayouts(NSString* source) {
     DRDevice* device = FreshDevice();
     DRTrack* track = [DRTrack trackForRootFolder:[DRFolder folderWithPath:source]];
-    id illegal[] = {nil,
-                    @"text",
+    id illegal[] = {@"text",
                     [NSDictionary dictionary],
                     [NSArray array],
                     [NSArray arrayWithObject:[NSArray array]],
@@ -278,7 +285,8 @@ static void TestIllegalLayouts(NSString* source) {
         RAISES("an illegal layout raises", NSInvalidArgumentException, @"A burn can't write",
                [burn writeLayout:illegal[i]]);
     }
-    SAME("and starts nothing", State(burn), DRStatusStateNone);
+    [burn writeLayout:nil];
+    SAME("and starts nothing, and nil does nothing", State(burn), DRStatusStateNone);
     PASS("so the medium stays blank", [device mediaIsBlank]);
     [burn writeLayout:track];
     Await(burn);

@@ -7,6 +7,7 @@
 #include "plugin/frame/ClassTables.hpp"
 #include "plugin/objc/ClassBuilder.hpp"
 #include "tests/plugin/Companion.hpp"
+#include "tests/plugin/Drives.hpp"
 #include "tests/plugin/PluginTest.hpp"
 
 #include <stdexcept>
@@ -257,6 +258,56 @@ TEST_F(Startup, IsRunByTheSharedFactories) {
                                 REALobject{nullptr})),
               nullptr);
     expectRun("trackForRootFolder");
+}
+
+// The drives' and the jobs' too. What they look for is not there, so no wrapper is made that would run it as well.
+TEST_F(Startup, IsRunByTheFactoriesOfDrivesAndJobsAlsoWhenTheyFindNothing) {
+    const OwnDrives none(false);
+    companion::offerRegistry();
+    CocoaInit();
+    const auto expectRun = [&](const char* what, const auto& ask) {
+        instances = nullptr;
+        const int32_t before = companion::registryAsked;
+        ask();
+        EXPECT_EQ(companion::registryAsked, before + 1) << what;
+    };
+    expectRun("deviceCount", [&] { call<uint32_t>("DRDeviceQRX", "deviceCount as UInt32"); });
+    expectRun("devices", [&] {
+        Ref::adopt(reinterpret_cast<REALobject>(call<REALarray>("DRDeviceQRX", "devices as DRDeviceQRX()")));
+    });
+    expectRun("device", [&] {
+        testing::internal::CaptureStderr();
+        call<REALobject>("DRDeviceQRX", "device(index as UInt32) as DRDeviceQRX", uint32_t{0});
+        testing::internal::GetCapturedStderr();
+        raised();
+    });
+    for (const char* name : {"deviceForBSDName(bsdName as string) as DRDeviceQRX",
+                             "deviceForIORegistryEntryPath(path as string) as DRDeviceQRX"})
+        expectRun(name, [&] { call<REALobject>("DRDeviceQRX", name, REALstring{nullptr}); });
+}
+
+TEST_F(Startup, IsRunByAnErasesConstructorBeforeItLooksAtTheDriveAndNotByASecondCall) {
+    const OwnDrives drives;
+    companion::offerRegistry();
+    const char* constructor = "Constructor(device as DRDeviceQRX)";
+    const Ref drive =
+        Ref::adopt(call<REALobject>("DRDeviceQRX", "device(index as UInt32) as DRDeviceQRX", uint32_t{0}));
+    const auto asked = [&](const char* className, const Ref& job, REALobject device) {
+        instances = nullptr;
+        const int32_t before = companion::registryAsked;
+        call<void>(className, constructor, job.get(), device);
+        raised();
+        const int32_t times = companion::registryAsked - before;
+        CocoaInit();
+        return times;
+    };
+    const Ref erase = make("DREraseQRX");
+    EXPECT_EQ(asked("DREraseQRX", erase, nullptr), 1) << "deliberately before the test for nil";
+    EXPECT_EQ(asked("DREraseQRX", erase, drive.get()), 1);
+    EXPECT_EQ(asked("DREraseQRX", erase, drive.get()), 0) << "a second call is refused before it";
+    const Ref burn = make("DRBurnQRX");
+    EXPECT_EQ(asked("DRBurnQRX", burn, drive.get()), 0)
+        << "deliberately: a burn's class constructor has run it";
 }
 
 } // namespace
