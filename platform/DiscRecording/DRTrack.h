@@ -89,7 +89,8 @@
  * Lengths are in bytes. Addresses are in BLOCKS from the start of the track, or of the pre-gap: the byte is the address
  * times the block's size. A block is as large as DRBlockSizeKey says, and 96 bytes larger when
  * DRSubchannelDataFormKey asks for subchannel data: then DRFlagSubchannelDataRequested is set, and each block is the
- * data with the subchannel behind it.
+ * data with the subchannel behind it. DRBlockSizeKey may count those 96 bytes or leave them out. What a burn begins with
+ * holds to its end, but for the length that preparing sets.
  *
  * A method that raises fails the burn with 0x80020062; the detail says what was raised.
  */

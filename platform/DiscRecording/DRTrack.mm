@@ -8,7 +8,13 @@
 #include "TrackReader.hpp"
 #include "audio/AudioTrack.hpp"
 
+#include <mutex>
+#include <utility>
+
 namespace {
+
+// Held to look or to exchange, never while a message is sent that could come back.
+std::mutex propertiesMutex;
 
 NSDictionary* requiredProperties(int blockSize, int blockType, int dataForm, int sessionFormat, int trackMode,
                                  DRMSF* length) {
@@ -105,19 +111,24 @@ float speedOf(DRTrack* track, const engine::SpeedTestEnd& end) {
     return [self retain];
 }
 
+// A burn asks on its own threads while the program may assign.
 - (NSDictionary*)properties {
+    const std::lock_guard lock(propertiesMutex);
     return [[_properties retain] autorelease];
 }
 
 - (void)setProperties:(NSDictionary*)properties {
     NSDictionary* copy = properties == nil ? [[NSDictionary alloc] init]
                                            : [[NSDictionary alloc] initWithDictionary:properties];
-    [_properties release];
-    _properties = copy;
+    {
+        const std::lock_guard lock(propertiesMutex);
+        std::swap(_properties, copy);
+    }
+    [copy release];
 }
 
 - (DRMSF*)lengthForKey:(NSString*)key {
-    id value = [_properties objectForKey:key];
+    id value = [[self properties] objectForKey:key];
     if ([value isKindOfClass:[DRMSF class]])
         return value;
     return [DRMSF msfWithFrames:[value isKindOfClass:[NSNumber class]] ? [value unsignedIntValue] : 0];
@@ -132,7 +143,7 @@ float speedOf(DRTrack* track, const engine::SpeedTestEnd& end) {
 }
 
 - (void)setPreGap:(DRMSF*)preGap {
-    NSMutableDictionary* properties = [NSMutableDictionary dictionaryWithDictionary:_properties];
+    NSMutableDictionary* properties = [NSMutableDictionary dictionaryWithDictionary:[self properties]];
     if (preGap == nil) {
         [properties removeObjectForKey:DRPreGapLengthKey];
     } else {

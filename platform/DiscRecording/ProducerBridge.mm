@@ -14,8 +14,8 @@ namespace {
 
 class ProducerBridge final : public engine::TrackProducer {
   public:
-    ProducerBridge(DRTrack* track, id producer, ProducedFor producedFor)
-        : track_(track), producer_(producer), for_(std::move(producedFor)) {}
+    ProducerBridge(DRTrack* track, id producer, size_t blockBytes, ProducedFor producedFor)
+        : track_(track), producer_(producer), blockBytes_(blockBytes), for_(std::move(producedFor)) {}
 
     ~ProducerBridge() override { letGo(); }
 
@@ -163,20 +163,22 @@ class ProducerBridge final : public engine::TrackProducer {
     }
 
     uint32_t blockBytes(const engine::ProduceFlags& flags) const {
-        const uint32_t data = [[[track_ properties] objectForKey:DRBlockSizeKey] unsignedIntValue];
-        return data + (flags.subchannelDataRequested ? static_cast<uint32_t>(engine::subchannelBytes) : 0);
+        return static_cast<uint32_t>(blockBytes_ +
+                                     (flags.subchannelDataRequested ? engine::subchannelBytes : 0));
     }
 
     DRTrack* track_;
     id producer_;
+    const size_t blockBytes_; // what the track says later is not this burn's
     bool isKept_ = false;
     const ProducedFor for_;
 };
 
 } // namespace
 
-std::shared_ptr<engine::TrackProducer> makeProducer(DRTrack* track, id producer, ProducedFor producedFor) {
-    return std::make_shared<ProducerBridge>(track, producer, std::move(producedFor));
+std::shared_ptr<engine::TrackProducer> makeProducer(DRTrack* track, id producer, size_t blockBytes,
+                                                    ProducedFor producedFor) {
+    return std::make_shared<ProducerBridge>(track, producer, blockBytes, std::move(producedFor));
 }
 
 } // namespace discrecording

@@ -31,6 +31,9 @@ BlockDescription describe(engine::BlockForm form, bool isCD) {
         return {2336, 9, 48, kDRSessionFormatMode1Data, kDRTrackMode2Data};
     case engine::BlockForm::XA:
         return {2336, 9, 48, kDRSessionFormatCDXA, kDRTrackMode2Data};
+    case engine::BlockForm::Mixed:
+        return {kDRBlockSizeMode2Data, kDRBlockTypeMode2Data, kDRDataFormMode2Data, kDRSessionFormatCDXA,
+                kDRTrackMode2Data};
     case engine::BlockForm::Mode2Form1:
         return {kDRBlockSizeMode2Form1Data, kDRBlockTypeMode2Form1Data, kDRDataFormMode2Form1Data,
                 kDRSessionFormatCDXA, kDRTrackMode2Form1Data};

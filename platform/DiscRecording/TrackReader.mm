@@ -43,6 +43,7 @@ constexpr FormRow forms[] = {
      BlockForm::Mode2Form1},
     {kDRBlockSizeMode2Form2Data, kDRBlockTypeMode2Form2Data, kDRDataFormMode2Form2Data, any, true,
      BlockForm::Mode2Form2},
+    {kDRBlockSizeMode2Data, kDRBlockTypeMode2Data, kDRDataFormMode2Data, any, true, BlockForm::Mixed},
     {2352, 8, 17, any, true, BlockForm::RawMode1},
     {2352, 12, 33, any, true, BlockForm::RawMode2},
     {2336, 9, 48, kDRSessionFormatCDXA, true, BlockForm::XA},
@@ -184,7 +185,7 @@ Result<engine::ProducedTrack> producedTrackOf(DRTrack* track, const ProducedFor&
     produced.form = *form;
     produced.blocks = [length unsignedIntValue];
     produced.subchannel = *subchannel;
-    produced.producer = makeProducer(track, producer, producedFor);
+    produced.producer = makeProducer(track, producer, engine::bytesPerBlock(*form), producedFor);
     return produced;
 }
 
@@ -202,10 +203,16 @@ Result<BlockForm> blockFormOf(NSDictionary* properties) {
         }
         values[i] = [value intValue];
     }
+    // The size may or may not count the subchannel data that the track asks for: programs do both.
+    constexpr int subchannelBytes = static_cast<int>(engine::subchannelBytes);
+    const auto subchannel = subchannelOf(properties);
+    const bool brings = subchannel.ok() && *subchannel != engine::SubchannelForm::None;
     const auto [blockSize, blockType, dataForm, sessionFormat, mode] = values;
     const bool isData = (mode & dataMode) != 0;
     for (const FormRow& row : forms) {
-        if (row.blockSize == blockSize && row.blockType == blockType && row.dataForm == dataForm &&
+        const bool isSize =
+            row.blockSize == blockSize || (brings && row.blockSize + subchannelBytes == blockSize);
+        if (isSize && row.blockType == blockType && row.dataForm == dataForm &&
             (row.sessionFormat == any || row.sessionFormat == sessionFormat) && row.isData == isData)
             return row.form;
     }

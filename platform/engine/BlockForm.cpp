@@ -7,13 +7,14 @@
 namespace engine {
 namespace {
 
-constexpr std::array<std::pair<BlockForm, std::string_view>, 8> rows{
+constexpr std::array<std::pair<BlockForm, std::string_view>, 9> rows{
     {{BlockForm::Data, "data"},
      {BlockForm::Audio, "audio"},
      {BlockForm::Mode2, "mode 2"},
      {BlockForm::Mode2Form1, "mode 2 form 1"},
      {BlockForm::Mode2Form2, "mode 2 form 2"},
      {BlockForm::XA, "XA"},
+     {BlockForm::Mixed, "mode 2 mixed"},
      {BlockForm::RawMode1, "raw mode 1"},
      {BlockForm::RawMode2, "raw mode 2"}}};
 

@@ -17,8 +17,9 @@ enum class BlockForm : uint8_t {
     Mode2Form1, ///< 2048 bytes; the medium adds the subheader
     Mode2Form2, ///< 2324 bytes; the medium adds the subheader
     XA,         ///< 2336 bytes: subheader (8), then form 1 or 2 as it says
-    RawMode1,   ///< 2352 bytes: whole sectors
-    RawMode2,   ///< 2352 bytes: whole sectors
+    Mixed, ///< 2332 bytes: as XA, without the last four; form 1's data is followed by 276 bytes of no meaning
+    RawMode1, ///< 2352 bytes: whole sectors
+    RawMode2, ///< 2352 bytes: whole sectors
 };
 
 /// Bytes of a sector on a CD, without subchannel data.
@@ -35,6 +36,8 @@ constexpr size_t bytesPerBlock(BlockForm form) noexcept {
     case BlockForm::Mode2:
     case BlockForm::XA:
         return 2336;
+    case BlockForm::Mixed:
+        return 2332;
     case BlockForm::Mode2Form2:
         return 2324;
     case BlockForm::Audio:
@@ -46,7 +49,7 @@ constexpr size_t bytesPerBlock(BlockForm form) noexcept {
 }
 
 /// As in medium.json and in sentences: "data", "audio", "mode 2", "mode 2 form 1", "mode 2 form 2", "XA",
-/// "raw mode 1", "raw mode 2".
+/// "mode 2 mixed", "raw mode 1", "raw mode 2".
 std::string_view nameOf(BlockForm form) noexcept;
 std::optional<BlockForm> blockFormNamed(std::string_view name) noexcept;
 

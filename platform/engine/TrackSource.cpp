@@ -1,6 +1,7 @@
 // Where the bytes of one track come from: a file system that is laid out here, or a producer.
 #include "TrackSource.hpp"
 #include "Failure.hpp"
+#include "sectors/SectorCoding.hpp"
 
 #include <algorithm>
 #include <atomic>
@@ -67,7 +68,7 @@ class ProducerSource final : public TrackSource {
     ProducerSource(std::shared_ptr<const Layout> layout, const ProducedTrack& track,
                    const PlannedTrack& planned)
         : layout_(std::move(layout)), producer_(track.producer), number_(planned.info.number),
-          blocks_(track.blocks), blockBytes_(planned.blockBytes()),
+          form_(track.form), blocks_(track.blocks), blockBytes_(planned.blockBytes()),
           withSubchannel_(track.subchannel != SubchannelForm::None) {}
 
     uint64_t prepare(const MediumInfo& medium, const ImagePlace&, const Signal&) override {
@@ -145,6 +146,7 @@ class ProducerSource final : public TrackSource {
             given += count;
             if (flags.noMoreData) filled += endHere(buffer.subspan(filled), given, total);
         }
+        if (!withSubchannel_) clearPadding(form_, buffer.first(filled));
         return filled;
     }
 
@@ -162,6 +164,7 @@ class ProducerSource final : public TrackSource {
     std::shared_ptr<const Layout> layout_;
     std::shared_ptr<TrackProducer> producer_;
     uint32_t number_;
+    BlockForm form_;
     uint64_t blocks_;
     size_t blockBytes_;
     bool withSubchannel_;

@@ -88,6 +88,7 @@ size_t VirtualReader::readSectors(const TrackInfo& track, int64_t block, std::sp
         }
         if (got < wanted) break;
     }
+    clearPadding(track.form, buffer.first(filled));
     return filled;
 }
 

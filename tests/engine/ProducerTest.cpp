@@ -141,6 +141,50 @@ TEST_F(ProducerTest, thatThrowsStopsTheBurn) {
     EXPECT_EQ(producer->calls(), "prepare produce cleanupAfterBurn ");
 }
 
+// Blocks of both forms of mode 2, with rubbish where form 1 has nothing: every way of verifying finds them right.
+TEST_F(ProducerTest, mayMixTheFormsOfMode2) {
+    class Mixing final : public TestProducer {
+      public:
+        Mixing() : TestProducer(2332) {}
+        size_t produce(uint64_t block, std::span<std::byte> buffer, ProduceFlags& flags) override {
+            const size_t count = TestProducer::produce(block, buffer, flags);
+            for (size_t at = 0; at < count; at += bytesPerBlock, ++block)
+                setForm(buffer.subspan(at), block);
+            // Never the same twice.
+            for (size_t at = 0; at < count; at += bytesPerBlock)
+                if (buffer[at + 2] == std::byte{0x08})
+                    std::fill_n(&buffer[at + 8 + 2048], 276, static_cast<std::byte>(++rubbish));
+            return count;
+        }
+        bool verify(uint64_t block, std::span<const std::byte> read) override {
+            std::vector<std::byte> right(read.size());
+            for (size_t at = 0; at < right.size(); ++at)
+                right[at] = this->at(block * bytesPerBlock + at);
+            for (size_t at = 0; at < right.size(); at += bytesPerBlock, ++block) {
+                setForm(std::span(right).subspan(at), block);
+                if (block % 2 == 0) std::fill_n(&right[at + 8 + 2048], 276, std::byte{0});
+            }
+            compared += read.size();
+            return std::equal(read.begin(), read.end(), right.begin(), right.end());
+        }
+        static void setForm(std::span<std::byte> block, uint64_t number) {
+            block[2] = block[6] = number % 2 == 0 ? std::byte{0x08} : std::byte{0x28};
+        }
+        int rubbish = 0;
+        size_t compared = 0;
+    };
+    for (const Verification way :
+         {Verification::Checksum, Verification::ProduceAgain, Verification::ReceiveData}) {
+        const auto mixing = std::make_shared<Mixing>();
+        Track made = producedTrack(mixing, BlockForm::Mixed, 600);
+        made.verification = way;
+        fs::remove_all(drivePath());
+        EXPECT_DONE(burnTrack(made, MediumKind::CDRW));
+        EXPECT_EQ(mixing->compared, way == Verification::ReceiveData ? 600 * 2332 : 0u);
+        EXPECT_EQ(openDrive()->mediumInfo()->sessions[0].tracks[0].form, BlockForm::Mixed);
+    }
+}
+
 TEST_F(ProducerTest, withoutLengthIsABadLayout) {
     Track none = producedTrack(producer, BlockForm::Data, 0);
     EXPECT_FAILED(burnTrack(none), BadLayout, "Track 1 has no length; give it one.");

@@ -54,6 +54,7 @@ Kind kindOf(BlockForm form, ConstSector sector) {
     case BlockForm::Mode2Form2:
         return Kind::Form2;
     case BlockForm::XA:
+    case BlockForm::Mixed:
         return (sector[submodeAt] & submodeForm2) != std::byte{0} ? Kind::Form2 : Kind::Form1;
     case BlockForm::Audio:
         return Kind::Bare;
@@ -104,6 +105,7 @@ size_t userDataOffset(BlockForm form) noexcept {
     case BlockForm::Data:
     case BlockForm::Mode2:
     case BlockForm::XA:
+    case BlockForm::Mixed:
         return bodyAt;
     case BlockForm::Mode2Form1:
     case BlockForm::Mode2Form2:
@@ -145,6 +147,14 @@ void encodeSector(BlockForm form, int64_t address, std::span<const std::byte> us
     case Kind::Bare:
         break;
     }
+}
+
+void clearPadding(BlockForm form, std::span<std::byte> blocks) noexcept {
+    if (form != BlockForm::Mixed) return;
+    constexpr size_t blockBytes = bytesPerBlock(BlockForm::Mixed), padding = form1CodeAt - subheaderAt;
+    for (; blocks.size() >= blockBytes; blocks = blocks.subspan(blockBytes))
+        if ((blocks[submodeAt - subheaderAt] & submodeForm2) == none)
+            std::memset(&blocks[padding], 0, blockBytes - padding);
 }
 
 bool isIntactSector(BlockForm form, int64_t address, ConstSector sector) noexcept {

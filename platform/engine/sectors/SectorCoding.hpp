@@ -18,6 +18,10 @@ void encodeSector(BlockForm form, int64_t address, std::span<const std::byte> us
 /// Where the user data of a block begins in its sector.
 size_t userDataOffset(BlockForm form) noexcept;
 
+/// Makes zeros of what no medium keeps: of Mixed blocks of form 1 the bytes behind their data, which only fill the room
+/// of form 2. So what a producer gives compares with what is read back. Whole blocks; other forms stay as they are.
+void clearPadding(BlockForm form, std::span<std::byte> blocks) noexcept;
+
 /// Whether sync, header (address included) and error detection code are those of a sector of that form;
 /// always true for audio.
 bool isIntactSector(BlockForm form, int64_t address, std::span<const std::byte, sectorBytes> sector) noexcept;

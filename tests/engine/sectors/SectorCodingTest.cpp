@@ -80,6 +80,9 @@ TEST_F(SectorCoding, MakesTheSectorsOfAnotherProgramsFilmDisc) {
         EXPECT_EQ(coded(BlockForm::Mode2, address, user), theirs) << number;
         std::fill(user.begin() + 2332, user.end(), std::byte{0x55}); // codes are made, not taken
         ASSERT_EQ(coded(BlockForm::XA, address, user), theirs) << number;
+        user.resize(2332);
+        ASSERT_EQ(coded(BlockForm::Mixed, address, user), theirs) << number;
+        EXPECT_TRUE(isIntactSector(BlockForm::Mixed, address, theirs)) << number;
     }
     EXPECT_GT(form1, 100u);
     EXPECT_GT(form2, 100u);
@@ -142,6 +145,23 @@ TEST_F(SectorCoding, UserDataStandsWhereItSays) {
         EXPECT_EQ(std::memcmp(&sector[userDataOffset(form)], user.data(), user.size()), 0);
     }
     EXPECT_EQ(userDataOffset(BlockForm::XA), 16u);
+    EXPECT_EQ(userDataOffset(BlockForm::Mixed), 16u);
+}
+
+// What fills the room of form 2 behind the data of form 1 has no meaning, so it can't make a difference.
+TEST_F(SectorCoding, OnlyThePaddingOfMixedBlocksOfFormOneIsCleared) {
+    std::vector<std::byte> blocks(2 * 2332, std::byte{0x11});
+    blocks[2] = std::byte{0x08};        // form 1
+    blocks[2332 + 2] = std::byte{0x28}; // form 2
+    std::vector<std::byte> expected = blocks;
+    std::fill(expected.begin() + 8 + 2048, expected.begin() + 2332, std::byte{0});
+    std::vector<std::byte> others = blocks;
+    clearPadding(BlockForm::Mixed, blocks);
+    EXPECT_EQ(blocks, expected);
+    const std::vector<std::byte> before = others;
+    for (const BlockForm form : {BlockForm::XA, BlockForm::Mode2Form2, BlockForm::Data})
+        clearPadding(form, others);
+    EXPECT_EQ(others, before);
 }
 
 // Zeros have code 0, and a single byte shows the table's entry for it.
