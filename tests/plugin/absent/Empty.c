@@ -1,0 +1,3 @@
+// Empty.c: a disc-recording framework that has nothing in it.
+extern int nothing;
+int nothing = 0;
