@@ -41,6 +41,16 @@ class BurnImage(ExamplesCase):
         sheet = self.write("disc.cue", b'FILE "lost.bin" BINARY\n  TRACK 01 AUDIO\n    INDEX 01 00:00:00\n',
                            self.scratch)
         self.refuse("lost.bin.*\n.* is no image that can be burned", "burn-image.bas", sheet, lines=2)
+
+    def test_a_sheet_that_lies_about_lengths_is_refused_before_anything_is_written(self):
+        self.make_drive(kind="CD-R", capacityBlocks=359847)
+        self.write("short.bin", bytes(100 * 2352))
+        for times, sentence in ((("00:00:00", "00:09:00"), "00:09:00 lies behind the end"),
+                                (("00:01:00", "00:00:50"), "00:00:50")):
+            sheet = self.write("lies.cue", ('FILE "short.bin" BINARY\n' + "".join(
+                "  TRACK %02d AUDIO\n    INDEX 01 %s\n" % (number + 1, time) for number, time in enumerate(times))).encode())
+            self.refuse(sentence + ".*\n.* is no image that can be burned", "burn-image.bas", sheet, lines=2)
+        self.assertEqual(self.medium()["state"], "blank")
         self.assertEqual(self.medium()["state"], "blank")
 
 

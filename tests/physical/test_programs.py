@@ -47,6 +47,21 @@ class Case(RecorderTest):
         self.example("erase.bas", "--yes")
         self.assertIn("DVD+RW: blank", self.example("list-drives.bas"))
 
+    def test_append_session_and_burn_image(self):
+        self.insert("CD-R")
+        self.file("one/first.txt", b"first")
+        self.file("two/second.txt", b"second")
+        self.assertIn("as session 1;", self.example("append-session.bas", os.path.join(self.scratch, "one")))
+        self.assertIn("as session 2;", self.example("append-session.bas", os.path.join(self.scratch, "two")))
+        listed = self.tool("xorriso", "-indev", DEVICE, "-find", "/", "-type", "f")
+        self.assertIn("'/first.txt'", listed)
+        self.assertIn("'/second.txt'", listed)
+        image = os.path.join(self.scratch, "disc.iso")
+        self.tool("xorriso", "-outdev", "stdio:" + image, "-map", os.path.join(self.scratch, "two"), "/")
+        self.insert("DVD-R")
+        self.assertIn("every byte was read back and is right", self.example("burn-image.bas", image))
+        self.assertIn("'/second.txt'", self.tool("xorriso", "-indev", DEVICE, "-find", "/", "-type", "f"))
+
     def test_sense_reaches_a_program(self):
         self.insert("DVD+RW", faults={"writeErrors": [600]})
         path = self.file("noise.bin", self.noise(3_000_000))
