@@ -5,6 +5,7 @@
 #include "FileSystemCheck.hpp"
 #include "Sizes.hpp"
 #include "Table.hpp"
+#include "TrackSum.hpp"
 #include "Utf8.hpp"
 
 #include <algorithm>
@@ -46,8 +47,9 @@ uint64_t bytesOf(const engine::MediumInfo& medium) {
     return bytes;
 }
 
-// Every block of a track, in order.
-std::string readAll(engine::MediumReader& reader, const engine::TrackInfo& track, Progress& progress) {
+// Every block of a track, in order; what they add up to goes into `sum`.
+std::string readAll(engine::MediumReader& reader, const engine::TrackInfo& track, Progress& progress,
+                    engine::TrackSum& sum) {
     const size_t each = engine::bytesPerBlock(track.form);
     // Readers go past the page cache when the buffer starts at a page.
     const std::unique_ptr<std::byte, decltype(&std::free)> pages(
@@ -64,6 +66,7 @@ std::string readAll(engine::MediumReader& reader, const engine::TrackInfo& track
             return "it ends after " + std::to_string(block) + " of " + std::to_string(track.blocks) +
                    " blocks";
         block += *got / each;
+        sum.add(buffer.first(*got));
         progress.add(*got);
     }
     return {};
@@ -98,6 +101,16 @@ bool mayHoldFiles(const engine::TrackInfo& track) {
     return track.form == engine::BlockForm::Data || track.form == engine::BlockForm::Mode2Form1;
 }
 
+void checkFiles(engine::MediumReader& reader, const engine::MediumInfo& medium, TrackResult& result) {
+    const engine::TrackInfo& track = result.track;
+    const BlockReader blocks = discBlocks(reader, medium);
+    result.files = checkFileSystem(blocks, track.startBlock, track.startBlock + track.blocks);
+    if (!result.files.problem.empty()) result.problem = "in its file system " + result.files.problem;
+    // A description that names a volume was written with one.
+    if (!result.files.isISO9660 && !track.volumeName.empty())
+        result.problem = "its file system " + inQuotes(track.volumeName) + " is not there";
+}
+
 void verifyTrack(engine::MediumReader& reader, const engine::MediumInfo& medium, TrackResult& result,
                  Progress& progress) {
     const engine::TrackInfo& track = result.track;
@@ -105,15 +118,13 @@ void verifyTrack(engine::MediumReader& reader, const engine::MediumInfo& medium,
         result.problem = "it lies behind the end of the medium";
         return;
     }
-    result.problem = readAll(reader, track, progress);
+    engine::TrackSum sum;
+    result.problem = readAll(reader, track, progress, sum);
     if (!track.isComplete && result.problem.empty()) result.problem = "it was not written to its end";
-    if (!result.problem.empty() || !mayHoldFiles(track)) return;
-    const BlockReader blocks = discBlocks(reader, medium);
-    result.files = checkFileSystem(blocks, track.startBlock, track.startBlock + track.blocks);
-    if (!result.files.problem.empty()) result.problem = "in its file system " + result.files.problem;
-    // A description that names a volume was written with one.
-    if (!result.files.isISO9660 && !track.volumeName.empty())
-        result.problem = "its file system " + inQuotes(track.volumeName) + " is not there";
+    if (result.problem.empty() && mayHoldFiles(track)) checkFiles(reader, medium, result);
+    // Last, because whatever else is wrong says more.
+    if (result.problem.empty() && track.sum && sum.value() != *track.sum)
+        result.problem = "its bytes are not those that were burned";
 }
 
 Result verifyDrive(const Common& common, const Found& found) {
@@ -155,6 +166,7 @@ Json jsonOf(const Result& result) {
                           {"volumeName", each.files.volumeName},
                           {"files", each.files.files},
                           {"folders", each.files.folders},
+                          {"compared", each.track.sum.has_value()},
                           {"good", each.problem.empty()},
                           {"problem", each.problem}});
     Json json = {{"name", result.drive},    {"medium", nullptr},         {"state", nullptr},

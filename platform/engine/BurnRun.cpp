@@ -153,8 +153,13 @@ void BurnRun::writeTrack(BurnTarget& target, Item& item) {
     signal_->check();
     if (track.preGapIsProduced) writePreGap(target, item);
     const bool isSummed = options_.verify && !plan_.isTest && item.verification == Verification::Checksum;
+    const auto sum = std::make_shared<TrackSum>();
     Pipeline pipeline(signal_, "disc-read", wholeBlocks(blockBytes, pieceBytes), isSummed,
-                      [source = item.source](std::span<std::byte> buffer) { return source->read(buffer); });
+                      [source = item.source, sum](std::span<std::byte> buffer) {
+                          const size_t count = source->read(buffer);
+                          sum->add(buffer.first(count)); // here, where it keeps no drive waiting
+                          return count;
+                      });
     const size_t step = isPaced() ? wholeBlocks(blockBytes, pacedBytes) : pieceBytes;
     uint64_t written = 0;
     while (auto piece = pipeline.take()) {
@@ -173,13 +178,13 @@ void BurnRun::writeTrack(BurnTarget& target, Item& item) {
     if (auto start = item.source->start(); !start.empty()) target.writeStart(std::move(start));
     // A track that ends early makes room only when nothing follows it: the rest has its addresses already.
     if (written < total && !plan_.isLast(item.session, item.track)) {
-        fillUp(target, track, total - written);
+        fillUp(target, track, total - written, *sum);
         written = total;
     }
     status_.bytesTotal = written;
     enter(BurnState::TrackClose);
     signal_->check();
-    target.closeTrack(written / blockBytes);
+    target.closeTrack(written / blockBytes, sum->value());
 }
 
 void BurnRun::writePreGap(BurnTarget& target, const Item& item) {
@@ -199,7 +204,7 @@ void BurnRun::writePreGap(BurnTarget& target, const Item& item) {
                                             " ended before the track's pre-gap was full.");
 }
 
-void BurnRun::fillUp(BurnTarget& target, const PlannedTrack& track, uint64_t bytes) const {
+void BurnRun::fillUp(BurnTarget& target, const PlannedTrack& track, uint64_t bytes, TrackSum& sum) const {
     const size_t most = wholeBlocks(track.blockBytes(), pieceBytes);
     struct Free {
         void operator()(std::byte* memory) const noexcept { std::free(memory); }
@@ -207,10 +212,11 @@ void BurnRun::fillUp(BurnTarget& target, const PlannedTrack& track, uint64_t byt
     const std::unique_ptr<std::byte, Free> zeros(
         static_cast<std::byte*>(std::aligned_alloc(4096, pieceBytes)));
     if (!zeros) throw std::bad_alloc();
-    std::fill_n(zeros.get(), pieceBytes, std::byte{});
     while (bytes > 0) {
         signal_->check();
         const auto count = static_cast<size_t>(std::min<uint64_t>(bytes, most));
+        std::fill_n(zeros.get(), count, std::byte{}); // a target may change what it is given
+        sum.add({zeros.get(), count});
         target.write({zeros.get(), count});
         bytes -= count;
     }

@@ -82,8 +82,8 @@ class BurnTarget {
     /// The next whole blocks, in order. `buffer` starts at a page and can be written to up to the end of its
     /// last page; when whole blocks can be whole pages, every call but a track's last has whole pages.
     virtual void write(std::span<std::byte> buffer) = 0;
-    /// `blocks` were written: fewer than planned only for the last track of the plan.
-    virtual void closeTrack(uint64_t blocks) = 0;
+    /// `blocks` were written: fewer than planned only for the last track of the plan. `sum` is the TrackSum of them.
+    virtual void closeTrack(uint64_t blocks, uint64_t sum) = 0;
     virtual void closeSession() = 0;
     /// The first 32 blocks, to be put there with commit().
     virtual void writeStart(std::vector<std::byte> bytes) { (void)bytes; }

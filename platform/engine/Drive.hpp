@@ -79,11 +79,12 @@ struct TrackInfo {
     std::string isrc;                  ///< 12 characters, or empty
     std::vector<uint64_t> indexPoints; ///< index 2, 3...: blocks from startBlock
     bool preEmphasis = false, fourChannel = false;
-    bool copyPermitted = false; ///< no copy protection is claimed
-    bool isCopy = false;        ///< protected, and itself a copy
-    bool isComplete = true;     ///< all of it was written
-    std::string file;           ///< of a virtual medium, in the drive's folder: where the track's blocks are
-    uint64_t fileOffset = 0;    ///< of startBlock in it, in bytes
+    bool copyPermitted = false;  ///< no copy protection is claimed
+    bool isCopy = false;         ///< protected, and itself a copy
+    bool isComplete = true;      ///< all of it was written
+    std::optional<uint64_t> sum; ///< over its bytes when they were burned (TrackSum); of virtual media only
+    std::string file;            ///< of a virtual medium, in the drive's folder: where the track's blocks are
+    uint64_t fileOffset = 0;     ///< of startBlock in it, in bytes
 };
 
 struct SessionInfo {

@@ -5,6 +5,10 @@
 #include "Utf8.hpp"
 #include "VirtualMedium.hpp"
 
+#include <array>
+#include <charconv>
+#include <cinttypes>
+#include <cstdio>
 #include <nlohmann/json.hpp>
 
 namespace engine {
@@ -61,6 +65,24 @@ constexpr std::pair<bool TrackInfo::*, const char*> flagNames[] = {
     {&TrackInfo::isCopy, "copy"},
 };
 
+constexpr size_t sumDigits = 16;
+
+std::string textOfSum(uint64_t sum) {
+    std::array<char, sumDigits + 1> text{};
+    std::snprintf(text.data(), text.size(), "%016" PRIx64, sum);
+    return text.data();
+}
+
+std::optional<uint64_t> sumIn(const Json& object) {
+    const std::string text = textIn(object, "xxh3");
+    if (text.empty()) return std::nullopt;
+    uint64_t sum = 0;
+    const auto [end, problem] = std::from_chars(text.data(), text.data() + text.size(), sum, 16);
+    if (text.size() != sumDigits || problem != std::errc() || end != text.data() + text.size())
+        damaged("a track's sum is no number of 16 digits");
+    return sum;
+}
+
 TrackInfo trackFrom(const Json& object, uint32_t number, const std::string& image) {
     if (!object.is_object()) damaged("a track is no object");
     const auto form =
@@ -84,6 +106,7 @@ TrackInfo trackFrom(const Json& object, uint32_t number, const std::string& imag
             for (const auto& [which, name] : flagNames)
                 if (flag == name) track.*which = true;
     track.isComplete = isWhole(object);
+    track.sum = sumIn(object);
     track.file = fileIn(object, "file", "a track's file lies in another folder");
     if (track.file.empty()) {
         track.file = image;
@@ -117,6 +140,7 @@ Json jsonOf(const TrackInfo& track, const std::string& image) {
     if (!track.indexPoints.empty()) json["indexPoints"] = track.indexPoints;
     for (const auto& [which, name] : flagNames)
         if (track.*which) json["flags"].push_back(name);
+    if (track.sum) json["xxh3"] = textOfSum(*track.sum);
     if (!track.isComplete) json["complete"] = false;
     if (!track.file.empty() && track.file != image) {
         json["file"] = track.file;

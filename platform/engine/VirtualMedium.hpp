@@ -15,11 +15,13 @@ namespace engine {
 ///     {"format": 1, "kind": "CD-R", "capacityBlocks": 359847, "state": "complete", "image": "medium.cue",
 ///      "mediaCatalogNumber": "1234567890123", "cdText": "medium.cdt",
 ///      "sessions": [{"tracks": [{"mode": "audio", "startBlock": 0, "blocks": 2512, "preGapBlocks": 150,
-///      "isrc": "DEA123456789", "indexPoints": [100], "flags": ["pre-emphasis"], "file": "medium.bin"}]}]}
+///      "isrc": "DEA123456789", "indexPoints": [100], "flags": ["pre-emphasis"],
+///      "xxh3": "2d06800538d394c2", "file": "medium.bin"}]}]}
 ///
 /// The state is "blank", "appendable", "complete" or "incomplete". `image` is absent when nothing is written:
 /// it is the file that other programs open. A track without a file of its own lies in the image, its first
-/// block at the offset that its start says. Sessions and tracks that are not whole say `"complete": false`.
+/// block at the offset that its start says. `xxh3` is the sum over the track's bytes, as BlockForm counts them,
+/// when they were burned; what was not burned here has none. Sessions and tracks that are not whole say `"complete": false`.
 ///
 /// A session that is one data track, behind none that is anything else, lies in `image`, block N of the medium
 /// at block N of the file. Every other session (CDs only) has a file of whole sectors, 2352 bytes each, and the

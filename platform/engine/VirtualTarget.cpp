@@ -105,9 +105,10 @@ class VirtualTarget final : public BurnTarget {
         if (!isTest_) writer_->write(buffer);
     }
 
-    void closeTrack(uint64_t blocks) override {
+    void closeTrack(uint64_t blocks, uint64_t sum) override {
         TrackInfo& track = record_.sessions.back().tracks.back();
         track.blocks = blocks;
+        track.sum = sum;
         track.isComplete = true;
     }
 

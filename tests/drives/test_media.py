@@ -354,6 +354,32 @@ class Media(DrivesCase):
         self.assertRegex(self.damage(self.patch(16 * 2048 + 80, struct.pack("<I", 1 << 20) + struct.pack(">I", 1 << 20))),
                          r"1048576 blocks long, but only \d+ were written")
 
+    def test_a_byte_that_changed_is_found_in_its_track(self):
+        source = os.path.join(self.scratch, "sound.bin")
+        with open(source, "wb") as file:
+            file.write(bytes(range(256)) * (2352 * 900 // 256))
+        sheet = os.path.join(self.scratch, "sound.cue")
+        with open(sheet, "w", encoding="utf-8") as file:
+            file.write('FILE "sound.bin" BINARY\n' + "".join(
+                f"  TRACK {number:02} AUDIO\n    INDEX 01 00:{(number - 1) * 4:02}:00\n" for number in (1, 2, 3)))
+        self.succeed("create", "one", "--kind", "none")
+        self.succeed("insert", "one", sheet)
+        said = self.answer("verify", "one")
+        self.assertEqual([track["compared"] for track in said["drives"][0]["tracks"]], [True] * 3)
+        self.patch(400 * 2352 + 77, b"?")(self.drive("one", "medium.bin"))
+        done = self.run_command("verify", "one")
+        self.assertEqual(done.returncode, 1)
+        self.assertEqual([line.rsplit("  ", 1)[-1] for line in done.stdout.splitlines() if " audio " in line],
+                         ["good", "its bytes are not those that were burned", "good"])
+        self.assertIn("one: The CD-ROM is not as described.", done.stdout)
+        # A description without sums is one of before, or of an image that was not burned here.
+        medium = self.medium("one")
+        for track in medium["sessions"][0]["tracks"]:
+            del track["xxh3"]
+        with open(self.drive("one", "medium.json"), "w", encoding="utf-8") as file:
+            json.dump(medium, file)
+        self.succeed("verify", "one")
+
     def test_a_folder_that_holds_itself_is_found(self):
         def change(path):
             with open(path, "r+b") as file:

@@ -64,6 +64,13 @@ TEST_F(MediumRecordTest, saysWhatIsDamaged) {
         damage(
             R"({"format": 1, "kind": "CD-R", "capacityBlocks": 5, "state": "blank", "sessions": [{"tracks": [7]}]})"),
         "a track is no object");
+    for (const char* sum : {"12", "00000000000000000", "000000000000000g", "-000000000000001"})
+        EXPECT_EQ(
+            damage(
+                R"({"format": 1, "kind": "CD-R", "capacityBlocks": 5, "state": "blank", "image": "medium.iso", )"
+                R"("sessions": [{"tracks": [{"mode": "data", "startBlock": 0, "blocks": 1, "xxh3": ")" +
+                std::string(sum) + R"("}]}]})"),
+            "a track's sum is no number of 16 digits");
     EXPECT_EQ(
         damage(R"({"format": 1, "kind": "CD-R", "capacityBlocks": 5, "state": "complete", "sessions": []})"),
         "it is complete but has no image");

@@ -48,7 +48,9 @@ class NotingTarget final : public BurnTarget {
         notes_.written.emplace_back(buffer.data(), buffer.size());
         EXPECT_EQ(reinterpret_cast<uintptr_t>(buffer.data()) % 4096, 0u);
     }
-    void closeTrack(uint64_t blocks) override { notes_.add("closeTrack:" + std::to_string(blocks)); }
+    void closeTrack(uint64_t blocks, uint64_t) override {
+        notes_.add("closeTrack:" + std::to_string(blocks));
+    }
     void closeSession() override { notes_.add("closeSession"); }
     void flush(const SignalRef&) override { notes_.add("flush"); }
     std::shared_ptr<MediumReader> reader() override { return nullptr; }

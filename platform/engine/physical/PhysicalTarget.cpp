@@ -109,7 +109,7 @@ class PhysicalTarget final : public BurnTarget {
         throw Failure(job_->problem());
     }
 
-    void closeTrack(uint64_t blocks) override {
+    void closeTrack(uint64_t blocks, uint64_t) override {
         written_.back()[track_].blocks = blocks;
         job_->endTrack(track_++);
     }
@@ -139,8 +139,10 @@ class PhysicalTarget final : public BurnTarget {
         return isFirst || !atOnce_ ? 0 : track.preGapBlocks;
     }
 
-    // A drive has no mark for a disc that turned out to be wrong; only what readers look at first is left as it was.
+    // A drive has no mark for a disc that turned out to be wrong. What readers look at first is left as it was, when that
+    // leads to sessions that are good.
     void commit(bool intact) override {
+        if (!intact && !isTest_ && anyOrder_ && before_.empty()) clearStart();
         if (!intact || isTest_ || start_.empty()) return;
         const std::lock_guard commands(hold_->drive().commands());
         dropLibraryMessages();
@@ -151,6 +153,15 @@ class PhysicalTarget final : public BurnTarget {
     }
 
   private:
+    // Deliberate: without its start nobody takes the disc for a good one. Where even that can't be written nothing more
+    // can be done; that the burn failed is told in any case.
+    void clearStart() {
+        const std::lock_guard commands(hold_->drive().commands());
+        std::vector<char> zeros(startBlocks * blockSize);
+        burn_random_access_write(hold_->get(), 0, zeros.data(), static_cast<off_t>(zeros.size()), flushAfter);
+        dropLibraryMessages();
+    }
+
     std::string name() const { return inQuotes(hold_->drive().displayName()); }
 
     void checkForms(const std::vector<PlannedTrack>& tracks) {
