@@ -1,4 +1,4 @@
-// DRDriveWatch.h: calls a panel regularly while it is on the screen.
+// DRDriveWatch.h: calls a panel regularly while its job runs.
 #ifndef DISCRECORDINGUI_DRDRIVEWATCH_H
 #define DISCRECORDINGUI_DRDRIVEWATCH_H
 

@@ -1,7 +1,7 @@
 // DRSetupPanel: the drives, the disc in the one that is chosen, and how the panel is begun and ended.
 #import "DRSetupPanel.h"
 #import "DRDriveChoice.h"
-#import "DRDriveWatch.h"
+#import "DRNotificationCenter.h"
 #import "DRPanelTexts.h"
 #import "DRSetupPanelPrivate.h"
 #import "DRSheet.h"
@@ -12,7 +12,6 @@ struct DRSetupPanelInside {
     NSButton *eject, *cancel, *confirm;
     NSView* picture;
     DRDriveChoice* choice;
-    DRDriveWatch* watch;
     NSArray* mediaSeen; // what the chosen drive's disc was like when it was last judged
     DRDevice* reserved; // the drive whose blank media this panel keeps for itself
     DRSheet* sheet;
@@ -44,7 +43,6 @@ struct DRSetupPanelInside {
         return nil;
     _inside = calloc(1, sizeof *_inside);
     _inside->choice = [[DRDriveChoice alloc] initWithPanel:self];
-    _inside->watch = [[DRDriveWatch alloc] initWithTarget:self action:@selector(lookAround)];
     [self setReleasedWhenClosed:NO];
     [self setHidesOnDeactivate:NO];
     // A window of the display that is shown again counts its frame twice, and has black edges.
@@ -56,7 +54,6 @@ struct DRSetupPanelInside {
 - (void)dealloc {
     [self setDelegate:nil];
     [self stopDisplay];
-    [_inside->watch release];
     [_inside->choice release];
     [_inside->mediaSeen release];
     [_inside->sheet release];
@@ -287,9 +284,23 @@ struct DRSetupPanelInside {
     [self setTitle:[self panelTitle]];
 }
 
+// Heard of in every mode of the run loop in which a panel can be on the screen, also while a menu is open.
+- (void)followDrives {
+    DRNotificationCenter* centre = [DRNotificationCenter currentRunLoopCenter];
+    NSString* names[] = {DRDeviceAppearedNotification, DRDeviceDisappearedNotification,
+                         DRDeviceStatusChangedNotification};
+    for (unsigned i = 0; i < sizeof names / sizeof *names; i++)
+        [centre addObserver:self selector:@selector(drivesChanged:) name:names[i] object:nil];
+}
+
+- (void)drivesChanged:(NSNotification*)notification {
+    [self lookAround];
+}
+
 - (void)startDisplay {
     id delegate = [self delegate];
     _inside->displayed = YES;
+    [self followDrives]; // before they are looked at, so that no change is missed
     _inside->ended = NO;
     _inside->code = NSCancelButton;
     [self setupForDisplay];
@@ -301,11 +312,11 @@ struct DRSetupPanelInside {
     [self showDrives];
     [self announceDevice];
     [self center];
-    [_inside->watch startEvery:0.5];
 }
 
 - (void)stopDisplay {
-    [_inside->watch stop];
+    if (_inside->displayed)
+        [[DRNotificationCenter currentRunLoopCenter] removeObserver:self name:nil object:nil];
     [self reserveMediaOf:nil];
     _inside->displayed = NO;
 }
@@ -314,15 +325,18 @@ struct DRSetupPanelInside {
     if (_inside->displayed) // asked by an event of the panel itself
         return NSCancelButton;
     [[self retain] autorelease];
-    [self startDisplay];
-    if (!_inside->ended) {
-        [NSApp activateIgnoringOtherApps:YES];
-        _inside->modal = YES;
-        [NSApp runModalForWindow:self];
+    @try { // a delegate may raise
+        [self startDisplay];
+        if (!_inside->ended) {
+            [NSApp activateIgnoringOtherApps:YES];
+            _inside->modal = YES;
+            [NSApp runModalForWindow:self];
+        }
+    } @finally {
         _inside->modal = NO;
+        [self orderOut:nil];
+        [self stopDisplay];
     }
-    [self orderOut:nil];
-    [self stopDisplay];
     return _inside->code;
 }
 
@@ -338,7 +352,15 @@ struct DRSetupPanelInside {
     _inside->sheetDidEnd = didEndSelector;
     _inside->sheetContext = contextInfo;
     _inside->sheet = [[DRSheet alloc] initWithPanel:self window:owner];
-    [self startDisplay];
+    @try {
+        [self startDisplay];
+    } @catch (NSException* refused) {
+        [_inside->sheet release];
+        _inside->sheet = nil;
+        [self stopDisplay];
+        [self autorelease];
+        @throw;
+    }
     if (_inside->ended) {
         [self endSheet];
     } else {

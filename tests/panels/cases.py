@@ -5,7 +5,7 @@ import sys
 import unittest
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-from display import ROOT, Display, Drives, Program  # noqa: E402
+from display import ROOT, Display, Drives, Program, wait_for  # noqa: E402
 
 BURN = os.path.join(ROOT, "examples", "burn-with-panels.bas")
 ERASE = os.path.join(ROOT, "examples", "erase-with-panel.bas")
@@ -51,8 +51,8 @@ class Case(unittest.TestCase):
         self.display = Display()
         self.addCleanup(self.display.close)
 
-    def run_program(self, path, *arguments, text=None):
-        program = Program(self.display, self.drives, path, *arguments, text=text)
+    def run_program(self, path, *arguments, **options):
+        program = Program(self.display, self.drives, path, *arguments, **options)
         self.addCleanup(program.kill)
         return program
 
@@ -61,6 +61,9 @@ class Case(unittest.TestCase):
             if not moving:
                 self.display.settle()
             self.display.shot(os.path.join(PICTURES, name + ".png"))
+
+    def wait_for_another_picture(self, before):
+        wait_for("another picture", lambda: self.display.picture() != before)
 
     def names_on_disc(self):
         return subprocess.run(["bsdtar", "-tf", self.drives.image()], capture_output=True, text=True,

@@ -178,7 +178,7 @@ class Drives:
 class Program:
     """A BASIC program that runs on the display; its output is read when it has ended, or as it comes."""
 
-    def __init__(self, display, drives, path, *arguments, text=None):
+    def __init__(self, display, drives, path, *arguments, text=None, host=HOST):
         if text is not None:
             path = os.path.join(drives.scratch, "program.bas")
             with open(path, "w", encoding="utf-8") as file:
@@ -188,7 +188,7 @@ class Program:
         if not display:
             environment.pop("DISPLAY", None)
         self.output = open(self.log, "wb")
-        self.process = subprocess.Popen([HOST, path, *arguments], env=environment, stdin=subprocess.DEVNULL,
+        self.process = subprocess.Popen([host, path, *arguments], env=environment, stdin=subprocess.DEVNULL,
                                         stdout=self.output, stderr=subprocess.PIPE, text=True)
 
     def end(self):

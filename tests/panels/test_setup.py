@@ -4,7 +4,6 @@ import os
 import unittest
 
 from cases import BURN, Case
-from display import wait_for
 
 
 SETUP = """
@@ -93,10 +92,10 @@ class Panels(Case):
     def test_a_drive_that_goes_is_replaced_by_none(self):
         program = self.run_program(None, text=SETUP)
         window = self.display.wait_window("Burn a Disc")
+        before = self.display.picture()
         os.rename(self.drives.path(), os.path.join(self.drives.scratch, "gone"))
         self.drives.keep_empty()
-        before = self.display.picture()
-        wait_for("the menu without a drive", lambda: self.display.picture() != before)
+        self.wait_for_another_picture(before)
         self.display.settle()
         self.picture("burn-setup-no-drive")
         self.display.focus(window)
