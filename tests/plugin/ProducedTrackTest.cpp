@@ -96,8 +96,10 @@ TEST_F(ProducedTrack, PropertiesMayBeAssignedWhileItBurns) {
     std::atomic<bool> ended{false};
     std::thread program([&] {
         const Pool pool;
-        while (!began && !ended)
-            std::this_thread::yield();
+        while (!began && !ended) {
+            const Pool ofRound;
+            assign(track, "DRMaxBurnSpeedKey", number(1 << 30)); // as good as none
+        }
         while (!ended) {
             const Pool ofRound;
             assign(track, "DRBlockSizeKey", number(2352));
