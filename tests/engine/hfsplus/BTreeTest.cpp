@@ -103,7 +103,7 @@ TEST_P(HfsBTrees, AreFull) {
         const auto node = tree.node(at);
         const uint64_t next = number(node, 0, 4);
         if (next == 0 || number(node, 8, 1) == 2) continue; // the last one of its level, or a map
-        const size_t used = number(node, nodeBytes - 2 * (Tree::recordCount(node) + 1), 2);
+        const uint64_t used = number(node, nodeBytes - 2 * (Tree::recordCount(node) + 1), 2);
         const size_t record = tree.record(tree.node(next), 0).size();
         EXPECT_GT(used + record + 2 * (Tree::recordCount(node) + 2), nodeBytes) << at;
     }

@@ -16,11 +16,16 @@ inline uint64_t number(std::string_view bytes, size_t at, size_t count) {
     return value;
 }
 
+/// The byte that a block number in the volume stands for.
+inline size_t blockAt(std::string_view bytes, size_t at) {
+    return static_cast<size_t>(number(bytes, at, 4)) * 2048;
+}
+
 /// A B-tree file that lies in one extent.
 struct Tree {
     /// `fork`: the 80 bytes of the volume header that tell where it lies.
     Tree(std::string_view volume, std::string_view fork)
-        : bytes(volume.substr(number(fork, 16, 4) * 2048, static_cast<size_t>(number(fork, 0, 8)))),
+        : bytes(volume.substr(blockAt(fork, 16), static_cast<size_t>(number(fork, 0, 8)))),
           nodeBytes(static_cast<size_t>(number(bytes, 14 + 18, 2))) {}
 
     std::string_view node(uint64_t index) const {

@@ -62,9 +62,18 @@ TEST(HfsCatalog, AFilesRecord) {
         EXPECT_EQ(number(fork, 12, 4), (bytes + 2047) / 2048);
         EXPECT_EQ(number(fork, 20, 4), (bytes + 2047) / 2048) << "all in the first extent";
         EXPECT_EQ(number(fork, 24, 8), 0u);
-        EXPECT_EQ(volume.substr(number(fork, 16, 4) * 2048, bytes), std::string(bytes, byte));
+        EXPECT_EQ(volume.substr(blockAt(fork, 16), bytes), std::string(bytes, byte));
     }
     EXPECT_EQ(number(volume, 1024 + 72, 8), 1u | 1u << 25) << "the header knows of the encoding";
+}
+
+TEST(HfsCatalog, TheHeaderKnowsOfEveryTextEncoding) {
+    Image image;
+    for (const uint16_t encoding : std::initializer_list<uint16_t>{0, 1, 63, 140, 152, 700})
+        image.node(image.file(0, std::to_string(encoding), "")).textEncoding = encoding;
+    // Ukrainian and Farsi have bits of their own; what has none is only a hint in its record.
+    EXPECT_EQ(number(image.bytes(settings()), 1024 + 72, 8),
+              1u | 1u << 1 | uint64_t{1} << 63 | uint64_t{1} << 48 | uint64_t{1} << 49);
 }
 
 TEST(HfsCatalog, AFoldersRecord) {
@@ -166,7 +175,7 @@ TEST(HfsCatalog, ASymbolicLinksTargetIsItsBytes) {
     EXPECT_EQ(link.substr(48, 8), "slnkrhap");
     EXPECT_EQ(number(link, 42, 2), 0120644u);
     EXPECT_EQ(number(link, 88, 8), 16u);
-    EXPECT_EQ(volume.substr(number(link, 104, 4) * 2048, 16), "../Übersee/file");
+    EXPECT_EQ(volume.substr(blockAt(link, 104), 16), "../Übersee/file");
     EXPECT_EQ(number(catalog.at(2, u"nowhere"), 88, 8), 0u);
     EXPECT_EQ(number(catalog.at(2, u"nowhere"), 100, 4), 0u) << "and no blocks";
 }

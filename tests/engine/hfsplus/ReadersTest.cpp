@@ -202,6 +202,41 @@ TEST_F(HfsReaders, LinksOfBothKinds) {
     EXPECT_NE(fork.find("/folder/file"), std::string::npos);
 }
 
+// The volume begins with the medium, in the part of a disc that ISO 9660 leaves free, and has its structures behind all
+// else: both file systems show the same blocks.
+TEST_F(HfsReaders, SharesItsContentsWithISO9660) {
+    fs::create_directories(base / "source/folder");
+    const std::string one = noise(5000, 1), two = noise(70'000, 2);
+    Scratch::write("source/one", one);
+    Scratch::write("source/folder/two", two);
+    run("genisoimage -quiet -r -V Holiday -o volume.hfs source");
+    std::string disc = bytesOf(base / "volume.hfs");
+    constexpr size_t size = hfsplus::blockBytes;
+    Image image;
+    const uint32_t nodes[] = {image.file(0, "one", one), image.file(image.folder(0, "folder"), "two", two)};
+    auto of = settings();
+    of.structureStart = static_cast<uint32_t>(disc.size() / size);
+    hfsplus::Volume volume(image.tree(), of);
+    for (const auto& [node, bytes] : {std::pair(nodes[0], &one), std::pair(nodes[1], &two)}) {
+        const size_t at = disc.find(*bytes);
+        ASSERT_EQ(at % size, 0u);
+        auto& tree = volume.tree();
+        tree.extents[tree.nodes[node].data.first].firstBlock = static_cast<uint32_t>(at / size);
+    }
+    volume.setContentsEnd(of.structureStart + volume.structureBlocks());
+    disc.resize(static_cast<size_t>(volume.end()) * size);
+    for (size_t at = 0; at < disc.size() / size; ++at)
+        if (volume.has(at))
+            volume.block(at, std::as_writable_bytes(std::span(disc)).subspan(at * size).first<size>());
+    Scratch::write("volume.hfs", disc);
+    const fs::path out = extract();
+    run("tsk_recover -a -f hfs volume.hfs recovered; mkdir iso && bsdtar -xf volume.hfs -C iso");
+    for (const fs::path& shown : {out, base / "recovered", base / "iso"}) {
+        EXPECT_TRUE(bytesOf(shown / "one") == one) << shown;
+        EXPECT_TRUE(bytesOf(shown / "folder/two") == two) << shown;
+    }
+}
+
 TEST_F(HfsReaders, AMapOfNodesThatTheHeaderHasNoRoomFor) {
     Image image;
     for (int i = 0; i < 10'000; ++i)

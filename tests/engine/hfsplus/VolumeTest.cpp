@@ -123,7 +123,7 @@ TEST(HfsVolume, AForkInManyPiecesGoesOnInTheOverflowFile) {
     ASSERT_EQ(records[1].size(), 12u + 64);
     EXPECT_EQ(number(records[1], 12 + 3 * 8 + 4, 4), 1u) << "the twentieth piece";
     EXPECT_EQ(number(records[1], 12 + 4 * 8, 8), 0u) << "was the last";
-    EXPECT_EQ(volume.substr(number(records[1], 12 + 3 * 8, 4) * 2048, 2048), std::string(2048, 'd'));
+    EXPECT_EQ(volume.substr(blockAt(records[1], 12 + 3 * 8), 2048), std::string(2048, 'd'));
 }
 
 TEST(HfsVolume, AFileMayBeLargerThanFourGigabytes) {
