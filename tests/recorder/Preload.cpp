@@ -1,5 +1,9 @@
 // The C library's functions that a program reaches a drive through. Preloaded, they show recorders at /dev/sr0 and
 // on; every other path and descriptor goes to the C library. No device node, kernel module or privilege is needed.
+
+// On 32 bits open() and open64() are two functions, and not one by two names.
+#undef _FILE_OFFSET_BITS
+#undef _TIME_BITS
 #include "Device.hpp"
 
 #include <cerrno>
