@@ -109,10 +109,8 @@ class Image {
         return iso::Volume(tree(), std::move(second), settings);
     }
 
-    /// The session, behind as many empty blocks as are in front of it, and with its descriptors in front of those, too,
-    /// as on a medium that is overwritten. Parts of files stand with a block in between.
-    void write(const std::string& path) const {
-        iso::Volume volume = this->volume();
+    /// Says where the files' parts are, and gives them: a block stands between each two.
+    std::string placeAll(iso::Volume& volume) const {
         std::string data;
         const uint32_t start = settings.sessionStart + volume.structureStart() + volume.structureBlocks();
         for (const auto& [node, bytes] : contents) {
@@ -125,6 +123,15 @@ class Image {
                 begin += sections[i].bytes;
             }
         }
+        return data;
+    }
+
+    /// The session, behind as many empty blocks as are in front of it, and with its descriptors in front of those, too,
+    /// as on a medium that is overwritten.
+    void write(const std::string& path) const {
+        iso::Volume volume = this->volume();
+        const uint32_t start = settings.sessionStart + volume.structureStart() + volume.structureBlocks();
+        std::string data = placeAll(volume);
         const uint64_t total = start - settings.sessionStart + data.size() / iso::blockBytes + 150;
         volume.setTotalBlocks(total);
         std::ofstream file(path, std::ios::binary);
