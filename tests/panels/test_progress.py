@@ -201,6 +201,29 @@ BurnOnce(progress)
         self.assertEqual(program.lines(), ["no burn", "will begin", "did finish", "no track", "no window",
                                            "will begin", "burn did finish", "did finish", "DRStatusStateDone"])
 
+    def test_an_image_is_burned_and_what_is_none_shows_nothing(self):
+        burnt = self.progress(speed=60000)
+        self.assertEqual(burnt.end(), 0, burnt.errors)
+        image = os.path.join(self.drives.scratch, "letters.iso")
+        shutil.copy(self.drives.image(), image)
+        program = self.progress(speed=60000, end=f"""
+Dim burn As New DRBurnQRX(DRDeviceQRX.device(0))
+burn.Overwrite = True
+burn.completionAction = DRBurnQRX.DRBurnCompletionActionMount
+Print progress.beginProgressPanelForImageFile(burn, "/no/such/image")
+Print progress.visible
+Print progress.beginProgressPanelForImageFile(burn, "{image}")
+Print progress.visible
+While Not progress.finished
+    App.DoEvents
+Wend
+Print burn.status.Value(DRBurnQRX.DRStatusStateKey).StringValue
+""")
+        self.assertEqual(program.end(), 0, program.errors)
+        self.assertEqual(program.lines(), ["False", "False", "will begin", "True", "True", "burn did finish",
+                                           "did finish", "DRStatusStateDone"])
+        self.assertIn("./LETTER.TXT", [name.upper() for name in self.names_on_disc()])
+
     def test_a_sheet_hangs_on_its_window(self):
         self.drives.grow(6)
         program = self.progress(speed=1385, end="""
