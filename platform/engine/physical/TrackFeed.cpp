@@ -4,6 +4,9 @@
 #include <algorithm>
 #include <cstring>
 #include <libburn/libburn.h>
+#include <sys/syscall.h>
+#include <thread>
+#include <unistd.h>
 
 namespace engine {
 namespace {
@@ -53,6 +56,7 @@ burn_source* TrackFeed::sourceOf(size_t track, uint64_t bytes) {
 
 // A whole block, or less at a track's end.
 int TrackFeed::take(size_t track, std::span<std::byte> block) {
+    if (taker_ == 0) taker_ = ::gettid();
     std::unique_lock lock(mutex_);
     size_t filled = 0;
     while (filled < block.size()) {
@@ -79,6 +83,11 @@ void TrackFeed::stop() {
     const std::lock_guard lock(mutex_);
     stopped_ = true;
     changed_.notify_all();
+}
+
+void TrackFeed::waitForTaker() const {
+    while (taker_ != 0 && ::syscall(SYS_tgkill, ::getpid(), taker_.load(), 0) == 0)
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
 }
 
 uint64_t TrackFeed::bytesTaken() const {

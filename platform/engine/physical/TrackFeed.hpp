@@ -3,12 +3,14 @@
 
 #include "../Signal.hpp"
 
+#include <atomic>
 #include <condition_variable>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <mutex>
 #include <span>
+#include <sys/types.h>
 
 #include "LibBurn.hpp"
 
@@ -48,6 +50,9 @@ class TrackFeed : public std::enable_shared_from_this<TrackFeed> {
 
     uint64_t bytesTaken() const;
 
+    /// Waits until the library's thread has ended, if it ever asked for a block.
+    void waitForTaker() const;
+
     static constexpr std::chrono::milliseconds pollInterval{10};
 
   private:
@@ -61,6 +66,7 @@ class TrackFeed : public std::enable_shared_from_this<TrackFeed> {
     size_t ended_ = 0;                   ///< tracks below this have ended
     uint64_t taken_ = 0;
     bool stopped_ = false;
+    std::atomic<pid_t> taker_ = 0; ///< the thread that asks
 };
 
 } // namespace engine

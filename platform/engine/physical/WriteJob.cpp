@@ -140,6 +140,8 @@ void WriteJob::cancel() noexcept {
         burn_drive_cancel(hold_->get());
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
+    // A drive that goes away is called idle while the library's thread still reads the session.
+    feed_->waitForTaker();
 }
 
 Error WriteJob::problem() const {
