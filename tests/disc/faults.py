@@ -110,9 +110,9 @@ class Bench:
         process.stdin.flush()
 
     def end(self, process):
-        out, _ = process.communicate(timeout=LIMIT)
+        out, said = process.communicate(timeout=LIMIT)
         if process.returncode != 0 or not out:
-            raise Wrong(f"the program ended with {process.returncode}: {out}")
+            raise Wrong(f"the program ended with {process.returncode}: {out}{said}")
         return out.splitlines()[-1].split("|")
 
     def burn(self, name, **more):
