@@ -79,30 +79,34 @@ End If
 
 Dim burn As DRBurnQRX = NewBurn(drive)
 Dim other As DRBurnQRX
-If words.IndexOf("tracks") >= 0 Then
-    burn.writeLayout(Array(TrackOf(App.Arguments(1)), TrackOf(App.Arguments(1))))
-ElseIf words.IndexOf("same") >= 0 Then
-    Dim track As DRTrackQRX = TrackOf(App.Arguments(1))
-    burn.writeLayout(Array(track, track))
-Else
-    burn.writeLayout(TrackOf(App.Arguments(1)))
-End If
-If words.IndexOf("again") >= 0 Then
+Try
+    If words.IndexOf("tracks") >= 0 Then
+        burn.writeLayout(Array(TrackOf(App.Arguments(1)), TrackOf(App.Arguments(1))))
+    ElseIf words.IndexOf("same") >= 0 Then
+        Dim track As DRTrackQRX = TrackOf(App.Arguments(1))
+        burn.writeLayout(Array(track, track))
+    Else
+        burn.writeLayout(TrackOf(App.Arguments(1)))
+    End If
+    If words.IndexOf("again") >= 0 Then
+        Do
+            App.DoEvents(10)
+        Loop Until burn.status.Value(DRBurnQRX.DRStatusStateKey) = DRBurnQRX.DRStatusStateTrackWrite Or IsFinal(burn.status)
+        other = NewBurn(drive)
+        other.writeLayout(TrackOf(App.Arguments(1)))
+        Do
+            App.DoEvents(10)
+        Loop Until IsFinal(other.status)
+        Report(other.status)
+    End If
     Do
         App.DoEvents(10)
-    Loop Until burn.status.Value(DRBurnQRX.DRStatusStateKey) = DRBurnQRX.DRStatusStateTrackWrite Or IsFinal(burn.status)
-    other = NewBurn(drive)
-    other.writeLayout(TrackOf(App.Arguments(1)))
-    Do
-        App.DoEvents(10)
-    Loop Until IsFinal(other.status)
-    Report(other.status)
-End If
+    Loop Until IsFinal(burn.status)
+    App.DoEvents(1)
+Catch e As UnsupportedOperationException
+    ' What a producer raises ends the burn, and comes out at whatever statement the program is at.
+End Try
 Do
-    Try
-        App.DoEvents(10)
-    Catch e As UnsupportedOperationException
-        ' What a producer raises ends the burn, and comes out at the program's next statement.
-    End Try
+    App.DoEvents(10)
 Loop Until IsFinal(burn.status)
 Report(burn.status)

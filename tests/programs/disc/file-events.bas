@@ -33,7 +33,15 @@ Class Produced Inherits DRFileQRX
     End Event
 End Class
 
-' How the burn ended; what an event raised comes out here, at the program's next statement.
+Sub WaitFor(burn As DRBurnQRX)
+    Dim state As String
+    Do
+        App.DoEvents(10)
+        state = burn.status.Value(DRBurnQRX.DRStatusStateKey)
+    Loop Until state = DRBurnQRX.DRStatusStateDone Or state = DRBurnQRX.DRStatusStateFailed
+End Sub
+
+' How the burn ended; what an event raised comes out here, at whatever statement the program is at.
 Function BurnOf(mode As String) As String
     Dim file As New Produced("produced.bin")
     file.Mode = mode
@@ -42,23 +50,20 @@ Function BurnOf(mode As String) As String
     Dim burn As New DRBurnQRX(DRDeviceQRX.device(0))
     burn.BurnFailureAction = DRBurnQRX.DRBurnFailureActionNone
     burn.completionAction = DRBurnQRX.DRBurnCompletionActionMount
-    burn.writeLayout(DRTrackQRX.trackForRootFolder(root))
     Dim raised As String
-    Do
-        Try
-            App.DoEvents(10)
-        Catch e As UnsupportedOperationException
-            raised = " and " + e.Message
-        End Try
-        Dim status As Dictionary = burn.status
-        Dim state As String = status.Value(DRBurnQRX.DRStatusStateKey)
-        If state = DRBurnQRX.DRStatusStateDone Then Return "done" + raised
-        If state = DRBurnQRX.DRStatusStateFailed Then
-            Dim problem As Dictionary = status.Value(DRBurnQRX.DRErrorStatusKey)
-            Dim code As Integer = problem.Value(DRBurnQRX.DRErrorStatusErrorKey)
-            Return Hex(code) + ": " + problem.Value(DRBurnQRX.DRErrorStatusErrorStringKey).StringValue + raised
-        End If
-    Loop
+    Try
+        burn.writeLayout(DRTrackQRX.trackForRootFolder(root))
+        WaitFor(burn)
+        App.DoEvents(1)
+    Catch e As UnsupportedOperationException
+        raised = " and " + e.Message
+    End Try
+    WaitFor(burn)
+    Dim status As Dictionary = burn.status
+    If status.Value(DRBurnQRX.DRStatusStateKey) = DRBurnQRX.DRStatusStateDone Then Return "done" + raised
+    Dim problem As Dictionary = status.Value(DRBurnQRX.DRErrorStatusKey)
+    Dim code As Integer = problem.Value(DRBurnQRX.DRErrorStatusErrorKey)
+    Return Hex(code) + ": " + problem.Value(DRBurnQRX.DRErrorStatusErrorStringKey).StringValue + raised
 End Function
 
 Print BurnOf("unprepared") ' expect: 80020062: The producer of the file "produced.bin" could not prepare it, or can't tell its size.

@@ -97,8 +97,8 @@ Function BurnOf(mode As String, verification As String) As Produced
     Dim track As New Produced(verification)
     track.Mode = mode
     Dim burn As DRBurnQRX = NewBurn
-    burn.writeLayout(track)
     Try
+        burn.writeLayout(track)
         WaitFor(burn)
     Catch e As UnsupportedOperationException
         Print "raised: " + e.Message
