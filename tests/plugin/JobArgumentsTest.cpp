@@ -9,6 +9,8 @@
 #include "tests/plugin/PluginTest.hpp"
 #include "tests/plugin/Replaced.hpp"
 
+extern "C" void NSDeallocateObject(objc::Id object);
+
 namespace {
 
 using namespace test;
@@ -35,7 +37,8 @@ void takesByte(Id, Sel, objc::Boolean value) {
     ++calls;
     givenByte = value;
 }
-Id refuses(Id, Sel, Id) {
+Id refuses(Id self, Sel, Id) {
+    NSDeallocateObject(self); // as an initialiser does with an object that it does not answer
     raiseTestException();
     return nullptr;
 }
@@ -43,6 +46,10 @@ Id answersNothing(Id, Sel, Id value) {
     ++calls;
     given = value;
     return nullptr;
+}
+Id beginsNothing(Id self, Sel selector, Id value) {
+    NSDeallocateObject(self);
+    return answersNothing(nullptr, selector, value);
 }
 
 class JobArguments : public LoadedTest {
@@ -174,7 +181,7 @@ TEST_F(JobArguments, NilTextsAndDictionariesStayNil) {
 }
 
 TEST_F(JobArguments, AnEraseForNoDriveIsThePlatformsToMake) {
-    replaceMethod<"initWithDevice:", answersNothing>("DRErase");
+    replaceMethod<"initWithDevice:", beginsNothing>("DRErase");
     EXPECT_EQ((call<REALobject>("DREraseQRX", eraseFactory, REALobject{nullptr})), nullptr);
     EXPECT_EQ(calls, 1);
     EXPECT_EQ(given, nullptr);
