@@ -51,6 +51,14 @@ bool endsUnderLock(const Class& objectClass) {
     return false;
 }
 
+// Whether a plug-in may keep an object's address without a reference: it does where it calls events. Some drop a
+// reference that they never took, so also an object that was never asked for an event is met after its end.
+bool isKeptByAddress(const Class& objectClass) {
+    for (const Class* c = &objectClass; c; c = c->superOrNull())
+        if (c->definition() && c->definition()->eventCount > 0) return true;
+    return false;
+}
+
 // Drops a reference that is not the last one; false when it is.
 bool dropsOneOfMany(REALobject object) {
     auto* word = &object->header[kCountWord];
@@ -127,7 +135,7 @@ REALobject newObject(Class& objectClass) {
     if (!object) throw std::bad_alloc();
     object->header[kClassWord] = &objectClass;
     object->header[kCountWord] = reinterpret_cast<void*>(uintptr_t{1});
-    object->header[kMarkWord] = const_cast<char*>(&kAlive);
+    object->header[kMarkWord] = const_cast<char*>(isKeptByAddress(objectClass) ? &kOutlived : &kAlive);
     ++objectClass.liveCount;
     for (std::size_t i = 0; i < objectClass.fieldCount(); ++i)
         new (&fieldOf(object, i)) Value();
