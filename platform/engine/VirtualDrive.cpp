@@ -1,30 +1,18 @@
 // A folder that is a drive.
 #include "VirtualDrive.hpp"
 #include "DriveDescription.hpp"
+#include "DriveLock.hpp"
 #include "Failure.hpp"
 #include "VirtualReader.hpp"
 #include "VirtualTarget.hpp"
 
 #include <cerrno>
-#include <chrono>
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
-#include <thread>
 #include <unistd.h>
 
 namespace engine {
 namespace {
-
-// The lock file, locked; or not, when someone else has it. Who only looks whether somebody has it shares it with
-// others who look.
-Descriptor tryLock(int folder, const char* name = names::lock, int kind = LOCK_EX) {
-    Descriptor file(::openat(folder, name, O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0666));
-    if (!file) fail(ErrorCode::DeviceAccess, "The drive's lock can't be opened.", systemText(errno));
-    if (::flock(file.get(), kind | LOCK_NB) == 0) return file;
-    if (errno != EWOULDBLOCK) fail(ErrorCode::DeviceAccess, "The drive can't be locked.", systemText(errno));
-    return {};
-}
 
 constexpr std::string_view trayText(bool open) { return open ? "open\n" : "closed\n"; }
 
@@ -48,7 +36,7 @@ std::shared_ptr<VirtualDrive> VirtualDrive::open(const std::string& folder) {
     setCapabilities(drive->capabilities_, json);
     // What a process that died left behind is cleared away as soon as somebody looks, unless one is at work.
     guarded([&] {
-        if (const Descriptor lock = tryLock(drive->folder())) recoverMedium(drive->folder());
+        if (const Descriptor lock = tryClearUp(drive->folder())) recoverMedium(drive->folder());
     }).ok();
     return drive;
 }
@@ -131,17 +119,13 @@ Result<void> VirtualDrive::eject() {
 bool VirtualDrive::isBusy() const {
     const std::lock_guard lock(mutex_);
     if (burning_ || exclusive_ > 0) return true;
-    const auto free = guarded([&] { return static_cast<bool>(tryLock(folder(), names::lock, LOCK_SH)); });
-    return free && !*free;
+    const auto owned = guarded([&] { return isDriveOwned(folder()); });
+    return owned && *owned;
 }
 
 void VirtualDrive::lockLocked() {
     if (lock_) return;
-    // Another process that only looks is gone a moment later.
-    for (int tries = 0; tries < 20 && !lock_; ++tries) {
-        if (tries > 0) std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        lock_ = tryLock(folder());
-    }
+    lock_ = tryOwnDrive(folder());
     if (!lock_)
         fail(ErrorCode::DeviceBusy,
              "The drive " + inQuotes(displayName()) + " is in use by another program; try again later.");
@@ -188,7 +172,7 @@ void VirtualDrive::releaseMediaReservation() {
 bool VirtualDrive::holdsMediaReservation() {
     const std::lock_guard lock(mutex_);
     if (reservations_ > 0 && !reservation_) {
-        auto taken = guarded([&] { return tryLock(folder(), names::reservation); });
+        auto taken = guarded([&] { return tryReserve(folder()); });
         if (taken) reservation_ = std::move(*taken);
     }
     return static_cast<bool>(reservation_);

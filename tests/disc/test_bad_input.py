@@ -64,7 +64,7 @@ class BadInput(ExamplesCase):
     def test_a_drive_that_another_process_keeps_for_itself(self):
         folder = self.make_drive(kind="CD-RW", capacityBlocks=359847)
         with open(os.path.join(folder, "lock"), "w") as lock:
-            fcntl.flock(lock, fcntl.LOCK_EX)
+            fcntl.lockf(lock, fcntl.LOCK_EX)
             self.burn_fails(BUSY, "is in use by another program; try again later")
         self.assertEqual(self.learn(self.start("plain")), ["DRStatusStateDone"])
 

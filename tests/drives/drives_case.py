@@ -82,7 +82,7 @@ class DrivesCase(unittest.TestCase):
     def busy(self, name):
         """Another process has the drive."""
         file = open(self.drive(name, "lock"), "w", encoding="ascii")
-        fcntl.flock(file, fcntl.LOCK_EX)
+        fcntl.lockf(file, fcntl.LOCK_EX)
         self.addCleanup(file.close)
 
     def on_terminal(self, *arguments, answer=None):
