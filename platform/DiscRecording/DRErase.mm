@@ -1,6 +1,7 @@
 // DRErase: one erase of a re-writable disc.
 #import "DRErase.h"
 #import "DRDevicePrivate.h"
+#import "DRErasePrivate.h"
 #include "LivingObjects.hpp"
 #include "Notifications.hpp"
 #include "PathStrings.hpp"
@@ -13,6 +14,7 @@ struct DREraseInside {
     uint64_t number = 0; // as a living object
     std::mutex mutex;    // over what follows; the job itself is safe for threads
     std::unique_ptr<engine::EraseJob> job;
+    engine::DriveHold hold;               // until it is the job's
     std::optional<engine::Error> refused; // the reason why no job was begun
 };
 
@@ -43,7 +45,10 @@ struct DREraseInside {
 }
 
 - (void)dealloc {
+    const bool held = static_cast<bool>(_inside->hold);
     delete _inside;
+    if (held)
+        discrecording::drivesMayHaveChanged();
     [_properties release];
     [_device release];
     [super dealloc];
@@ -51,6 +56,16 @@ struct DREraseInside {
 
 - (DRDevice*)device {
     return _device;
+}
+
+- (BOOL)keepDevice {
+    const std::lock_guard lock(_inside->mutex);
+    if (_inside->job != nullptr || _inside->refused)
+        return NO;
+    if (!_inside->hold)
+        _inside->hold = engine::DriveHold(DRDriveOfDevice(_device));
+    discrecording::drivesMayHaveChanged();
+    return static_cast<bool>(_inside->hold);
 }
 
 - (void)start {
@@ -62,20 +77,24 @@ struct DREraseInside {
             [NSException raise:NSInternalInconsistencyException
                         format:@"This erase has been started before; make a new DRErase for every erase."];
         }
-        if (known)
+        if (known) {
             _inside->job = std::make_unique<engine::EraseJob>(DRDriveOfDevice(_device));
-        else
+            _inside->job->keep(std::move(_inside->hold));
+        } else {
+            _inside->hold = engine::DriveHold();
             _inside->refused = engine::Error{
                 engine::ErrorCode::FunctionNotSupported,
                 pathnames::bytesOf([NSString stringWithFormat:@"The erase's type is \"%@\"; use %@ or %@.",
                                                               type, DREraseTypeQuick, DREraseTypeComplete]),
                 {}};
+        }
     }
     if (!known) {
         engine::EraseStatus failed;
         failed.state = engine::EraseState::Failed;
         failed.error = _inside->refused;
         discrecording::postEraseStatus(_inside->number, failed);
+        discrecording::drivesMayHaveChanged();
         return;
     }
     const uint64_t number = _inside->number;

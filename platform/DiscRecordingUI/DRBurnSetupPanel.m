@@ -123,7 +123,7 @@ static NSTextField* OptionLabel(NSString* text) {
     if (!_burn->expanded)
         return y;
     [_burn->speedLabel setFrame:NSMakeRect(DRPanelTextLeft, y + 4, DRPanelLabelWidth, 18)];
-    [_burn->speeds setFrame:NSMakeRect(DRPanelOptionLeft, y, 200, DRPanelButtonHeight)];
+    [_burn->speeds setFrame:NSMakeRect(DRPanelOptionLeft, y, [self menuWidth], DRPanelButtonHeight)];
     y += DRPanelButtonHeight + DRPanelRowGap;
     [_burn->discLabel setFrame:NSMakeRect(DRPanelTextLeft, y, DRPanelLabelWidth, 18)];
     NSButton* boxes[] = {_burn->replace, _burn->appendable, _burn->verify, _burn->test};

@@ -17,7 +17,8 @@ struct DREraseSetupPanelInside;
 
 /**
  * A new erase with the drive and what was chosen; nil while the panel is shown and unless OK was chosen. From OK on the
- * drive is kept for this process, until the panel and all erases made by it are released.
+ * drive is kept for this process: by the panel until this is sent, it is shown again or released, and by the erase until
+ * that has ended or, when it is never started, is released.
  */
 - (DRErase*)eraseObject;
 

@@ -1,46 +1,18 @@
 // DREraseSetupPanel: how thoroughly a disc is erased, and the erase that is made of it.
 #import "DREraseSetupPanel.h"
-#import "DRErase.h"
+#import "DRErasePrivate.h"
 #import "DRPanelTexts.h"
 #import "DRSetupPanelPrivate.h"
-
-// Keeps every other process out of a drive for as long as it lives.
-@interface DRDriveHold : NSObject {
-    DRDevice* _device;
-}
-- (id)initWithDevice:(DRDevice*)device; // nil when the drive can't be had
-- (DRDevice*)device;
-@end
-
-@implementation DRDriveHold
-
-- (id)initWithDevice:(DRDevice*)device {
-    self = [super init];
-    if (self != nil && [device acquireExclusiveAccess]) {
-        _device = [device retain];
-        return self;
-    }
-    [self release];
-    return nil;
-}
-
-- (void)dealloc {
-    [_device releaseExclusiveAccess];
-    [_device release];
-    [super dealloc];
-}
-
-- (DRDevice*)device {
-    return _device;
-}
-
-@end
 
 struct DREraseSetupPanelInside {
     NSTextField* label;
     NSButton *quick, *complete;
-    DRDriveHold* hold;
+    DRErase* keeper; // keeps the drive from OK on, until an erase is asked for that does
 };
+
+@interface DREraseSetupPanel ()
+- (void)letGo;
+@end
 
 @implementation DREraseSetupPanel
 
@@ -55,8 +27,8 @@ struct DREraseSetupPanelInside {
 
 - (void)dealloc {
     struct DREraseSetupPanelInside* inside = _erase;
-    [inside->hold release];
-    inside->hold = nil;
+    [inside->keeper release];
+    inside->keeper = nil;
     [super dealloc];
     free(inside);
 }
@@ -70,8 +42,12 @@ struct DREraseSetupPanelInside {
 
 - (void)setupForDisplay {
     [super setupForDisplay];
-    [_erase->hold release];
-    _erase->hold = nil;
+    [self letGo];
+}
+
+- (void)letGo {
+    [_erase->keeper release];
+    _erase->keeper = nil;
 }
 
 // ---- the options
@@ -132,16 +108,20 @@ struct DREraseSetupPanelInside {
 
 // Nobody may come between the choice and the erase.
 - (BOOL)mayConfirm {
-    if (_erase->hold == nil)
-        _erase->hold = [[DRDriveHold alloc] initWithDevice:[self chosenDevice]];
-    return _erase->hold != nil;
+    [self letGo];
+    _erase->keeper = [[DRErase alloc] initWithDevice:[self chosenDevice]];
+    if (![_erase->keeper keepDevice])
+        [self letGo];
+    return _erase->keeper != nil;
 }
 
 - (DRErase*)eraseObject {
-    if (![self wasConfirmed] || [self chosenDevice] == nil)
+    if (![self wasConfirmed])
         return nil;
-    id erase = [[[NSClassFromString(@"DRErase") alloc] initWithDevice:[self chosenDevice]] autorelease];
+    DRErase* erase = [DRErase eraseForDevice:[self chosenDevice]];
     [erase setEraseType:[_erase->complete state] == NSOnState ? DREraseTypeComplete : DREraseTypeQuick];
+    [erase keepDevice]; // before the panel lets go, so that the drive is free at no time
+    [self letGo];
     return erase;
 }
 

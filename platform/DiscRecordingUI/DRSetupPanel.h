@@ -28,7 +28,10 @@ struct DRSetupPanelInside;
                   didEndSelector:(SEL)didEndSelector
                      contextInfo:(void*)contextInfo;
 
-/** Ends the panel. Does nothing but beep while there is no suitable disc in the drive that is chosen. */
+/**
+ * Ends the panel. Does nothing but beep while there is no suitable disc in the drive that is chosen, and nothing at all
+ * unless the panel is shown.
+ */
 - (IBAction)ok:(id)sender;
 - (IBAction)cancel:(id)sender;
 /** The disc of the chosen drive, or its tray. */

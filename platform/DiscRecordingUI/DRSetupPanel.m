@@ -12,6 +12,7 @@ struct DRSetupPanelInside {
     NSButton *eject, *cancel, *confirm;
     NSView* picture;
     DRDriveChoice* choice;
+    CGFloat trayWidth;
     NSArray* mediaSeen; // what the chosen drive's disc was like when it was last judged
     DRDevice* reserved; // the drive whose blank media this panel keeps for itself
     DRSheet* sheet;
@@ -89,7 +90,11 @@ struct DRSetupPanelInside {
     [_inside->driveLabel setStringValue:DRTextDriveLabel];
     [_inside->driveLabel setAlignment:NSRightTextAlignment];
     _inside->drives = DRMakeMenu(self, @selector(driveChosen:));
-    _inside->eject = DRMakeButton(DRTextEject, self, @selector(eject:));
+    NSString* trayTitles[] = {DRTextOpen, DRTextClose, DRTextEject};
+    for (unsigned i = 0; i < 3; i++) {
+        _inside->eject = DRMakeButton(trayTitles[i], self, @selector(eject:));
+        _inside->trayWidth = MAX(_inside->trayWidth, DRWidthOfButton(_inside->eject));
+    }
     _inside->cancel = DRMakeButton(DRTextCancel, self, @selector(cancel:));
     [_inside->cancel setKeyEquivalent:@"\033"];
     _inside->confirm = DRMakeButton([self defaultButtonText], self, @selector(ok:));
@@ -104,20 +109,22 @@ struct DRSetupPanelInside {
         [contents addSubview:[self extraButton]];
 }
 
+// Beside it there is room for each of the titles that the tray's button has, so that nothing moves when that changes.
+- (CGFloat)menuWidth {
+    return DRPanelOptionWidth - DRPanelButtonGap - _inside->trayWidth;
+}
+
 - (void)layoutPanel {
     CGFloat y = DRPanelMargin;
     const CGFloat promptHeight = DRHeightOfText(_inside->prompt, DRPanelTextWidth);
     [_inside->prompt setFrame:NSMakeRect(DRPanelTextLeft, y, DRPanelTextWidth, promptHeight)];
     y += MAX(promptHeight, DRPanelIconSize - DRPanelButtonHeight) + DRPanelRowGap;
-    const CGFloat ejectWidth = DRWidthOfButton(_inside->eject);
-    const CGFloat menuLeft = DRPanelOptionLeft;
+    const CGFloat menuWidth = [self menuWidth];
+    const CGFloat ejectLeft = DRPanelOptionLeft + menuWidth + DRPanelButtonGap;
     [_inside->driveLabel setFrame:NSMakeRect(DRPanelTextLeft, y + 4, DRPanelLabelWidth, 18)];
-    [_inside->drives
-        setFrame:NSMakeRect(menuLeft, y,
-                            DRPanelWidth - DRPanelMargin - ejectWidth - DRPanelButtonGap - menuLeft,
-                            DRPanelButtonHeight)];
+    [_inside->drives setFrame:NSMakeRect(DRPanelOptionLeft, y, menuWidth, DRPanelButtonHeight)];
     [_inside->eject
-        setFrame:NSMakeRect(DRPanelWidth - DRPanelMargin - ejectWidth, y, ejectWidth, DRPanelButtonHeight)];
+        setFrame:NSMakeRect(ejectLeft, y, DRPanelWidth - DRPanelMargin - ejectLeft, DRPanelButtonHeight)];
     y = [self layoutOptionsFrom:y + DRPanelButtonHeight + DRPanelRowGap] + DRPanelGroupGap - DRPanelRowGap;
     DRPlaceButtons([NSArray arrayWithObjects:_inside->confirm, _inside->cancel, nil], y);
     NSButton* extra = [self extraButton];
@@ -201,6 +208,8 @@ struct DRSetupPanelInside {
 
 // Looks for drives that came or went, and at the disc in the chosen one.
 - (void)lookAround {
+    if (_inside->ended) // what was confirmed stays
+        return;
     DRDevice* before = [[[self chosenDevice] retain] autorelease];
     if ([_inside->choice update])
         [self showDrives];
@@ -303,6 +312,7 @@ struct DRSetupPanelInside {
     [self followDrives]; // before they are looked at, so that no change is missed
     _inside->ended = NO;
     _inside->code = NSCancelButton;
+    [_inside->confirm setEnabled:NO]; // until its disc was judged; an event may send ok: before that
     [self setupForDisplay];
     _inside->handlesReservations =
         ![delegate respondsToSelector:@selector(setupPanelShouldHandleMediaReservations:)] ||
@@ -406,7 +416,10 @@ struct DRSetupPanelInside {
     }
 }
 
+// Before it is shown and once it has ended there is nothing to confirm: no drive may be taken then.
 - (IBAction)ok:(id)sender {
+    if (!_inside->displayed || _inside->ended)
+        return;
     if (![_inside->confirm isEnabled] || ![self mayConfirm])
         return NSBeep();
     [self endWithCode:NSOKButton];

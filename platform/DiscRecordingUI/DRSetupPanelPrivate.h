@@ -10,6 +10,8 @@
 /** OK was chosen and the panel has not been shown since. */
 - (BOOL)wasConfirmed;
 - (NSButton*)defaultButton;
+/** As wide as a menu is, so that menus one below the other end together. */
+- (CGFloat)menuWidth;
 /** Asks about the disc again, as when it changed. */
 - (void)reviewMedia;
 /** Places everything again, after a text or the number of parts changed. */

@@ -26,6 +26,7 @@ void cutOffAtExit() {
 
 struct EraseJob::Shared {
     DriveRef drive;
+    DriveHold hold; ///< the thread's once that runs
 
     mutable std::mutex mutex;
     std::condition_variable ended;
@@ -106,6 +107,7 @@ void EraseJob::Shared::run() noexcept {
     now.state = result ? EraseState::Done : EraseState::Failed;
     now.percent = result ? 1 : -1;
     if (!result) now.error = result.error();
+    hold = DriveHold();
     publish(now);
 }
 
@@ -122,6 +124,8 @@ void EraseJob::setObserver(Observer observer) {
     const std::lock_guard lock(shared_->calling);
     shared_->observer = std::move(observer);
 }
+
+void EraseJob::keep(DriveHold hold) { shared_->hold = std::move(hold); }
 
 Result<void> EraseJob::start(EraseType type) {
     return guarded([&] {

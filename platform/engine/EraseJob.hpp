@@ -1,7 +1,7 @@
 // One erase: the medium in a drive becomes blank, on a thread of the job's own.
 #pragma once
 
-#include "Drive.hpp"
+#include "DriveHold.hpp"
 
 #include <chrono>
 #include <functional>
@@ -49,6 +49,9 @@ class EraseJob {
     ~EraseJob();
 
     void setObserver(Observer observer); ///< before start()
+
+    /// Before start(): holds the drive until the erase has ended, and lets go before the status says so.
+    void keep(DriveHold hold);
 
     /// Starts and returns at once; all that goes wrong is in status(). A second start is BurnNotAllowed.
     Result<void> start(EraseType type);

@@ -114,6 +114,45 @@ TEST_F(EraseTest, statesComeInOrderAndProgressGrows) {
     EXPECT_EQ(again.error().code, ErrorCode::BurnNotAllowed);
 }
 
+TEST_F(EraseTest, aHeldDriveIsHeldUntilTheEraseHasEndedAndIsFreeWhenTheStatusSaysSo) {
+    const auto drive = burned(MediumKind::CDRW);
+    for (const bool erasable : {true, false}) {
+        EXPECT_TRUE(erasable || drive->eject().ok());
+        std::vector<std::pair<std::string, bool>> seen;
+        EraseJob job(drive);
+        DriveHold hold(drive);
+        ASSERT_TRUE(hold);
+        job.keep(std::move(hold));
+        EXPECT_FALSE(hold) << "it is the job's";
+        EXPECT_TRUE(drive->hasExclusiveAccess());
+        job.setObserver([&](const EraseStatus& now) {
+            const std::pair state(std::string(nameOf(now.state)), drive->hasExclusiveAccess());
+            if (seen.empty() || seen.back() != state) seen.push_back(state);
+        });
+        EXPECT_TRUE(job.start(EraseType::Quick).ok());
+        job.wait();
+        std::vector<std::pair<std::string, bool>> expected{{"Preparing", true}};
+        if (erasable) expected.insert(expected.end(), {{"Erasing", true}, {"Finishing", true}});
+        expected.emplace_back(erasable ? "Done" : "Failed", false);
+        EXPECT_EQ(seen, expected);
+        EXPECT_FALSE(drive->isBusy());
+    }
+}
+
+TEST_F(EraseTest, aHoldEndsWithItselfOrAJobThatIsNeverStarted) {
+    const auto drive = makeDrive();
+    {
+        DriveHold one(drive), two(drive);
+        one = DriveHold();
+        EXPECT_TRUE(drive->hasExclusiveAccess()) << "as often as it was taken";
+        EraseJob(drive).keep(std::move(two));
+        EXPECT_FALSE(drive->hasExclusiveAccess());
+    }
+    EXPECT_FALSE(DriveHold(nullptr));
+    fs::remove_all(drivePath());
+    EXPECT_FALSE(DriveHold(drive)) << "it is gone";
+}
+
 TEST_F(EraseTest, aBlankMediumStaysBlank) {
     const auto drive = makeDrive(MediumKind::CDRW);
     EXPECT_EQ(nameOf(erase(drive, EraseType::Complete).state), "Done");

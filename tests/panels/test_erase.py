@@ -36,6 +36,37 @@ While Not progress.finished
 Wend
 """
 
+# Goes on, step by step, when a file says so: {steps} are the steps after the setup panel. What the drive then says to
+# another process is what is looked at.
+STEPS = """
+Sub Step(what As String)
+    Print what
+    StdOut.Flush
+    While Not GetFolderItem(App.Arguments(0) + "/after " + what).Exists
+        App.DoEvents
+    Wend
+End Sub
+Dim setup As New DREraseSetupPanelQRX
+{before}
+Print setup.runSetupPanel
+{steps}
+Step("the end")
+"""
+WITH_PANEL = """
+Step("confirmed")
+Dim erase As DREraseQRX = setup.eraseObject
+Step("asked for")
+Dim progress As New DREraseProgressPanelQRX
+progress.beginProgressPanelForErase(erase)
+Dim state As String = DRBurnQRX.DRStatusStateNone
+While state <> DRBurnQRX.DRStatusStateDone And state <> DRBurnQRX.DRStatusStateFailed
+    App.DoEvents
+    state = erase.status.Value(DRBurnQRX.DRStatusStateKey).StringValue
+Wend
+Print state
+"""
+BUSY = "in use by another program"
+
 
 class Panels(Case):
     def burn(self, drive):
@@ -96,6 +127,91 @@ Wend
         self.assertEqual(program.end(), 0, program.errors)
         self.assertEqual(program.lines(), ["0"])
         self.assertTrue(os.path.exists(self.drives.image("Amber")))
+
+    def steps(self, steps, before=""):
+        self.drives.create("Amber", "DVD+RW")
+        return self.run_program(None, self.drives.scratch, text=STEPS.format(before=before, steps=steps))
+
+    def after(self, what):
+        with open(os.path.join(self.drives.scratch, "after " + what), "w", encoding="utf-8"):
+            pass
+
+    def ejected(self):
+        """As another process does it; whether it may."""
+        return BUSY not in self.drives.command("eject", "Amber")
+
+    def test_the_drive_is_kept_from_ok_until_the_erase_has_ended(self):
+        program = self.steps(WITH_PANEL)
+        self.display.wait_window("Erase a Disc")
+        self.display.keys("Return")
+        program.wait_lines(["1", "confirmed"])
+        self.assertFalse(self.ejected())
+        self.after("confirmed")
+        program.wait_lines(["1", "confirmed", "asked for"])
+        self.assertFalse(self.ejected())
+        self.after("asked for")
+        # The panels and the erase are still there.
+        program.wait_lines(["1", "confirmed", "asked for", "DRStatusStateDone", "the end"])
+        self.assertTrue(self.ejected())
+        self.assertIn("open", self.drives.command("show", "Amber"))
+        self.after("the end")
+        self.assertEqual(program.end(), 0, program.errors)
+
+    def test_an_erase_that_is_never_started_keeps_the_drive_until_it_goes(self):
+        program = self.steps("""
+Dim erase As DREraseQRX = setup.eraseObject
+Dim another As DREraseQRX = setup.eraseObject
+Step("two")
+erase = Nil
+Step("one")
+another = Nil
+""")
+        self.display.wait_window("Erase a Disc")
+        self.display.keys("Return")
+        program.wait_lines(["1", "two"])
+        self.assertFalse(self.ejected())
+        self.after("two")
+        program.wait_lines(["1", "two", "one"])
+        self.assertFalse(self.ejected())
+        self.after("one")
+        program.wait_lines(["1", "two", "one", "the end"])
+        self.assertTrue(self.ejected())
+        self.after("the end")
+        self.assertEqual(program.end(), 0, program.errors)
+
+    def test_ok_before_the_panel_is_shown_and_after_it_was_cancelled_takes_no_drive(self):
+        program = self.steps("""
+setup.ok
+Print setup.eraseObject Is Nil
+""", before='setup.ok\nStep("begun")')
+        program.wait_lines(["begun"])
+        self.assertTrue(self.ejected())
+        self.drives.command("close", "Amber")
+        self.after("begun")
+        self.display.wait_window("Erase a Disc")
+        self.display.keys("Escape")
+        program.wait_lines(["begun", "0", "True", "the end"])
+        self.assertTrue(self.ejected())
+        self.after("the end")
+        self.assertEqual(program.end(), 0, program.errors)
+
+    def test_a_panel_that_is_shown_again_lets_go_of_what_was_confirmed_before(self):
+        program = self.steps("""
+Step("confirmed")
+Print setup.runSetupPanel
+Print setup.eraseObject Is Nil
+""")
+        self.display.wait_window("Erase a Disc")
+        self.display.keys("Return")
+        program.wait_lines(["1", "confirmed"])
+        self.assertFalse(self.ejected())
+        self.after("confirmed")
+        self.display.wait_window("Erase a Disc")
+        self.display.keys("Escape")
+        program.wait_lines(["1", "confirmed", "0", "True", "the end"])
+        self.assertTrue(self.ejected())
+        self.after("the end")
+        self.assertEqual(program.end(), 0, program.errors)
 
     def test_what_cant_be_erased_cant_be_confirmed(self):
         self.drives.create("Amber", "CD-R")

@@ -3,7 +3,7 @@
 //     AccessTest                     the test; it starts itself as the other process
 //     AccessTest exclusive|reserve   takes that, says what came of it, and holds it until a line comes in
 #import "Burning.h"
-#import "DRErase.h"
+#import "DRErasePrivate.h"
 
 #include <signal.h>
 #include <spawn.h>
@@ -81,6 +81,22 @@ static int OtherProcess(const char* what) {
 
 static DRTrack* Track(void) { return [DRTrack trackForRootFolder:[DRFolder virtualFolderWithName:@"Disc"]]; }
 
+static void CheckOther(const char* sentence, NSString* expected) {
+    Other other = Start("exclusive");
+    SAME(sentence, Said(other), expected);
+    Finished(other);
+}
+
+static void Await(DRErase* erase) {
+    for (int naps = 0; naps < 3000; naps++) {
+        NSString* state = [[erase status] objectForKey:DRStatusStateKey];
+        if ([state isEqual:DRStatusStateFailed] || [state isEqual:DRStatusStateDone])
+            break;
+        struct timespec nap = {0, 10000000};
+        nanosleep(&nap, NULL);
+    }
+}
+
 static void CheckKeptOut(DRDevice* device) {
     PASS("no exclusive access for a second one", ![device acquireExclusiveAccess]);
     PASS("who sees that the drive is busy",
@@ -89,13 +105,7 @@ static void CheckKeptOut(DRDevice* device) {
     ExpectError("nor burns", BurnOn(device, Track(), nil), 0x80020021, @"in use by another program");
     DRErase* erase = [DRErase eraseForDevice:device];
     [erase start];
-    for (int naps = 0; naps < 3000; naps++) {
-        NSString* state = [[erase status] objectForKey:DRStatusStateKey];
-        if ([state isEqual:DRStatusStateFailed] || [state isEqual:DRStatusStateDone])
-            break;
-        struct timespec nap = {0, 10000000};
-        nanosleep(&nap, NULL);
-    }
+    Await(erase);
     ExpectError("nor erases", [erase status], 0x80020021, @"in use by another program");
     PASS("and all is as it was", [device mediaIsPresent] && [device mediaIsBlank]);
 }
@@ -136,6 +146,41 @@ static void TestExclusiveAccess(void) {
     [device releaseExclusiveAccess];
 }
 
+// As a panel does it, so that nobody comes between a person's choice and the erase.
+static void TestKeptForAnErase(void) {
+    DRDevice* device = Device("DVD+RW");
+    DRErase* erase = [[DRErase alloc] initWithDevice:device];
+    PASS("an erase keeps its drive", [erase keepDevice] && [erase keepDevice] && [device mediaIsBusy]);
+    CheckOther("from everybody else", @"refused");
+    [erase start];
+    Await(erase);
+    SAME("and erases", [[erase status] objectForKey:DRStatusStateKey], DRStatusStateDone);
+    CheckOther("and lets go when it is done", @"taken");
+    PASS("and keeps no more", ![erase keepDevice] && ![device mediaIsBusy]);
+    [erase release];
+
+    erase = [[DRErase alloc] initWithDevice:device];
+    PASS("one that is never started keeps it, too", [erase keepDevice]);
+    CheckOther("as long as it is there", @"refused");
+    [erase release];
+    CheckOther("and no longer", @"taken");
+
+    erase = [[DRErase alloc] initWithDevice:device];
+    [erase setEraseType:@"thorough"];
+    PASS("one that can't be begun", [erase keepDevice]);
+    [erase start];
+    CheckOther("keeps nothing", @"taken");
+    [erase release];
+
+    Other other = Start("exclusive");
+    SAME("the other one was first", Said(other), @"taken");
+    erase = [[DRErase alloc] initWithDevice:device];
+    PASS("so it can't be had", ![erase keepDevice]);
+    [erase release];
+    Finished(other);
+    PASS("nor can none", ![[DRErase eraseForDevice:nil] keepDevice]);
+}
+
 static void TestReservation(void) {
     DRDevice* device = Device("CD-R");
     Other other = Start("reserve");
@@ -166,6 +211,7 @@ int main(int count, char** arguments) {
     drives = [place stringByAppendingPathComponent:@"drives"];
     setenv("DISC_DRIVES", [drives UTF8String], 1);
     TestExclusiveAccess();
+    TestKeptForAnErase();
     TestReservation();
     [[NSFileManager defaultManager] removeFileAtPath:place handler:nil];
     [pool release];
