@@ -1,9 +1,39 @@
-// DRProgressPanelPrivate.h: what the two progress panels tell their common half, and what it does for them.
+// DRProgressPanelPrivate.h: what is inside a progress panel, what the two tell it, and what it does for them.
 #ifndef DISCRECORDINGUI_DRPROGRESSPANELPRIVATE_H
 #define DISCRECORDINGUI_DRPROGRESSPANELPRIVATE_H
 
+#import "DRDriveWatch.h"
 #import "DRPanelParts.h"
 #import "DRProgressPanel.h"
+#import "DRProgressTime.h"
+#import "DRSheet.h"
+
+typedef enum { Idle, Running, Asking, Stopping, Failed } DRJobStage;
+
+struct DRProgressPanelInside {
+    NSTextField *headline, *state, *timeLeft, *speed;
+    NSProgressIndicator* bar;
+    NSButton *stop, *keep, *done; // done ends what is shown of a failure
+    NSView* picture;
+    NSString* text;
+    BOOL verbose;
+    DRJobStage stage;
+    id job;
+    DRSheet* sheet;
+    DRDriveWatch* watch;
+    DRProgressTime* time;
+    BOOL stoppedByPerson;
+};
+
+@interface DRProgressPanel (Parts)
+- (void)addParts;
+/** Places everything again, after a text or the number of parts changed. */
+- (void)layoutPanel;
+/** What is on the panel follows from the stage, but for the text under its headline. */
+- (void)showStage:(DRJobStage)stage text:(NSString*)text;
+/** How far the job is. */
+- (void)showStatus:(NSDictionary*)status;
+@end
 
 @interface DRProgressPanel (ForSubclasses)
 /**

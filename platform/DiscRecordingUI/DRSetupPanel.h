@@ -34,13 +34,19 @@ struct DRSetupPanelInside;
  */
 - (IBAction)ok:(id)sender;
 - (IBAction)cancel:(id)sender;
+
+/** Sent before the panel is shown. Whoever overrides this, or one of the two below, sends it to super, too. */
+- (void)setupForDisplay;
+
+@end
+
+@interface DRSetupPanel (Drive)
+
 /** The disc of the chosen drive, or its tray. */
 - (IBAction)eject:(id)sender;
 - (IBAction)open:(id)sender;
 - (IBAction)close:(id)sender;
 
-/** Sent before the panel is shown. Whoever overrides one of these three sends it to super, too. */
-- (void)setupForDisplay;
 /** Sent when another drive was chosen, by a person or since one came or went; nil when there is none. */
 - (void)deviceSelectionChanged:(DRDevice*)device;
 /** Sent with the status of the chosen drive when that changed. YES: its disc will do, and OK can be chosen. */

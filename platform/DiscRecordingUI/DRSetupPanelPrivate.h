@@ -1,21 +1,55 @@
-// DRSetupPanelPrivate.h: what the two setup panels add to what they have in common.
+// DRSetupPanelPrivate.h: what is inside a setup panel, and what the two panels add to it.
 #ifndef DISCRECORDINGUI_DRSETUPPANELPRIVATE_H
 #define DISCRECORDINGUI_DRSETUPPANELPRIVATE_H
 
+#import "DRDriveChoice.h"
 #import "DRPanelParts.h"
 #import "DRSetupPanel.h"
+#import "DRSheet.h"
 
-@interface DRSetupPanel (ForSubclasses)
-- (DRDevice*)chosenDevice;
+struct DRSetupPanelInside {
+    NSTextField *prompt, *driveLabel;
+    NSPopUpButton* drives;
+    NSButton *eject, *cancel, *confirm;
+    NSView* picture;
+    CGFloat trayWidth; // of the button with the longest of its titles
+    DRDriveChoice* choice;
+    NSArray* mediaSeen; // what the chosen drive's disc was like when it was last judged
+    DRDevice* reserved; // the drive whose blank media this panel keeps for itself
+    DRSheet* sheet;
+    id sheetDelegate;
+    SEL sheetDidEnd;
+    void* sheetContext;
+    BOOL displayed, modal, ended, handlesReservations;
+    int code;
+};
+
+@interface DRSetupPanel (Life)
 /** OK was chosen and the panel has not been shown since. */
 - (BOOL)wasConfirmed;
-- (NSButton*)defaultButton;
-/** As wide as a menu is, so that menus one below the other end together. */
-- (CGFloat)menuWidth;
-/** Asks about the disc again, as when it changed. */
-- (void)reviewMedia;
+@end
+
+@interface DRSetupPanel (Parts)
+- (void)addParts;
 /** Places everything again, after a text or the number of parts changed. */
 - (void)layoutPanel;
+/** As wide as a menu is, so that menus one below the other end together. */
+- (CGFloat)menuWidth;
+- (NSButton*)defaultButton;
+@end
+
+@interface DRSetupPanel (Drives)
+- (DRDevice*)chosenDevice;
+/** Hears of drives and discs in every mode of the run loop in which a panel can be on the screen. */
+- (void)followDrives;
+/** Puts the drives that there are into the menu. */
+- (void)showDrives;
+/** Tells of the chosen drive, and judges its disc. */
+- (void)announceDevice;
+/** Nil for none: what was reserved before is given back. */
+- (void)reserveMediaOf:(DRDevice*)device;
+/** Asks about the disc again, as when it changed. */
+- (void)reviewMedia;
 @end
 
 /** Overridden by the two panels; here they do nothing. */
