@@ -2,17 +2,30 @@
 #include "BurnProcess.hpp"
 
 namespace discrecording {
+namespace {
 
-BurnProcess::BurnProcess(engine::DriveRef drive, BurnPlan plan, engine::BurnJob::Observer observer)
-    : observer_(std::move(observer)), job_(std::move(drive)), ejectWhenDone_(plan.ejectWhenDone),
-      ejectWhenFailed_(plan.ejectWhenFailed) {
+// Whether the burn failed because the drive was not its own.
+bool isForLackOfDrive(engine::ErrorCode code) noexcept {
+    using engine::ErrorCode;
+    return code == ErrorCode::DeviceBusy || code == ErrorCode::MediaBusy ||
+           code == ErrorCode::DeviceInvalid || code == ErrorCode::MediaNotPresent;
+}
+
+} // namespace
+
+BurnProcess::BurnProcess(engine::DriveRef drive, BurnPlan plan, std::optional<engine::Error> refused,
+                         engine::BurnJob::Observer observer)
+    : observer_(std::move(observer)), job_(std::move(drive)), refused_(std::move(refused)),
+      ejectWhenDone_(plan.ejectWhenDone), ejectWhenFailed_(plan.ejectWhenFailed) {
     if (observer_) {
         job_.setObserver([this](const engine::BurnStatus& status) {
             if (!status.isFinal()) observer_(status); // the end is told when it has settled
         });
     }
-    if (auto started = job_.start(std::move(plan.layout), plan.options); !started.ok())
-        refused_ = started.error();
+    if (!refused_) {
+        if (auto started = job_.start(std::move(plan.layout), plan.options); !started.ok())
+            refused_ = started.error();
+    }
     finisher_ = std::thread([this] { finish(); });
 }
 
@@ -23,14 +36,27 @@ BurnProcess::~BurnProcess() {
 }
 
 void BurnProcess::finish() {
-    const engine::BurnStatus end = job_.wait();
-    const bool eject = end.state == engine::BurnState::Done ? ejectWhenDone_ : ejectWhenFailed_;
+    engine::BurnStatus end = job_.wait();
+    if (refused_) {
+        end.state = engine::BurnState::Failed;
+        end.error = refused_;
+    }
     // A medium that can't be ejected (someone else keeps the drive) stays inside: the burn itself went as it
     // went.
-    if (eject && job_.drive() != nullptr) (void)job_.drive()->eject();
+    if (ejectsAfter(end)) (void)job_.drive()->eject();
     settled_ = true;
     if (observer_) observer_(status());
     settled_.notify_all();
+}
+
+// Deliberate: a burn that was begun and failed does what it was told to do then, however early it failed; what is in the
+// drive is not what was wanted. A drive that was never the burn's own, or that is empty, is left as it is.
+bool BurnProcess::ejectsAfter(const engine::BurnStatus& end) const {
+    if (job_.drive() == nullptr) return false;
+    if (end.state == engine::BurnState::Done) return ejectWhenDone_;
+    if (!ejectWhenFailed_ || (end.error && isForLackOfDrive(end.error->code))) return false;
+    const auto medium = job_.drive()->readMedium();
+    return !medium.ok() || medium->has_value();
 }
 
 engine::BurnStatus BurnProcess::status() const {

@@ -19,9 +19,10 @@ struct BurnPlan {
 /// Starts at once. status() and abort() may be called from any thread.
 class BurnProcess {
   public:
-    /// `observer` may be empty; it is called on the engine's threads with all that status() answers one after
-    /// the other, and never after the destructor.
-    BurnProcess(engine::DriveRef drive, BurnPlan plan, engine::BurnJob::Observer observer = {});
+    /// `refused`: why the plan can't be burned; the burn then fails with it. `observer` may be empty; it is called on
+    /// the engine's threads with all that status() answers one after the other, and never after the destructor.
+    BurnProcess(engine::DriveRef drive, BurnPlan plan, std::optional<engine::Error> refused = {},
+                engine::BurnJob::Observer observer = {});
     BurnProcess(const BurnProcess&) = delete;
     BurnProcess& operator=(const BurnProcess&) = delete;
     /// Ends a running burn and waits until the medium is consistent.
@@ -36,10 +37,11 @@ class BurnProcess {
 
   private:
     void finish();
+    bool ejectsAfter(const engine::BurnStatus& end) const;
 
     engine::BurnJob::Observer observer_;
     engine::BurnJob job_;
-    std::optional<engine::Error> refused_; // set before the thread starts, when the job would not
+    std::optional<engine::Error> refused_; // set before the thread starts, when no job was started
     bool ejectWhenDone_;
     bool ejectWhenFailed_;
     std::atomic<bool> settled_ = false;

@@ -13,9 +13,12 @@ bool burnFlag(NSDictionary* properties, NSString* key, bool otherwise);
 /// DRBurnRequestedSpeedKey, or the default.
 float requestedSpeed(NSDictionary* properties);
 
-/// Sets everything of the plan but its layout. What the properties don't say stays as it is: an image may have
-/// said it. Errors: BadLayout, CantWriteCDText, DoubleLayerL0DataZoneParameter, StrategyNotAvailable,
-/// FunctionNotSupported.
+/// Sets what is done with the medium afterwards; also when it answers an error, FunctionNotSupported. After an action
+/// that nobody knows nothing is done.
+engine::Result<void> readBurnActions(BurnPlan& plan, NSDictionary* properties);
+
+/// Sets everything of the plan but its layout and the actions. What the properties don't say stays as it is: an image may have
+/// said it. Errors: BadLayout, CantWriteCDText, DoubleLayerL0DataZoneParameter, StrategyNotAvailable.
 engine::Result<void> readBurnProperties(BurnPlan& plan, NSDictionary* properties);
 
 } // namespace discrecording

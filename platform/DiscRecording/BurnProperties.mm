@@ -125,18 +125,22 @@ float requestedSpeed(NSDictionary* properties) {
     return [value respondsToSelector:@selector(floatValue)] ? [value floatValue] : DRDeviceBurnSpeedMax;
 }
 
-Result<void> readBurnProperties(BurnPlan& plan, NSDictionary* properties) {
-    const auto ejectsDone = ejects(properties, DRBurnCompletionActionKey, DRBurnCompletionActionEject,
-                                   DRBurnCompletionActionMount);
-    if (!ejectsDone.ok())
-        return ejectsDone.error();
-    const auto ejectsFailed =
+Result<void> readBurnActions(BurnPlan& plan, NSDictionary* properties) {
+    const auto whenFailed =
         ejects(properties, DRBurnFailureActionKey, DRBurnFailureActionEject, DRBurnFailureActionNone);
-    if (!ejectsFailed.ok())
-        return ejectsFailed.error();
-    plan.ejectWhenDone = *ejectsDone;
-    plan.ejectWhenFailed = *ejectsFailed;
+    // Nobody knows what was meant, so nothing is done.
+    plan.ejectWhenFailed = whenFailed.ok() && *whenFailed;
+    const auto whenDone = ejects(properties, DRBurnCompletionActionKey, DRBurnCompletionActionEject,
+                                 DRBurnCompletionActionMount);
+    if (!whenDone.ok())
+        return whenDone.error();
+    plan.ejectWhenDone = *whenDone;
+    if (!whenFailed.ok())
+        return whenFailed.error();
+    return {};
+}
 
+Result<void> readBurnProperties(BurnPlan& plan, NSDictionary* properties) {
     engine::BurnOptions& options = plan.options;
     for (const auto read : {readCatalogNumber, readCDText, readLayerBreak, readStrategies}) {
         if (const auto done = read(options, properties); !done.ok())

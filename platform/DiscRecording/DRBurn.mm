@@ -13,12 +13,10 @@
 #include <memory>
 #include <mutex>
 
-// At most one of the two holds: a running or ended burn, or the reason why none was begun.
 struct DRBurnInside {
     uint64_t number = 0; // as a living object
-    std::mutex mutex;    // over the pointers; the run itself is safe for threads
+    std::mutex mutex;    // over what follows; the run itself is safe for threads
     std::shared_ptr<discrecording::BurnProcess> run;
-    std::optional<engine::Error> refused;
     bool used = false;
 };
 
@@ -29,27 +27,29 @@ using engine::Error;
 using engine::ErrorCode;
 using engine::Result;
 
-Result<BurnPlan> planOf(DRDevice* device, NSArray* sessions, DRImageLayout* image, NSDictionary* properties,
-                        uint64_t burn) {
+// What is to be done; answers why it can't be.
+Result<void> fillPlan(BurnPlan& plan, DRDevice* device, NSArray* sessions, DRImageLayout* image,
+                      NSDictionary* properties, uint64_t burn) {
+    // First, because they hold for a plan that fails, too.
+    const auto actions = discrecording::readBurnActions(plan, properties);
     if (DRDriveOfDevice(device) == nullptr) {
         return Error{ErrorCode::DeviceInvalid,
                      "The burn has no drive; make it for one of the drives that are there.",
                      {}};
     }
-    BurnPlan plan;
     if (image != nil) {
         if (const auto read = DRReadImageLayout(image, plan); !read.ok())
-            return read.error();
+            return read;
     } else {
         auto layout = discrecording::layoutOfSessions(sessions, {burn, DRDriveOfDevice(device)});
         if (!layout.ok())
             return layout.error();
         plan.layout = std::move(*layout);
     }
+    if (!actions.ok())
+        return actions;
     // Last, because they count more than what an image says.
-    if (const auto read = discrecording::readBurnProperties(plan, properties); !read.ok())
-        return read.error();
-    return plan;
+    return discrecording::readBurnProperties(plan, properties);
 }
 
 } // namespace
@@ -123,21 +123,10 @@ Result<BurnPlan> planOf(DRDevice* device, NSArray* sessions, DRImageLayout* imag
         _inside->used = true;
     }
     _sessions = [sessions retain];
-    auto plan = planOf(_device, sessions, image, _properties, _inside->number);
+    BurnPlan plan;
+    const auto filled = fillPlan(plan, _device, sessions, image, _properties, _inside->number);
     // Who waits for the end is told nothing on the way.
     const bool waits = discrecording::burnFlag(_properties, DRSynchronousBehaviorKey, false);
-    if (!plan.ok()) {
-        engine::BurnStatus failed;
-        failed.state = engine::BurnState::Failed;
-        failed.error = plan.error();
-        {
-            const std::lock_guard lock(_inside->mutex);
-            _inside->refused = plan.error();
-        }
-        if (!waits)
-            discrecording::postBurnStatus(_inside->number, failed);
-        return;
-    }
     engine::BurnJob::Observer observer;
     if (!waits) {
         const uint64_t number = _inside->number;
@@ -147,10 +136,13 @@ Result<BurnPlan> planOf(DRDevice* device, NSArray* sessions, DRImageLayout* imag
                 discrecording::drivesMayHaveChanged();
         };
     }
-    const auto run = std::make_shared<discrecording::BurnProcess>(DRDriveOfDevice(_device), std::move(*plan),
-                                                                  std::move(observer));
+    std::shared_ptr<discrecording::BurnProcess> run;
     {
+        // Held meanwhile, so that who is told of the end asks the run for it.
         const std::lock_guard lock(_inside->mutex);
+        run = std::make_shared<discrecording::BurnProcess>(
+            DRDriveOfDevice(_device), std::move(plan),
+            filled.ok() ? std::nullopt : std::make_optional(filled.error()), std::move(observer));
         _inside->run = run;
     }
     if (waits)
@@ -173,12 +165,8 @@ Result<BurnPlan> planOf(DRDevice* device, NSArray* sessions, DRImageLayout* imag
     {
         const std::lock_guard lock(_inside->mutex);
         run = _inside->run;
-        if (_inside->refused) {
-            status.state = engine::BurnState::Failed;
-            status.error = _inside->refused;
-        } else if (_inside->used) {
+        if (_inside->used)
             status.state = engine::BurnState::Preparing;
-        }
     }
     return discrecording::statusDictionary(run != nullptr ? run->status() : status);
 }

@@ -70,6 +70,8 @@ class Case(RecorderTest):
             "DRStatusStateFailed",
             'The disc in "TESTLAB MMC RECORDER" could not be written; try another disc.',
             "Medium Error", "Write error", "18 3 12"])
+        # The burn was told nothing else, and the library had let go of the drive before it was over.
+        self.assertTrue(self.state()["trayOpen"])
 
 
 if __name__ == "__main__":

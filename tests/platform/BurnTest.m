@@ -459,6 +459,71 @@ static void TestLastReference(NSString* source) {
     PASS("and leaves the drive free", ![device mediaIsBusy]);
 }
 
+// A burn of the layout that is told nothing, or to leave the disc where it is, has failed; with which error.
+static unsigned FailedOn(DRDevice* device, id layout, NSString* action) {
+    DRBurn* burn = [DRBurn burnForDevice:device];
+    if (action != nil) {
+        [burn setProperties:[NSDictionary dictionaryWithObject:action forKey:DRBurnFailureActionKey]];
+    }
+    [burn writeLayout:layout];
+    Await(burn);
+    SAME("has failed", State(burn), DRStatusStateFailed);
+    return (unsigned)ErrorOf(burn);
+}
+
+static void TestFailureAction(NSString* source) {
+    DRTrack* track = [DRTrack trackForRootFolder:[DRFolder folderWithPath:source]];
+    DRTrack* other = [DRTrack trackForRootFolder:[DRFolder folderWithPath:source]];
+    struct {
+        const char* what;
+        id layout;
+        unsigned code;
+    } failing[] = {
+        {"a track twice", [NSArray arrayWithObjects:track, track, nil], 0x8002006F},
+        {"no such folder", [DRTrack trackForRootFolder:[DRFolder folderWithPath:@"/no/such"]], 0x80020101},
+        {"no producer", [[[DRTrack alloc] initWithProducer:nil] autorelease], 0x80020062},
+        {"two tracks on a DVD", [NSArray arrayWithObjects:track, other, nil], 0x80020064},
+    };
+    for (size_t i = 0; i < sizeof failing / sizeof *failing; i++) {
+        DRDevice* device = FreshDevice();
+        PASS(failing[i].what,
+             FailedOn(device, failing[i].layout, DRBurnFailureActionNone) == failing[i].code);
+        PASS("the disc stays when it is to", ![device trayIsOpen] && [device mediaIsBlank]);
+        PASS(failing[i].what, FailedOn(device, failing[i].layout, nil) == failing[i].code);
+        PASS("else it is ejected, however early the burn failed", [device trayIsOpen]);
+    }
+    DRDevice* device = FreshDevice();
+    PASS("an action that nobody knows", FailedOn(device, track, @"Polish") == 0x80020067);
+    PASS("moves nothing", ![device trayIsOpen]);
+    PASS("one for the end that nobody knows", (unsigned)({
+                                                  DRBurn* burn = [DRBurn burnForDevice:device];
+                                                  [burn setCompletionAction:@"Polish"];
+                                                  [burn writeLayout:track];
+                                                  Await(burn);
+                                                  ErrorOf(burn);
+                                              }) == 0x80020067);
+    PASS("is a failure like others", [device trayIsOpen]);
+
+    [device closeTray];
+    PASS("a drive without a disc",
+         Run(@"rm '%@/medium.json'", [drives stringByAppendingPathComponent:@"drive-1"]));
+    PASS("the burn says so", FailedOn(device, track, nil) == 0x80020041);
+    PASS("and does not open the tray", ![device trayIsOpen]);
+    PASS("nor does one that fails before", FailedOn(device, failing[0].layout, nil) == failing[0].code);
+    PASS("it looks into the drive", ![device trayIsOpen]);
+
+    // Somebody else's drive: what burns there goes on, and its disc stays.
+    device = FreshDevice();
+    DRBurn* slow = SlowBurn(device, source);
+    PASS("one burn at a time", FailedOn(device, track, nil) == 0x80020021);
+    PASS("and another layout's fault", FailedOn(device, failing[0].layout, nil) == failing[0].code);
+    PASS("moves nothing either", ![device trayIsOpen] && !IsOver(slow));
+    [slow abort];
+    Await(slow);
+    PASS("and the first ends as it was told to",
+         (unsigned)ErrorOf(slow) == 0x80020066 && ![device trayIsOpen]);
+}
+
 int main(void) {
     NSAutoreleasePool* pool = [NSAutoreleasePool new];
     place = NewFolder();
@@ -482,6 +547,7 @@ int main(void) {
     // More data, so that a burn can be met in the middle.
     PASS("the folder grows", Run(@"head -c 12000000 /dev/urandom > '%@/bigger.bin'", source));
     TestAbort(source);
+    TestFailureAction(source);
     TestLastReference(source);
     Run(@"chmod -R u+w '%@'; rm -rf '%@'", place, place);
     [pool release];

@@ -21,6 +21,7 @@ namespace engine {
 namespace {
 
 constexpr auto mediumIsFresh = std::chrono::seconds(1);
+constexpr auto mostToLetGo = std::chrono::seconds(30);
 constexpr int statusOfNone = -1;
 
 std::string trimmed(const char* text) {
@@ -166,7 +167,6 @@ void PhysicalDrive::release() {
 
 void PhysicalDrive::reopen() {
     const std::lock_guard lock(mutex_);
-    medium_.reset();
     // The library's thread goes on for a moment after its job is over; until then it keeps the drive.
     for (int attempt = 0; attempt < 300; ++attempt) {
         if (burn_drive_info_forget(infos_, 1) > 0) break;
@@ -236,11 +236,15 @@ bool PhysicalDrive::isTrayOpen() const { return status() == CDS_TRAY_OPEN; }
 
 void PhysicalDrive::mechanics(unsigned long request, const char* what) {
     requireValid();
+    waitUntilLetGo();
     const std::lock_guard commands(commands_);
     const std::lock_guard lock(mutex_);
     if (burning_)
         fail(ErrorCode::DeviceBusy,
              "The drive " + inQuotes(displayName()) + " is writing; wait until it is done.");
+    if (grabs_ == 0 && isOwnedElsewhere())
+        fail(ErrorCode::DeviceBusy,
+             "The drive " + inQuotes(displayName()) + " is in use by another program; try again later.");
     const Descriptor device = openForStatus(path());
     if (!device)
         fail(ErrorCode::DeviceAccess, "The drive " + inQuotes(displayName()) + " can't be used.",
@@ -271,14 +275,22 @@ Result<void> PhysicalDrive::eject() {
     return guarded([&] { mechanics(CDROMEJECT, "open"); });
 }
 
+// What is over needs a moment until it has let go of the drive, and whoever waited for its end may use it.
+void PhysicalDrive::waitUntilLetGo() {
+    std::unique_lock lock(mutex_);
+    letGo_.wait_for(lock, mostToLetGo, [this] { return !burning_ || !isEnding_; });
+}
+
 // The kernel lets one opener in who wants the drive for himself.
+bool PhysicalDrive::isOwnedElsewhere() const { return !openForStatus(path(), O_EXCL) && errno == EBUSY; }
+
 bool PhysicalDrive::isBusy() const {
     {
         const std::lock_guard lock(mutex_);
         if (burning_ || exclusive_ > 0) return true;
         if (grabs_ > 0) return false; // only looking
     }
-    return !openForStatus(path(), O_EXCL) && errno == EBUSY;
+    return isOwnedElsewhere();
 }
 
 Result<void> PhysicalDrive::acquireExclusiveAccess() {
@@ -332,12 +344,19 @@ void PhysicalDrive::beginJob() {
         fail(ErrorCode::DeviceBusy,
              "The drive " + inQuotes(displayName()) + " is already writing; wait until it is done.");
     burning_ = true;
+    isEnding_ = false;
+}
+
+void PhysicalDrive::willEndBurn() {
+    const std::lock_guard lock(mutex_);
+    isEnding_ = true;
 }
 
 void PhysicalDrive::endBurn() {
     const std::lock_guard lock(mutex_);
     burning_ = false;
     medium_.reset();
+    letGo_.notify_all();
 }
 
 Result<std::unique_ptr<BurnTarget>> PhysicalDrive::beginBurn() {

@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <condition_variable>
 #include <mutex>
 
 #include "LibBurn.hpp"
@@ -61,7 +62,9 @@ class PhysicalDrive final : public Drive, public std::enable_shared_from_this<Ph
     /// The library begins anew with a drive whose job it did not bring to its end: what cut that off would cut off
     /// everything that follows. Commands held.
     void reopen();
-    /// Ends what beginBurn() began.
+    /// Ends what beginBurn() began: the first at once when the burn is over, the second when the library has let go of
+    /// the drive. The tray waits for it; all else is DeviceBusy in between.
+    void willEndBurn();
     void endBurn();
     const std::string& path() const noexcept { return identity_.id; }
 
@@ -74,6 +77,8 @@ class PhysicalDrive final : public Drive, public std::enable_shared_from_this<Ph
     void release();
     void beginJob();
     int status() const;
+    void waitUntilLetGo();
+    bool isOwnedElsewhere() const;
     void mechanics(unsigned long request, const char* what);
 
     DriveIdentity identity_;
@@ -87,7 +92,8 @@ class PhysicalDrive final : public Drive, public std::enable_shared_from_this<Ph
     mutable std::recursive_mutex commands_;
     mutable std::mutex mutex_; ///< of what follows
     uint32_t grabs_ = 0, exclusive_ = 0;
-    bool burning_ = false;
+    bool burning_ = false, isEnding_ = false;
+    std::condition_variable letGo_;
     uint32_t reservations_ = 0;
     Descriptor reservation_;
     mutable std::optional<MediumInfo> medium_; ///< as it was seen last

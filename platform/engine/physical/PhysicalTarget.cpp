@@ -27,6 +27,7 @@ class PhysicalTarget final : public BurnTarget {
 
     // The library may need long to let go of a drive. Nobody waits for it, but the drive is busy until then.
     ~PhysicalTarget() override {
+        hold_->drive().willEndBurn();
         auto end = [job = std::move(job_), hold = std::move(hold_)]() mutable {
             if (job) {
                 job->cancel();
