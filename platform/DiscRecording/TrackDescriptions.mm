@@ -66,7 +66,9 @@ NSDictionary* propertiesOfTrack(const engine::MediumInfo& medium, const engine::
     [told setObject:number(block.size) forKey:DRBlockSizeKey];
     [told setObject:number(block.type) forKey:DRBlockTypeKey];
     [told setObject:number(block.form) forKey:DRDataFormKey];
-    [told setObject:number(block.sessionFormat) forKey:DRSessionFormatKey];
+    [told setObject:number(track.isCDI && block.mode != kDRTrackModeAudio ? kDRSessionFormatCDI
+                                                                          : block.sessionFormat)
+             forKey:DRSessionFormatKey];
     [told setObject:number(modeOf(track, block)) forKey:DRTrackModeKey];
     [told setObject:number(track.startBlock) forKey:DRTrackStartAddressKey];
     [told setObject:number(track.number) forKey:DRTrackNumberKey];

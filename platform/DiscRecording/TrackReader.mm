@@ -47,6 +47,7 @@ constexpr FormRow forms[] = {
     {2352, 8, 17, any, true, BlockForm::RawMode1},
     {2352, 12, 33, any, true, BlockForm::RawMode2},
     {2336, 9, 48, kDRSessionFormatCDXA, true, BlockForm::XA},
+    {2336, 9, 48, kDRSessionFormatCDI, true, BlockForm::XA},
     {2336, 9, 48, any, true, BlockForm::Mode2},
 };
 
@@ -142,6 +143,10 @@ Result<void> readProperties(engine::Track& made, NSDictionary* properties) {
     const bool isAudio = (mode & dataMode) == 0;
     made.preEmphasis = flag(properties, DRAudioPreEmphasisKey) || (isAudio && (mode & preEmphasisMode) != 0);
     made.fourChannel = flag(properties, DRAudioFourChannelKey) || (isAudio && (mode & fourChannelMode) != 0);
+    const int format = [[properties objectForKey:DRSessionFormatKey] intValue];
+    made.sessionFormat = format == kDRSessionFormatCDI    ? engine::SessionFormat::CDI
+                         : format == kDRSessionFormatCDXA ? engine::SessionFormat::XA
+                                                          : engine::SessionFormat::Plain;
     return {};
 }
 

@@ -64,6 +64,30 @@ PlannedTrack planned(const Track& track, uint32_t number) {
     return plan;
 }
 
+// A table of contents says once for a session what its blocks are, and CD-I knows mode 2 and audio only.
+void planFormat(const Session& session, std::vector<PlannedTrack>& plans) {
+    const Track* first = nullptr; // that says what it wants
+    for (size_t index = 0; index < plans.size(); ++index) {
+        const Track& track = session.tracks[index];
+        if (track.sessionFormat == SessionFormat::Plain) continue;
+        if (first != nullptr && track.sessionFormat != first->sessionFormat)
+            fail(ErrorCode::BadLayout, nameOfTrack(plans[index].info) +
+                                           " is of another session format than a track before it; a session "
+                                           "is CD-I or CD-XA, so give each a session of its own.");
+        if (first == nullptr) first = &track;
+    }
+    if (first == nullptr || first->sessionFormat != SessionFormat::CDI) return;
+    for (PlannedTrack& plan : plans) {
+        TrackInfo& info = plan.info;
+        if (info.form == BlockForm::Data || info.form == BlockForm::RawMode1)
+            fail(ErrorCode::BadLayout, nameOfTrack(info) + " is of the form " +
+                                           inQuotes(std::string(nameOf(info.form))) +
+                                           ", which is not for CD-I; use blocks of mode 2 or another "
+                                           "session format.");
+        info.isCDI = true;
+    }
+}
+
 void checkOptions(const BurnOptions& options) {
     const std::string& number = options.mediaCatalogNumber;
     if (!number.empty() && (number.size() != mediaCatalogNumberCharacters ||
@@ -95,6 +119,7 @@ BurnPlan planOf(const Layout& layout, const BurnOptions& options) {
             plan.sessions.back().push_back(planned(track, ++number));
             if (track.maximumSpeed > 0) speed = std::min(speed, track.maximumSpeed);
         }
+        planFormat(session, plan.sessions.back());
     }
     checkOptions(options);
     plan.appendable = options.appendable;

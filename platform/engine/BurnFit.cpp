@@ -69,6 +69,10 @@ class Fitter {
             for (const PlannedTrack& track : session) {
                 hasAudio = hasAudio || track.info.form == BlockForm::Audio;
                 if (!isCD_) checkForDVD(track.info);
+                if (track.info.isCDI && !can_.writesCDI)
+                    fail(ErrorCode::FunctionNotSupported, name(track) +
+                                                              " is of a CD-I session, which the drive can't "
+                                                              "write; use another session format.");
                 if (track.subchannel != SubchannelForm::None && !can_.writesSubchannel)
                     fail(ErrorCode::FunctionNotSupported,
                          name(track) +

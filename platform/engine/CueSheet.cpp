@@ -73,6 +73,8 @@ const char* modeOf(const TrackInfo& track, bool isSectors) {
     case BlockForm::RawMode1:
         return "MODE1/2352";
     default:
+        // Deliberate for CD-I, too: the usual readers refuse a sheet with the mode CDI/2352, and the sectors are the
+        // same. The description says what the session is.
         return "MODE2/2352";
     }
 }

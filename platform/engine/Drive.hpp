@@ -46,6 +46,7 @@ struct DriveCapabilities {
     bool writesDVDAtOnce = false;
     bool writesBDAtOnce = false;
     bool choosesPreGap = false;    ///< pre-gaps of any length
+    bool writesCDI = false;        ///< sessions of that format
     bool writesSubchannel = false; ///< that a producer brings
     uint32_t writeBufferBytes = 0;
 
@@ -81,6 +82,7 @@ struct TrackInfo {
     bool preEmphasis = false, fourChannel = false;
     bool copyPermitted = false;  ///< no copy protection is claimed
     bool isCopy = false;         ///< protected, and itself a copy
+    bool isCDI = false;          ///< its session is a CD-I one; alike for all tracks of a session
     bool isComplete = true;      ///< all of it was written
     std::optional<uint64_t> sum; ///< over its bytes when they were burned (TrackSum); of virtual media only
     std::string file;            ///< of a virtual medium, in the drive's folder: where the track's blocks are

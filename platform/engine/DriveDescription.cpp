@@ -29,6 +29,7 @@ constexpr std::pair<bool DriveCapabilities::*, const char*> abilities[] = {
     {&DriveCapabilities::writesDVDAtOnce, "dvd-at-once"},
     {&DriveCapabilities::writesBDAtOnce, "bd-at-once"},
     {&DriveCapabilities::choosesPreGap, "pre-gaps"},
+    {&DriveCapabilities::writesCDI, "cd-i"},
 };
 
 } // namespace

@@ -67,6 +67,9 @@ inline constexpr size_t isrcCharacters = 12;
 inline constexpr size_t maximumIndexPoints = 98;
 inline constexpr size_t maximumTracks = 99;
 
+/// What a table of contents says of a session's blocks.
+enum class SessionFormat : uint8_t { Plain, CDI, XA };
+
 struct Track {
     std::variant<DataTrack, ProducedTrack> content;
     Verification verification = Verification::Checksum;
@@ -77,8 +80,9 @@ struct Track {
     std::string isrc;                     ///< empty or 12 characters
     std::vector<uint64_t> indexPoints;    ///< index 2, 3...: blocks from the track's start, ascending
     bool preEmphasis = false, fourChannel = false;
-    std::optional<CopyState> copyState;         ///< without it Free for audio
-    double maximumSpeed = engine::maximumSpeed; ///< KB/s; the whole burn goes no faster
+    std::optional<CopyState> copyState;                 ///< without it Free for audio
+    SessionFormat sessionFormat = SessionFormat::Plain; ///< the session is of the one that its tracks name
+    double maximumSpeed = engine::maximumSpeed;         ///< KB/s; the whole burn goes no faster
 };
 
 struct Session {

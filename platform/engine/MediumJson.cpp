@@ -63,6 +63,7 @@ constexpr std::pair<bool TrackInfo::*, const char*> flagNames[] = {
     {&TrackInfo::fourChannel, "four channels"},
     {&TrackInfo::copyPermitted, "copy permitted"},
     {&TrackInfo::isCopy, "copy"},
+    {&TrackInfo::isCDI, "CD-I"},
 };
 
 constexpr size_t sumDigits = 16;

@@ -21,7 +21,7 @@ namespace engine {
 /// The state is "blank", "appendable", "complete" or "incomplete". `image` is absent when nothing is written:
 /// it is the file that other programs open. A track without a file of its own lies in the image, its first
 /// block at the offset that its start says. `xxh3` is the sum over the track's bytes, as BlockForm counts them,
-/// when they were burned; what was not burned here has none. Sessions and tracks that are not whole say `"complete": false`.
+/// when they were burned; what was not burned here has none. All tracks of a CD-I session have the flag "CD-I". Sessions and tracks that are not whole say `"complete": false`.
 ///
 /// A session that is one data track, behind none that is anything else, lies in `image`, block N of the medium
 /// at block N of the file. Every other session (CDs only) has a file of whole sectors, 2352 bytes each, and the

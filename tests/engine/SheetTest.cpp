@@ -133,6 +133,54 @@ TEST_F(SheetTest, readsBackTrackByTrack) {
     EXPECT_EQ(damaged.error().info, "block 100");
 }
 
+// Deliberate: the sheet says MODE2/2352 of CD-I as well, because cd-info and cdrdao refuse one with CDI/2352. What the
+// session is stands in the description.
+TEST_F(SheetTest, keepsCDIApartFromOtherSessions) {
+    const auto track = [](BlockForm form, SessionFormat format) {
+        Track made = producedTrack(std::make_shared<TestProducer>(bytesPerBlock(form), 4), form, 310);
+        made.sessionFormat = format;
+        return made;
+    };
+    Layout layout;
+    layout.sessions.resize(2);
+    layout.sessions[0].tracks = {track(BlockForm::Mode2Form1, SessionFormat::CDI),
+                                 track(BlockForm::Mode2Form2, SessionFormat::Plain), song(audio(1), 400)};
+    layout.sessions[1].tracks = {track(BlockForm::Mode2Form1, SessionFormat::XA)};
+    EXPECT_DONE(burn(makeDrive(MediumKind::CDR), layout));
+    const auto medium = openDrive()->mediumInfo();
+    ASSERT_EQ(medium->sessionCount(), 2u);
+    for (const TrackInfo& each : medium->sessions[0].tracks)
+        EXPECT_TRUE(each.isCDI) << each.number;
+    EXPECT_FALSE(medium->sessions[1].tracks[0].isCDI);
+    EXPECT_NE(bytesOf(file("medium.json")).find("\"CD-I\""), std::string::npos);
+    EXPECT_NE(sheet().find("TRACK 01 MODE2/2352"), std::string::npos) << sheet();
+    EXPECT_NE(output("cd-info --no-cddb --no-device-info --cue-file='" + file("medium.cue").string() + "'")
+                  .find("1: 00:02:00  000000 XA"),
+              std::string::npos);
+}
+
+TEST_F(SheetTest, refusesWhatIsNoCDISession) {
+    const auto drive = makeDrive(MediumKind::CDR);
+    Layout layout;
+    layout.sessions.emplace_back();
+    auto& tracks = layout.sessions[0].tracks;
+    tracks = {producedTrack(std::make_shared<TestProducer>(2048), BlockForm::Mode2Form1, 310),
+              producedTrack(std::make_shared<TestProducer>(2324), BlockForm::Mode2Form2, 310)};
+    tracks[0].sessionFormat = SessionFormat::CDI;
+    tracks[1].sessionFormat = SessionFormat::XA;
+    EXPECT_FAILED(
+        burn(drive, layout), BadLayout,
+        "Track 2 is of another session format than a track before it; a session is CD-I or CD-XA, so "
+        "give each a session of its own.");
+    for (const BlockForm form : {BlockForm::Data, BlockForm::RawMode1}) {
+        tracks[1] = producedTrack(std::make_shared<TestProducer>(bytesPerBlock(form)), form, 310);
+        EXPECT_FAILED(burn(drive, layout), BadLayout,
+                      "Track 2 is of the form \"" + std::string(nameOf(form)) +
+                          "\", which is not for CD-I; use blocks of mode 2 or another session format.");
+    }
+    EXPECT_EQ(drive->mediumInfo()->state, MediumState::Blank);
+}
+
 TEST_F(SheetTest, keepsPreGapsThatAreProduced) {
     const auto one = audio(1), two = audio(2);
     one->preGap = two->preGap = true;

@@ -143,6 +143,24 @@ TEST_F(PhysicalTest, SoundWithCodesAndCatalogue) {
     EXPECT_TRUE(samples == noise(350 * 2352, 1) + std::string(150 * 2352, '\0') + noise(350 * 2352, 2));
 }
 
+// The library tells no drive of a session's format, so the disc would be another one than was asked for.
+TEST_F(PhysicalTest, CDIIsRefused) {
+    insert("CD-R");
+    Track track;
+    ProducedTrack sound;
+    sound.form = BlockForm::Audio;
+    sound.blocks = 350;
+    sound.producer = std::make_shared<Sound>(noise(350 * 2352, 1));
+    track.content = sound;
+    track.sessionFormat = SessionFormat::CDI;
+    const BurnStatus status = burn(Layout::ofTrack(track), {});
+    ASSERT_TRUE(status.error);
+    EXPECT_EQ(status.error->code, ErrorCode::FunctionNotSupported);
+    EXPECT_EQ(status.error->message,
+              "Track 1 is of a CD-I session, which the drive can't write; use another session format.");
+    EXPECT_TRUE(medium().blank);
+}
+
 TEST_F(PhysicalTest, TestBurnWritesNothing) {
     insert("CD-R");
     file("noise.bin", noise(800'000));

@@ -340,7 +340,11 @@ static void TestKinds(void) {
                  {kDRBlockSizeMode2Form1Data, kDRBlockTypeMode2Form1Data, kDRDataFormMode2Form1Data,
                   kDRSessionFormatCDXA, kDRTrackMode2Form1Data},
                  {kDRBlockSizeMode2Form2Data, kDRBlockTypeMode2Form2Data, kDRDataFormMode2Form2Data,
-                  kDRSessionFormatCDXA, kDRTrackMode2Form2Data}};
+                  kDRSessionFormatCDXA, kDRTrackMode2Form2Data},
+                 {kDRBlockSizeMode2Data, kDRBlockTypeMode2Data, kDRDataFormMode2Data, kDRSessionFormatCDI,
+                  kDRTrackMode2Data},
+                 {kDRBlockSizeMode2Form1Data, kDRBlockTypeMode2Form1Data, kDRDataFormMode2Form1Data,
+                  kDRSessionFormatCDI, kDRTrackMode2Form1Data}};
     for (size_t i = 0; i < sizeof kinds / sizeof *kinds; i++) {
         DRDevice* device = Device("CD-R");
         DRTrack* track = DataTrack([[FlagProducer new] autorelease], 320);
@@ -353,6 +357,8 @@ static void TestKinds(void) {
         SAME("its size", [told objectForKey:DRBlockSizeKey], [NSNumber numberWithInt:kinds[i].size]);
         SAME("its type", [told objectForKey:DRBlockTypeKey], [NSNumber numberWithInt:kinds[i].type]);
         SAME("its form", [told objectForKey:DRDataFormKey], [NSNumber numberWithInt:kinds[i].form]);
+        SAME("its session", [told objectForKey:DRSessionFormatKey],
+             [NSNumber numberWithInt:kinds[i].session]);
         // Of one constant's row with a size of another's.
         DRDevice* blank = Device("CD-R");
         SetNumber(track, DRBlockSizeKey, kinds[i].size + 4);

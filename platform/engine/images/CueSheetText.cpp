@@ -12,11 +12,16 @@ namespace engine {
 namespace {
 
 constexpr CueMode modes[] = {
-    {"AUDIO", 2352, BlockForm::Audio, 0},           {"CDG", 2448, BlockForm::Audio, 0},
-    {"MODE1/2048", 2048, BlockForm::Data, 0},       {"MODE1/2352", 2352, BlockForm::Data, 16},
-    {"MODE2/2048", 2048, BlockForm::Mode2Form1, 0}, {"MODE2/2324", 2324, BlockForm::Mode2Form2, 0},
-    {"MODE2/2336", 2336, BlockForm::Mode2, 0},      {"MODE2/2352", 2352, BlockForm::Mode2, 16},
-    {"CDI/2336", 2336, BlockForm::Mode2, 0},        {"CDI/2352", 2352, BlockForm::Mode2, 16},
+    {"AUDIO", 2352, BlockForm::Audio, 0},
+    {"CDG", 2448, BlockForm::Audio, 0},
+    {"MODE1/2048", 2048, BlockForm::Data, 0},
+    {"MODE1/2352", 2352, BlockForm::Data, 16},
+    {"MODE2/2048", 2048, BlockForm::Mode2Form1, 0},
+    {"MODE2/2324", 2324, BlockForm::Mode2Form2, 0},
+    {"MODE2/2336", 2336, BlockForm::Mode2, 0},
+    {"MODE2/2352", 2352, BlockForm::Mode2, 16},
+    {"CDI/2336", 2336, BlockForm::Mode2, 0, SessionFormat::CDI},
+    {"CDI/2352", 2352, BlockForm::Mode2, 16, SessionFormat::CDI},
 };
 
 constexpr std::string_view blanks = " \t\r\f\v";

@@ -24,6 +24,7 @@ struct CueMode {
     uint64_t unitBytes; // of a sector in its file
     BlockForm form;
     uint64_t userAt; // in such a sector
+    SessionFormat session = SessionFormat::Plain;
 };
 
 struct CueIndex {

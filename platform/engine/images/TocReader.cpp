@@ -7,7 +7,7 @@
 namespace engine {
 namespace {
 
-bool takeHeader(TocWords& words, ImageLayout& image, TocText& texts) {
+bool takeHeader(TocWords& words, ImageLayout& image, TocText& texts, SessionFormat& format) {
     if (words.take("CATALOG")) {
         const std::string text = words.takeText("the catalog number");
         const auto number = catalogNumberOf(text);
@@ -19,8 +19,12 @@ bool takeHeader(TocWords& words, ImageLayout& image, TocText& texts) {
         texts.take(words, 0);
         return true;
     }
-    // What kind of session it is shows in its tracks.
-    return words.take("CD_DA") || words.take("CD_ROM") || words.take("CD_ROM_XA") || words.take("CD_I");
+    if (words.take("CD_I")) {
+        format = SessionFormat::CDI;
+        return true;
+    }
+    // Which of these the session is shows in its tracks.
+    return words.take("CD_DA") || words.take("CD_ROM") || words.take("CD_ROM_XA");
 }
 
 } // namespace
@@ -30,12 +34,13 @@ ImageLayout readTocFile(const std::string& path) {
     TocWords words(sheet);
     ImageLayout image;
     TocText texts;
+    SessionFormat format = SessionFormat::Plain;
     std::vector<TocTrack> tracks;
     while (!words.atEnd()) {
         if (words.take("TRACK")) {
             if (tracks.size() == maximumTracks) words.refuse("a disc has at most 99 tracks.");
             tracks.emplace_back(words, tracks.size() + 1);
-        } else if (tracks.empty() ? !takeHeader(words, image, texts) : !tracks.back().take(texts)) {
+        } else if (tracks.empty() ? !takeHeader(words, image, texts, format) : !tracks.back().take(texts)) {
             words.refuse(
                 "the word " + inQuotes(words.takeWord()) +
                 (tracks.empty() ? " is not known before the first TRACK." : " is not known in a track."));
@@ -43,8 +48,10 @@ ImageLayout readTocFile(const std::string& path) {
     }
     if (tracks.empty()) words.refuse("the file has no tracks.");
     Session session;
-    for (TocTrack& track : tracks)
+    for (TocTrack& track : tracks) {
         session.tracks.push_back(track.made(session.tracks.empty()));
+        session.tracks.back().sessionFormat = format;
+    }
     const bool hasSound =
         std::any_of(tracks.begin(), tracks.end(), [](const TocTrack& each) { return each.isAudio(); });
     if (hasSound) image.cdText = texts.packs(tracks.size());

@@ -125,6 +125,7 @@ TEST_F(Cue, EveryModeGivesItsUserData) {
                                                     "\nINDEX 1 00:00:00\n");
         ASSERT_EQ(image.layout.sessions.size(), 1u) << mode.name;
         const Track& track = image.layout.sessions[0].tracks[0];
+        EXPECT_EQ(track.sessionFormat == SessionFormat::CDI, std::string_view(mode.name).starts_with("CDI"));
         const BurnedTrack one = burned(track, 3);
         EXPECT_EQ(one.form(), mode.form);
         const size_t size = bytesPerBlock(mode.form);

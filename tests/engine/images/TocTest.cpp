@@ -153,6 +153,19 @@ TEST_F(Toc, EveryModeTakesItsBlocks) {
     EXPECT_TRUE(areSame(tracks[0].body, user.substr(2048, 20 * 2048) + std::string(2 * 2048, '\0')));
 }
 
+TEST_F(Toc, ACDISessionIsOneForAllItsTracks) {
+    write("data.bin", noise(10 * 2336));
+    write("a.cdr", noise(10 * cd));
+    for (const bool isCDI : {true, false}) {
+        const auto image = readText("disc.toc", std::string(isCDI ? "CD_I" : "CD_ROM_XA") +
+                                                    "\nTRACK MODE2_FORM_MIX\nDATAFILE \"data.bin\"\n"
+                                                    "TRACK AUDIO\nFILE \"a.cdr\" 0\n");
+        ASSERT_EQ(image.layout.sessions.at(0).tracks.size(), 2u);
+        for (const Track& track : image.layout.sessions[0].tracks)
+            EXPECT_EQ(track.sessionFormat, isCDI ? SessionFormat::CDI : SessionFormat::Plain);
+    }
+}
+
 TEST_F(Toc, SubchannelDataStandsBehindEachBlock) {
     const std::string blocks = noise(20 * 2448);
     write("s.cdr", swapped(blocks));
