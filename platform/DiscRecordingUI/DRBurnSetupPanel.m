@@ -109,9 +109,11 @@ static NSTextField* OptionLabel(NSString* text) {
 }
 
 - (NSArray*)optionParts {
-    return [NSArray arrayWithObjects:_burn->speedLabel, _burn->discLabel, _burn->thenLabel, _burn->speeds,
-                                     _burn->replace, _burn->appendable, _burn->verify, _burn->test,
-                                     _burn->thenEject, _burn->thenMount, nil];
+    return [[self optionLabels] arrayByAddingObjectsFromArray:[self optionControls]];
+}
+
+- (NSArray*)optionLabels {
+    return [NSArray arrayWithObjects:_burn->speedLabel, _burn->discLabel, _burn->thenLabel, nil];
 }
 
 - (NSArray*)optionControls {
@@ -122,21 +124,18 @@ static NSTextField* OptionLabel(NSString* text) {
 - (CGFloat)layoutOptionsFrom:(CGFloat)y {
     if (!_burn->expanded)
         return y;
-    [_burn->speedLabel setFrame:NSMakeRect(DRPanelTextLeft, y + 4, DRPanelLabelWidth, 18)];
-    [_burn->speeds setFrame:NSMakeRect(DRPanelOptionLeft, y, [self menuWidth], DRPanelButtonHeight)];
+    [self placeOption:_burn->speeds label:_burn->speedLabel at:y];
     y += DRPanelButtonHeight + DRPanelRowGap;
-    [_burn->discLabel setFrame:NSMakeRect(DRPanelTextLeft, y, DRPanelLabelWidth, 18)];
     NSButton* boxes[] = {_burn->replace, _burn->appendable, _burn->verify, _burn->test};
     for (unsigned i = 0; i < 4; i++) {
         if ([boxes[i] isHidden])
             continue;
-        [boxes[i] setFrame:NSMakeRect(DRPanelOptionLeft, y, DRPanelOptionWidth, 18)];
+        [self placeOption:boxes[i] label:i == 0 ? _burn->discLabel : nil at:y];
         y += 18 + 4;
     }
     y += DRPanelRowGap - 4;
-    [_burn->thenLabel setFrame:NSMakeRect(DRPanelTextLeft, y, DRPanelLabelWidth, 18)];
-    [_burn->thenEject setFrame:NSMakeRect(DRPanelOptionLeft, y, DRPanelOptionWidth, 18)];
-    [_burn->thenMount setFrame:NSMakeRect(DRPanelOptionLeft, y + 22, DRPanelOptionWidth, 18)];
+    [self placeOption:_burn->thenEject label:_burn->thenLabel at:y];
+    [self placeOption:_burn->thenMount label:nil at:y + 22];
     return y + 22 + 18 + DRPanelRowGap;
 }
 

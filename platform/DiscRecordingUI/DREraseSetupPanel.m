@@ -64,14 +64,17 @@ struct DREraseSetupPanelInside {
     [contents addSubview:_erase->complete];
 }
 
+- (NSArray*)optionLabels {
+    return [NSArray arrayWithObject:_erase->label];
+}
+
 - (NSArray*)optionControls {
     return [NSArray arrayWithObjects:_erase->quick, _erase->complete, nil];
 }
 
 - (CGFloat)layoutOptionsFrom:(CGFloat)y {
-    [_erase->label setFrame:NSMakeRect(DRPanelTextLeft, y, DRPanelLabelWidth, 18)];
-    [_erase->quick setFrame:NSMakeRect(DRPanelOptionLeft, y, DRPanelOptionWidth, 18)];
-    [_erase->complete setFrame:NSMakeRect(DRPanelOptionLeft, y + 22, DRPanelOptionWidth, 18)];
+    [self placeOption:_erase->quick label:_erase->label at:y];
+    [self placeOption:_erase->complete label:nil at:y + 22];
     return y + 22 + 18 + DRPanelRowGap;
 }
 

@@ -121,11 +121,29 @@ CGFloat DRWidthOfLabel(NSTextField* label) {
 }
 
 CGFloat DRWidthOfButton(NSButton* button) {
-    return MAX(84, ceil(SizeOfText([button title], [button font], 10000).width) + 44);
+    return MIN(480, MAX(84, ceil(SizeOfText([button title], [button font], 10000).width) + 44));
 }
 
-void DRPlaceButtons(NSArray* buttons, CGFloat y) {
-    CGFloat right = DRPanelWidth - DRPanelMargin;
+CGFloat DRWidthOfOption(NSButton* option) {
+    NSArray* titles = [option isKindOfClass:[NSPopUpButton class]] ? [(NSPopUpButton*)option itemTitles]
+                                                                   : [NSArray arrayWithObject:[option title]];
+    CGFloat widest = 0;
+    for (NSUInteger i = 0; i < [titles count]; i++)
+        widest = MAX(widest, ceil(SizeOfText([titles objectAtIndex:i], [option font], 10000).width));
+    return MIN(480, widest + 30); // with the mark beside it
+}
+
+CGFloat DRWidthOfRow(NSArray* buttons) {
+    CGFloat width = 2 * DRPanelMargin - DRPanelButtonGap;
+    for (NSUInteger i = 0; i < [buttons count]; i++) {
+        if (![[buttons objectAtIndex:i] isHidden])
+            width += DRWidthOfButton([buttons objectAtIndex:i]) + DRPanelButtonGap;
+    }
+    return width;
+}
+
+void DRPlaceButtons(NSArray* buttons, CGFloat panelWidth, CGFloat y) {
+    CGFloat right = panelWidth - DRPanelMargin;
     for (NSUInteger i = 0; i < [buttons count]; i++) {
         NSButton* button = [buttons objectAtIndex:i];
         if ([button isHidden])
@@ -144,14 +162,16 @@ void DRLinkKeyViews(NSWindow* window, NSArray* controls) {
         [window setInitialFirstResponder:[controls objectAtIndex:0]];
 }
 
-void DRResizePanel(NSWindow* window, CGFloat height) {
+void DRResizePanel(NSWindow* window, NSSize contents) {
     const NSRect before = [window frame];
-    NSRect frame = [window frameRectForContentRect:NSMakeRect(0, 0, DRPanelWidth, height)];
+    NSRect frame = [window frameRectForContentRect:NSMakeRect(0, 0, contents.width, contents.height)];
     if (NSEqualSizes(frame.size, before.size))
         return;
     frame.origin = NSMakePoint(NSMinX(before), NSMaxY(before) - NSHeight(frame));
     const NSRect screen = [[window screen] visibleFrame];
     if (NSMinY(frame) < NSMinY(screen))
         frame.origin.y = NSMinY(screen);
+    if (NSMaxX(frame) > NSMaxX(screen))
+        frame.origin.x = MAX(NSMinX(screen), NSMaxX(screen) - NSWidth(frame));
     [window setFrame:frame display:[window isVisible]];
 }

@@ -30,38 +30,53 @@
         [contents addSubview:parts[i]];
 }
 
-static CGFloat PlaceText(NSTextField* label, CGFloat y) {
-    const CGFloat height = DRHeightOfText(label, DRPanelTextWidth);
-    [label setFrame:NSMakeRect(DRPanelTextLeft, y, DRPanelTextWidth, height)];
+static CGFloat PlaceText(NSTextField* label, CGFloat width, CGFloat y) {
+    const CGFloat height = DRHeightOfText(label, width);
+    [label setFrame:NSMakeRect(DRPanelTextLeft, y, width, height)];
     return y + height + DRPanelRowGap;
 }
 
+// The time that is left and the speed, in one line under the bar.
+- (CGFloat)widthOfFigures {
+    const CGFloat speed = [_inside->speed isHidden] ? 0 : DRWidthOfLabel(_inside->speed);
+    return [_inside->timeLeft isHidden] ? 0 : DRWidthOfLabel(_inside->timeLeft) + speed;
+}
+
+- (void)placeFigures {
+    const NSRect bar = [_inside->bar frame];
+    const CGFloat y = NSMaxY(bar) + 6, speed = DRWidthOfLabel(_inside->speed);
+    const CGFloat end = [_inside->speed isHidden] ? NSMaxX(bar) : NSMaxX(bar) - speed;
+    [_inside->timeLeft setFrame:NSMakeRect(NSMinX(bar), y, end - NSMinX(bar), 16)];
+    [_inside->speed setFrame:NSMakeRect(end, y, speed, 16)];
+}
+
 - (void)layoutPanel {
-    CGFloat y = PlaceText(_inside->headline, DRPanelMargin);
+    NSArray* buttons = [NSArray arrayWithObjects:_inside->done, _inside->keep, _inside->stop, nil];
+    [_inside->speed setHidden:!_inside->verbose || [_inside->timeLeft isHidden]];
+    const CGFloat panelWidth = MAX(MAX(DRPanelWidth, DRWidthOfRow(buttons)),
+                                   DRPanelTextLeft + [self widthOfFigures] + DRPanelMargin);
+    const CGFloat width = panelWidth - DRPanelMargin - DRPanelTextLeft;
+    CGFloat y = PlaceText(_inside->headline, width, DRPanelMargin);
     if (![_inside->state isHidden])
-        y = PlaceText(_inside->state, y);
+        y = PlaceText(_inside->state, width, y);
     if (![_inside->bar isHidden]) {
-        [_inside->bar setFrame:NSMakeRect(DRPanelTextLeft, y, DRPanelTextWidth, 16)];
+        [_inside->bar setFrame:NSMakeRect(DRPanelTextLeft, y, width, 16)];
         y += 16 + 6;
-        [_inside->timeLeft setFrame:NSMakeRect(DRPanelTextLeft, y, DRPanelTextWidth * 0.6, 16)];
-        [_inside->speed
-            setFrame:NSMakeRect(DRPanelTextLeft + DRPanelTextWidth * 0.6, y, DRPanelTextWidth * 0.4, 16)];
-        [_inside->speed setHidden:!_inside->verbose];
+        [self placeFigures];
         y += 16;
     }
     y = MAX(y, DRPanelMargin + DRPanelIconSize) + DRPanelRowGap;
-    NSArray* buttons = [NSArray arrayWithObjects:_inside->done, _inside->keep, _inside->stop, nil];
     NSMutableArray* keys = [NSMutableArray array];
     for (NSUInteger i = 0; i < 3; i++) {
         if (![[buttons objectAtIndex:i] isHidden])
             [keys addObject:[buttons objectAtIndex:i]];
     }
     if ([keys count] > 0) {
-        DRPlaceButtons(buttons, y);
+        DRPlaceButtons(buttons, panelWidth, y);
         y += DRPanelButtonHeight;
     }
     DRLinkKeyViews(self, keys);
-    DRResizePanel(self, y + DRPanelMargin);
+    DRResizePanel(self, NSMakeSize(panelWidth, y + DRPanelMargin));
     [[self contentView] setNeedsDisplay:YES];
 }
 
@@ -85,9 +100,11 @@ static CGFloat PlaceText(NSTextField* label, CGFloat y) {
     [self makeFirstResponder:[first isHidden] ? nil : first];
 }
 
-static void SetText(NSTextField* label, NSString* text) {
-    if (![[label stringValue] isEqual:text])
-        [label setStringValue:text];
+static BOOL SetText(NSTextField* label, NSString* text) {
+    if ([[label stringValue] isEqual:text])
+        return NO;
+    [label setStringValue:text];
+    return YES;
 }
 
 - (void)showStatus:(NSDictionary*)status {
@@ -103,8 +120,12 @@ static void SetText(NSTextField* label, NSString* text) {
     if (measured)
         [_inside->bar setDoubleValue:(double)percent];
     [_inside->time note:percent ofState:[status objectForKey:DRStatusStateKey]];
-    SetText(_inside->timeLeft, [_inside->time text]);
-    SetText(_inside->speed, [_inside->time textOfSpeedIn:status]);
+    const BOOL changed = SetText(_inside->timeLeft, [_inside->time text]) |
+                         SetText(_inside->speed, [_inside->time textOfSpeedIn:status]);
+    if ([self widthOfFigures] > NSWidth([_inside->bar frame]))
+        [self layoutPanel];
+    else if (changed)
+        [self placeFigures];
     NSString* state = _inside->stage == Running ? [self stateTextFor:status] : nil;
     if (state != nil && ![state isEqual:[_inside->state stringValue]]) {
         [_inside->state setStringValue:state];

@@ -37,6 +37,7 @@ static NSArray* MediaIn(DRDevice* device) {
     [_inside->drives setEnabled:[devices count] > 0];
     const NSInteger chosen = [_inside->drives indexOfItemWithRepresentedObject:[self chosenDevice]];
     [_inside->drives selectItemAtIndex:MAX(chosen, 0)];
+    [self layoutPanel];
 }
 
 - (IBAction)driveChosen:(id)sender {

@@ -35,28 +35,54 @@
         [contents addSubview:[self extraButton]];
 }
 
-// Beside it there is room for each of the titles that the tray's button has, so that nothing moves when that changes.
-- (CGFloat)menuWidth {
-    return DRPanelOptionWidth - DRPanelButtonGap - _inside->trayWidth;
+static BOOL IsMenu(NSButton* option) { return [option isKindOfClass:[NSPopUpButton class]]; }
+
+// The columns and the width that all texts fit into, hidden ones too, so that nothing moves when they are shown.
+- (void)measure {
+    NSArray* labels = [[self optionLabels] arrayByAddingObject:_inside->driveLabel];
+    CGFloat labelWidth = DRPanelLabelWidth;
+    for (NSUInteger i = 0; i < [labels count]; i++)
+        labelWidth = MAX(labelWidth, DRWidthOfLabel([labels objectAtIndex:i]));
+    NSArray* options = [[self optionControls] arrayByAddingObject:_inside->drives];
+    CGFloat optionWidth = 0;
+    for (NSUInteger i = 0; i < [options count]; i++) {
+        NSButton* option = [options objectAtIndex:i];
+        const CGFloat beside = IsMenu(option) ? DRPanelButtonGap + _inside->trayWidth : 0;
+        optionWidth = MAX(optionWidth, DRWidthOfOption(option) + beside);
+    }
+    NSArray* row = [NSArray arrayWithObjects:_inside->confirm, _inside->cancel, [self extraButton], nil];
+    _inside->optionLeft = DRPanelTextLeft + labelWidth + DRPanelLabelGap;
+    _inside->width = MAX(DRPanelWidth, MAX(_inside->optionLeft + optionWidth + DRPanelMargin,
+                                           DRWidthOfRow(row) + DRPanelGroupGap));
+}
+
+// Menus end together, where beside one of them the tray's button begins.
+- (void)placeOption:(NSButton*)option label:(NSTextField*)label at:(CGFloat)y {
+    const BOOL isMenu = IsMenu(option);
+    const CGFloat left = _inside->optionLeft;
+    const CGFloat room = _inside->width - DRPanelMargin - left;
+    [label setFrame:NSMakeRect(DRPanelTextLeft, y + (isMenu ? 4 : 0),
+                               left - DRPanelLabelGap - DRPanelTextLeft, 18)];
+    [option setFrame:NSMakeRect(left, y, isMenu ? room - DRPanelButtonGap - _inside->trayWidth : room,
+                                isMenu ? DRPanelButtonHeight : 18)];
 }
 
 - (void)layoutPanel {
+    [self measure];
     CGFloat y = DRPanelMargin;
-    const CGFloat promptHeight = DRHeightOfText(_inside->prompt, DRPanelTextWidth);
-    [_inside->prompt setFrame:NSMakeRect(DRPanelTextLeft, y, DRPanelTextWidth, promptHeight)];
+    const CGFloat textWidth = _inside->width - DRPanelMargin - DRPanelTextLeft;
+    const CGFloat promptHeight = DRHeightOfText(_inside->prompt, textWidth);
+    [_inside->prompt setFrame:NSMakeRect(DRPanelTextLeft, y, textWidth, promptHeight)];
     y += MAX(promptHeight, DRPanelIconSize - DRPanelButtonHeight) + DRPanelRowGap;
-    const CGFloat menuWidth = [self menuWidth];
-    const CGFloat ejectLeft = DRPanelOptionLeft + menuWidth + DRPanelButtonGap;
-    [_inside->driveLabel setFrame:NSMakeRect(DRPanelTextLeft, y + 4, DRPanelLabelWidth, 18)];
-    [_inside->drives setFrame:NSMakeRect(DRPanelOptionLeft, y, menuWidth, DRPanelButtonHeight)];
-    [_inside->eject
-        setFrame:NSMakeRect(ejectLeft, y, DRPanelWidth - DRPanelMargin - ejectLeft, DRPanelButtonHeight)];
+    [self placeOption:_inside->drives label:_inside->driveLabel at:y];
+    [_inside->eject setFrame:NSMakeRect(_inside->width - DRPanelMargin - _inside->trayWidth, y,
+                                        _inside->trayWidth, DRPanelButtonHeight)];
     y = [self layoutOptionsFrom:y + DRPanelButtonHeight + DRPanelRowGap] + DRPanelGroupGap - DRPanelRowGap;
-    DRPlaceButtons([NSArray arrayWithObjects:_inside->confirm, _inside->cancel, nil], y);
+    DRPlaceButtons([NSArray arrayWithObjects:_inside->confirm, _inside->cancel, nil], _inside -> width, y);
     NSButton* extra = [self extraButton];
     if (extra != nil)
         [extra setFrame:NSMakeRect(DRPanelMargin, y, DRWidthOfButton(extra), DRPanelButtonHeight)];
-    DRResizePanel(self, y + DRPanelButtonHeight + DRPanelMargin);
+    DRResizePanel(self, NSMakeSize(_inside->width, y + DRPanelButtonHeight + DRPanelMargin));
     [[self contentView] setNeedsDisplay:YES];
 
     NSMutableArray* keys = [NSMutableArray arrayWithObjects:_inside->drives, _inside->eject, nil];
@@ -86,6 +112,9 @@
 }
 - (CGFloat)layoutOptionsFrom:(CGFloat)y {
     return y;
+}
+- (NSArray*)optionLabels {
+    return [NSArray array];
 }
 - (NSArray*)optionControls {
     return [NSArray array];

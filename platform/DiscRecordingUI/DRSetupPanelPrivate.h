@@ -13,6 +13,7 @@ struct DRSetupPanelInside {
     NSButton *eject, *cancel, *confirm;
     NSView* picture;
     CGFloat trayWidth; // of the button with the longest of its titles
+    CGFloat width, optionLeft;
     DRDriveChoice* choice;
     NSArray* mediaSeen; // what the chosen drive's disc was like when it was last judged
     DRDevice* reserved; // the drive whose blank media this panel keeps for itself
@@ -33,8 +34,8 @@ struct DRSetupPanelInside {
 - (void)addParts;
 /** Places everything again, after a text or the number of parts changed. */
 - (void)layoutPanel;
-/** As wide as a menu is, so that menus one below the other end together. */
-- (CGFloat)menuWidth;
+/** Places a label, if there is one, and what it belongs to in the columns of the panel. */
+- (void)placeOption:(NSButton*)option label:(NSTextField*)label at:(CGFloat)y;
 - (NSButton*)defaultButton;
 @end
 
@@ -59,6 +60,8 @@ struct DRSetupPanelInside {
 - (void)addOptionsTo:(NSView*)contents;
 /** Places the options below y and answers where they end. */
 - (CGFloat)layoutOptionsFrom:(CGFloat)y;
+/** What stands before the options. */
+- (NSArray*)optionLabels;
 /** In the order of the Tab key. */
 - (NSArray*)optionControls;
 /** To the left of Cancel; nil for none. */

@@ -118,6 +118,14 @@ class Display:
         self.press(window, x, y)
         self.release()
 
+    def used(self):
+        """Left, top, right and bottom of what is on the screen, the windows' frames included."""
+        self.settle()
+        box = subprocess.run(["import", "-window", "root", "-trim", "info:-"], env=self.environment,
+                             capture_output=True, text=True, check=True).stdout
+        width, height, left, top = map(int, re.search(r" (\d+)x(\d+) 1024x768\+(\d+)\+(\d+) ", box).groups())
+        return left, top, left + width, top + height
+
     def choose(self, window, x, y, rows):
         """Of a menu: pulled open, and let go so many rows below (above: negative) what was chosen before."""
         before = self.picture()
