@@ -39,7 +39,25 @@ void beginPanel(REALobject self, REALobject burn, Id layout) {
 
 bool canBegin(REALobject self, REALobject burn) { return frame::held(burn) && frame::slot(self); }
 
+// ---- image files ---------------------------------------------------------------------------------------
+// The layout is asked for before panel and burn are looked at, deliberately: what the platform has to say against an
+// image reaches the program also where nothing could begin.
+
 Id layoutForImage(Id path) { return path ? objc::sendClass<"DRBurn", "layoutForImageFile:">(path) : nullptr; }
+
+bool beginImageSheet(REALobject self, REALobject burn, Id path, REALobject docWindow) {
+    const Id layout = layoutForImage(path);
+    if (!layout || !canBegin(self, burn)) return false;
+    beginSheet(self, burn, layout, docWindow);
+    return true;
+}
+
+bool beginImagePanel(REALobject self, REALobject burn, Id path) {
+    const Id layout = layoutForImage(path);
+    if (!layout || !canBegin(self, burn)) return false;
+    beginPanel(self, burn, layout);
+    return true;
+}
 
 // Whether an image file's burn was begun; false when the platform raises, too.
 template <class Body>
@@ -60,30 +78,19 @@ void beginProgressSheetForBurn(REALobject self, REALobject burn, REALobject trac
 void beginProgressSheetForBurnArray(REALobject self, REALobject burn, REALarray tracks,
                                     REALobject docWindow) {
     guarded([=] {
-        if (frame::slot(self)) beginSheet(self, burn, CreateNSObjectArray(tracks, false), docWindow);
+        const Id layout = CreateNSObjectArray(tracks, false);
+        if (frame::slot(self)) beginSheet(self, burn, layout, docWindow);
     });
-}
-
-bool sheetForImage(REALobject self, REALobject burn, Id layout, REALobject docWindow) {
-    if (!layout) return false;
-    beginSheet(self, burn, layout, docWindow);
-    return true;
 }
 
 REALboolean beginProgressSheetForImageFile(REALobject self, REALobject burn, REALfolderItem file,
                                            REALobject docWindow) {
-    return begun([=] {
-        return canBegin(self, burn) &&
-               sheetForImage(self, burn, layoutForImage(NewNSStringPath(file)), docWindow);
-    });
+    return begun([=] { return beginImageSheet(self, burn, NewNSStringPath(file), docWindow); });
 }
 
 REALboolean beginProgressSheetForImagePath(REALobject self, REALobject burn, REALstring file,
                                            REALobject docWindow) {
-    return begun([=] {
-        return canBegin(self, burn) &&
-               sheetForImage(self, burn, layoutForImage(NewNSString(file)), docWindow);
-    });
+    return begun([=] { return beginImageSheet(self, burn, NewNSString(file), docWindow); });
 }
 
 void beginProgressPanelForBurn(REALobject self, REALobject burn, REALobject track) {
@@ -95,25 +102,17 @@ void beginProgressPanelForBurn(REALobject self, REALobject burn, REALobject trac
 // As the sheet's: the burn's platform object is deliberately not asked for.
 void beginProgressPanelForBurnArray(REALobject self, REALobject burn, REALarray tracks) {
     guarded([=] {
-        if (frame::slot(self)) beginPanel(self, burn, CreateNSObjectArray(tracks, false));
+        const Id layout = CreateNSObjectArray(tracks, false);
+        if (frame::slot(self)) beginPanel(self, burn, layout);
     });
-}
-
-bool panelForImage(REALobject self, REALobject burn, Id layout) {
-    if (!layout) return false;
-    beginPanel(self, burn, layout);
-    return true;
 }
 
 REALboolean beginProgressPanelForImageFile(REALobject self, REALobject burn, REALfolderItem file) {
-    return begun([=] {
-        return canBegin(self, burn) && panelForImage(self, burn, layoutForImage(NewNSStringPath(file)));
-    });
+    return begun([=] { return beginImagePanel(self, burn, NewNSStringPath(file)); });
 }
 
 REALboolean beginProgressPanelForImagePath(REALobject self, REALobject burn, REALstring file) {
-    return begun(
-        [=] { return canBegin(self, burn) && panelForImage(self, burn, layoutForImage(NewNSString(file))); });
+    return begun([=] { return beginImagePanel(self, burn, NewNSString(file)); });
 }
 
 // Deliberately not entered into the registry of wrappers, unlike the erase's panel.

@@ -9,14 +9,18 @@ namespace panels {
 
 // Makes the panel. Deliberately without a test for an earlier call, unlike the progress panels: a second call stores
 // what the platform gives then, and the earlier reference is not released.
+//
+// The delegate comes first, then the panel is retained. A panel that refuses its delegate is none: the object never
+// stores what it does not own.
 template <objc::FixedString platformClass>
 void constructSetupPanel(REALobject self) {
     CocoaInit();
     objc::Id panel = nullptr;
     bridge::guarded([&] {
-        panel = objc::sendClass<platformClass, "setupPanel">();
-        if (panel) addDelegate(panel, self);
-        objc::retained(panel);
+        const objc::Id given = objc::sendClass<platformClass, "setupPanel">();
+        if (!given) return;
+        addDelegate(given, self);
+        panel = objc::retained(given);
     });
     frame::slot(self) = panel;
 }

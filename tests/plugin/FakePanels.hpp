@@ -4,10 +4,11 @@
 
 #include "plugin/objc/ClassBuilder.hpp"
 #include "plugin/objc/Ownership.hpp"
-#include "tests/plugin/Companion.hpp"
 #include "tests/plugin/HostClasses.hpp"
+#include "tests/plugin/Replaced.hpp"
 
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace test::fake {
@@ -22,60 +23,86 @@ struct Told {
 inline std::vector<Told> told;
 inline Id shared = nullptr;   // what "setupPanel" and "progressPanel" answer
 inline Id answered = nullptr; // what burnObject and eraseObject answer
-inline Id layout = nullptr;   // what layoutForImageFile: answers
+inline Id layout = nullptr;   // what layoutForImageFile: answers, once offerLayouts() was called
 inline int endCode = 1;       // what runSetupPanel answers
-inline bool raises = false;   // every message to a panel raises
 
-inline void raise() {
-    if (!raises) return;
-    const Id exception = objc::sendClass<"NSException", "exceptionWithName:reason:userInfo:">(
-        Id{},
-        objc::autoreleased(
-            asObject(CFStringCreateWithCString(nullptr, "The panel is broken.", kREALEncodingASCII))),
-        Id{});
-    objc::send<"raise", void>(exception);
+// The message that raises, or all of them. What raises is not noted.
+inline std::string raising;
+inline const std::string everyMessage = "every message";
+
+inline void raiseAt(const char* message) {
+    if (raising != message && raising != everyMessage) return;
+    objc::sendClass<"NSException", "raise:format:", void>(nsString("PanelException"),
+                                                          nsString("The panel is broken."));
 }
 
-template <objc::FixedString name, class... Args>
-void note(Id, Sel, Args... args) {
-    raise();
-    Told one{name.c_str()};
-    Id* const places[] = {&one.first, &one.second, &one.third};
-    std::size_t at = 0;
-    ((*places[at++] = reinterpret_cast<Id>(
-          static_cast<std::uintptr_t>(std::is_pointer_v<Args> ? reinterpret_cast<std::uintptr_t>(args) : 0))),
-     ...);
-    told.push_back(one);
+template <objc::FixedString name, class... Ids>
+void note(Id, Sel, Ids... with) {
+    raiseAt(name.c_str());
+    told.push_back({name.c_str(), with...});
 }
 template <objc::FixedString name>
 void noteFlag(Id, Sel, objc::Boolean flag) {
+    raiseAt(name.c_str());
     told.push_back({std::string(name.c_str()) + (flag ? "YES" : "NO")});
 }
-inline Id delegate(Id self, Sel) { return *objc::ivar<Id>(self, "delegate"); }
-inline void setDelegate(Id self, Sel, Id value) { *objc::ivar<Id>(self, "delegate") = value; }
-inline Id text(Id self, Sel) { return *objc::ivar<Id>(self, "text"); }
-inline void setText(Id self, Sel, Id value) { *objc::ivar<Id>(self, "text") = objc::retained(value); }
-inline Id answer(Id, Sel) {
-    raise();
+
+// ---- what a panel keeps --------------------------------------------------------------------------------
+
+inline Id delegate(Id self, Sel) {
+    raiseAt("delegate");
+    return *objc::ivar<Id>(self, "delegate");
+}
+inline void setDelegate(Id self, Sel, Id value) {
+    *objc::ivar<Id>(self, "delegate") = value;
+    raiseAt("setDelegate:"); // as a panel that fails at what it does with it
+}
+inline Id text(Id self, Sel) {
+    raiseAt("description");
+    return *objc::ivar<Id>(self, "text");
+}
+inline void setText(Id self, Sel, Id value) {
+    raiseAt("setDescription:");
+    objc::release(std::exchange(*objc::ivar<Id>(self, "text"), objc::retained(value)));
+}
+inline objc::Boolean verbose(Id self, Sel) {
+    raiseAt("verboseProgressStatus");
+    return *objc::ivar<objc::Boolean>(self, "verbose");
+}
+inline void setVerbose(Id self, Sel, objc::Boolean flag) {
+    raiseAt("setVerboseProgressStatus:");
+    *objc::ivar<objc::Boolean>(self, "verbose") = flag;
+}
+
+// ---- what is asked for ---------------------------------------------------------------------------------
+
+template <objc::FixedString name>
+Id answer(Id, Sel) {
+    raiseAt(name.c_str());
     return answered;
 }
 inline int run(Id, Sel) {
-    raise();
+    raiseAt("runSetupPanel");
     return endCode;
 }
-inline Id makePanel(Id, Sel) {
-    raise();
+template <objc::FixedString name>
+Id givePanel(Id, Sel) {
+    raiseAt(name.c_str());
     return shared;
 }
 inline Id layoutFor(Id, Sel, Id path) {
     told.push_back({"layoutForImageFile:", path});
+    raiseAt("layoutForImageFile:");
     return layout;
 }
 
-template <objc::FixedString selectorName, auto function>
-void addClassMethod(const char* className) {
+// From now on `layout` is what any image file's layout is, in the place of the platform's own answer.
+inline void offerLayouts() { replaceClassMethod<"layoutForImageFile:", layoutFor>("DRBurn"); }
+
+template <objc::FixedString selectorName>
+void addPanelFactory(const char* className) {
     objc::class_addMethod(objc_getMetaClass(className), objc::selector<selectorName>(),
-                          reinterpret_cast<objc::Imp>(function), "@@:");
+                          reinterpret_cast<objc::Imp>(givePanel<selectorName>), "@@:");
 }
 
 // The platform's four panel classes, and the two window classes of a companion.
@@ -87,10 +114,13 @@ inline void offerPanels() {
         objc::ClassBuilder("NSObject", name)
             .ivar<Id>("delegate")
             .ivar<Id>("text")
+            .ivar<objc::Boolean>("verbose")
             .method<"delegate", delegate>()
             .method<"setDelegate:", setDelegate>()
             .method<"description", text>()
             .method<"setDescription:", setText>()
+            .method<"verboseProgressStatus", verbose>()
+            .method<"setVerboseProgressStatus:", setVerbose>()
             .method<"ok:", note<"ok:", Id>>()
             .method<"cancel:", note<"cancel:", Id>>()
             .method<"eject:", note<"eject:", Id>>()
@@ -106,10 +136,9 @@ inline void offerPanels() {
             .method<"setDefaultButtonTitle:", note<"setDefaultButtonTitle:", Id>>()
             .method<"setCanSelectTestBurn:", noteFlag<"setCanSelectTestBurn:">>()
             .method<"setCanSelectAppendableMedia:", noteFlag<"setCanSelectAppendableMedia:">>()
-            .method<"setVerboseProgressStatus:", noteFlag<"setVerboseProgressStatus:">>()
             .method<"runSetupPanel", run>()
-            .method<"burnObject", answer>()
-            .method<"eraseObject", answer>()
+            .method<"burnObject", answer<"burnObject">>()
+            .method<"eraseObject", answer<"eraseObject">>()
             .method<"beginProgressPanelForBurn:layout:", note<"beginProgressPanelForBurn:layout:", Id, Id>>()
             .method<"beginProgressSheetForBurn:layout:modalForWindow:",
                     note<"beginProgressSheetForBurn:layout:modalForWindow:", Id, Id, Id>>()
@@ -117,14 +146,17 @@ inline void offerPanels() {
             .method<"beginProgressSheetForErase:modalForWindow:",
                     note<"beginProgressSheetForErase:modalForWindow:", Id, Id>>()
             .finish();
-        addClassMethod<"setupPanel", makePanel>(name);
-        addClassMethod<"progressPanel", makePanel>(name);
+        addPanelFactory<"setupPanel">(name);
+        addPanelFactory<"progressPanel">(name);
     }
 }
 
+inline std::vector<Id> made; // every panel, so that what only a panel knows is not lost
+
+// A new panel of the class, which is what the platform gives from now on.
 inline Id newPanel(const char* className) {
     shared = objc::send<"init">(objc::send<"alloc">(reinterpret_cast<Id>(objc::objc_getClass(className))));
-    return shared;
+    return made.emplace_back(shared);
 }
 
 } // namespace test::fake
