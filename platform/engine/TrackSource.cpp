@@ -146,7 +146,10 @@ class ProducerSource final : public TrackSource {
             given += count;
             if (flags.noMoreData) filled += endHere(buffer.subspan(filled), given, total);
         }
-        if (!withSubchannel_) clearPadding(form_, buffer.first(filled));
+        if (!withSubchannel_) {
+            clearPadding(form_, buffer.first(filled));
+            completeCodes(form_, buffer.first(filled));
+        }
         return filled;
     }
 

@@ -1,9 +1,13 @@
 #!/usr/bin/python3
 """Audio discs as the example programs make and copy them, read by programs that are not ours."""
+import math
 import os
+import shutil
 import struct
 import subprocess
+import tempfile
 import unittest
+import wave
 
 from examples_case import ExamplesCase
 
@@ -51,6 +55,50 @@ class Audio(ExamplesCase):
             self.assertIn(text, info)
         toc = self.told("cdrdao", "show-toc", "medium.cue", cwd=folder)
         self.assertIn("ISRC DE ABC 26 12345", toc)
+
+    # The disc is taken out as a sheet and its sectors; bchunk cuts the tracks, without their pre-gaps.
+    def cut(self, count):
+        out = tempfile.mkdtemp(dir=self.scratch)
+        subprocess.run([os.environ["DISC_DRIVES_COMMAND"], "export", "drive-1", out], check=True, capture_output=True,
+                       env=self.environment())
+        subprocess.run(["bchunk", "-w", "medium.bin", "medium.cue", "cut"], cwd=out, check=True, capture_output=True)
+        self.assertEqual(len([name for name in os.listdir(out) if name.startswith("cut")]), count)
+        tracks = []
+        for number in range(1, count + 1):
+            with wave.open(os.path.join(out, f"cut{number:02}.wav")) as sound:
+                self.assertEqual(sound.getparams()[:3], (2, 2, 44100))
+                tracks.append(sound.readframes(sound.getnframes()))
+        return tracks
+
+    def source_samples(self, path):
+        if path.endswith(".flac"):
+            subprocess.run(["flac", "--silent", "--decode", "--force", path], check=True)
+            path = path.removesuffix(".flac") + ".wav"
+        with wave.open(path) as sound:
+            return sound.readframes(sound.getnframes())
+
+    def test_every_sample_is_the_sources_own(self):
+        files = [self.sound("one.wav", 5), self.sound("two.flac", 4), self.sound("three.wav", 4.501)]
+        wanted = []
+        for path in files:
+            samples = self.source_samples(path)
+            wanted.append(samples + bytes(-len(samples) % 2352))
+        for gap in (0, 1, 2.4):
+            self.cd()
+            self.succeed("audio-cd.bas", f"--gap={gap}", *files)
+            silence = bytes(2352 * int(gap * 75))
+            self.assertTrue(self.cut(3) == wanted, f"gap {gap}")
+            whole = silence.join(wanted)
+            self.assertTrue(self.on_disc("drive-1", 0, len(whole) // 2352 + 1) == whole, f"gap {gap}")
+            shutil.rmtree(os.path.join(self.drives, "drive-1"))
+
+    def test_every_sample_of_a_track_that_a_program_makes(self):
+        self.cd()
+        self.succeed("generated-track.bas", "4", "997")
+        second = b"".join(struct.pack("<hh", level, level) for level in (
+            math.floor(abs(wave) + 0.5) * (1 if wave >= 0 else -1) for wave in (
+                math.sin(2 * 3.14159265358979 * 997 * i / 44100) * 16000 for i in range(44100))))
+        self.assertTrue(self.cut(1) == [second * 4])
 
     def test_tags_of_mp3_files(self):
         folder = self.cd()

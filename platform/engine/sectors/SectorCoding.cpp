@@ -157,6 +157,16 @@ void clearPadding(BlockForm form, std::span<std::byte> blocks) noexcept {
             std::memset(&blocks[padding], 0, blockBytes - padding);
 }
 
+void completeCodes(BlockForm form, std::span<std::byte> blocks) noexcept {
+    if (form != BlockForm::XA) return;
+    constexpr size_t blockBytes = bytesPerBlock(BlockForm::XA);
+    std::array<std::byte, sectorBytes> sector{};
+    for (; blocks.size() >= blockBytes; blocks = blocks.subspan(blockBytes)) {
+        encodeSector(form, 0, blocks.first(blockBytes), sector); // the codes are the same at any address
+        std::memcpy(blocks.data(), &sector[bodyAt], blockBytes);
+    }
+}
+
 bool isIntactSector(BlockForm form, int64_t address, ConstSector sector) noexcept {
     const Kind kind = kindOf(form, sector);
     if (kind == Kind::Bare) return true;

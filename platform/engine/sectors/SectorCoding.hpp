@@ -22,6 +22,10 @@ size_t userDataOffset(BlockForm form) noexcept;
 /// of form 2. So what a producer gives compares with what is read back. Whole blocks; other forms stay as they are.
 void clearPadding(BlockForm form, std::span<std::byte> blocks) noexcept;
 
+/// Gives XA blocks their right codes, whatever a producer put there: the medium makes them, so what it gives compares with
+/// what is read back. Whole blocks; other forms stay as they are.
+void completeCodes(BlockForm form, std::span<std::byte> blocks) noexcept;
+
 /// Whether sync, header (address included) and error detection code are those of a sector of that form;
 /// always true for audio.
 bool isIntactSector(BlockForm form, int64_t address, std::span<const std::byte, sectorBytes> sector) noexcept;

@@ -164,6 +164,27 @@ TEST_F(SectorCoding, OnlyThePaddingOfMixedBlocksOfFormOneIsCleared) {
     EXPECT_EQ(others, before);
 }
 
+// The medium makes the codes of XA blocks, so those of a producer can't make a difference.
+TEST_F(SectorCoding, XABlocksGetTheCodesOfTheirSectors) {
+    std::vector<std::byte> blocks = userData(BlockForm::XA, noise(2336, 3)),
+                           second = userData(BlockForm::XA, noise(2336, 4));
+    blocks[2] = std::byte{0x08};
+    second[2] = std::byte{0x28};
+    std::vector<std::byte> expected;
+    for (const auto& block : {blocks, second}) {
+        const Sector sector = coded(BlockForm::XA, 4711, block);
+        expected.insert(expected.end(), sector.begin() + 16, sector.end());
+    }
+    blocks.insert(blocks.end(), second.begin(), second.end());
+    const std::vector<std::byte> before = blocks;
+    for (const BlockForm form : {BlockForm::Mode2, BlockForm::Mixed, BlockForm::RawMode2})
+        completeCodes(form, blocks);
+    EXPECT_EQ(blocks, before);
+    completeCodes(BlockForm::XA, blocks);
+    EXPECT_EQ(blocks, expected);
+    EXPECT_NE(blocks, before);
+}
+
 // Zeros have code 0, and a single byte shows the table's entry for it.
 TEST_F(SectorCoding, TheCodesOfNothingAreKnown) {
     EXPECT_EQ(errorDetectionCode({}), 0u);

@@ -117,4 +117,5 @@ def main():
             sectors.write(whole)
 
 
-main()
+if __name__ == "__main__":
+    main()
