@@ -145,7 +145,12 @@ TEST_F(UserInfo, HasDatesInLocalTime) {
         30 * 86400 + 22 * 3600 + 245.75));
     EXPECT_EQ(date.typeName(), "Date");
     EXPECT_EQ(ask(date, "SQLDateTime").toText(), "2001-02-01 00:04:05");
-    EXPECT_TRUE(ofValue(objc::sendClass<"NSDate", "dateWithTimeIntervalSinceReferenceDate:">(1e12)).isNil());
+    // On 32 bits the platform itself keeps a date within its own bounds, and that is one that a calendar reaches.
+    const Id beyond = objc::sendClass<"NSDate", "dateWithTimeIntervalSinceReferenceDate:">(1e12);
+    if constexpr (sizeof(void*) == 8)
+        EXPECT_TRUE(ofValue(beyond).isNil());
+    else
+        EXPECT_EQ(ask(ofValue(beyond), "Year").toInt32(), 4001);
 }
 
 TEST_F(UserInfo, HasDataAsMemoryBlocks) {

@@ -14,7 +14,7 @@ SOURCES = (".c", ".cpp", ".h", ".hpp", ".m", ".mm")
 
 
 def tracked(root):
-    """Source files below the root: tracked or new, not ignored. In a tree without git, every file."""
+    """Source files below the root: tracked or new, not ignored. In a tree without git, every file but build/'s."""
     listing = subprocess.run(["git", "-C", root, "ls-files", "-co", "--exclude-standard"],
                              capture_output=True, text=True)
     if listing.returncode == 0:
@@ -22,6 +22,7 @@ def tracked(root):
     else:
         names = [os.path.relpath(os.path.join(folder, name), root)
                  for folder, _, files in os.walk(root) for name in files]
+        names = [name for name in names if not name.startswith("build/")]
     return sorted(n for n in names if n.endswith(SOURCES) and os.path.exists(os.path.join(root, n)))
 
 

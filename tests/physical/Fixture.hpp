@@ -31,8 +31,10 @@ class PhysicalTest : public ::testing::Test {
         setGone(second);
     }
 
+    /// In one step: whoever looks at the recorder meanwhile finds the state before or after.
     static void write(const fs::path& folder, const Json& state) {
-        std::ofstream(folder / "recorder.json") << state.dump();
+        std::ofstream(folder / "recorder.json.test") << state.dump();
+        fs::rename(folder / "recorder.json.test", folder / "recorder.json");
     }
     static void setGone(const fs::path& folder) { write(folder, {{"gone", true}}); }
     /// A new medium in a drive.

@@ -66,16 +66,21 @@ int close(int descriptor) {
     return real(descriptor);
 }
 
-int ioctl(int descriptor, unsigned long request, ...) {
-    va_list list;
-    va_start(list, request);
-    void* argument = va_arg(list, void*);
-    va_end(list);
-    const int device = deviceOf(descriptor);
-    if (device >= 0) return control(device, request, argument);
-    static const auto real = next<int (*)(int, unsigned long, ...)>("ioctl");
-    return real(descriptor, request, argument);
-}
+#define CONTROLLING(name)                                                                                    \
+    int name(int descriptor, unsigned long request, ...) {                                                   \
+        va_list list;                                                                                        \
+        va_start(list, request);                                                                             \
+        void* argument = va_arg(list, void*);                                                                \
+        va_end(list);                                                                                        \
+        const int device = deviceOf(descriptor);                                                             \
+        if (device >= 0) return control(device, request, argument);                                          \
+        static const auto real = next<int (*)(int, unsigned long, ...)>(#name);                              \
+        return real(descriptor, request, argument);                                                          \
+    }
+CONTROLLING(ioctl)
+#if __SIZEOF_POINTER__ == 4
+CONTROLLING(__ioctl_time64) // what ioctl() is where times have 64 bits
+#endif
 
 int access(const char* path, int mode) {
     const int device = deviceNamed(path);
