@@ -19,11 +19,6 @@ class ProducerBridge final : public engine::TrackProducer {
 
     ~ProducerBridge() override { letGo(); }
 
-    uint64_t estimatedBlocks(uint64_t declared) override {
-        return ask(@selector(estimateLengthOfTrack:), declared,
-                   [&] { return [producer_ estimateLengthOfTrack:track_]; });
-    }
-
     // Its answer stands in the track: preparing may have changed the length.
     bool prepare(uint64_t& blocks, const engine::MediumInfo&) override {
         keep();

@@ -28,10 +28,6 @@ class TrackProducer {
   public:
     virtual ~TrackProducer() = default;
 
-    /// The blocks that the track has, as far as is known outside a burn; not less than it will be. `declared`
-    /// is what the track says.
-    virtual uint64_t estimatedBlocks(uint64_t declared) { return declared; }
-
     /// Before anything is written; may change the length. False fails the burn with DataProduction.
     virtual bool prepare(uint64_t& blocks, const MediumInfo& medium) {
         (void)blocks, (void)medium;

@@ -1,7 +1,7 @@
 // BurnOptionsTest: what a burn's properties ask of the drive: CD-Text, ways of writing, discs left open, tests, the layer
 // break.
-#import "Burning.h"
 #import "DRCDTextBlock.h"
+#import "Producers.h"
 
 static NSNumber* Yes(void) { return [NSNumber numberWithBool:YES]; }
 
@@ -9,44 +9,14 @@ static NSDictionary* With(NSString* key, id value) {
     return [NSDictionary dictionaryWithObject:value forKey:key];
 }
 
-// Answers as many bytes as are asked for, all alike.
-@interface Plain : NSObject {
-  @public
-    int value;
-}
-@end
-
-@implementation Plain
-- (uint32_t)produceDataForTrack:(DRTrack*)track
-                     intoBuffer:(char*)buffer
-                         length:(uint32_t)length
-                      atAddress:(uint64_t)address
-                      blockSize:(uint32_t)blockSize
-                        ioFlags:(uint32_t*)flags {
-    memset(buffer, value, length);
-    return length;
-}
-@end
-
 static DRTrack* TrackOf(int value, DRTrack* (*make)(id, int)) {
-    Plain* producer = [[Plain new] autorelease];
+    Filler* producer = [[Filler new] autorelease];
     producer->value = value;
     return make(producer, 600); // no track keeps its producer; the pool does
 }
 
-static DRTrack* AudioTrack(id producer, int blocks) {
-    DRTrack* track = [[[DRTrack alloc] initWithProducer:producer] autorelease];
-    SetNumber(track, DRTrackLengthKey, blocks);
-    SetNumber(track, DRBlockSizeKey, kDRBlockSizeAudio);
-    SetNumber(track, DRBlockTypeKey, kDRBlockTypeAudio);
-    SetNumber(track, DRDataFormKey, kDRDataFormAudio);
-    SetNumber(track, DRSessionFormatKey, kDRSessionFormatAudio);
-    SetNumber(track, DRTrackModeKey, kDRTrackModeAudio);
-    return track;
-}
-
 static DRTrack* Data(int value) { return TrackOf(value, DataTrack); }
-static DRTrack* Song(int value) { return TrackOf(value, AudioTrack); }
+static DRTrack* Song(int value) { return TrackOf(value, Audio); }
 
 // A drive that lacks an ability, with a blank medium.
 static DRDevice* DeviceWithout(const char* lack, const char* kind) {
@@ -245,15 +215,11 @@ static void TestLayerBreak(void) {
 
 int main(void) {
     NSAutoreleasePool* pool = [NSAutoreleasePool new];
-    NSString* place = NewFolder();
-    drives = [place stringByAppendingPathComponent:@"drives"];
-    setenv("DISC_DRIVES", [drives UTF8String], 1);
+    NSString* place = BeginBurning();
     TestCDText();
     TestStrategies();
     TestAppendable();
     TestTesting();
     TestLayerBreak();
-    [[NSFileManager defaultManager] removeFileAtPath:place handler:nil];
-    [pool release];
-    return Finish();
+    return EndBurning(place, pool);
 }

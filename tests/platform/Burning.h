@@ -9,6 +9,21 @@
 
 static NSString* drives; // the folder of the test's drives
 
+// A folder for the test with one for drives in it. EndBurning() takes it away, and answers the program's exit status.
+static inline NSString* BeginBurning(void) {
+    NSString* place = NewFolder();
+    drives = [[place stringByAppendingPathComponent:@"drives"] retain];
+    setenv("DISC_DRIVES", [drives UTF8String], 1);
+    return place;
+}
+
+static inline int EndBurning(NSString* place, NSAutoreleasePool* pool) {
+    [[NSFileManager defaultManager] removeFileAtPath:place handler:nil];
+    [drives release];
+    [pool release];
+    return Finish();
+}
+
 static inline void MakeMedium(const char* kind, unsigned blocks) {
     NSString* drive = [drives stringByAppendingPathComponent:@"drive-1"];
     [[NSFileManager defaultManager] removeFileAtPath:drives handler:nil];
@@ -40,15 +55,24 @@ static inline void SetNumber(DRTrack* track, NSString* key, int value) {
     Set(track, key, [NSNumber numberWithInt:value]);
 }
 
+static inline void SetKind(DRTrack* track, int size, int type, int form, int session, int mode) {
+    SetNumber(track, DRBlockSizeKey, size);
+    SetNumber(track, DRBlockTypeKey, type);
+    SetNumber(track, DRDataFormKey, form);
+    SetNumber(track, DRSessionFormatKey, session);
+    SetNumber(track, DRTrackModeKey, mode);
+}
+
 static inline DRTrack* DataTrack(id producer, int blocks) {
     DRTrack* track = [[[DRTrack alloc] initWithProducer:producer] autorelease];
     SetNumber(track, DRTrackLengthKey, blocks);
-    SetNumber(track, DRBlockSizeKey, kDRBlockSizeMode1Data);
-    SetNumber(track, DRBlockTypeKey, kDRBlockTypeMode1Data);
-    SetNumber(track, DRDataFormKey, kDRDataFormMode1Data);
-    SetNumber(track, DRSessionFormatKey, kDRSessionFormatMode1Data);
-    SetNumber(track, DRTrackModeKey, kDRTrackMode1Data);
+    SetKind(track, kDRBlockSizeMode1Data, kDRBlockTypeMode1Data, kDRDataFormMode1Data,
+            kDRSessionFormatMode1Data, kDRTrackMode1Data);
     return track;
+}
+
+static inline DRTrack* Audio(id producer, int blocks) {
+    return [DRTrack trackForAudioOfLength:[DRMSF msfWithFrames:(uint32_t)blocks] producer:producer];
 }
 
 static inline NSDictionary* BurnOn(DRDevice* device, id layout, NSDictionary* more) {
@@ -78,6 +102,11 @@ static inline void ExpectError(const char* what, NSDictionary* status, uint32_t 
     PASS("fails as it must", right);
     if (!right)
         fprintf(stderr, "    %s: %s\n", what, [[status description] UTF8String]);
+}
+
+// A file of the drive's medium.
+static inline NSData* Image(DRDevice* device, NSString* name) {
+    return [NSData dataWithContentsOfFile:[[device ioRegistryEntryPath] stringByAppendingPathComponent:name]];
 }
 
 #endif

@@ -15,8 +15,6 @@ class AudioProducer final : public TrackProducer {
 
     static uint64_t blocksOf(uint64_t samples) { return (samples + samplesPerBlock - 1) / samplesPerBlock; }
 
-    uint64_t estimatedBlocks(uint64_t) override { return blocksOf(samples_); }
-
     bool prepare(uint64_t& blocks, const MediumInfo&) override {
         auto reader = AudioReader::open(path_);
         if (!reader) throw Failure(reader.error());

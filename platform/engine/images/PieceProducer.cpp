@@ -47,7 +47,7 @@ class PieceProducer final : public TrackProducer {
         : preGap_(std::move(track.preGap)), body_(std::move(track.body)), blockBytes_(blockBytes),
           userBytes_(bytesPerBlock(track.form)), blocks_((body_.bytes() + blockBytes - 1) / blockBytes) {}
 
-    uint64_t estimatedBlocks(uint64_t) override { return blocks_; }
+    uint64_t blocks() const noexcept { return blocks_; }
 
     bool prepare(uint64_t& blocks, const MediumInfo&) override {
         preGap_.open();
@@ -111,7 +111,7 @@ ProducedTrack producedTrack(PieceTrack track) {
     const size_t blockBytes =
         bytesPerBlock(track.form) + (track.subchannel == SubchannelForm::None ? 0 : subchannelBytes);
     auto producer = std::make_shared<PieceProducer>(std::move(track), blockBytes);
-    made.blocks = producer->estimatedBlocks(0);
+    made.blocks = producer->blocks();
     made.producer = std::move(producer);
     return made;
 }

@@ -1,0 +1,172 @@
+// AudioTrackTest: audio tracks: codes, index points, pre-gaps, sound files, discs of several tracks and sessions.
+#import "Producers.h"
+
+static void TestAudio(void) {
+    DRDevice* device = Device("CD-R");
+    Producer *first = [[Producer new] autorelease], *second = [[GapProducer new] autorelease];
+    DRTrack *one = Audio(first, 400), *two = Audio(second, 500);
+    SAME("the length is set", [one length], [DRMSF msfWithFrames:400]);
+    SAME("an audio block", [[one properties] objectForKey:DRBlockSizeKey], [NSNumber numberWithInt:2352]);
+    Set(one, DRTrackISRCKey, [@"DEABC2600001" dataUsingEncoding:NSASCIIStringEncoding]);
+    Set(one, DRIndexPointsKey,
+        [NSArray arrayWithObjects:[NSNumber numberWithInt:100], [NSNumber numberWithInt:200], nil]);
+    Set(one, DRAudioPreEmphasisKey, [NSNumber numberWithBool:YES]);
+    [two setPreGap:[DRMSF msfWithFrames:75]];
+    NSDictionary* more =
+        [NSDictionary dictionaryWithObject:[@"4006381333931" dataUsingEncoding:NSASCIIStringEncoding]
+                                    forKey:DRMediaCatalogNumberKey];
+    ExpectDone("two audio tracks", BurnOn(device, [NSArray arrayWithObjects:one, two, nil], more));
+    SAME("no pre-gap of its own", first->calls, Words(@"prepare produce cleanup"));
+    SAME("asked for the pre-gap", second->calls, Words(@"prepare preGap produce cleanup"));
+    NSData* bin = Image(device, @"medium.bin");
+    PASS("the first track is in the image", [bin length] == (400 + 75 + 500) * 2352);
+    PASS("its samples", IsProduced(bin, 0, 400 * 2352, 0));
+    const char* gap = (const char*)[bin bytes] + 400 * 2352;
+    PASS("the pre-gap", gap[0] == 0x5A && gap[75 * 2352 - 1] == 0x5A);
+    PASS("the second track", IsProduced(bin, 0, 500 * 2352, (400 + 75) * 2352));
+    NSString* cue = [[[NSString alloc] initWithData:Image(device, @"medium.cue")
+                                           encoding:NSUTF8StringEncoding] autorelease];
+    NSString* words[] = {@"ISRC DEABC2600001", @"CATALOG 4006381333931", @"INDEX 02 00:01:25", @"FLAGS",
+                         @"TRACK 02 AUDIO"};
+    for (size_t i = 0; i < sizeof words / sizeof *words; i++) {
+        PASS("the sheet says it", [cue rangeOfString:words[i]].length != 0);
+        if ([cue rangeOfString:words[i]].length == 0)
+            fprintf(stderr, "    no \"%s\" in\n%s", [words[i] UTF8String], [cue UTF8String]);
+    }
+
+    // What is on the disc is told by the drive, key by key.
+    NSArray* tracks = [[device status] objectForKey:DRDeviceTrackRefsKey];
+    PASS("two tracks are told", [tracks count] == 2);
+    DRTrack* onDisc = [tracks objectAtIndex:0];
+    NSDictionary* told = [onDisc properties];
+    SAME("its length", [onDisc length], [DRMSF msfWithFrames:400]);
+    SAME("audio", [told objectForKey:DRTrackModeKey], [NSNumber numberWithInt:1]);
+    SAME("in audio blocks", [told objectForKey:DRBlockSizeKey], [NSNumber numberWithInt:2352]);
+    SAME("with its code", [told objectForKey:DRTrackISRCKey], [[one properties] objectForKey:DRTrackISRCKey]);
+    SAME("and its index points", [told objectForKey:DRIndexPointsKey],
+         [[one properties] objectForKey:DRIndexPointsKey]);
+    SAME("pre-emphasis", [told objectForKey:DRAudioPreEmphasisKey], [NSNumber numberWithBool:YES]);
+    SAME("closed", [told objectForKey:DRTrackTypeKey], DRTrackTypeClosed);
+    SAME("the second's pre-gap", [[tracks objectAtIndex:1] preGap], [DRMSF msfWithFrames:75]);
+
+    struct {
+        NSString* key;
+        id value;
+        uint32_t code;
+    } wrong[] = {{DRTrackISRCKey, [NSData data], 0x80020203},
+                 {DRTrackISRCKey, [@"deabc2600001" dataUsingEncoding:NSASCIIStringEncoding], 0x80020203},
+                 {DRIndexPointsKey, @"1", 0x80020069},
+                 {DRIndexPointsKey, [NSArray arrayWithObject:@"x"], 0x80020069},
+                 {DRIndexPointsKey, [NSArray arrayWithObject:[NSNumber numberWithInt:9999]], 0x80020069},
+                 {DRSerialCopyManagementStateKey, @"mine", 0x80020204},
+                 {DRSubchannelDataFormKey, @"odd", 0x80020067},
+                 {DRDVDTimestampKey, [NSData data], 0x80020067}};
+    DRDevice* blank = Device("CD-R");
+    for (size_t i = 0; i < sizeof wrong / sizeof *wrong; i++) {
+        DRTrack* track = Audio([[Producer new] autorelease], 400);
+        Set(track, wrong[i].key, wrong[i].value);
+        ExpectError([wrong[i].key UTF8String], BurnOn(blank, track, nil), wrong[i].code, @"");
+    }
+    PASS("nothing was written", [blank mediaIsBlank]);
+}
+
+// Who gets what was read to compare it gets his pre-gap, too: the part that the disc keeps.
+static void TestVerifiedPreGap(void) {
+    for (int i = 0; i < 2; i++) {
+        GapProducer *one = [[GapProducer new] autorelease], *two = [[GapProducer new] autorelease];
+        DRTrack* tracks[] = {Audio(one, 400), Audio(two, 400)};
+        // Of the first pre-gap a disc image keeps what is longer than usual.
+        [tracks[0] setPreGap:[DRMSF msfWithFrames:170]];
+        [tracks[1] setPreGap:[DRMSF msfWithFrames:75]];
+        for (int j = 0; j < 2; j++)
+            Set(tracks[j], DRVerificationTypeKey, DRVerificationTypeReceiveData);
+        two->gapDiffers = i == 1;
+        DRDevice* device = Device("CD-R");
+        NSDictionary* status = BurnOn(device, [NSArray arrayWithObjects:tracks count:2], nil);
+        if (i == 0)
+            ExpectDone("pre-gaps that are right", status);
+        else
+            ExpectError("a pre-gap that is not", status, 0x80020063, @"");
+        SAME("first the pre-gap", one->calls,
+             Words(@"prepare preGap produce prepareVerification verifyPreGap verify cleanupVerification "
+                   @"cleanup"));
+        PASS("what the disc keeps of it", one->gapVerified == 20 * 2352);
+        PASS("all of one between tracks", i == 1 || two->gapVerified == 75 * 2352);
+        SAME("after NO nothing more is shown", two->calls,
+             Words(i == 0 ? @"prepare preGap produce prepareVerification verifyPreGap verify "
+                            @"cleanupVerification cleanup"
+                          : @"prepare preGap produce prepareVerification verifyPreGap cleanup"));
+    }
+    // A producer that can't compare its pre-gap has it compared by nobody.
+    Producer* without = [[Producer new] autorelease];
+    DRTrack* track = Audio(without, 400);
+    [track setPreGap:[DRMSF msfWithFrames:170]];
+    Set(track, DRVerificationTypeKey, DRVerificationTypeReceiveData);
+    ExpectDone("a silent pre-gap", BurnOn(Device("CD-R"), track, nil));
+    SAME("is not asked about", without->calls,
+         Words(@"prepare produce prepareVerification verify cleanupVerification cleanup"));
+}
+
+static void TestLayouts(void) {
+    DRDevice* device = Device("CD-R");
+    NSArray* sessions =
+        [NSArray arrayWithObjects:[NSArray arrayWithObject:DataTrack([[Producer new] autorelease], 400)],
+                                  [NSArray arrayWithObjects:DataTrack([[Producer new] autorelease], 400),
+                                                            Audio([[Producer new] autorelease], 400), nil],
+                                  nil];
+    ExpectDone("two sessions", BurnOn(device, sessions, nil));
+    NSDictionary* media = [[device status] objectForKey:DRDeviceMediaInfoKey];
+    SAME("are told", [media objectForKey:DRDeviceMediaSessionCountKey], [NSNumber numberWithInt:2]);
+    SAME("with three tracks", [media objectForKey:DRDeviceMediaTrackCountKey], [NSNumber numberWithInt:3]);
+
+    DRDevice* dvd = Device("DVD-R");
+    ExpectError("two tracks on a DVD",
+                BurnOn(dvd,
+                       [NSArray arrayWithObjects:DataTrack([[Producer new] autorelease], 400),
+                                                 DataTrack([[Producer new] autorelease], 400), nil],
+                       nil),
+                0x80020064, @"");
+    ExpectError("sound on a DVD", BurnOn(dvd, Audio([[Producer new] autorelease], 400), nil), 0x80020065,
+                @"");
+    PASS("nothing was written", [dvd mediaIsBlank]);
+}
+
+static void TestAudioFiles(NSString* place) {
+    PASS("nil for nil", [DRTrack trackForAudioFile:nil] == nil);
+    NSString* none = [place stringByAppendingPathComponent:@"none.wav"];
+    PASS("nil for no file", [DRTrack trackForAudioFile:none] == nil);
+    [@"this is no sound" writeToFile:none atomically:NO];
+    PASS("nil for no sound", [DRTrack trackForAudioFile:none] == nil);
+
+    // 3 blocks of samples in a WAV file; the header is that of 44.1 kHz, stereo, 16 bits.
+    unsigned char wav[44 + 3 * 2352] =
+        "RIFF\0\0\0\0WAVEfmt \x10\0\0\0\x01\0\x02\0\x44\xAC\0\0\x10\xB1\x02\0\x04\0"
+        "\x10\0data";
+    unsigned bytes = 3 * 2352, whole = bytes + 36;
+    for (int i = 0; i < 4; i++) {
+        wav[4 + i] = (unsigned char)(whole >> 8 * i);
+        wav[40 + i] = (unsigned char)(bytes >> 8 * i);
+    }
+    for (unsigned i = 0; i < bytes; i++)
+        wav[44 + i] = ByteAt(i);
+    NSString* path = [place stringByAppendingPathComponent:@"sound.wav"];
+    [[NSData dataWithBytes:wav length:sizeof wav] writeToFile:path atomically:NO];
+    DRTrack* track = [DRTrack trackForAudioFile:path];
+    SAME("its exact length", [track length], [DRMSF msfWithFrames:3]);
+    PASS("which is the estimate", [track estimateLength] == 3);
+    Set(track, DRVerificationTypeKey, DRVerificationTypeProduceAgain);
+    DRDevice* device = Device("CD-R");
+    ExpectDone("a sound file", BurnOn(device, track, nil));
+    NSData* bin = Image(device, @"medium.bin");
+    PASS("bit by bit", [bin length] >= bytes && memcmp([bin bytes], wav + 44, bytes) == 0);
+}
+
+int main(void) {
+    NSAutoreleasePool* pool = [NSAutoreleasePool new];
+    NSString* place = BeginBurning();
+    TestAudio();
+    TestVerifiedPreGap();
+    TestLayouts();
+    TestAudioFiles(place);
+    return EndBurning(place, pool);
+}
