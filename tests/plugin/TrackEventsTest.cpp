@@ -1,12 +1,8 @@
 // TrackEventsTest.cpp: tracks whose data a program produces: what the burn engine asks, and what the events get.
-#include "host/runtime/Class.hpp"
-#include "host/runtime/MemoryBlock.hpp"
 #include "plugin/bridge/Registry.hpp"
 #include "plugin/bridge/Wrappers.hpp"
 #include "plugin/objc/Ownership.hpp"
-#include "tests/plugin/Companion.hpp"
-#include "tests/plugin/Drives.hpp"
-#include "tests/plugin/PluginTest.hpp"
+#include "tests/plugin/ProgramsTracks.hpp"
 
 #include <cstring>
 
@@ -15,86 +11,8 @@ extern "C" objc::Sel sel_registerTypedName(const char* name, const char* types);
 namespace {
 
 using namespace test;
-using host::Arguments, host::Value;
 
-constexpr const char* estimate = "estimateLengthOfTrack As UInt64";
-constexpr const char* prepare = "prepareTrack(burn As DRBurnQRX) As Boolean";
-constexpr const char* cleanup = "cleanupTrackAfterBurn";
-constexpr const char* producePreGap =
-    "producePreGapForTrack(buffer As MemoryBlock, Bufferlen As UInt32, "
-    "address As UInt64, blocksize As UInt32, ByRef flags As UInt32) As UInt32";
-constexpr const char* produceData =
-    "produceDataForTrack(buffer As MemoryBlock, Bufferlen As UInt32, "
-    "address As UInt64, blocksize As UInt32, ByRef flags As UInt32) As UInt32";
-constexpr const char* prepareVerification = "prepareTrackForVerification As Boolean";
-constexpr const char* verifyPreGap =
-    "verifyPreGapForTrack(buffer As MemoryBlock, Bufferlen As UInt32, "
-    "address As UInt64, blocksize As UInt32, ByRef flags As UInt32) As Boolean";
-constexpr const char* verifyData =
-    "verifyDataForTrack(buffer As MemoryBlock, Bufferlen As UInt32, "
-    "address As UInt64, blocksize As UInt32, ByRef flags As UInt32) As Boolean";
-constexpr const char* cleanupVerification = "cleanupTrackAfterVerification As Boolean";
-
-const char* const callbacks[] = {"estimateLengthOfTrack:",
-                                 "prepareTrack:forBurn:toMedia:",
-                                 "cleanupTrackAfterBurn:",
-                                 "producePreGapForTrack:intoBuffer:length:atAddress:blockSize:ioFlags:",
-                                 "produceDataForTrack:intoBuffer:length:atAddress:blockSize:ioFlags:",
-                                 "prepareTrackForVerification:",
-                                 "verifyPreGapForTrack:inBuffer:length:atAddress:blockSize:ioFlags:",
-                                 "verifyDataForTrack:inBuffer:length:atAddress:blockSize:ioFlags:",
-                                 "cleanupTrackAfterVerification:"};
-
-host::MemberSpec on(const char* declaration, host::Body body) {
-    host::MemberSpec spec;
-    spec.kind = host::MemberKind::Event;
-    spec.declaration = host::parseDeclaration(declaration);
-    spec.body = std::move(body);
-    return spec;
-}
-
-bool responds(objc::Id track, const char* selector) {
-    return objc::send<"respondsToSelector:", objc::Boolean>(track, objc::sel_registerName(selector)) != 0;
-}
-
-// The callbacks as the burn engine makes them.
-template <objc::FixedString selector>
-uint32_t produce(objc::Id track, void* buffer, uint32_t length, uint64_t address, uint32_t blockSize,
-                 uint32_t* flags) {
-    return objc::send<selector, uint32_t>(track, track, buffer, length, address, blockSize, flags);
-}
-template <objc::FixedString selector>
-bool verify(objc::Id track, void* buffer, uint32_t length, uint64_t address, uint32_t blockSize,
-            uint32_t* flags) {
-    return objc::send<selector, objc::Boolean>(track, track, buffer, length, address, blockSize, flags) != 0;
-}
-uint32_t produceOf(objc::Id track, void* buffer, uint32_t length, uint64_t address, uint32_t blockSize,
-                   uint32_t* flags) {
-    return produce<"produceDataForTrack:intoBuffer:length:atAddress:blockSize:ioFlags:">(
-        track, buffer, length, address, blockSize, flags);
-}
-
-class TrackEvents : public LoadedTest {
-  protected:
-    void SetUp() override {
-        companion::offerRegistry();
-        LoadedTest::SetUp();
-    }
-
-    // A track of a program's class with these handlers, constructed.
-    Ref trackWith(std::vector<host::MemberSpec> handlers) {
-        static int number = 0;
-        const std::string name = "ProgramsTrack" + std::to_string(++number);
-        host::defineClass({name, "DRTrackQRX", std::move(handlers), {}, {}});
-        Ref track = make(name.c_str());
-        construct(track);
-        return track;
-    }
-    void construct(const Ref& track) { call<void>("DRTrackQRX", "Constructor", track.get()); }
-    objc::Id platform(const Ref& track) { return frame::held(track.get()); }
-
-    OwnDrives drives;
-};
+class TrackEvents : public ProgramsTracks {};
 
 TEST_F(TrackEvents, TheConstructorMakesAPlatformTrackThatIsItsOwnProducerAndComesBackAsTheHostObject) {
     const Ref track = trackWith({});
