@@ -86,7 +86,8 @@ Result<void> fillPlan(BurnPlan& plan, DRDevice* device, NSArray* sessions, DRIma
 
 - (void)dealloc {
     if (discrecording::EngineThread::isInside()) {
-        // The last reference went on a thread that the burn itself waits for: it ends on another one.
+        // The last reference went on a thread that the burn itself waits for: it is over now, and ends on another one.
+        [self abort];
         DRBurnInside* inside = _inside;
         NSArray* sessions = _sessions;
         engine::runInBackground("disc-end", [=] {
