@@ -26,15 +26,16 @@ struct ImagePlace {
     bool wantsStart = false; ///< make the first 32 blocks of the medium, too
 };
 
-class UdfBridge;
+namespace plan {
+class Volumes;
+}
 
-/// libisofs lays out the tree and writes the descriptors, path tables and directories, which stand in front.
-/// The contents follow in the order of the source list; they are read here in large pieces, because libisofs
-/// hands data over in 2 KiB pieces and hides short files behind zeros.
+/// All file systems of a track are laid out around the same contents when it is planned (plan/). Their blocks are made
+/// when it is their turn; the contents are read in large pieces.
 class DataImage {
   public:
-    /// Reads the tree and lays it out. `track` must outlive the image. Throws the errors of ImageTree.hpp,
-    /// BadLayout, UserCanceled.
+    /// Reads the tree and lays it out. `track` must outlive the image. Throws FileLocationConflict, DataProduction,
+    /// FilesystemsNotSupported, MediaInvalid, BadLayout, UserCanceled.
     static std::shared_ptr<DataImage> plan(const DataTrack& track, const Signal& signal,
                                            const ImagePlace& place = {});
     DataImage(const DataImage&) = delete;
@@ -42,7 +43,7 @@ class DataImage {
     ~DataImage();
 
     /// Exact length of the image.
-    uint64_t blocks() const noexcept { return blocks_; }
+    uint64_t blocks() const noexcept;
 
     /// Fills `buffer` (a multiple of the block size) with what comes next; less than the whole only at the
     /// end of the image. Throws FileModifiedDuringBurn, DataProduction, Internal.
@@ -55,26 +56,13 @@ class DataImage {
     void checkSources() const { reader_.checkFolders(); }
 
   private:
-    struct Generator;
     DataImage();
-    void generate(std::span<std::byte> buffer);
-    void skipContents();
-    void makeBlocks(uint64_t first, std::span<std::byte> buffer) const;
 
-    std::unique_ptr<Generator> generator_; ///< libisofs's side; gone when all it has to say is read
     SourceList sources_;
     SourceReader reader_{sources_};
+    std::unique_ptr<plan::Volumes> volumes_;
     std::vector<std::byte> start_;
-    std::unique_ptr<UdfBridge> bridge_; ///< when there is UDF, too
-    std::vector<std::byte> isoFront_;   ///< of libisofs's image, where it was read before its turn
-    // What the image is made of, in this order and in blocks.
-    uint64_t frontBlocks_ = 0;   ///< the bridge's
-    uint64_t headBlocks_ = 0;    ///< libisofs's, in front of the contents
-    uint64_t contentBlocks_ = 0; ///< the files
-    uint64_t tailBlocks_ = 0;    ///< libisofs's, behind them
-    uint64_t blocks_ = 0;        ///< all, with what the bridge has at its end
-    bool skipped_ = false;
-    uint64_t position_ = 0; ///< bytes given so far
+    uint64_t position_ = 0; ///< blocks given so far
 };
 
 } // namespace engine

@@ -1,10 +1,8 @@
-// What a track says of its volume, as libisofs takes it.
+// What a track says of its volume, as each file system takes it.
 #include "VolumeSettings.hpp"
 #include "Failure.hpp"
-#include "NodeTimes.hpp"
 
-#include <algorithm>
-#include <limits>
+#include <random>
 
 namespace engine {
 
@@ -18,30 +16,47 @@ uint8_t writtenFilesystems(const DataTrack& track) {
     return track.filesystems | filesystem::iso9660;
 }
 
-void setVolumeTexts(IsoImage* image, const DataTrack& track) {
-    const auto set = [image](void (*setter)(IsoImage*, const char*), const std::string& text) {
-        if (!text.empty()) setter(image, text.c_str());
-    };
-    set(iso_image_set_publisher_id, track.publisher);
-    set(iso_image_set_data_preparer_id, track.dataPreparer);
-    set(iso_image_set_application_id, track.application);
-    set(iso_image_set_system_id, track.system);
-    set(iso_image_set_copyright_file_id, track.copyrightFile);
-    set(iso_image_set_abstract_file_id, track.abstractFile);
-    set(iso_image_set_biblio_file_id, track.bibliographicFile);
+iso::VolumeSettings isoSettings(const DataTrack& track, uint32_t start, std::time_t now) {
+    iso::VolumeSettings settings;
+    settings.rules.level = track.isoLevel;
+    settings.rules.rockRidge = track.rockRidge;
+    settings.volumeName = track.root.name;
+    settings.volumeSet = track.volumeSet.empty() ? track.root.name : track.volumeSet;
+    settings.publisher = track.publisher;
+    settings.dataPreparer = track.dataPreparer;
+    settings.application = track.application;
+    settings.system = track.system;
+    settings.copyrightFile = track.copyrightFile;
+    settings.abstractFile = track.abstractFile;
+    settings.bibliographicFile = track.bibliographicFile;
+    settings.recorded = now;
+    settings.created = track.created;
+    settings.modified = track.modified;
+    settings.expires = track.expires;
+    settings.effective = track.effective;
+    settings.sessionStart = start;
+    return settings;
 }
 
-// libisofs takes 0 for "not set". Its own type of times: see NodeTimes.hpp.
-void setVolumeTimes(IsoWriteOpts* options, const DataTrack& track) {
-    using Setter = int (*)(IsoWriteOpts*, NodeTime, NodeTime, NodeTime, NodeTime, char*);
-    const auto set = reinterpret_cast<Setter>(reinterpret_cast<void (*)()>(iso_write_opts_set_pvd_times));
-    const auto time = [](const std::optional<std::time_t>& given) {
-        return static_cast<NodeTime>(
-            std::clamp<std::time_t>(given.value_or(0), 0, std::numeric_limits<NodeTime>::max()));
-    };
-    char noUuid[] = "";
-    set(options, time(track.created), time(track.modified), time(track.expires), time(track.effective),
-        noUuid);
+udf::VolumeSettings udfSettings(const DataTrack& track, uint32_t start, std::time_t now) {
+    udf::VolumeSettings settings;
+    settings.revision = track.udfRevision;
+    settings.volumeName = track.root.name;
+    settings.volumeSetName = track.volumeSet;
+    settings.recorded = now;
+    settings.sessionStart = start;
+    return settings;
+}
+
+hfsplus::VolumeSettings hfsPlusSettings(const DataTrack& track, std::time_t now) {
+    hfsplus::VolumeSettings settings;
+    settings.volumeName = track.root.name;
+    settings.created = track.created.value_or(now);
+    std::tm local{};
+    if (localtime_r(&settings.created, &local)) settings.secondsEast = static_cast<int32_t>(local.tm_gmtoff);
+    std::random_device source;
+    settings.identifier = uint64_t{source()} << 32 | source();
+    return settings;
 }
 
 } // namespace engine

@@ -1,9 +1,12 @@
-// What a track says of its volume, as libisofs takes it.
+// What a track says of its volume, as each file system takes it.
 #pragma once
 
 #include "Layout.hpp"
+#include "hfsplus/Tree.hpp"
+#include "iso/Tree.hpp"
 
-#include <libisofs/libisofs.h>
+#include <cstdint>
+#include <ctime>
 
 namespace engine {
 
@@ -11,7 +14,9 @@ namespace engine {
 /// can't be written, BadLayout for an ISO level that there is none of.
 uint8_t writtenFilesystems(const DataTrack& track);
 
-void setVolumeTexts(IsoImage* image, const DataTrack& track);
-void setVolumeTimes(IsoWriteOpts* options, const DataTrack& track);
+/// For a session that begins at `start`; `now` is when it is recorded.
+iso::VolumeSettings isoSettings(const DataTrack& track, uint32_t start, std::time_t now);
+udf::VolumeSettings udfSettings(const DataTrack& track, uint32_t start, std::time_t now);
+hfsplus::VolumeSettings hfsPlusSettings(const DataTrack& track, std::time_t now);
 
 } // namespace engine

@@ -42,7 +42,7 @@ class LifeTest : public EngineTest, public ::testing::WithParamInterface<MediumK
         // Where the start of the medium is made new, readers find the newest session without being told.
         if (facts().overwritable) {
             EXPECT_EQ(output("bsdtar -tf '" + image().string() +
-                             "' | grep -v '^\\.$' | sed s,^.,, | sort | tr '\\n' ' '"),
+                             "' | grep -v '^\\.$' | sed s,^,/, | sort | tr '\\n' ' '"),
                       list);
         }
         return list;

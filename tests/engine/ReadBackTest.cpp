@@ -62,8 +62,7 @@ TEST_F(ReadBackTest, aMixedTreeIsOnTheDiscAsItWas) {
     EXPECT_EQ(medium->sessions.at(0).tracks.at(0).volumeName, "Grüße 2024");
 }
 
-// A 32-bit libisofs has no later time than the first of these years (NodeTimes.hpp).
-TEST_F(ReadBackTest, aFileFromAfter2038KeepsTheYearThatTheLibraryCanSay) {
+TEST_F(ReadBackTest, aFileFromAfter2038KeepsItsYear) {
     write("later.txt", "later");
     setTime(source / "later.txt", time_t{2'223'000'000}); // in June 2040
     EXPECT_DONE(burn(makeDrive(), layout()));
@@ -73,7 +72,7 @@ TEST_F(ReadBackTest, aFileFromAfter2038KeepsTheYearThatTheLibraryCanSay) {
     while (std::fgets(part, sizeof part, pipe) != nullptr)
         text += part;
     EXPECT_EQ(::pclose(pipe), 0);
-    EXPECT_NE(text.find(sizeof(void*) == 4 ? " 2038 ./later.txt" : " 2040 ./later.txt"), text.npos) << text;
+    EXPECT_NE(text.find(" 2040 later.txt"), text.npos) << text;
 }
 
 TEST_F(ReadBackTest, namesOfAnyBytesSurviveInRockRidge) {

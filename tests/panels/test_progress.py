@@ -90,7 +90,7 @@ BurnOnce(progress)
         self.assertIn("in use by another program", self.drives.command("eject", "drive-1"))
         self.assertEqual(program.end(), 0, program.errors)
         self.assertEqual(program.lines()[-1], "DRStatusStateDone")
-        self.assertIn("./LARGE", [name.upper() for name in self.names_on_disc()])
+        self.assertIn("LARGE", [name.upper() for name in self.names_on_disc()])
 
     def test_a_medium_that_goes_while_it_burns_is_a_failure_and_the_panel_is_good_for_another(self):
         self.drives.grow(6)
@@ -108,7 +108,7 @@ BurnOnce(progress)
         self.assertEqual(program.end(), 0, program.errors)
         once = ["will begin", "burn did finish", "did finish"]
         self.assertEqual(program.lines(), once + ["DRStatusStateFailed"] + once + ["DRStatusStateDone"])
-        self.assertIn("./LARGE", [name.upper() for name in self.names_on_disc()])
+        self.assertIn("LARGE", [name.upper() for name in self.names_on_disc()])
 
     def test_closing_the_window_and_thinking_better_of_it_goes_on(self):
         self.drives.grow(12)
@@ -135,7 +135,7 @@ BurnOnce(progress)
         self.assertEqual(program.end(), 0, program.errors)
         once = ["will begin", "burn did finish", "did finish"]
         self.assertEqual(program.lines(), once + ["DRStatusStateFailed"] + once + ["DRStatusStateDone"])
-        self.assertIn("./LETTER.TXT", [name.upper() for name in self.names_on_disc()])
+        self.assertIn("LETTER.TXT", [name.upper() for name in self.names_on_disc()])
 
     def test_events_that_raise_do_not_keep_a_burn_from_its_end(self):
         text = PROGRESS
@@ -222,7 +222,7 @@ Print burn.status.Value(DRBurnQRX.DRStatusStateKey).StringValue
         self.assertEqual(program.end(), 0, program.errors)
         self.assertEqual(program.lines(), ["False", "False", "will begin", "True", "True", "burn did finish",
                                            "did finish", "DRStatusStateDone"])
-        self.assertIn("./LETTER.TXT", [name.upper() for name in self.names_on_disc()])
+        self.assertIn("LETTER.TXT", [name.upper() for name in self.names_on_disc()])
 
     def test_a_sheet_hangs_on_its_window(self):
         self.drives.grow(6)

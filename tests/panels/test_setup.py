@@ -31,7 +31,7 @@ class Panels(Case):
         self.assertEqual(program.end(), 0, program.errors)
         self.assertEqual(program.lines(), ["Drive: Virtual Disc Drive 1", "Burning.",
                                            "The burn ended: DRStatusStateDone"])
-        self.assertIn("./LETTER.TXT", [name.upper() for name in self.names_on_disc()])
+        self.assertIn("LETTER.TXT", [name.upper() for name in self.names_on_disc()])
 
     def test_escape_cancels_and_leaves_the_disc_blank(self):
         program = self.run_program(BURN, self.drives.source)

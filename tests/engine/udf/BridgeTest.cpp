@@ -1,5 +1,6 @@
 // Discs with ISO 9660 and UDF over the same contents, burned and read by programs that are not ours.
 #include "Fixture.hpp"
+#include "udf/Volume.hpp"
 
 #include <cstdio>
 
@@ -59,8 +60,9 @@ TEST_F(UdfBridges, TheContentsAreStoredOnce) {
     both.filesystems |= filesystem::udf;
     const auto without = plannedBlocks(plain), with = plannedBlocks(both);
     ASSERT_TRUE(without.ok() && with.ok());
-    EXPECT_GT(*with, *without + 257);
-    EXPECT_LT(*with, *without + 257 + 64) << "structures only";
+    constexpr uint64_t front = udf::partitionStart - 19; // behind ISO 9660's descriptors
+    EXPECT_GT(*with, *without + front);
+    EXPECT_LT(*with, *without + front + 64) << "structures only";
 }
 
 TEST_F(UdfBridges, TheLaterRevisionIsStated) {
@@ -90,7 +92,8 @@ TEST_F(UdfBridges, NamesThatUdfMustCutStayDifferent) {
 }
 
 TEST_F(UdfBridges, HFSPlusStandsBesideIt) {
-    fs::remove_all(source / "folder/deep"); // HFS+ takes names apart
+    fs::remove_all(source / "folder/deep");      // HFS+ takes names apart
+    fs::remove_all(source / "folder/again.txt"); // 7zz shows its hard links as empty files
     Layout what = bridge();
     std::get<DataTrack>(what.sessions[0].tracks[0].content).filesystems |= filesystem::hfsPlus;
     EXPECT_DONE(burn(makeDrive(), what));
@@ -118,8 +121,7 @@ TEST_F(UdfBridges, AnItemMayStandInUdfAlone) {
     run("7zz x -y -tudf -oout '" + image().string() + "'");
     EXPECT_EQ(run("ls out"), "everywhere\nits name in UDF\nonly here\n");
     EXPECT_EQ(bytesOf(base / "out/only here"), std::string(5000, 'u'));
-    EXPECT_EQ(run("bsdtar -tf '" + image().string() + "' | sort"),
-              ".\n./everywhere\n./not here\n./two names\n");
+    EXPECT_EQ(run("bsdtar -tf '" + image().string() + "' | sort"), ".\neverywhere\nnot here\ntwo names\n");
 }
 
 TEST_F(UdfBridges, AVerifiedBurnReadsAllOfItBack) {

@@ -1,0 +1,123 @@
+// ISO 9660's tree and Joliet's.
+#include "Failure.hpp"
+#include "Names.hpp"
+#include "ViewMaker.hpp"
+#include "Views.hpp"
+#include "iso/Names.hpp"
+
+#include <unordered_set>
+
+namespace engine::plan {
+namespace {
+
+void addNode(iso::Tree& made, const Tree& tree, uint32_t index) {
+    const Node& from = tree.nodes[index];
+    iso::Node node;
+    node.mode = from.mode;
+    node.owner = from.owner;
+    node.group = from.group;
+    node.accessed = from.accessed;
+    node.modified = from.modified;
+    node.changed = from.changed;
+    if (from.kind == NodeKind::Folder) {
+        node.kind = iso::NodeKind::Folder;
+    } else if (from.kind == NodeKind::SymbolicLink) {
+        node.kind = iso::NodeKind::SymbolicLink;
+        made.setTarget(node, tree.targetOf(from));
+    } else if (const Extent* extent = tree.extentOf(from)) {
+        if (extent->pieces == none) {
+            made.setSize(node, extent->bytes);
+        } else {
+            node.first = static_cast<uint32_t>(made.sections.size());
+            node.count = extent->pieceCount;
+            const auto first = tree.pieces.begin() + extent->pieces;
+            made.sections.insert(made.sections.end(), first, first + extent->pieceCount);
+        }
+    }
+    made.nodes.push_back(node);
+}
+
+bool isFolder(const Tree& tree, const Entry& entry) {
+    return tree.nodes[entry.node].kind == NodeKind::Folder;
+}
+
+void expectDistinct(const Tree& tree, const std::vector<const Entry*>& shown) {
+    std::unordered_set<std::string_view> names;
+    names.reserve(shown.size());
+    for (const Entry* entry : shown) {
+        const std::string_view name = tree.nameOf(*entry);
+        if (!names.insert(name).second)
+            fail(ErrorCode::FileLocationConflict,
+                 "Two items of one folder are named " + inQuotes(name) + "; give one of them another name.",
+                 std::string(name));
+    }
+}
+
+// A name of the item's own as ISO 9660 stores it, if it can be had there; files end in a dot at least.
+std::string ownIsoName(const Tree& tree, const Entry& entry, const iso::Rules& rules) {
+    if (!tree.hasOwnName(entry, filesystem::iso9660)) return {};
+    std::string name(tree.nameIn(entry, filesystem::iso9660));
+    const bool folder = isFolder(tree, entry);
+    if (!folder && name.find('.') == std::string::npos) name += '.';
+    return iso::faultOf(name, folder, iso::Form::Iso, rules).empty() ? name : std::string();
+}
+
+template <typename MakeEntries>
+View<iso::Tree> viewOf(const Tree& tree, uint8_t filesystem, bool hasLinks, const MakeEntries& makeEntries) {
+    View<iso::Tree> view;
+    view.nodeOf = makeView(
+        tree, filesystem, hasLinks, view.tree.firstEntry,
+        [&](uint32_t node) { addNode(view.tree, tree, node); },
+        [&](const std::vector<const Entry*>& shown, const std::vector<uint32_t>& numbers) {
+            makeEntries(view.tree, shown, numbers);
+        });
+    return view;
+}
+
+} // namespace
+
+View<iso::Tree> isoView(const Tree& tree, const iso::Rules& rules) {
+    const IsoForm form(rules.level);
+    return viewOf(
+        tree, filesystem::iso9660, rules.rockRidge,
+        [&](iso::Tree& made, const std::vector<const Entry*>& shown, const std::vector<uint32_t>& numbers) {
+            std::vector<GivenName> given;
+            std::vector<std::string> own(tree.hasOwnIsoNames ? shown.size() : 0);
+            for (size_t i = 0; i < shown.size(); ++i) {
+                if (!own.empty()) own[i] = ownIsoName(tree, *shown[i], rules);
+                const bool isFinal = !own.empty() && !own[i].empty();
+                given.push_back(
+                    {isFinal ? own[i] : tree.nameOf(*shown[i]), isFolder(tree, *shown[i]), isFinal});
+            }
+            if (rules.rockRidge) expectDistinct(tree, shown);
+            const std::vector<std::string> names = distinctNames(given, form);
+            for (size_t i = 0; i < shown.size(); ++i)
+                made.entries.push_back(
+                    made.makeEntry(numbers[shown[i]->node], given[i].isFolder ? names[i] : names[i] + ";1",
+                                   rules.rockRidge ? tree.nameOf(*shown[i]) : std::string_view()));
+        });
+}
+
+View<iso::Tree> jolietView(const Tree& tree) {
+    return viewOf(
+        tree, filesystem::joliet, false,
+        [&](iso::Tree& made, const std::vector<const Entry*>& shown, const std::vector<uint32_t>& numbers) {
+            std::vector<GivenName> given;
+            for (const Entry* entry : shown)
+                given.push_back({tree.nameIn(*entry, filesystem::joliet), isFolder(tree, *entry)});
+            const std::vector<std::string> names = distinctNames(given, JolietForm());
+            for (size_t i = 0; i < shown.size(); ++i)
+                made.entries.push_back(
+                    made.makeEntry(numbers[shown[i]->node], given[i].isFolder ? names[i] : names[i] + ";1"));
+        });
+}
+
+void placeContents(const Tree& tree, const std::vector<uint32_t>& nodeOf, iso::Tree& made) {
+    for (size_t node = 0; node < nodeOf.size(); ++node) {
+        if (nodeOf[node] == none || tree.nodes[node].kind != NodeKind::File) continue;
+        const Extent* extent = tree.extentOf(tree.nodes[node]);
+        if (extent && extent->pieces == none) made.placeFile(made.nodes[nodeOf[node]], extent->firstBlock);
+    }
+}
+
+} // namespace engine::plan

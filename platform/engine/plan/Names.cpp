@@ -1,0 +1,181 @@
+// Making names legal, and telling those apart that became the same.
+#include "Names.hpp"
+#include "Failure.hpp"
+#include "Utf8.hpp"
+#include "hfsplus/Names.hpp"
+#include "udf/Text.hpp"
+
+#include <algorithm>
+#include <cstdio>
+#include <unordered_map>
+#include <unordered_set>
+
+namespace engine::plan {
+namespace {
+
+// A dot in front of a name, or at its end, begins no extension.
+size_t extensionOf(std::string_view name, bool isFolder) {
+    const size_t dot = name.rfind('.');
+    return isFolder || dot == 0 || dot == std::string_view::npos || dot + 1 == name.size() ? name.size()
+                                                                                           : dot;
+}
+
+// Without its last character, whose bytes behind the first are 10xxxxxx.
+void dropLast(std::string& text) {
+    while (text.size() > 1 && (text.back() & 0xC0) == 0x80)
+        text.pop_back();
+    if (!text.empty()) text.pop_back();
+}
+
+// The name with the suffix in front of its extension, as much of it as fits.
+std::string withSuffix(std::string_view name, bool isFolder, std::string_view suffix, const NameForm& form) {
+    const size_t dot = extensionOf(name, isFolder);
+    std::string stem(name.substr(0, dot)), extension(name.substr(dot));
+    while (true) {
+        const std::string whole = stem + std::string(suffix) + extension;
+        if (form.fits(whole, isFolder) || (stem.empty() && extension.empty())) return whole;
+        // An extension that leaves no room for the name is cut, too.
+        dropLast(stem.size() > 1 || extension.empty() ? stem : extension);
+    }
+}
+
+// Each character as `put` has it; what is no UTF-8 is a character of its own.
+template <typename Put>
+void forEachCharacter(std::string_view text, const Put& put) {
+    while (!text.empty()) {
+        const auto character = firstCharacter(text);
+        const size_t bytes = character ? character->bytes : 1;
+        put(character ? character->value : U'\uFFFF', text.substr(0, bytes));
+        text.remove_prefix(bytes);
+    }
+}
+
+std::string isoCharacters(std::string_view text) {
+    std::string result;
+    forEachCharacter(text, [&](char32_t c, std::string_view) {
+        if (c >= U'a' && c <= U'z') c -= U'a' - U'A';
+        const bool stays = (c >= U'A' && c <= U'Z') || (c >= U'0' && c <= U'9');
+        result += stays ? static_cast<char>(c) : '_';
+    });
+    return result;
+}
+
+size_t unitsOf(std::string_view utf8) {
+    size_t units = 0;
+    forEachCharacter(utf8, [&](char32_t c, std::string_view) { units += c > 0xFFFF ? 2 : 1; });
+    return units;
+}
+
+// Gives numbers out: what a name is cut to for its number goes on where the last such one stopped.
+class Numbers {
+  public:
+    Numbers(const NameForm& form, size_t expected) : form_(form) { taken_.reserve(expected); }
+
+    bool take(std::string_view name) { return taken_.insert(form_.keyOf(name)).second; }
+
+    std::string another(std::string_view name, bool isFolder) {
+        for (int digits = 3;; ++digits) {
+            std::string probe = "_" + std::string(static_cast<size_t>(digits), '0');
+            uint32_t& number = next_[withSuffix(name, isFolder, probe, form_)];
+            const uint32_t end = digits >= 9 ? UINT32_MAX : powerOfTen(digits);
+            if (number == 0) number = digits == 3 ? 1 : powerOfTen(digits - 1);
+            while (number < end) {
+                char suffix[16];
+                std::snprintf(suffix, sizeof suffix, "_%0*u", digits, number++);
+                std::string tried = withSuffix(name, isFolder, suffix, form_);
+                if (take(tried)) return tried;
+            }
+        }
+    }
+
+  private:
+    static uint32_t powerOfTen(int exponent) {
+        uint32_t power = 1;
+        while (exponent-- > 0)
+            power *= 10;
+        return power;
+    }
+
+    const NameForm& form_;
+    std::unordered_set<std::string> taken_;
+    std::unordered_map<std::string, uint32_t> next_;
+};
+
+} // namespace
+
+std::string IsoForm::legal(std::string_view name, bool isFolder) const {
+    const size_t dot = extensionOf(name, isFolder);
+    const size_t mostExtension = level_ == 1 ? 3 : 27, mostStem = level_ == 1 ? 8 : 30;
+    std::string stem = isoCharacters(name.substr(0, dot));
+    if (isFolder) return stem.substr(0, level_ == 1 ? 8 : 31);
+    std::string extension = dot == name.size() ? std::string() : isoCharacters(name.substr(dot + 1));
+    extension.resize(std::min(extension.size(), mostExtension));
+    stem.resize(std::min(stem.size(), level_ == 1 ? mostStem : mostStem - extension.size()));
+    return stem + '.' + extension;
+}
+
+// Names that differ only in spaces, or a dot, at an end are the same.
+std::string IsoForm::keyOf(std::string_view legal) const {
+    const auto trimmed = [](std::string_view text) { return text.substr(0, text.find_last_not_of(' ') + 1); };
+    const size_t dot = std::min(legal.rfind('.'), legal.size());
+    std::string key(trimmed(legal.substr(0, dot)));
+    key += '.';
+    return key += trimmed(legal.substr(std::min(dot + 1, legal.size())));
+}
+
+bool IsoForm::fits(std::string_view legal, bool isFolder) const {
+    if (isFolder) return legal.size() <= (level_ == 1 ? 8u : 31u);
+    const size_t dot = std::min(legal.rfind('.'), legal.size());
+    const size_t extension = legal.size() - std::min(dot + 1, legal.size());
+    return level_ == 1 ? dot <= 8 && extension <= 3 : dot + extension <= 30;
+}
+
+std::string JolietForm::legal(std::string_view name, bool isFolder) const {
+    std::string result;
+    forEachCharacter(name, [&](char32_t c, std::string_view bytes) {
+        constexpr std::u32string_view others = U"*/:;?\\\uFFFF";
+        const bool stays = c >= 0x20 && others.find(c) == others.npos;
+        result += stays ? bytes : "_";
+    });
+    return withSuffix(result, isFolder, {}, *this);
+}
+
+bool JolietForm::fits(std::string_view legal, bool) const { return unitsOf(legal) <= 64; }
+
+std::string UdfForm::keyOf(std::string_view legal) const { return udf::compressed(legal, udf::nameLimit); }
+bool UdfForm::fits(std::string_view legal, bool) const {
+    return udf::compressed(legal, 2 * udf::nameLimit).size() <= udf::nameLimit;
+}
+
+std::string HfsPlusForm::keyOf(std::string_view legal) const {
+    const std::u16string folded = hfsplus::foldedName(hfsplus::storedName(legal));
+    return {reinterpret_cast<const char*>(folded.data()), folded.size() * sizeof(char16_t)};
+}
+// A stored name is cut at the limit: one that reaches it may have been.
+bool HfsPlusForm::fits(std::string_view legal, bool) const {
+    return hfsplus::storedName(legal).size() < hfsplus::nameLimit;
+}
+
+std::vector<std::string> distinctNames(const std::vector<GivenName>& given, const NameForm& form) {
+    std::vector<std::string> result(given.size());
+    std::vector<uint32_t> others;
+    Numbers numbers(form, given.size());
+    for (uint32_t i = 0; i < given.size(); ++i) {
+        result[i] =
+            given[i].isFinal ? std::string(given[i].name) : form.legal(given[i].name, given[i].isFolder);
+        if (!numbers.take(result[i])) others.push_back(i);
+    }
+    if (others.empty()) return result;
+    std::unordered_set<std::string_view> names;
+    for (const GivenName& one : given)
+        if (!one.isFinal && !names.insert(one.name).second)
+            fail(ErrorCode::FileLocationConflict,
+                 "Two items of one folder are named " + inQuotes(one.name) +
+                     "; give one of them another name.",
+                 std::string(one.name));
+    for (const uint32_t i : others)
+        result[i] = numbers.another(result[i], given[i].isFolder);
+    return result;
+}
+
+} // namespace engine::plan

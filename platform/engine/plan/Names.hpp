@@ -1,0 +1,69 @@
+// Names as the file systems of a disc take them: made of any name, and different from their neighbours'.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace engine::plan {
+
+/// What one file system makes of names.
+class NameForm {
+  public:
+    virtual ~NameForm() = default;
+    /// The name with what can't stand in it replaced, and cut to what fits.
+    virtual std::string legal(std::string_view name, bool isFolder) const = 0;
+    /// The same for two names that can't stand beside each other.
+    virtual std::string keyOf(std::string_view legal) const = 0;
+    virtual bool fits(std::string_view legal, bool isFolder) const = 0;
+};
+
+/// ISO 9660's own names beside or without Rock Ridge's: A to Z, 0 to 9 and _, 8 and 3 of them in level 1, 30 in the others;
+/// files have a dot. No version.
+class IsoForm final : public NameForm {
+  public:
+    explicit IsoForm(uint8_t level) : level_(level) {}
+    std::string legal(std::string_view name, bool isFolder) const override;
+    std::string keyOf(std::string_view legal) const override;
+    bool fits(std::string_view legal, bool isFolder) const override;
+
+  private:
+    uint8_t level_;
+};
+
+/// 64 UTF-16 units; '_' for * / : ; ? \ and control characters.
+class JolietForm final : public NameForm {
+  public:
+    std::string legal(std::string_view name, bool isFolder) const override;
+    std::string keyOf(std::string_view legal) const override { return std::string(legal); }
+    bool fits(std::string_view legal, bool isFolder) const override;
+};
+
+/// The file system's own code says what is kept of a name.
+class UdfForm final : public NameForm {
+  public:
+    std::string legal(std::string_view name, bool) const override { return std::string(name); }
+    std::string keyOf(std::string_view legal) const override;
+    bool fits(std::string_view legal, bool isFolder) const override;
+};
+
+class HfsPlusForm final : public NameForm {
+  public:
+    std::string legal(std::string_view name, bool) const override { return std::string(name); }
+    std::string keyOf(std::string_view legal) const override;
+    bool fits(std::string_view legal, bool isFolder) const override;
+};
+
+struct GivenName {
+    std::string_view name;
+    bool isFolder = false;
+    bool isFinal = false; ///< legal already, and kept as it is unless another one has it
+};
+
+/// The names of one folder, all different: where two became one, the first keeps it, and others get a number such
+/// as _001 in front of the extension. Grows as the number of names does. Throws FileLocationConflict where two were
+/// the same to begin with.
+std::vector<std::string> distinctNames(const std::vector<GivenName>& given, const NameForm& form);
+
+} // namespace engine::plan

@@ -1,0 +1,212 @@
+// What exists only in the track's tree: virtual folders and files, and links.
+#include "TreeBuilder.hpp"
+#include "Failure.hpp"
+#include "FolderWalker.hpp"
+
+#include <algorithm>
+#include <unordered_map>
+
+namespace engine::plan {
+namespace {
+
+class TreeBuilder {
+  public:
+    TreeBuilder(Tree& tree, const DataTrack& track, SourceList& sources, const Signal& signal)
+        : tree_(tree), sources_(sources), signal_(signal), walker_(tree, sources, signal),
+          now_(track.defaultDate.value_or(std::time(nullptr))) {}
+
+    void build(const Content& root, uint8_t filesystems) {
+        if (const auto* folder = std::get_if<VirtualFolder>(&root.source)) {
+            tree_.nodes[0] = virtualNode(tree_.nodes[0], 0755);
+            pending_.push_back({0, folder, filesystems});
+        } else if (const auto* item = std::get_if<RealItem>(&root.source)) {
+            walker_.addRoot(item->path, filesystems);
+        } else {
+            fail(ErrorCode::BadLayout,
+                 "The root of a disc must be a folder; " + inQuotes(root.name) + " is none.");
+        }
+        apply(0, root.attributes);
+        while (!pending_.empty()) {
+            const Pending folder = pending_.back();
+            pending_.pop_back();
+            addChildren(folder);
+        }
+        walker_.walk();
+        // Now all that they can point at is there.
+        for (const Link& link : links_)
+            addHardLink(link);
+    }
+
+  private:
+    struct Pending {
+        uint32_t node;
+        const VirtualFolder* folder;
+        uint8_t filesystems;
+    };
+    struct Link {
+        uint32_t folder;
+        const Content* item;
+        uint8_t filesystems;
+    };
+
+    static std::string_view nameOf(const Content& item) {
+        if (!item.name.empty()) return item.name;
+        const auto* real = std::get_if<RealItem>(&item.source);
+        if (real == nullptr) return {};
+        std::string_view path = real->path;
+        while (path.size() > 1 && path.back() == '/')
+            path.remove_suffix(1);
+        return path.substr(path.rfind('/') + 1);
+    }
+
+    static ItemNames namesOf(const Content& item, uint8_t filesystems) {
+        ItemNames names{nameOf(item)};
+        checkName(names.name);
+        if (!item.names) return names;
+        names.own = {std::string_view(), item.names->joliet, item.names->udf, item.names->hfsPlus};
+        for (size_t i = 0; i < names.own.size(); ++i) {
+            if ((filesystems >> i & 1) == 0) names.own[i] = {};
+            if (!names.own[i].empty()) checkName(names.own[i]);
+        }
+        return names;
+    }
+
+    // By name, so that what becomes of equal ones doesn't depend on the order they were given in.
+    void addChildren(const Pending& folder) {
+        std::vector<const Content*> sorted;
+        sorted.reserve(folder.folder->children.size());
+        for (const Content& child : folder.folder->children)
+            if ((child.filesystems & folder.filesystems) != 0) sorted.push_back(&child);
+        std::ranges::stable_sort(sorted, {}, [](const Content* child) { return nameOf(*child); });
+        const size_t waiting = pending_.size();
+        for (const Content* child : sorted) {
+            signal_.check();
+            const auto filesystems = static_cast<uint8_t>(child->filesystems & folder.filesystems);
+            const ItemNames names = namesOf(*child, filesystems);
+            if (std::holds_alternative<HardLink>(child->source)) {
+                links_.push_back({folder.node, child, filesystems});
+                continue;
+            }
+            const uint32_t node = add(folder.node, *child, names, filesystems);
+            apply(node, child->attributes);
+            tree_.addEntry(folder.node, node, names, filesystems);
+            if (child->identity != 0) identities_.try_emplace(child->identity, node);
+        }
+        std::reverse(pending_.begin() + static_cast<ptrdiff_t>(waiting), pending_.end());
+    }
+
+    uint32_t add(uint32_t parent, const Content& item, const ItemNames& names, uint8_t filesystems) {
+        if (const auto* folder = std::get_if<VirtualFolder>(&item.source)) {
+            uint32_t node = tree_.oldFolder(parent, names, filesystems);
+            if (node == none) node = tree_.addNode({});
+            tree_.nodes[node].kind = NodeKind::Folder;
+            tree_.nodes[node] = virtualNode(tree_.nodes[node], 0755);
+            pending_.push_back({node, folder, filesystems});
+            return node;
+        }
+        if (const auto* real = std::get_if<RealItem>(&item.source))
+            return walker_.addItem(real->path, filesystems, tree_.oldFolder(parent, names, filesystems),
+                                   isChanged(item.attributes));
+        if (const auto* link = std::get_if<SymbolicLink>(&item.source)) {
+            if (link->target.empty() || link->target.find('\0') != std::string::npos)
+                fail(ErrorCode::FileLocationConflict,
+                     "The symbolic link " + inQuotes(names.name) + " points nowhere.");
+            Node node = virtualNode({}, 0777);
+            node.kind = NodeKind::SymbolicLink;
+            tree_.setTarget(node, link->target);
+            return tree_.addNode(node);
+        }
+        Node node = virtualNode({}, 0644);
+        SourceFile file;
+        if (const auto* data = std::get_if<DataFile>(&item.source)) {
+            file.data = &data->bytes;
+            file.fingerprint.size = data->bytes.size();
+        } else {
+            prepare(std::get<ProducedFile>(item.source), file, names.name);
+        }
+        node.first = walker_.addSource(file, names.name, names.name);
+        return tree_.addNode(node);
+    }
+
+    void prepare(const ProducedFile& produced, SourceFile& file, std::string_view name) {
+        if (!produced.producer)
+            fail(ErrorCode::DataProduction, "The file " + inQuotes(name) + " has no producer of its bytes.");
+        file.producer = produced.producer.get();
+        bool isPrepared = false;
+        std::string reason;
+        try {
+            // Before the call: what began is ended.
+            sources_.prepared.emplace_back(nullptr, [kept = produced.producer](void*) { kept->cleanup(); });
+            isPrepared = file.producer->prepare();
+            if (isPrepared) file.fingerprint.size = file.producer->size();
+        } catch (const std::exception& problem) {
+            isPrepared = false;
+            reason = problem.what();
+        }
+        if (!isPrepared)
+            fail(ErrorCode::DataProduction,
+                 "The producer of the file " + inQuotes(name) +
+                     " could not prepare it, or can't tell its size.",
+                 reason);
+    }
+
+    // A hard link is another name of the same node; one that is said to look otherwise is a node of its own around the same
+    // bytes.
+    void addHardLink(const Link& link) {
+        const ItemNames names = namesOf(*link.item, link.filesystems);
+        const auto found = identities_.find(std::get<HardLink>(link.item->source).identity);
+        if (found == identities_.end() || tree_.nodes[found->second].kind != NodeKind::File)
+            fail(ErrorCode::FileLocationConflict,
+                 "The hard link " + inQuotes(names.name) +
+                     " points at nothing that is on the disc; add the file, or leave the link out.");
+        uint32_t node = found->second;
+        if (isChanged(link.item->attributes)) {
+            node = tree_.addNode(Node(tree_.nodes[node]));
+            apply(node, link.item->attributes);
+        }
+        tree_.addEntry(link.folder, node, names, link.filesystems);
+    }
+
+    Node virtualNode(Node node, uint16_t mode) const {
+        node.mode = mode;
+        node.owner = node.group = 0;
+        node.modified = node.accessed = node.changed = now_;
+        return node;
+    }
+
+    static bool isChanged(const Attributes& given) {
+        return given.mode || given.owner || given.group || given.modified || given.accessed ||
+               given.changed || hasMac(given);
+    }
+    static bool hasMac(const Attributes& given) { return given.macType || given.macCreator; }
+
+    // What is said of an item goes before what its source says.
+    void apply(uint32_t index, const Attributes& given) {
+        Node& node = tree_.nodes[index];
+        if (given.mode) node.mode = static_cast<uint16_t>(*given.mode & 07777);
+        node.owner = given.owner.value_or(node.owner);
+        node.group = given.group.value_or(node.group);
+        node.modified = given.modified.value_or(node.modified);
+        node.accessed = given.accessed.value_or(node.accessed);
+        node.changed = given.changed.value_or(node.changed);
+        if (hasMac(given)) tree_.mac[index] = given;
+    }
+
+    Tree& tree_;
+    SourceList& sources_;
+    const Signal& signal_;
+    FolderWalker walker_;
+    std::time_t now_;
+    std::vector<Pending> pending_;
+    std::vector<Link> links_;
+    std::unordered_map<uint64_t, uint32_t> identities_; ///< nodes that hard links can point at
+};
+
+} // namespace
+
+void addTrack(Tree& tree, const DataTrack& track, uint8_t filesystems, SourceList& sources,
+              const Signal& signal) {
+    TreeBuilder(tree, track, sources, signal).build(track.root, filesystems);
+}
+
+} // namespace engine::plan

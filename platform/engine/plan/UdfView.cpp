@@ -1,0 +1,80 @@
+// UDF's tree.
+#include "Failure.hpp"
+#include "MediumKind.hpp"
+#include "Names.hpp"
+#include "ViewMaker.hpp"
+#include "Views.hpp"
+#include "udf/Volume.hpp"
+
+namespace engine::plan {
+namespace {
+
+// A file of an earlier session lies where UDF's partition is, and in one piece.
+void check(const Tree& tree, const Extent& extent, std::string_view name) {
+    if (extent.firstBlock == 0) return;
+    if (extent.firstBlock < udf::partitionStart)
+        fail(ErrorCode::FilesystemsNotSupported,
+             "The file " + inQuotes(name) +
+                 " of an earlier session lies where UDF has its own blocks; leave out UDF.");
+    uint64_t next = extent.firstBlock;
+    for (uint32_t i = 0; i < extent.pieceCount; ++i) {
+        const iso::Section& piece = tree.pieces[extent.pieces + i];
+        if (piece.firstBlock != next)
+            fail(ErrorCode::FilesystemsNotSupported,
+                 "The file " + inQuotes(name) +
+                     " of an earlier session lies in pieces, which UDF can't go on with; leave out UDF.");
+        next += (piece.bytes + blockSize - 1) / blockSize;
+    }
+}
+
+udf::Node nodeOf(const Tree& tree, const Node& from) {
+    udf::Node node;
+    node.mode = from.mode;
+    node.owner = from.owner;
+    node.group = from.group;
+    node.accessed = from.accessed;
+    node.modified = from.modified;
+    node.changed = from.changed;
+    if (from.kind == NodeKind::Folder) {
+        node.kind = udf::NodeKind::Folder;
+    } else if (from.kind == NodeKind::SymbolicLink) {
+        node.kind = udf::NodeKind::SymbolicLink;
+        node.target = tree.targetOf(from);
+    } else if (const Extent* extent = tree.extentOf(from)) {
+        node.size = extent->bytes;
+    }
+    return node;
+}
+
+} // namespace
+
+View<udf::Tree> udfView(const Tree& tree) {
+    View<udf::Tree> view;
+    view.nodeOf = makeView(
+        tree, filesystem::udf, true, view.tree.firstEntry,
+        [&](uint32_t node) { view.tree.nodes.push_back(nodeOf(tree, tree.nodes[node])); },
+        [&](const std::vector<const Entry*>& shown, const std::vector<uint32_t>& numbers) {
+            std::vector<GivenName> given;
+            for (const Entry* entry : shown) {
+                const Node& node = tree.nodes[entry->node];
+                const std::string_view name = tree.nameIn(*entry, filesystem::udf);
+                if (node.kind == NodeKind::File && tree.extentOf(node))
+                    check(tree, *tree.extentOf(node), name);
+                given.push_back({name, node.kind == NodeKind::Folder});
+            }
+            std::vector<std::string> names = distinctNames(given, UdfForm());
+            for (size_t i = 0; i < shown.size(); ++i)
+                view.tree.entries.push_back({std::move(names[i]), numbers[shown[i]->node]});
+        });
+    return view;
+}
+
+void placeContents(const Tree& tree, const std::vector<uint32_t>& nodeOf, udf::Tree& made) {
+    for (size_t node = 0; node < nodeOf.size(); ++node) {
+        if (nodeOf[node] == none || tree.nodes[node].kind != NodeKind::File) continue;
+        if (const Extent* extent = tree.extentOf(tree.nodes[node]))
+            made.nodes[nodeOf[node]].firstBlock = extent->firstBlock;
+    }
+}
+
+} // namespace engine::plan

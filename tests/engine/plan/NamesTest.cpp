@@ -1,0 +1,102 @@
+// What each file system makes of names, and of siblings that become the same.
+#include "plan/Names.hpp"
+#include "Failure.hpp"
+
+#include <chrono>
+#include <gtest/gtest.h>
+#include <set>
+
+namespace {
+
+using namespace engine;
+using namespace engine::plan;
+
+std::string namesOf(const std::vector<GivenName>& given, const NameForm& form) {
+    std::string text;
+    for (const std::string& name : distinctNames(given, form))
+        text += name + '|';
+    return text;
+}
+
+TEST(PlanNames, LevelOneHasEightCharactersAndThree) {
+    const IsoForm form(1);
+    EXPECT_EQ(form.legal("measurement 1.jpeg", false), "MEASUREM.JPE");
+    EXPECT_EQ(form.legal("a.b.c", false), "A_B.C");
+    EXPECT_EQ(form.legal("no extension", false), "NO_EXTEN.");
+    EXPECT_EQ(form.legal(".hidden", false), "_HIDDEN.");
+    EXPECT_EQ(form.legal("dot.", false), "DOT_.");
+    EXPECT_EQ(form.legal("folder.with.dots", true), "FOLDER_W");
+    EXPECT_EQ(form.legal("grü\xff 漢.txt", false), "GR____.TXT");
+}
+
+TEST(PlanNames, TheOtherLevelsHaveThirty) {
+    const IsoForm form(2);
+    EXPECT_EQ(form.legal(std::string(40, 'x') + ".text", false), std::string(26, 'X') + ".TEXT");
+    EXPECT_EQ(form.legal(std::string(40, 'x'), true), std::string(31, 'X'));
+    EXPECT_EQ(form.legal("a." + std::string(40, 'e'), false), "A." + std::string(27, 'E'));
+}
+
+TEST(PlanNames, SiblingsGetNumbersInsideOfTheLimit) {
+    EXPECT_EQ(namesOf({{"measure 1.txt"}, {"measure 2.txt"}, {"MEASURE_.TXT"}, {"measure_.txt"}}, IsoForm(1)),
+              "MEASURE_.TXT|MEAS_001.TXT|MEAS_002.TXT|MEAS_003.TXT|");
+    EXPECT_EQ(namesOf({{"a+b.txt"}, {"a_001.txt"}, {"a-b.txt"}, {"a b.txt"}}, IsoForm(3)),
+              "A_B.TXT|A_001.TXT|A_B_001.TXT|A_B_002.TXT|");
+    // For who looks them up, a folder and a file that ends in a dot have one name.
+    EXPECT_EQ(namesOf({{"same", true}, {"same."}, {"Same"}}, IsoForm(1)), "SAME|SAME_.|SAME_001|");
+}
+
+TEST(PlanNames, JolietReplacesWhatItCannotHold) {
+    const JolietForm form;
+    EXPECT_EQ(form.legal("a:b*c?d\\e;f", false), "a_b_c_d_e_f");
+    EXPECT_EQ(form.legal("tab\tbad\xff", false), "tab_bad_");
+    std::string notes;
+    for (int i = 0; i < 40; ++i)
+        notes += "𝄞"; // two units each
+    EXPECT_EQ(form.legal(notes + ".txt", false), notes.substr(0, size_t{30} * 4) + ".txt");
+    const std::string longName(70, 'n');
+    EXPECT_EQ(namesOf({{longName + "a.txt"}, {longName + "b.txt"}, {"N"}, {"n"}}, form),
+              longName.substr(0, 60) + ".txt|" + longName.substr(0, 56) + "_001.txt|N|n|");
+}
+
+TEST(PlanNames, HFSPlusTellsNoCapitalsFromSmallLetters) {
+    EXPECT_EQ(namesOf({{"Read Me.txt"}, {"read me.txt"}, {"\u00e9"}, {"E\u0301"}, {"README"}}, HfsPlusForm()),
+              "Read Me.txt|read me_001.txt|\u00e9|E\u0301_001|README|");
+}
+
+TEST(PlanNames, UDFCutsWhatIsTooLong) {
+    const std::string stem(250, 'n');
+    EXPECT_EQ(namesOf({{stem + "aaaa1"}, {stem + "aaaa2"}, {"N"}, {"n"}}, UdfForm()),
+              stem + "aaaa1|" + stem + "_001|N|n|");
+}
+
+TEST(PlanNames, TwoThatWereTheSameAreRefused) {
+    try {
+        distinctNames({{"b"}, {"a"}, {"x"}, {"a"}}, UdfForm());
+        FAIL();
+    } catch (const Failure& problem) {
+        EXPECT_EQ(problem.error().code, ErrorCode::FileLocationConflict);
+        EXPECT_EQ(problem.error().message,
+                  "Two items of one folder are named \"a\"; give one of them another name.");
+    }
+    EXPECT_EQ(namesOf({{"A.", false, true}, {"A.", false, true}}, IsoForm(1)), "A.|A_001|")
+        << "final ones are numbered";
+}
+
+// As many as there are: names that all become one, and names that become one only when they are cut for a number.
+TEST(PlanNames, ManyCollidingNamesAreAllDifferent) {
+    std::vector<std::string> raw;
+    for (int i = 0; i < 20'000; ++i)
+        raw.push_back("long name number " + std::to_string(i) + ".txt");
+    std::vector<GivenName> given;
+    for (const std::string& name : raw)
+        given.push_back({name});
+    const auto names = distinctNames(given, IsoForm(1));
+    std::set<std::string> different;
+    for (const std::string& name : names) {
+        EXPECT_TRUE(IsoForm(1).fits(name, false)) << name;
+        different.insert(name);
+    }
+    EXPECT_EQ(different.size(), names.size());
+}
+
+} // namespace

@@ -1,0 +1,170 @@
+// Trees whose items have a name of their own in each file system, and stand in some of them only.
+#include "Discs.hpp"
+
+#include <algorithm>
+#include <random>
+
+using namespace engine;
+
+namespace {
+
+class PlanTrees : public test::Discs {};
+
+TEST_F(PlanTrees, NamesMayCrossBetweenSiblings) {
+    std::vector<Content> inner;
+    inner.push_back(Content::file("in a", "a's"));
+    std::vector<Content> others;
+    others.push_back(Content::file("in b", "b's"));
+    std::vector<Content> children;
+    children.push_back(named(Content::folder("a", std::move(inner)), "b", "B", "c"));
+    children.push_back(named(Content::folder("b", std::move(others)), "a", "A", "d"));
+    children.push_back(named(Content::file("c", "c's"), "d", "a", "a"));
+    children.push_back(named(Content::file("d", "d's"), "c", "b", "b"));
+    const uint8_t all = filesystem::iso9660 | filesystem::joliet | filesystem::udf;
+    EXPECT_DONE(burn(makeDrive(), discOf(Content::folder("Disc", children), all)));
+    extractAll(image(), all, "Disc");
+    EXPECT_EQ(shown("rr"), "a/ a/in a=a's b/ b/in b=b's c=c's d=d's ");
+    EXPECT_EQ(shown("joliet"), "a/ a/in b=b's b/ b/in a=a's c=d's d=c's ");
+    EXPECT_EQ(shown("udf"), "A/ A/in b=b's B/ B/in a=a's a=c's b=d's ");
+    BurnOptions again;
+    again.overwrite = true;
+    const uint8_t mac = filesystem::iso9660 | filesystem::joliet | filesystem::hfsPlus;
+    EXPECT_DONE(burn(openDrive(), discOf(Content::folder("Disc", std::move(children)), mac), again));
+    extractAll(image(), mac, "Disc");
+    EXPECT_EQ(shown("hfsplus"), "a=c's b=d's c/ c/in a=a's d/ d/in b=b's ");
+}
+
+TEST_F(PlanTrees, SymbolicLinksNeedAFileSystemThatHasThem) {
+    std::vector<Content> children;
+    children.push_back(Content::link("link", "file"));
+    children.push_back(Content::file("file", "bytes"));
+    Layout what = discOf(Content::folder("Disc", std::move(children)),
+                         filesystem::iso9660 | filesystem::joliet | filesystem::hfsPlus);
+    std::get<DataTrack>(what.sessions[0].tracks[0].content).rockRidge = false;
+    EXPECT_DONE(burn(makeDrive(), what));
+    extractAll(image(), filesystem::joliet | filesystem::hfsPlus, "Disc");
+    EXPECT_EQ(shown("joliet"), "file=bytes ");
+    EXPECT_EQ(shown("hfsplus"), "file=bytes link->file ");
+    EXPECT_EQ(run("isoinfo -f -i '" + image().string() + "'"), "/FILE.;1\n");
+}
+
+TEST_F(PlanTrees, AHardLinkWithAttributesOfItsOwnHasTheSameBytes) {
+    std::vector<Content> children;
+    children.push_back(Content::file("file", "only once"));
+    children[0].identity = 7;
+    children[0].attributes.mode = 0600;
+    children.push_back({"same", HardLink{7}, {}});
+    children.push_back({"other", HardLink{7}, {}});
+    children[2].attributes.mode = 0755;
+    EXPECT_DONE(burn(makeDrive(), discOf(Content::folder("Disc", std::move(children)), filesystem::iso9660)));
+    extractAll(image(), filesystem::iso9660, "Disc");
+    EXPECT_EQ(shown("rr"), "file=only once other=only once same=only once ");
+    EXPECT_EQ(run("stat -c '%a %n' rr/*"), "600 rr/file\n755 rr/other\n600 rr/same\n");
+    const std::string disc = bytesOf(image());
+    const size_t at = disc.find("only once");
+    EXPECT_EQ(disc.find("only once", at + 1), std::string::npos);
+}
+
+// ---- random ones ----------------------------------------------------------------------------------------------
+
+constexpr size_t systems = 4;
+
+struct Maker {
+    explicit Maker(unsigned seed, uint8_t written) : random(seed), written(written) {}
+
+    size_t upTo(size_t most) { return std::uniform_int_distribution<size_t>(0, most)(random); }
+    bool oneIn(size_t count) { return upTo(count - 1) == 0; }
+
+    // Names of one folder, a set for each file system: what one calls an item another calls its neighbour.
+    std::vector<std::string> names(size_t count) {
+        static const char* const letters[] = {"a", "b", "Z", "文", "Ж", "-", "0", " x", "(", "ß"};
+        std::vector<std::string> all;
+        for (size_t i = 0; i < count; ++i) {
+            std::string name = "n";
+            for (size_t length = upTo(oneIn(8) ? 30 : 6); length > 0; --length)
+                name += letters[upTo(9)];
+            all.push_back(name + std::to_string(i) + (oneIn(3) ? ".txt" : ""));
+        }
+        return all;
+    }
+
+    Content folder(const std::string& name, const std::array<fs::path, systems>& wanted, uint8_t shown,
+                   int depth) {
+        std::vector<Content> children;
+        const std::vector<std::string> given = names(upTo(depth == 0 ? 14 : 7));
+        std::array<std::vector<std::string>, systems> called;
+        for (auto& one : called) {
+            one = given;
+            if (!oneIn(3)) std::ranges::shuffle(one, random);
+        }
+        for (size_t i = 0; i < given.size(); ++i) {
+            std::array<fs::path, systems> places;
+            uint8_t here = oneIn(3) ? static_cast<uint8_t>(1 + upTo(14)) : filesystem::all;
+            for (size_t system = 0; system < systems; ++system)
+                if ((here & shown & written) >> system & 1)
+                    places[system] = wanted[system] / called[system][i];
+            const bool isLink = oneIn(6);
+            if (isLink) { // 7zz can't read a UDF volume that has one
+                here &= static_cast<uint8_t>(~filesystem::udf);
+                places[2].clear();
+            }
+            if (depth < 5 && !isLink && oneIn(3)) {
+                for (const fs::path& place : places)
+                    if (!place.empty()) fs::create_directory(place);
+                children.push_back(folder(called[0][i], places, here & shown, depth + 1));
+            } else if (isLink) {
+                children.push_back(Content::link(called[0][i], "to/" + called[1][i]));
+                for (size_t system = 0; system < systems; ++system)
+                    if (system != 1 && !places[system].empty())
+                        fs::create_symlink("to/" + called[1][i], places[system]);
+            } else {
+                std::string bytes(oneIn(3) ? 0 : oneIn(2) ? upTo(100) : upTo(9000), '\0');
+                for (char& byte : bytes)
+                    byte = static_cast<char>(random());
+                for (const fs::path& place : places)
+                    if (!place.empty()) std::ofstream(place, std::ios::binary) << bytes;
+                children.push_back(Content::file(called[0][i], std::move(bytes)));
+            }
+            Content& made = children.back();
+            made.filesystems = here;
+            made.names = std::make_shared<const FilesystemNames>(
+                FilesystemNames{called[1][i], called[2][i], called[3][i]});
+        }
+        return Content::folder(name, std::move(children));
+    }
+
+    std::mt19937 random;
+    uint8_t written;
+};
+
+class RandomPlans : public test::Discs, public ::testing::WithParamInterface<unsigned> {};
+
+// 7zz wants UDF's second anchor right behind the last file, where HFS+ has a header: so one or the other.
+TEST_P(RandomPlans, EachFileSystemShowsItsOwnTree) {
+    const uint8_t written = filesystem::iso9660 | filesystem::joliet |
+                            (GetParam() % 2 == 0 ? filesystem::udf : filesystem::hfsPlus);
+    std::array<fs::path, systems> wanted;
+    for (size_t system = 0; system < systems; ++system)
+        fs::create_directory(wanted[system] = base / ("wanted" + std::to_string(system)));
+    Content root = Maker(GetParam(), written).folder("Disc", wanted, filesystem::all, 0);
+    // 7zz also wants that anchor to follow a file that UDF shows: the last one of all.
+    for (const fs::path& place : wanted) {
+        fs::create_directory(place / "z");
+        std::ofstream(place / "z/last") << "end";
+    }
+    std::get<VirtualFolder>(root.source)
+        .children.push_back(Content::folder("z", {Content::file("last", "end")}));
+    EXPECT_DONE(burn(makeDrive(), discOf(std::move(root), written)));
+    extractAll(image(), written, "Disc");
+    EXPECT_EQ(shown("rr"), shown("wanted0"));
+    EXPECT_EQ(shown("joliet"), shown("wanted1"));
+    if (written & filesystem::udf) {
+        EXPECT_EQ(shown("udf"), shown("wanted2"));
+    } else {
+        EXPECT_EQ(shown("hfsplus"), shown("wanted3"));
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Seeds, RandomPlans, ::testing::Range(0u, 60u));
+
+} // namespace
