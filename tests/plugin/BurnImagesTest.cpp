@@ -81,6 +81,21 @@ TEST_F(BurnImages, ABurnBeginsWithThePlatformsLayoutOfTheFileAndTheAnswerIsTrue)
     EXPECT_FALSE(raised());
 }
 
+TEST_F(BurnImages, APathIsHandedOverAsItStands) {
+    fake::offerLayouts();
+    fake::layout = aDevice();
+    const Ref panel = panelOf(), burn = aBurn();
+    for (const Form& form : forms) {
+        if (form.item) continue;
+        for (const char* path : {"./not absolute.iso", "~/Ümlaut ♫.iso", "/a//b/../c.iso"}) {
+            fake::told.clear();
+            const String given(path);
+            EXPECT_TRUE(begin(form, panel, burn.get(), reinterpret_cast<REALobject>(given.get()))) << path;
+            EXPECT_EQ(text(fake::told.at(0).first), path) << form.declaration;
+        }
+    }
+}
+
 TEST_F(BurnImages, AFileThatThePlatformCanNotReadAsAnImageAnswersFalseAndShowsNothing) {
     const Ref panel = listening(), burn = aBurn();
     writeFile(drives.scratch / "no image.iso", "this is no image");

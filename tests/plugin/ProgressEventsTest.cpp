@@ -190,6 +190,49 @@ TEST_P(ProgressEvents, TheHostObjectIsHeldDuringEveryEvent) {
     }
 }
 
+TEST_P(ProgressEvents, AnEventMayEndThePanelThatTells) {
+    for (int event = WillBegin; event <= JobDidFinish; ++event) {
+        const Ref panel = listening(event, [&](REALobject self, Arguments) {
+            harness::definition(kind().className)->destructor(self);
+            return nothingOf(event);
+        });
+        const Ref begun = aJob();
+        begin(panel, begun.get());
+        tell(event);
+        EXPECT_EQ(frame::held(panel.get()), nullptr) << kind().events[event];
+        EXPECT_EQ(harness::references(panel.get()), 1u) << kind().events[event];
+        EXPECT_EQ(harness::references(begun.get()), 1u) << kind().events[event];
+    }
+}
+
+TEST_P(ProgressEvents, TheEndOfOneMayBeginTheNext) {
+    const Ref next = aJob();
+    REALobject seen = nullptr;
+    const Ref panel = listening(JobDidFinish, [&](REALobject self, Arguments arguments) {
+        seen = objectOf(arguments[0]);
+        begin(Ref::borrow(self), next.get());
+        return Value(true);
+    });
+    const Ref begun = aJob();
+    begin(panel, begun.get());
+    EXPECT_TRUE(askJobDidFinish(nullptr));
+    EXPECT_EQ(seen, begun.get());
+    EXPECT_EQ(job(), next.get());
+    EXPECT_EQ(harness::references(begun.get()), 1u);
+    EXPECT_TRUE(askJobDidFinish(nullptr));
+    EXPECT_EQ(seen, next.get());
+}
+
+TEST_P(ProgressEvents, AHostThatKnowsNoEventsGetsAnUnaskedDelegate) {
+    harness::withdraw("GetEventInstance");
+    const Ref panel = listening(JobDidFinish), begun = aJob();
+    ASSERT_NE(delegate(), nullptr);
+    begin(panel, begun.get());
+    EXPECT_EQ(job(), nullptr);
+    EXPECT_FALSE(responds(delegate(), kind().callbacks[JobDidFinish]));
+    EXPECT_FALSE(askJobDidFinish(nullptr));
+}
+
 TEST_P(ProgressEvents, AnEventThatRaisesAnswersNoAndLeavesNothingBehind) {
     for (int event = WillBegin; event <= JobDidFinish; ++event) {
         const Ref panel =

@@ -1,6 +1,6 @@
 // SetupPanelDelegateTest.cpp: what a setup panel's delegate answers for, and what it holds while an event runs.
 #include "host/runtime/Exceptions.hpp"
-#include "tests/plugin/SetupDecisions.hpp"
+#include "tests/plugin/SetupPanel.hpp"
 
 namespace {
 
@@ -112,6 +112,26 @@ TEST_F(SetupPanelDelegate, TheHostObjectIsHeldDuringEveryEvent) {
         askEverything();
         EXPECT_EQ(during, before + 2) << "one of the plug-in's, one of the host's own call: " << event;
         EXPECT_EQ(harness::references(panel.get()), before) << event;
+    }
+}
+
+TEST_F(SetupPanelDelegate, AnEventMayEndThePanelThatAsks) {
+    for (const std::string_view event : events) {
+        std::size_t calls = 0;
+        const Ref panel = deciding(event, [&](REALobject self, Arguments) {
+            harness::definition(setupBase)->destructor(self);
+            return ++calls, nothingOf(event);
+        });
+        Id prompt = nsString("old");
+        if (event == couldBe) askCouldBe(first);
+        if (event == changed) tellSelected(first);
+        if (event == reservations) askReservations();
+        if (event == suitable) askSuitable(first, &prompt);
+        if (event == best) askBest(first, second);
+        EXPECT_EQ(calls, 1u) << event;
+        EXPECT_EQ(delegate(), nullptr) << event;
+        EXPECT_EQ(harness::references(panel.get()), 1u) << event;
+        EXPECT_EQ(wrappers(), 0u) << event;
     }
 }
 

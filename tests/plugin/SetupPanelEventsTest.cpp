@@ -1,5 +1,5 @@
 // SetupPanelEventsTest.cpp: what the events of a setup panel get, and what the panel makes of their answers.
-#include "tests/plugin/SetupDecisions.hpp"
+#include "tests/plugin/SetupPanel.hpp"
 
 namespace {
 

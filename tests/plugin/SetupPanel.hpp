@@ -1,9 +1,14 @@
-// SetupDecisions.hpp: a setup panel's five questions as the platform asks them, and the events that decide them.
+// SetupPanel.hpp: setup panels of programs, a panel's five questions as the platform asks them, and the events that
+// decide them.
 #pragma once
 
 #include "tests/plugin/PanelTest.hpp"
 
 namespace test {
+
+inline constexpr const char* setupBase = "DRSetupPanelQRX";
+inline constexpr const char* burnSetup = "DRBurnSetupPanelQRX";
+inline constexpr const char* eraseSetup = "DREraseSetupPanelQRX";
 
 inline constexpr std::string_view couldBe = "DeviceCouldBeTarget(device As DRDeviceQRX) As Boolean";
 inline constexpr std::string_view changed = "DeviceSelectionChanged(device As DRDeviceQRX)";
@@ -25,16 +30,27 @@ inline Value nothingOf(std::string_view event) {
     return event == changed ? Value() : event == best ? Value() : Value(false);
 }
 
-class SetupPanelEvents : public PanelTest {
+class SetupPanelTest : public PanelTest {
+  protected:
+    Ref plain(const char* className = burnSetup) { return panelWith(className, {}); }
+    Ref deciding(const char* className = burnSetup) { return panelWith(className, {aDecision()}); }
+    static host::MemberSpec aDecision() {
+        return on(couldBe, [](REALobject, Arguments) { return Value(true); });
+    }
+    void destroy(const Ref& panel) { harness::definition(setupBase)->destructor(panel.get()); }
+};
+
+// The same, with two devices to ask about.
+class SetupPanelEvents : public SetupPanelTest {
   protected:
     void SetUp() override {
-        PanelTest::SetUp();
+        SetupPanelTest::SetUp();
         first = aDevice();
         // The plug-in does not look at what a device is.
         second = objc::autoreleased(objc::send<"init">(objc::alloc<"NSObject">()));
     }
     Ref deciding(std::string_view event, host::Body body) {
-        return panelWith("DRBurnSetupPanelQRX", {on(event, std::move(body))});
+        return panelWith(burnSetup, {on(event, std::move(body))});
     }
     bool askCouldBe(Id device) {
         return objc::send<"setupPanel:deviceCouldBeTarget:", objc::Boolean>(delegate(), fake::shared,
