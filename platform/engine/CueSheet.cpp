@@ -74,7 +74,7 @@ const char* modeOf(const TrackInfo& track, bool isSectors) {
         return "MODE1/2352";
     default:
         // Deliberate for CD-I, too: the usual readers refuse a sheet with the mode CDI/2352, and the sectors are the
-        // same. The description says what the session is.
+        // same. A remark says what the session is.
         return "MODE2/2352";
     }
 }
@@ -116,6 +116,7 @@ std::string cueSheetOf(const MediumRecord& record, std::span<const uint8_t> pack
     std::string file;
     for (const SessionInfo& session : record.sessions) {
         if (record.sessions.size() > 1) sheet += "REM SESSION " + twoDigits(session.number) + '\n';
+        if (!session.tracks.empty() && session.tracks.front().isCDI) sheet += "REM SESSION-FORMAT CD-I\n";
         for (const TrackInfo& track : session.tracks) {
             if (track.file != file) sheet += "FILE " + quoted(track.file) + " BINARY\n";
             file = track.file;

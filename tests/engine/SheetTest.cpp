@@ -3,6 +3,7 @@
 #include "Fixture.hpp"
 #include "Producers.hpp"
 #include "VirtualMedium.hpp"
+#include "images/ReadImage.hpp"
 #include "sectors/SectorCoding.hpp"
 
 using namespace engine;
@@ -134,7 +135,7 @@ TEST_F(SheetTest, readsBackTrackByTrack) {
 }
 
 // Deliberate: the sheet says MODE2/2352 of CD-I as well, because cd-info and cdrdao refuse one with CDI/2352. What the
-// session is stands in the description.
+// session is stands in the description, and in a remark for who copies the disc by its sheet.
 TEST_F(SheetTest, keepsCDIApartFromOtherSessions) {
     const auto track = [](BlockForm form, SessionFormat format) {
         Track made = producedTrack(std::make_shared<TestProducer>(bytesPerBlock(form), 4), form, 310);
@@ -153,7 +154,17 @@ TEST_F(SheetTest, keepsCDIApartFromOtherSessions) {
         EXPECT_TRUE(each.isCDI) << each.number;
     EXPECT_FALSE(medium->sessions[1].tracks[0].isCDI);
     EXPECT_NE(bytesOf(file("medium.json")).find("\"CD-I\""), std::string::npos);
+    EXPECT_TRUE(sheet().starts_with("REM SESSION 01\nREM SESSION-FORMAT CD-I\n")) << sheet();
     EXPECT_NE(sheet().find("TRACK 01 MODE2/2352"), std::string::npos) << sheet();
+    EXPECT_NE(output("cd '" + drivePath().string() + "' && cdrdao show-toc medium.cue")
+                  .find("TRACK  1  Mode MODE2_RAW"),
+              std::string::npos);
+    const auto read = readImageFile(file("medium.cue").string());
+    ASSERT_TRUE(read.ok());
+    ASSERT_EQ(read->layout.sessions.size(), 2u);
+    for (const Track& each : read->layout.sessions[0].tracks)
+        EXPECT_EQ(each.sessionFormat, SessionFormat::CDI);
+    EXPECT_EQ(read->layout.sessions[1].tracks[0].sessionFormat, SessionFormat::Plain);
     EXPECT_NE(output("cd-info --no-cddb --no-device-info --cue-file='" + file("medium.cue").string() + "'")
                   .find("1: 00:02:00  000000 XA"),
               std::string::npos);

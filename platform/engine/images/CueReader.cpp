@@ -162,7 +162,7 @@ class CueDisc {
         track.content = std::move(produced);
         track.preGapBlocks = silent + kept;
         track.isrc = told.isrc;
-        track.sessionFormat = told.mode->session;
+        track.sessionFormat = told.format;
         track.indexPoints = std::move(draft.indexPoints);
         if (told.isSound()) {
             track.preEmphasis = told.preEmphasis;

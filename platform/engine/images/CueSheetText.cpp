@@ -95,9 +95,13 @@ class CueParser {
         std::istringstream words{inCapitals(rest)};
         std::string word;
         size_t number = 0;
-        if (!(words >> word) || word != "SESSION" || !(words >> number)) return;
+        if (!(words >> word)) return;
+        if (std::string format; word == "SESSION-FORMAT" && words >> format && format == "CD-I")
+            format_ = SessionFormat::CDI;
+        if (word != "SESSION" || !(words >> number)) return;
         if (number != session_ && number != session_ + 1)
             refuse("session " + std::to_string(number) + " is out of order.");
+        if (number != session_) format_ = SessionFormat::Plain;
         session_ = number;
     }
 
@@ -153,6 +157,7 @@ class CueParser {
         track.line = line_;
         track.mode = mode;
         track.session = session_;
+        track.format = mode->session == SessionFormat::Plain ? format_ : mode->session;
         told_.tracks.push_back(track);
     }
     void needIndexOfLastTrack() const {
@@ -238,6 +243,7 @@ class CueParser {
     const Sheet& sheet_;
     CueSheetText told_;
     size_t line_ = 0, lastNumber_ = 0, session_ = 1;
+    SessionFormat format_ = SessionFormat::Plain; // as a remark says that this engine writes
 };
 
 } // namespace

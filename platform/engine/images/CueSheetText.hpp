@@ -38,6 +38,7 @@ struct CueTrack {
     size_t line;
     const CueMode* mode;
     size_t session;
+    SessionFormat format = SessionFormat::Plain;
     std::string isrc;
     bool copyPermitted = false, isCopy = false, preEmphasis = false, fourChannel = false;
     uint64_t preGap = 0, postGap = 0; // silence that is in no file
