@@ -13,6 +13,7 @@ namespace host {
 namespace {
 
 thread_local std::exception_ptr pending;
+thread_local int calledBack = 0; // how many handlers and destructors run on this thread
 thread_local unsigned foreignDepth = 0;
 
 std::mutex strayMutex;
@@ -86,7 +87,7 @@ void throwPendingException() {
 void setStrayException(Value object) { setStray(std::make_exception_ptr(Exception(std::move(object)))); }
 
 void throwStrayException() {
-    if (!hasStray.load(std::memory_order_relaxed)) return;
+    if (!hasStray.load(std::memory_order_relaxed) || calledBack > 0) return;
     std::exception_ptr thrown;
     {
         std::lock_guard guard(strayMutex);
@@ -109,8 +110,9 @@ void strayPendingException() {
     if (pending) setStray(std::exchange(pending, nullptr));
 }
 
-PendingAside::PendingAside() : aside_(std::exchange(pending, nullptr)) {}
+PendingAside::PendingAside() : aside_(std::exchange(pending, nullptr)) { ++calledBack; }
 PendingAside::~PendingAside() {
+    --calledBack;
     if (aside_) pending = std::move(aside_);
 }
 

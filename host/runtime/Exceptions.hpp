@@ -44,7 +44,8 @@ Value takePendingException(); // nil when there is none
 void throwPendingException(); // does nothing when there is none
 
 // An exception that left an event handler on a thread that no program runs on. A program's next statement
-// should raise it: call throwStrayException() at statements. Cheap when there is none.
+// should raise it: call throwStrayException() at statements, which does nothing inside of handlers and destructors. Cheap
+// when there is none.
 void setStrayException(Value object);
 void throwStrayException();
 

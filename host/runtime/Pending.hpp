@@ -23,8 +23,9 @@ void keepForLater(std::exception_ptr thrown);
 // Makes a pending exception a stray one.
 void strayPendingException();
 
-// Puts the pending exception aside while BASIC code runs inside a plug-in's call, so that it is not thrown
-// there.
+// Puts the pending exception aside while BASIC code runs inside a plug-in's call (an event handler, a destructor), so that
+// it is not thrown there. Stray ones are not thrown there either: they are the program's, and a handler that another one's
+// exception left would be cut off before its first statement.
 class PendingAside {
   public:
     PendingAside();

@@ -203,6 +203,20 @@ TEST_F(Events, WhatAHandlerRaisesOnAnotherThreadIsThrownAtTheNextStatement) {
     EXPECT_EQ(raisedBy(throwStrayException), "IOException: elsewhere");
 }
 
+TEST_F(Events, WhatOneHandlerRaisedDoesNotCutOffAnother) {
+    static std::atomic<bool> cutOff;
+    cutOff = false;
+    const Value handler = object({on("notify", [](REALobject, Arguments) -> Value {
+        setStrayException(newException("IOException", "another one's"));
+        cutOff = raisedBy(throwStrayException) != "";
+        return {};
+    })});
+    ASSERT_TRUE(ask(handler, "startThread").toBoolean());
+    ask(handler, "joinThread");
+    EXPECT_FALSE(cutOff);
+    EXPECT_EQ(raisedBy(throwStrayException), "IOException: another one's");
+}
+
 TEST_F(Events, ProgramsRaiseEventsOfTheirOwn) {
     MemberSpec declared;
     declared.kind = MemberKind::Event;
