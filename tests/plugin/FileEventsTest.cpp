@@ -1,14 +1,13 @@
 // FileEventsTest.cpp: files whose bytes a program produces: what the burn engine asks, and what the events get.
-#include "host/runtime/Class.hpp"
 #include "host/runtime/MemoryBlock.hpp"
 #include "tests/plugin/FSObjects.hpp"
+#include "tests/plugin/Handlers.hpp"
 
 #include <cstring>
 
 namespace {
 
 using namespace test;
-using host::Arguments, host::Value;
 
 constexpr const char* calculateSize = "calculateSizeOfFile(fork As Integer, estimating As Boolean) As UInt64";
 constexpr const char* prepare = "prepareFileForBurn As Boolean";
@@ -21,14 +20,6 @@ constexpr const char* cleanup = "cleanupFileAfterBurn";
 const char* const callbacks[] = {"calculateSizeOfFile:fork:estimating:", "prepareFileForBurn:",
                                  "produceFile:fork:intoBuffer:length:atAddress:blockSize:",
                                  "prepareFileForVerification:", "cleanupFileAfterBurn:"};
-
-host::MemberSpec on(const char* declaration, host::Body body) {
-    host::MemberSpec spec;
-    spec.kind = host::MemberKind::Event;
-    spec.declaration = host::parseDeclaration(declaration);
-    spec.body = std::move(body);
-    return spec;
-}
 
 class FileEvents : public FSObjectTest {
   protected:

@@ -1,34 +1,21 @@
 // PanelTest.hpp: programs' panel objects over panels that show nothing, and what tests of all five classes want to know.
 #pragma once
 
-#include "host/runtime/Class.hpp"
 #include "plugin/bridge/Registry.hpp"
 #include "plugin/bridge/Text.hpp"
 #include "plugin/bridge/Wrappers.hpp"
 #include "tests/plugin/Drives.hpp"
 #include "tests/plugin/FakePanels.hpp"
+#include "tests/plugin/Handlers.hpp"
 #include "tests/plugin/PluginTest.hpp"
 
 #include <algorithm>
-#include <string_view>
+#include <string>
 #include <vector>
 
 namespace test {
 
-using host::Arguments, host::Value;
 using objc::Id;
-
-inline host::MemberSpec on(std::string_view declaration, host::Body body) {
-    host::MemberSpec spec;
-    spec.kind = host::MemberKind::Event;
-    spec.declaration = host::parseDeclaration(declaration);
-    spec.body = std::move(body);
-    return spec;
-}
-
-inline bool responds(Id object, const char* selector) {
-    return objc::send<"respondsToSelector:", objc::Boolean>(object, objc::sel_registerName(selector)) != 0;
-}
 
 inline unsigned long retains(Id object) { return objc::send<"retainCount", unsigned long>(object); }
 

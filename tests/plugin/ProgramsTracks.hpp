@@ -1,15 +1,13 @@
 // ProgramsTracks.hpp: tracks of a program's classes, their events' declarations, and the callbacks that raise them.
 #pragma once
 
-#include "host/runtime/Class.hpp"
 #include "host/runtime/MemoryBlock.hpp"
 #include "tests/plugin/Companion.hpp"
 #include "tests/plugin/Drives.hpp"
+#include "tests/plugin/Handlers.hpp"
 #include "tests/plugin/PluginTest.hpp"
 
 namespace test {
-
-using host::Arguments, host::Value;
 
 constexpr const char* estimate = "estimateLengthOfTrack As UInt64";
 constexpr const char* prepare = "prepareTrack(burn As DRBurnQRX) As Boolean";
@@ -39,18 +37,6 @@ inline constexpr const char* callbacks[] = {
     "verifyPreGapForTrack:inBuffer:length:atAddress:blockSize:ioFlags:",
     "verifyDataForTrack:inBuffer:length:atAddress:blockSize:ioFlags:",
     "cleanupTrackAfterVerification:"};
-
-inline host::MemberSpec on(const char* declaration, host::Body body) {
-    host::MemberSpec spec;
-    spec.kind = host::MemberKind::Event;
-    spec.declaration = host::parseDeclaration(declaration);
-    spec.body = std::move(body);
-    return spec;
-}
-
-inline bool responds(objc::Id track, const char* selector) {
-    return objc::send<"respondsToSelector:", objc::Boolean>(track, objc::sel_registerName(selector)) != 0;
-}
 
 // The callbacks as the burn engine makes them.
 template <objc::FixedString selector>

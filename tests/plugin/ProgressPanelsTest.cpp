@@ -154,7 +154,9 @@ TEST_P(ProgressPanels, TheDestructorReleasesAPanelThatHasNoDelegateAnyMore) {
     const Ref panel = progress({});
     const Id ours = delegate();
     objc::send<"setDelegate:", void>(fake::shared, Id{});
+    fake::raising = "setDelegate:"; // which is not said again
     destroy(panel);
+    EXPECT_FALSE(raised());
     EXPECT_EQ(retains(fake::shared), 1u);
     EXPECT_EQ(frame::held(panel.get()), nullptr);
     EXPECT_EQ(harness::references(panel.get()), 2u) << "whoever removed the delegate has it";

@@ -18,13 +18,6 @@ inline constexpr std::string_view suitable =
 inline constexpr std::string_view best =
     "determineBestDevice(deviceA As DRDeviceQRX, deviceB As DRDeviceQRX) As DRDeviceQRX";
 
-// In the order of the events' table.
-inline constexpr std::string_view events[] = {couldBe, changed, reservations, suitable, best};
-inline constexpr const char* const callbacks[] = {
-    "setupPanel:deviceCouldBeTarget:", "setupPanelDeviceSelectionChanged:",
-    "setupPanelShouldHandleMediaReservations:", "setupPanel:deviceContainsSuitableMedia:promptString:",
-    "setupPanel:determineBestDeviceOfA:orB:"};
-
 // What a handler answers that only looks.
 inline Value nothingOf(std::string_view event) {
     return event == changed ? Value() : event == best ? Value() : Value(false);
@@ -43,6 +36,13 @@ class SetupPanelTest : public PanelTest {
 // The same, with two devices to ask about.
 class SetupPanelEvents : public SetupPanelTest {
   protected:
+    // In the order of the events' table.
+    static constexpr std::string_view events[] = {couldBe, changed, reservations, suitable, best};
+    static constexpr const char* const callbacks[] = {
+        "setupPanel:deviceCouldBeTarget:", "setupPanelDeviceSelectionChanged:",
+        "setupPanelShouldHandleMediaReservations:", "setupPanel:deviceContainsSuitableMedia:promptString:",
+        "setupPanel:determineBestDeviceOfA:orB:"};
+
     void SetUp() override {
         SetupPanelTest::SetUp();
         first = aDevice();

@@ -136,6 +136,13 @@ TEST_F(SetupPanels, TheDestructorRunsForBothKinds) {
     }
 }
 
+TEST_F(SetupPanels, TheDestructorTellsAPanelWithoutADelegateNothing) {
+    const Ref panel = plain();
+    fake::raising = "setDelegate:";
+    destroy(panel);
+    EXPECT_FALSE(raised());
+}
+
 TEST_F(SetupPanels, TheDestructorRunsNoPlatformStartUp) {
     const Ref panel = deciding();
     instances = nullptr;
