@@ -14,12 +14,16 @@
 /** A new panel. */
 + (DRBurnProgressPanel*)progressPanel;
 
-/** Both return when the burn is begun. The layout is what -[DRBurn writeLayout:] takes, and raises what it raises. */
+/** Both return when the burn is begun. The layout is what -[DRBurn writeLayout:] takes, and raises what it raises;
+ * nil raises NSInvalidArgumentException, and nothing is shown. */
 - (void)beginProgressPanelForBurn:(DRBurn*)burn layout:(id)layout;
 /** Raises NSInvalidArgumentException without a window. */
 - (void)beginProgressSheetForBurn:(DRBurn*)burn layout:(id)layout modalForWindow:(NSWindow*)owner;
 
-/** Aborts the burn. The panel's own button, and closing its window, ask the person before. */
+/**
+ * Aborts the burn, if one runs; that it then failed is not shown. The panel's own button, and closing its window, ask the
+ * person before.
+ */
 - (IBAction)stopBurn:(id)sender;
 
 @end

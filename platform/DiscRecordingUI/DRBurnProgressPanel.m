@@ -10,12 +10,20 @@
     return [[[self alloc] init] autorelease];
 }
 
+// A burn takes nil and does nothing, so the panel would stand there for ever.
+static void RequireLayout(id layout) {
+    if (layout == nil)
+        [NSException raise:NSInvalidArgumentException format:@"A progress panel needs a layout to burn."];
+}
+
 - (void)beginProgressPanelForBurn:(DRBurn*)burn layout:(id)layout {
+    RequireLayout(layout);
     [self beginJob:burn layout:layout window:nil];
 }
 
 - (void)beginProgressSheetForBurn:(DRBurn*)burn layout:(id)layout modalForWindow:(NSWindow*)owner {
     [DRSheet requireWindow:owner for:[self title]];
+    RequireLayout(layout);
     [self beginJob:burn layout:layout window:owner];
 }
 

@@ -86,7 +86,7 @@ NSString* DRTextOfSpeed(float speed, NSString* mediaClass);
 #define DRTextSecondsLeft DRPanelText(@"Less than a minute left")
 #define DRTextMinuteLeft DRPanelText(@"About a minute left")
 #define DRTextMinutesLeft DRPanelText(@"About %u minutes left")
-#define DRTextHoursLeft DRPanelText(@"About %u hours %u minutes left")
+#define DRTextHoursLeft DRPanelText(@"About %u h %02u min left")
 #define DRTextStopQuestion                                                                                   \
     DRPanelText(@"Stop burning? The disc will not be readable; one that can be written only once is lost.")
 #define DRTextFailed DRPanelText(@"The disc could not be burned.")

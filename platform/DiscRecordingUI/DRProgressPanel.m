@@ -98,7 +98,7 @@
                            [self title]];
     [self retain]; // until the end
     _inside->job = [job retain];
-    _inside->stoppedByPerson = NO;
+    _inside->stopped = NO;
     [_inside->time restart];
     [_inside->headline setStringValue:[self description]];
     [_inside->bar setDoubleValue:0];
@@ -129,7 +129,7 @@
         return [self showStatus:status];
     [[self retain] autorelease];
     [_inside->watch stop];
-    if ([self delegateShowsTheEnd] || (failed && _inside->stoppedByPerson)) {
+    if ([self delegateShowsTheEnd] || (failed && _inside->stopped)) {
         [self end];
     } else if (!failed) {
         NSBeep();
@@ -175,15 +175,16 @@
 - (void)stopJob {
     if (_inside->stage != Running && _inside->stage != Asking)
         return;
+    _inside->stopped = YES;
     [self showStage:Stopping text:DRTextStateStopping];
     [self abortJob];
 }
 
 - (void)stopChosen:(id)sender {
-    if (_inside->stage != Asking)
-        return [self askToStop];
-    _inside->stoppedByPerson = YES;
-    [self stopJob];
+    if (_inside->stage == Asking)
+        [self stopJob];
+    else
+        [self askToStop];
 }
 
 - (void)keepChosen:(id)sender {

@@ -108,7 +108,8 @@ static BOOL SetText(NSTextField* label, NSString* text) {
 }
 
 - (void)showStatus:(NSDictionary*)status {
-    const float percent = [[status objectForKey:DRStatusPercentCompleteKey] floatValue];
+    NSNumber* done = [status objectForKey:DRStatusPercentCompleteKey];
+    const float percent = done == nil ? -1 : [done floatValue]; // nil answers no number, but anything
     const BOOL measured = percent >= 0;
     if ([_inside->bar isIndeterminate] == measured) {
         [_inside->bar setIndeterminate:!measured];

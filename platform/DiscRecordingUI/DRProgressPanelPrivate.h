@@ -22,7 +22,7 @@ struct DRProgressPanelInside {
     DRSheet* sheet;
     DRDriveWatch* watch;
     DRProgressTime* time;
-    BOOL stoppedByPerson;
+    BOOL stopped;
 };
 
 @interface DRProgressPanel (Parts)

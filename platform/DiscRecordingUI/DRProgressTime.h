@@ -11,6 +11,8 @@
     float _from, _percent;
 }
 - (void)restart;
+/** In seconds, on a clock that nobody sets. */
+- (NSTimeInterval)now;
 /** 0 to 1 of the state, or below 0 when that is not known. */
 - (void)note:(float)percent ofState:(NSString*)state;
 /** Empty while too little is known. */

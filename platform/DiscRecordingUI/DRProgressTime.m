@@ -2,6 +2,7 @@
 #import "DRProgressTime.h"
 #import "DRPanelTexts.h"
 #import "DRStatusConstants.h"
+#import <time.h>
 
 @implementation DRProgressTime
 
@@ -16,18 +17,24 @@
     _percent = -1;
 }
 
+- (NSTimeInterval)now {
+    struct timespec time;
+    clock_gettime(CLOCK_MONOTONIC, &time);
+    return (NSTimeInterval)time.tv_sec + (NSTimeInterval)time.tv_nsec / 1e9;
+}
+
 - (void)note:(float)percent ofState:(NSString*)state {
     if (![_state isEqual:state] || percent < _percent || _percent < 0) {
         [_state autorelease];
         _state = [state copy];
-        _began = [NSDate timeIntervalSinceReferenceDate];
+        _began = [self now];
         _from = percent;
     }
     _percent = percent;
 }
 
 - (NSString*)text {
-    const NSTimeInterval elapsed = [NSDate timeIntervalSinceReferenceDate] - _began;
+    const NSTimeInterval elapsed = [self now] - _began;
     // The first moments say little.
     if (_percent < 0 || elapsed < 1.5 || _percent - _from < 0.005f || _percent >= 1)
         return @"";
@@ -42,13 +49,18 @@
     return [NSString stringWithFormat:DRTextHoursLeft, minutes / 60, minutes % 60];
 }
 
+// Asking nil for a number would answer anything.
+static double NumberIn(NSDictionary* info, NSString* key) {
+    NSNumber* number = [info objectForKey:key];
+    return number == nil ? 0 : [number doubleValue];
+}
+
 - (NSString*)textOfSpeedIn:(NSDictionary*)status {
     NSDictionary* info = [status objectForKey:DRStatusProgressInfoKey];
-    const double speed = [[info objectForKey:DRStatusProgressCurrentKPS] doubleValue];
+    const double speed = NumberIn(info, DRStatusProgressCurrentKPS);
     if (speed < 1)
         return @"";
-    NSString* factor =
-        [NSString stringWithFormat:@"%.1f", [[info objectForKey:DRStatusProgressCurrentXFactor] doubleValue]];
+    NSString* factor = [NSString stringWithFormat:@"%.1f", NumberIn(info, DRStatusProgressCurrentXFactor)];
     return [NSString stringWithFormat:DRTextSpeedFormat, factor, [NSString stringWithFormat:@"%.0f", speed]];
 }
 

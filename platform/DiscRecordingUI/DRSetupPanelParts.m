@@ -61,7 +61,7 @@ static BOOL IsMenu(NSButton* option) { return [option isKindOfClass:[NSPopUpButt
     const BOOL isMenu = IsMenu(option);
     const CGFloat left = _inside->optionLeft;
     const CGFloat room = _inside->width - DRPanelMargin - left;
-    [label setFrame:NSMakeRect(DRPanelTextLeft, y + (isMenu ? 4 : 0),
+    [label setFrame:NSMakeRect(DRPanelTextLeft, y + (isMenu ? 4 : 1),
                                left - DRPanelLabelGap - DRPanelTextLeft, 18)];
     [option setFrame:NSMakeRect(left, y, isMenu ? room - DRPanelButtonGap - _inside->trayWidth : room,
                                 isMenu ? DRPanelButtonHeight : 18)];

@@ -118,6 +118,18 @@ class Display:
         self.press(window, x, y)
         self.release()
 
+    def part(self, window, width, height, x, y):
+        """The picture of a part of the window's contents."""
+        return subprocess.run(["import", "-window", window, "-crop", f"{width}x{height}+{x}+{y}", "+repage",
+                               "rgb:-"], env=self.environment, capture_output=True, check=True).stdout
+
+    def colours(self, window, width, height, x, y):
+        """How many there are in that part of the window's contents; 1: nothing is drawn there."""
+        found = subprocess.run(["import", "-window", window, "-crop", f"{width}x{height}+{x}+{y}", "+repage",
+                                "-format", "%k", "info:-"], env=self.environment, capture_output=True, text=True,
+                               check=True).stdout
+        return int(found)
+
     def used(self):
         """Left, top, right and bottom of what is on the screen, the windows' frames included."""
         self.settle()
@@ -126,15 +138,26 @@ class Display:
         width, height, left, top = map(int, re.search(r" (\d+)x(\d+) 1024x768\+(\d+)\+(\d+) ", box).groups())
         return left, top, left + width, top + height
 
-    def choose(self, window, x, y, rows):
-        """Of a menu: pulled open, and let go so many rows below (above: negative) what was chosen before."""
+    def open_menu(self, window, x, y):
+        """Until it is let go."""
         before = self.picture()
         self.press(window, x, y)
         wait_for("the menu to open", lambda: self.picture() != before)
         self.settle()
+
+    def close_menu(self):
+        """What the pointer is on is chosen."""
+        before = self.picture()
+        self.release()
+        wait_for("the menu to close", lambda: self.picture() != before)
+        self.settle()
+
+    def choose(self, window, x, y, rows):
+        """Of a menu: pulled open, and let go so many rows below (above: negative) what was chosen before."""
+        self.open_menu(window, x, y)
         self.point(window, x, y + 26 * rows)
         self.settle()
-        self.release()
+        self.close_menu()
 
     def cross(self, window, moving=False):
         """What the cross of the window's frame does: asks the program to close it."""
@@ -186,12 +209,12 @@ class Drives:
 class Program:
     """A BASIC program that runs on the display; its output is read when it has ended, or as it comes."""
 
-    def __init__(self, display, drives, path, *arguments, text=None, host=HOST):
+    def __init__(self, display, drives, path, *arguments, text=None, host=HOST, name="program"):
         if text is not None:
-            path = os.path.join(drives.scratch, "program.bas")
+            path = os.path.join(drives.scratch, name + ".bas")
             with open(path, "w", encoding="utf-8") as file:
                 file.write(text)
-        self.log = os.path.join(drives.scratch, "log")
+        self.log = os.path.join(drives.scratch, name + ".log")
         environment = dict(display.environment if display else os.environ, DISC_DRIVES=drives.folder)
         if not display:
             environment.pop("DISPLAY", None)

@@ -36,22 +36,6 @@ While Not progress.finished
 Wend
 """
 
-# Goes on, step by step, when a file says so: {steps} are the steps after the setup panel. What the drive then says to
-# another process is what is looked at.
-STEPS = """
-Sub Step(what As String)
-    Print what
-    StdOut.Flush
-    While Not GetFolderItem(App.Arguments(0) + "/after " + what).Exists
-        App.DoEvents
-    Wend
-End Sub
-Dim setup As New DREraseSetupPanelQRX
-{before}
-Print setup.runSetupPanel
-{steps}
-Step("the end")
-"""
 WITH_PANEL = """
 Step("confirmed")
 Dim erase As DREraseQRX = setup.eraseObject
@@ -128,20 +112,22 @@ Wend
         self.assertEqual(program.lines(), ["0"])
         self.assertTrue(os.path.exists(self.drives.image("Amber")))
 
-    def steps(self, steps, before=""):
+    def erasing(self, steps, before=""):
         self.drives.create("Amber", "DVD+RW")
-        return self.run_program(None, self.drives.scratch, text=STEPS.format(before=before, steps=steps))
-
-    def after(self, what):
-        with open(os.path.join(self.drives.scratch, "after " + what), "w", encoding="utf-8"):
-            pass
+        return self.steps(f"""
+Dim setup As New DREraseSetupPanelQRX
+{before}
+Print setup.runSetupPanel
+{steps}
+Step("the end")
+""")
 
     def ejected(self):
         """As another process does it; whether it may."""
         return BUSY not in self.drives.command("eject", "Amber")
 
     def test_the_drive_is_kept_from_ok_until_the_erase_has_ended(self):
-        program = self.steps(WITH_PANEL)
+        program = self.erasing(WITH_PANEL)
         self.display.wait_window("Erase a Disc")
         self.display.keys("Return")
         program.wait_lines(["1", "confirmed"])
@@ -158,7 +144,7 @@ Wend
         self.assertEqual(program.end(), 0, program.errors)
 
     def test_an_erase_that_is_never_started_keeps_the_drive_until_it_goes(self):
-        program = self.steps("""
+        program = self.erasing("""
 Dim erase As DREraseQRX = setup.eraseObject
 Dim another As DREraseQRX = setup.eraseObject
 Step("two")
@@ -180,7 +166,7 @@ another = Nil
         self.assertEqual(program.end(), 0, program.errors)
 
     def test_ok_before_the_panel_is_shown_and_after_it_was_cancelled_takes_no_drive(self):
-        program = self.steps("""
+        program = self.erasing("""
 setup.ok
 Print setup.eraseObject Is Nil
 """, before='setup.ok\nStep("begun")')
@@ -196,7 +182,7 @@ Print setup.eraseObject Is Nil
         self.assertEqual(program.end(), 0, program.errors)
 
     def test_a_panel_that_is_shown_again_lets_go_of_what_was_confirmed_before(self):
-        program = self.steps("""
+        program = self.erasing("""
 Step("confirmed")
 Print setup.runSetupPanel
 Print setup.eraseObject Is Nil
