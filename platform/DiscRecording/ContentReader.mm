@@ -92,6 +92,40 @@ std::optional<std::array<uint8_t, 4>> codeFor(NSDictionary* properties, NSString
     return code;
 }
 
+// Points and rectangles of that system: numbers of 16 bits in the order of the machine, top and left first.
+template <size_t Count>
+std::optional<std::array<int16_t, Count>> shortsFor(NSDictionary* properties, NSString* key) {
+    NSData* value = [properties objectForKey:key];
+    std::array<int16_t, Count> numbers{};
+    if ([value length] != sizeof numbers)
+        return std::nullopt;
+    [value getBytes:numbers.data() length:sizeof numbers];
+    return numbers;
+}
+
+std::shared_ptr<const engine::MacAttributes> macAttributesOf(DRFSObject* object) {
+    NSDictionary* properties = [object propertiesForFilesystem:DRHFSPlus mergeWithOtherFilesystems:YES];
+    if ([properties count] == 0)
+        return nullptr;
+    engine::MacAttributes mac;
+    mac.created = dateFor(properties, DRCreationDate);
+    mac.backedUp = dateFor(properties, DRBackupDate);
+    mac.type = codeFor(properties, DRMacFileType);
+    mac.creator = codeFor(properties, DRMacFileCreator);
+    mac.flags = numberFor<uint16_t>(properties, DRMacFinderFlags);
+    mac.extendedFlags = numberFor<uint16_t>(properties, DRMacExtendedFinderFlags);
+    mac.view = numberFor<uint16_t>(properties, DRMacWindowView);
+    mac.textEncoding = numberFor<uint16_t>(properties, DRHFSPlusTextEncodingHint);
+    mac.windowBounds = shortsFor<4>(properties, DRMacWindowBounds);
+    mac.iconLocation = shortsFor<2>(properties, DRMacIconLocation);
+    mac.scrollPosition = shortsFor<2>(properties, DRMacScrollPosition);
+    constexpr uint16_t hidesExtension = 0x0010; // of the Finder's flags
+    if ([object isKindOfClass:[DRFile class]] &&
+        [[properties objectForKey:DRMacFinderHideExtension] boolValue])
+        mac.flags = static_cast<uint16_t>(mac.flags.value_or(0) | hidesExtension);
+    return std::make_shared<const engine::MacAttributes>(mac);
+}
+
 // One set of attributes goes into all file systems: ISO 9660's where the item is in that.
 engine::Attributes attributesOf(DRFSObject* object, uint8_t mask) {
     NSString* name = (mask & filesystem::iso9660)   ? DRISO9660
@@ -106,11 +140,10 @@ engine::Attributes attributesOf(DRFSObject* object, uint8_t mask) {
     attributes.modified = dateFor(properties, DRContentModificationDate);
     attributes.accessed = dateFor(properties, DRAccessDate);
     attributes.changed = dateFor(properties, DRAttributeModificationDate);
-    if ((mask & filesystem::hfsPlus) != 0) {
-        NSDictionary* forHFS = [object propertiesForFilesystem:DRHFSPlus mergeWithOtherFilesystems:YES];
-        attributes.macType = codeFor(forHFS, DRMacFileType);
-        attributes.macCreator = codeFor(forHFS, DRMacFileCreator);
-    }
+    if (id invisible = [properties objectForKey:DRInvisible]; invisible != nil)
+        attributes.invisible = [invisible boolValue];
+    if ((mask & filesystem::hfsPlus) != 0)
+        attributes.mac = macAttributesOf(object);
     return attributes;
 }
 
@@ -156,8 +189,7 @@ class ContentReader {
         content->attributes = attributesOf(object, mask);
         if (depth > 0)
             content->names = namesOf(object, mask, content->name);
-        if ([object isKindOfClass:[DRFile class]])
-            content->identity = reinterpret_cast<uintptr_t>(object);
+        content->identity = reinterpret_cast<uintptr_t>(object);
         return content;
     }
 
@@ -223,14 +255,8 @@ class ContentReader {
             return lost(name);
         if ([[file linkType] isEqualToString:DRLinkTypeHardLink])
             return Content{std::move(name), engine::HardLink{reinterpret_cast<uintptr_t>(target)}, {}};
-        if ([[file linkType] isEqualToString:DRLinkTypeFinderAlias]) {
-            return Error{
-                ErrorCode::FilesystemsNotSupported,
-                "The Finder alias \"" + name +
-                    "\" can't be burned: HFS+ is written without the resource forks that aliases lie "
-                    "in; use a symbolic link.",
-                {}};
-        }
+        if ([[file linkType] isEqualToString:DRLinkTypeFinderAlias])
+            return Content{std::move(name), engine::FinderAlias{reinterpret_cast<uintptr_t>(target)}, {}};
         links_.push_back({file, way_});
         return Content::link(std::move(name), "."); // finished when all names are known
     }

@@ -40,11 +40,9 @@ engine::Result<void> readVolumeProperties(NSDictionary* properties, engine::Data
     const struct {
         NSString* key;
         std::optional<std::time_t>& place;
-    } dates[] = {{DRDefaultDate, track.defaultDate},
-                 {DRVolumeCreationDate, track.created},
-                 {DRVolumeModificationDate, track.modified},
-                 {DRVolumeExpirationDate, track.expires},
-                 {DRVolumeEffectiveDate, track.effective}};
+    } dates[] = {{DRDefaultDate, track.defaultDate},         {DRVolumeCreationDate, track.created},
+                 {DRVolumeModificationDate, track.modified}, {DRVolumeCheckedDate, track.checked},
+                 {DRVolumeExpirationDate, track.expires},    {DRVolumeEffectiveDate, track.effective}};
     for (const auto& row : dates) {
         id value = [properties objectForKey:row.key];
         if (value == nil)

@@ -66,9 +66,23 @@ struct HardLink {
     uint64_t identity;
 };
 
+/// The Finder's alias to another item of the tree, the one with that identity. HFS+ only.
+struct FinderAlias {
+    uint64_t identity;
+};
+
 /// Names that an item has in single file systems; an empty one is made of the item's name.
 struct FilesystemNames {
     std::string joliet, udf, hfsPlus;
+};
+
+/// What only HFS+ keeps of an item, most of it for the Finder. The numbers are its own; points are top and left.
+struct MacAttributes {
+    std::optional<std::time_t> created, backedUp;
+    std::optional<std::array<uint8_t, 4>> type, creator;
+    std::optional<uint16_t> flags, extendedFlags, view, textEncoding;
+    std::optional<std::array<int16_t, 4>> windowBounds; ///< top, left, bottom, right
+    std::optional<std::array<int16_t, 2>> iconLocation, scrollPosition;
 };
 
 /// Values that override what the source says; a virtual item without them is mode 0444 (folders 0555) or what
@@ -79,14 +93,16 @@ struct Attributes {
     std::optional<uint32_t> group;
     std::optional<std::time_t> modified;
     std::optional<std::time_t> accessed;
-    std::optional<std::time_t> changed;                        ///< of the attributes
-    std::optional<std::array<uint8_t, 4>> macType, macCreator; ///< HFS+ only
+    std::optional<std::time_t> changed; ///< of the attributes
+    std::optional<bool> invisible; ///< hidden in all file systems but Rock Ridge, which knows no such thing
+    std::shared_ptr<const MacAttributes> mac = nullptr; ///< null for most
 };
 
 /// One item of the tree. `name` is UTF-8 in composed form where it is text, but any bytes other than '/' and
 /// zero are kept in Rock Ridge. An empty name on a RealItem means the last part of its path.
 struct Content {
-    using Source = std::variant<VirtualFolder, RealItem, DataFile, ProducedFile, SymbolicLink, HardLink>;
+    using Source =
+        std::variant<VirtualFolder, RealItem, DataFile, ProducedFile, SymbolicLink, HardLink, FinderAlias>;
 
     std::string name;
     Source source;
@@ -94,7 +110,7 @@ struct Content {
     /// Where the item appears; what a folder lacks, all in it lacks. Left off the disc when nothing is left.
     uint8_t filesystems = filesystem::all;
     std::shared_ptr<const FilesystemNames> names = nullptr; ///< null for most
-    uint64_t identity = 0;                                  ///< for hard links to it; 0 for none
+    uint64_t identity = 0;                                  ///< for links to it; 0 for none
 
     static Content folder(std::string name, std::vector<Content> children = {}) {
         return {std::move(name), VirtualFolder{std::move(children)}, {}};

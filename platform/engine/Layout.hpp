@@ -36,6 +36,7 @@ struct DataTrack {
     udf::Revision udfRevision = udf::Revision::V102;
     std::optional<std::time_t> defaultDate; ///< of virtual items without one; else the start of the burn
     std::optional<std::time_t> created, modified, expires, effective; ///< of the volume
+    std::optional<std::time_t> checked;                               ///< HFS+ only
 };
 
 /// What stands behind each block's bytes, for tracks whose producer brings subchannel data.

@@ -52,6 +52,7 @@ hfsplus::VolumeSettings hfsPlusSettings(const DataTrack& track, std::time_t now)
     hfsplus::VolumeSettings settings;
     settings.volumeName = track.root.name;
     settings.created = track.created.value_or(now);
+    settings.checked = track.checked;
     std::tm local{};
     if (localtime_r(&settings.created, &local)) settings.secondsEast = static_cast<int32_t>(local.tm_gmtoff);
     std::random_device source;

@@ -200,6 +200,39 @@ class Trees(ExamplesCase):
         with open(self.image(), "rb") as file:
             self.assertEqual(file.read().count(b"QzTy"), 1)
 
+    def test_a_finder_alias_lies_in_a_resource_fork(self):
+        said = self.burn_tree([
+            "root.explicitFilesystemMask = 9", 'Dim a As DRFolderQRX = DRFolderQRX.virtualFolderWithName("a folder")',
+            "root.addChild(a)", 'Dim f As DRFileQRX = DRFileQRX.virtualFileWithName("original", Nil)', "a.addChild(f)",
+            "Dim alias As DRFileQRX = DRFileQRX.finderAliasPointingTo(f, DRFSObjectQRX.DRHFSPlus)",
+            'alias.baseName = "alias"', "root.addChild(alias)"])
+        self.assertEqual(said, ["DRStatusStateDone"])
+        self.assertEqual(sorted(self.files_on(self.image())), ["a folder/original"])
+        out = os.path.join(self.scratch, "out")
+        subprocess.run(["7zz", "x", "-y", "-thfs", f"-o{out}", self.image()], capture_output=True, check=False)
+        with open(os.path.join(out, "Tree/alias:rsrc"), "rb") as fork:
+            content = fork.read()
+        self.assertIn(b"alis", content)
+        self.assertIn(b"/a folder/original", content)
+
+    def test_dates_and_the_finders_flags_are_in_hfs_plus(self):
+        said = self.burn_tree([
+            "root.explicitFilesystemMask = 9", 'Dim f As DRFileQRX = DRFileQRX.virtualFileWithName("f", Nil)',
+            "Dim code As New MemoryBlock(4)", 'code.StringValue(0, 4) = "QzTy"',
+            "f.setProperty(code, DRFSObjectQRX.DRMacFileType, DRFSObjectQRX.DRHFSPlus)",
+            'code.StringValue(0, 4) = "QzCr"',
+            "f.setProperty(code, DRFSObjectQRX.DRMacFileCreator, DRFSObjectQRX.DRHFSPlus)",
+            "f.setProperty(&h0800, DRFSObjectQRX.DRMacFinderFlags, DRFSObjectQRX.DRHFSPlus)",
+            "f.setProperty(True, DRFSObjectQRX.DRMacFinderHideExtension, DRFSObjectQRX.DRHFSPlus)",
+            "f.setProperty(True, DRFSObjectQRX.DRInvisible, DRFSObjectQRX.DRAllFilesystems)", "root.addChild(f)"])
+        self.assertEqual(said, ["DRStatusStateDone"])
+        with open(self.image(), "rb") as file:
+            disc = file.read()
+        at = disc.index(b"QzTy")
+        self.assertEqual(disc[at:at + 10], b"QzTyQzCr\x48\x10")
+        at = disc.index(b"F.;1")
+        self.assertEqual(disc[at - 8] & 1, 1)
+
     # ---- generated-files --------------------------------------------------------------------------------------
 
     def test_generated_files_have_the_bytes_that_the_events_made(self):

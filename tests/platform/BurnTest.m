@@ -344,9 +344,9 @@ static void TestRefusals(NSString* source) {
     CheckRefused("a hard link to what is not on the disc", BurnThatStays(device),
                  [DRTrack trackForRootFolder:lost], 0x80020101, @"points at nothing");
     DRFolder* aliases = [DRFolder virtualFolderWithName:@"aliases"];
-    [aliases addChild:[DRFile finderAliasPointingTo:aliases inFilesystem:DRHFSPlus]];
-    CheckRefused("a Finder alias", BurnThatStays(device), [DRTrack trackForRootFolder:aliases], 0x80020103,
-                 @"resource forks");
+    [aliases addChild:[DRFile finderAliasPointingTo:elsewhere inFilesystem:DRHFSPlus]];
+    CheckRefused("a Finder alias to what is not on the disc", BurnThatStays(device),
+                 [DRTrack trackForRootFolder:aliases], 0x80020101, @"points at nothing");
     CheckRefused(
         "a long volume name", BurnThatStays(device),
         [DRTrack
@@ -375,7 +375,7 @@ static void TestRefusals(NSString* source) {
         NSString* key;
         id value;
         unsigned code;
-    } trackAsks[] = {{DRVolumeCheckedDate, [NSDate date], 0x80020067},
+    } trackAsks[] = {{DRVolumeCheckedDate, @"today", 0x80020065},
                      {DRISOMacExtensions, [NSNumber numberWithBool:YES], 0x80020067},
                      {DRISOLevel, [NSNumber numberWithInt:4], 0x80020065},
                      {DRPublisher, [NSNumber numberWithInt:1], 0x80020065},

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <ctime>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -87,8 +88,9 @@ struct Tree {
 };
 
 struct VolumeSettings {
-    std::string volumeName;  ///< UTF-8, as a shell has it
-    std::time_t created = 0; ///< UTC
+    std::string volumeName;             ///< UTF-8, as a shell has it
+    std::time_t created = 0;            ///< UTC
+    std::optional<std::time_t> checked; ///< else when it was created
     int32_t secondsEast =
         0; ///< local time's distance from UTC: a volume tells when it was made in local time
     uint64_t identifier = 0;  ///< a number of the volume's own, unlike others'

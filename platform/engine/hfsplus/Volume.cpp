@@ -112,7 +112,9 @@ void Volume::header(std::span<std::byte> bytes) const {
     fields.raw("H+").u16(4).u32(wasUnmounted | isLocked).raw("disc").u32(0);
     // The one time in the volume that isn't UTC is when it was made.
     fields.time(settings_.created + settings_.secondsEast).time(settings_.created).time(never);
-    fields.time(settings_.created).u32(catalog_.fileCount()).u32(catalog_.folderCount());
+    fields.time(settings_.checked.value_or(settings_.created))
+        .u32(catalog_.fileCount())
+        .u32(catalog_.folderCount());
     fields.u32(blockBytes).u32(totalBlocks()).u32(0).u32(0).u32(blockBytes).u32(blockBytes);
     fields.u32(catalog_.nextId()).u32(1).u64(encodings());
     fields.skip(24).u64(settings_.identifier); // nothing to start or to open

@@ -28,6 +28,46 @@ void addForks(hfsplus::Tree& made, hfsplus::Node& node, const Tree& tree, const 
     node.data.count = static_cast<uint32_t>(made.extents.size()) - node.data.first;
 }
 
+void describe(hfsplus::Node& node, const MacAttributes& mac) {
+    node.created = mac.created.value_or(node.created);
+    node.backedUp = mac.backedUp.value_or(node.backedUp);
+    node.textEncoding = mac.textEncoding.value_or(0);
+    hfsplus::FinderInfo& finder = node.finder;
+    finder.type = codeOf(mac.type);
+    finder.creator = codeOf(mac.creator);
+    finder.flags = mac.flags.value_or(0);
+    finder.extendedFlags = mac.extendedFlags.value_or(0);
+    finder.view = mac.view.value_or(0);
+    if (mac.windowBounds) {
+        finder.windowTop = (*mac.windowBounds)[0];
+        finder.windowLeft = (*mac.windowBounds)[1];
+        finder.windowBottom = (*mac.windowBounds)[2];
+        finder.windowRight = (*mac.windowBounds)[3];
+    }
+    if (mac.iconLocation) {
+        finder.iconTop = (*mac.iconLocation)[0];
+        finder.iconLeft = (*mac.iconLocation)[1];
+    }
+    if (mac.scrollPosition) {
+        finder.scrollTop = (*mac.scrollPosition)[0];
+        finder.scrollLeft = (*mac.scrollPosition)[1];
+    }
+}
+
+// Aliases know what they lead to when all has a number.
+void pointAliases(const Tree& tree, View<hfsplus::Tree>& view) {
+    for (size_t index = 0; index < tree.nodes.size(); ++index) {
+        const Node& node = tree.nodes[index];
+        if (node.kind != NodeKind::Alias || view.nodeOf[index] == none) continue;
+        if (view.nodeOf[node.first] == none)
+            fail(
+                ErrorCode::FileLocationConflict,
+                "A Finder alias points at an item that is not in HFS+; put it there, too, or leave the alias "
+                "out.");
+        view.tree.nodes[view.nodeOf[index]].target = view.nodeOf[node.first];
+    }
+}
+
 void addNode(hfsplus::Tree& made, const Tree& tree, uint32_t index) {
     const Node& from = tree.nodes[index];
     hfsplus::Node node;
@@ -38,11 +78,11 @@ void addNode(hfsplus::Tree& made, const Tree& tree, uint32_t index) {
     node.modified = from.modified;
     node.changed = from.changed;
     node.created = from.modified;
-    if (const Attributes* mac = tree.macOf(index)) {
-        node.finder.type = codeOf(mac->macType);
-        node.finder.creator = codeOf(mac->macCreator);
-    }
-    if (from.kind == NodeKind::Folder) {
+    if (const MacAttributes* mac = tree.macOf(index)) describe(node, *mac);
+    if (from.invisible) node.finder.flags |= hfsplus::finder::isInvisible;
+    if (from.kind == NodeKind::Alias) {
+        node.kind = hfsplus::NodeKind::Alias;
+    } else if (from.kind == NodeKind::Folder) {
         node.kind = hfsplus::NodeKind::Folder;
     } else if (from.kind == NodeKind::SymbolicLink) {
         node.kind = hfsplus::NodeKind::SymbolicLink;
@@ -80,6 +120,7 @@ View<hfsplus::Tree> hfsPlusView(const Tree& tree, uint32_t volumeStart) {
             for (size_t i = 0; i < shown.size(); ++i)
                 view.tree.entries.push_back({std::move(names[i]), numbers[shown[i]->node]});
         });
+    pointAliases(tree, view);
     return view;
 }
 

@@ -94,7 +94,8 @@ View<iso::Tree> isoView(const Tree& tree, const iso::Rules& rules) {
             for (size_t i = 0; i < shown.size(); ++i)
                 made.entries.push_back(
                     made.makeEntry(numbers[shown[i]->node], given[i].isFolder ? names[i] : names[i] + ";1",
-                                   rules.rockRidge ? tree.nameOf(*shown[i]) : std::string_view()));
+                                   rules.rockRidge ? tree.nameOf(*shown[i]) : std::string_view(),
+                                   tree.nodes[shown[i]->node].invisible));
         });
 }
 
@@ -107,8 +108,9 @@ View<iso::Tree> jolietView(const Tree& tree) {
                 given.push_back({tree.nameIn(*entry, filesystem::joliet), isFolder(tree, *entry)});
             const std::vector<std::string> names = distinctNames(given, JolietForm());
             for (size_t i = 0; i < shown.size(); ++i)
-                made.entries.push_back(
-                    made.makeEntry(numbers[shown[i]->node], given[i].isFolder ? names[i] : names[i] + ";1"));
+                made.entries.push_back(made.makeEntry(numbers[shown[i]->node],
+                                                      given[i].isFolder ? names[i] : names[i] + ";1", {},
+                                                      tree.nodes[shown[i]->node].invisible));
         });
 }
 

@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <ctime>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -30,6 +31,7 @@ struct Node {
     uint32_t first = none, last = none;
     uint16_t mode = 0; ///< permission bits, 07777
     NodeKind kind = NodeKind::File;
+    bool invisible = false;
 };
 
 /// A name in a folder. Several may lead to one node.
@@ -92,9 +94,9 @@ class Tree {
         return file.first == none || extents[file.first].bytes == 0 ? nullptr : &extents[file.first];
     }
     /// What is given to few: attributes that only HFS+ has.
-    const Attributes* macOf(uint32_t node) const {
+    const MacAttributes* macOf(uint32_t node) const {
         const auto found = mac.find(node);
-        return found == mac.end() ? nullptr : &found->second;
+        return found == mac.end() ? nullptr : found->second.get();
     }
 
     std::vector<Node> nodes;
@@ -102,7 +104,7 @@ class Tree {
     std::vector<Extent> extents; ///< the old ones first, then the new ones in the order of their sources
     std::vector<iso::Section> pieces;
     size_t oldExtents = 0;
-    std::unordered_map<uint32_t, Attributes> mac;
+    std::unordered_map<uint32_t, std::shared_ptr<const MacAttributes>> mac;
     bool hasOwnIsoNames = false;
 
   private:

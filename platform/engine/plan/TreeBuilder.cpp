@@ -4,7 +4,8 @@
 #include "FolderWalker.hpp"
 
 #include <algorithm>
-#include <unordered_map>
+#include <utility>
+#include <vector>
 
 namespace engine::plan {
 namespace {
@@ -26,6 +27,7 @@ class TreeBuilder {
                  "The root of a disc must be a folder; " + inQuotes(root.name) + " is none.");
         }
         apply(0, root.attributes);
+        if (root.identity != 0) identities_.emplace_back(root.identity, 0);
         while (!pending_.empty()) {
             const Pending folder = pending_.back();
             pending_.pop_back();
@@ -33,8 +35,13 @@ class TreeBuilder {
         }
         walker_.walk();
         // Now all that they can point at is there.
-        for (const Link& link : links_)
-            addHardLink(link);
+        if (!links_.empty()) std::ranges::stable_sort(identities_, {}, &Identity::first);
+        for (const Link& link : links_) {
+            if (const auto* alias = std::get_if<FinderAlias>(&link.item->source))
+                addAlias(link, alias->identity);
+            else
+                addHardLink(link);
+        }
     }
 
   private:
@@ -48,6 +55,13 @@ class TreeBuilder {
         const Content* item;
         uint8_t filesystems;
     };
+
+    using Identity = std::pair<uint64_t, uint32_t>;
+
+    uint32_t nodeOf(uint64_t identity) const {
+        const auto found = std::ranges::lower_bound(identities_, identity, {}, &Identity::first);
+        return found == identities_.end() || found->first != identity ? none : found->second;
+    }
 
     static std::string_view nameOf(const Content& item) {
         if (!item.name.empty()) return item.name;
@@ -83,14 +97,15 @@ class TreeBuilder {
             signal_.check();
             const auto filesystems = static_cast<uint8_t>(child->filesystems & folder.filesystems);
             const ItemNames names = namesOf(*child, filesystems);
-            if (std::holds_alternative<HardLink>(child->source)) {
+            if (std::holds_alternative<HardLink>(child->source) ||
+                std::holds_alternative<FinderAlias>(child->source)) {
                 links_.push_back({folder.node, child, filesystems});
                 continue;
             }
             const uint32_t node = add(folder.node, *child, names, filesystems);
             apply(node, child->attributes);
             tree_.addEntry(folder.node, node, names, filesystems);
-            if (child->identity != 0) identities_.try_emplace(child->identity, node);
+            if (child->identity != 0) identities_.emplace_back(child->identity, node);
         }
         std::reverse(pending_.begin() + static_cast<ptrdiff_t>(waiting), pending_.end());
     }
@@ -154,17 +169,34 @@ class TreeBuilder {
     // bytes.
     void addHardLink(const Link& link) {
         const ItemNames names = namesOf(*link.item, link.filesystems);
-        const auto found = identities_.find(std::get<HardLink>(link.item->source).identity);
-        if (found == identities_.end() || tree_.nodes[found->second].kind != NodeKind::File)
+        uint32_t node = nodeOf(std::get<HardLink>(link.item->source).identity);
+        if (node == none || tree_.nodes[node].kind != NodeKind::File)
             fail(ErrorCode::FileLocationConflict,
                  "The hard link " + inQuotes(names.name) +
                      " points at nothing that is on the disc; add the file, or leave the link out.");
-        uint32_t node = found->second;
         if (isChanged(link.item->attributes)) {
             node = tree_.addNode(Node(tree_.nodes[node]));
             apply(node, link.item->attributes);
         }
         tree_.addEntry(link.folder, node, names, link.filesystems);
+    }
+
+    // Where there is no HFS+ it is nowhere.
+    void addAlias(const Link& link, uint64_t identity) {
+        const auto filesystems = static_cast<uint8_t>(link.filesystems & filesystem::hfsPlus);
+        if (filesystems == 0) return;
+        const ItemNames names = namesOf(*link.item, filesystems);
+        const uint32_t target = nodeOf(identity);
+        if (target == none)
+            fail(ErrorCode::FileLocationConflict,
+                 "The Finder alias " + inQuotes(names.name) +
+                     " points at nothing that is on the disc; add the item, or leave the alias out.");
+        Node node = virtualNode({}, 0644);
+        node.kind = NodeKind::Alias;
+        node.first = target;
+        const uint32_t index = tree_.addNode(node);
+        apply(index, link.item->attributes);
+        tree_.addEntry(link.folder, index, names, filesystems);
     }
 
     Node virtualNode(Node node, uint16_t mode) const {
@@ -176,9 +208,8 @@ class TreeBuilder {
 
     static bool isChanged(const Attributes& given) {
         return given.mode || given.owner || given.group || given.modified || given.accessed ||
-               given.changed || hasMac(given);
+               given.changed || given.invisible || given.mac;
     }
-    static bool hasMac(const Attributes& given) { return given.macType || given.macCreator; }
 
     // What is said of an item goes before what its source says.
     void apply(uint32_t index, const Attributes& given) {
@@ -189,7 +220,8 @@ class TreeBuilder {
         node.modified = given.modified.value_or(node.modified);
         node.accessed = given.accessed.value_or(node.accessed);
         node.changed = given.changed.value_or(node.changed);
-        if (hasMac(given)) tree_.mac[index] = given;
+        node.invisible = given.invisible.value_or(node.invisible);
+        if (given.mac) tree_.mac[index] = given.mac;
     }
 
     Tree& tree_;
@@ -199,7 +231,7 @@ class TreeBuilder {
     std::time_t now_;
     std::vector<Pending> pending_;
     std::vector<Link> links_;
-    std::unordered_map<uint64_t, uint32_t> identities_; ///< nodes that hard links can point at
+    std::vector<Identity> identities_; ///< nodes that links can point at
 };
 
 } // namespace

@@ -64,7 +64,8 @@ View<udf::Tree> udfView(const Tree& tree) {
             }
             std::vector<std::string> names = distinctNames(given, UdfForm());
             for (size_t i = 0; i < shown.size(); ++i)
-                view.tree.entries.push_back({std::move(names[i]), numbers[shown[i]->node]});
+                view.tree.entries.push_back(
+                    {std::move(names[i]), numbers[shown[i]->node], tree.nodes[shown[i]->node].invisible});
         });
     return view;
 }

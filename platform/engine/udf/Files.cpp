@@ -11,7 +11,7 @@ namespace {
 constexpr size_t identifierBytes = 38; // of a file identifier without its name (ECMA-167 4/14.4)
 constexpr size_t fileEntryBytes = 176; // of a file entry without allocations (ECMA-167 4/14.9)
 constexpr uint32_t mostExtentBytes = (1u << 30) - blockBytes;
-constexpr uint8_t isFolder = 2, isParent = 8;
+constexpr uint8_t isHidden = 1, isFolder = 2, isParent = 8;
 
 constexpr uint32_t blocksOf(uint64_t bytes) {
     return static_cast<uint32_t>((bytes + blockBytes - 1) / blockBytes);
@@ -170,7 +170,8 @@ void Volume::folderBlock(const Stream& stream, uint32_t from, std::span<std::byt
     for (; at != end && *at < from + blockBytes; ++at) {
         const Entry& entry = tree_.entries[static_cast<size_t>(at - entryOffsets_.begin())];
         const bool folder = tree_.nodes[entry.node].kind == NodeKind::Folder;
-        put(*at, folder ? isFolder : 0, entry.node, compressed(entry.name, nameLimit));
+        const auto kind = static_cast<uint8_t>((folder ? isFolder : 0) | (entry.hidden ? isHidden : 0));
+        put(*at, kind, entry.node, compressed(entry.name, nameLimit));
     }
 }
 

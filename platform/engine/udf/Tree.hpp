@@ -27,6 +27,7 @@ struct Node {
 struct Entry {
     std::string name; ///< UTF-8; see storedName() for what can't be kept
     uint32_t node = 0;
+    bool hidden = false; ///< from who lists the folder
 };
 
 /// Nodes by index; 0 is the root folder. The entries of node n are those from firstEntry[n] up to

@@ -1,0 +1,134 @@
+// What a Macintosh keeps of items: aliases, dates and the Finder's values; and what is hidden in each file system.
+#include "Discs.hpp"
+
+using namespace engine;
+
+namespace {
+
+class PlanForMacintosh : public test::Discs {
+  protected:
+    static constexpr uint8_t both = filesystem::iso9660 | filesystem::hfsPlus;
+
+    // Where the volume's first header is, in blocks.
+    static size_t volumeIn(const std::string& disc) {
+        size_t block = 0;
+        while (block * blockSize < disc.size() && disc.compare(block * blockSize + 1024, 2, "H+") != 0)
+            ++block;
+        return block;
+    }
+    std::string look(const std::string& tool, const std::string& what) const {
+        const std::string offset = std::to_string(volumeIn(bytesOf(image())) * 4);
+        return run("TZ=UTC " + tool + " -o " + offset + " '" + image().string() + "' " + what);
+    }
+    static void expectLines(const std::string& told, std::initializer_list<const char*> lines) {
+        for (const char* line : lines)
+            EXPECT_NE(told.find(line), std::string::npos) << line << " is not in\n" << told;
+    }
+};
+
+TEST_F(PlanForMacintosh, AnAliasLeadsToFilesFoldersAndTheVolume) {
+    std::vector<Content> inner;
+    inner.push_back(Content::file("file", "bytes"));
+    inner[0].identity = 1;
+    std::vector<Content> children;
+    children.push_back(Content::folder("folder", std::move(inner)));
+    children[0].identity = 2;
+    children.push_back({"to file", FinderAlias{1}, {}});
+    children.push_back({"to folder", FinderAlias{2}, {}});
+    children.push_back({"to volume", FinderAlias{3}, {}});
+    Content root = Content::folder("Disc", std::move(children));
+    root.identity = 3;
+    EXPECT_DONE(burn(makeDrive(), discOf(std::move(root), both)));
+    extractAll(image(), both, "Disc");
+    EXPECT_EQ(shown("rr"), "folder/ folder/file=bytes ") << "nowhere but in HFS+";
+    for (const char* name : {"file", "folder", "volume"}) {
+        const std::string fork = bytesOf(base / "hfsplus" / (std::string("to ") + name + ":rsrc"));
+        ASSERT_GT(fork.size(), 400u) << name;
+        EXPECT_EQ(fork.substr(fork.size() - 20, 4), "alis") << "the type of its one resource";
+    }
+    EXPECT_NE(bytesOf(base / "hfsplus/to file:rsrc").find("/folder/file"), std::string::npos);
+    const std::string listed = look("fls", "");
+    EXPECT_NE(listed.find("\tto file\n"), std::string::npos) << listed;
+}
+
+TEST_F(PlanForMacintosh, AnAliasOfWhatIsNotThereIsRefused) {
+    std::vector<Content> children;
+    children.push_back({"lost", FinderAlias{9}, {}});
+    EXPECT_FAILED(burn(makeDrive(), discOf(Content::folder("Disc", children), both)), FileLocationConflict,
+                  "The Finder alias \"lost\" points at nothing that is on the disc; add the item, or leave "
+                  "the alias out.");
+    children.push_back(Content::file("elsewhere", "x"));
+    children[1].identity = 9;
+    children[1].filesystems = filesystem::iso9660;
+    EXPECT_FAILED(
+        burn(openDrive(), discOf(Content::folder("Disc", children), both)), FileLocationConflict,
+        "A Finder alias points at an item that is not in HFS+; put it there, too, or leave the alias out.");
+    // Where there is no HFS+, the alias is nowhere.
+    EXPECT_DONE(burn(openDrive(), discOf(Content::folder("Disc", std::move(children)), filesystem::iso9660)));
+}
+
+TEST_F(PlanForMacintosh, DatesAndTheFindersValuesAreKept) {
+    MacAttributes mac;
+    mac.created = 1'000'000'000;
+    mac.backedUp = 1'400'000'000;
+    mac.type = {'T', 'E', 'X', 'T'};
+    mac.creator = {'t', 't', 'x', 't'};
+    mac.flags = 0x0810;
+    mac.iconLocation = {{0x1234, 0x0567}};
+    std::vector<Content> children;
+    children.push_back(Content::file("file", "bytes"));
+    children[0].attributes.mac = std::make_shared<const MacAttributes>(mac);
+    children[0].attributes.modified = 1'100'000'000;
+    mac = {};
+    mac.windowBounds = {{0x0102, 0x0304, 0x0506, 0x0708}};
+    mac.view = 0x0a0b;
+    mac.scrollPosition = {{0x0c0d, 0x0e0f}};
+    children.push_back(Content::folder("folder"));
+    children[1].attributes.mac = std::make_shared<const MacAttributes>(mac);
+    Layout what = discOf(Content::folder("Disc", std::move(children)), both);
+    std::get<DataTrack>(what.sessions[0].tracks[0].content).checked = 978'307'200 + 5; // 2001
+    EXPECT_DONE(burn(makeDrive(), what));
+    expectLines(look("istat", "16"),
+                {"File type:\t54455854  TEXT\n", "File creator:\t74747874  ttxt\n",
+                 "Created:\t2001-09-09 01:46:40 (UTC)\n", "Content Modified:\t2004-11-09 11:33:20 (UTC)\n",
+                 "Backed Up:\t2014-05-13 16:53:20 (UTC)\n"});
+    // Type, creator, flags, and the icon's place, one behind the other; of a folder the window, flags, icon, view and scrolling.
+    const std::string disc = bytesOf(image());
+    EXPECT_NE(disc.find(std::string("TEXTttxt\x08\x10\x12\x34\x05\x67", 14)), std::string::npos);
+    EXPECT_NE(disc.find(std::string("\1\2\3\4\5\6\7\x8\0\0\0\0\0\0\x0a\x0b\x0c\x0d\x0e\x0f", 20)),
+              std::string::npos);
+    EXPECT_NE(look("fsstat", "").find("Last Checked"), std::string::npos);
+    const uint32_t checked = 978'307'205u + 2'082'844'800u;
+    const size_t at = volumeIn(disc) * blockSize + 1024 + 28;
+    for (size_t i = 0; i < 4; ++i)
+        EXPECT_EQ(static_cast<uint8_t>(disc[at + i]), static_cast<uint8_t>(checked >> (24 - 8 * i)));
+}
+
+TEST_F(PlanForMacintosh, WhatIsInvisibleIsHiddenInEveryFileSystem) {
+    std::vector<Content> children;
+    children.push_back(Content::file("hidden", "h"));
+    children[0].attributes.invisible = true;
+    children.push_back(Content::file("shown", "s"));
+    EXPECT_DONE(burn(makeDrive(), discOf(Content::folder("Disc", std::move(children)), filesystem::all)));
+    const std::string disc = bytesOf(image());
+    // ISO 9660's records: flags stand eight bytes in front of the name.
+    for (const auto& [name, hidden] : {std::pair{"HIDDEN.;1", true}, {"SHOWN.;1", false}}) {
+        const size_t at = disc.find(name);
+        ASSERT_NE(at, std::string::npos);
+        EXPECT_EQ(disc[at - 8] & 1, hidden) << name;
+    }
+    // Joliet's, with the high byte first.
+    const size_t wide = disc.find(std::string("\0h\0i\0d\0d\0e\0n\0;\0", 15) + "1");
+    ASSERT_NE(wide, std::string::npos);
+    EXPECT_EQ(disc[wide - 8] & 1, 1);
+    // UDF's identifiers: what kind of entry stands 20 bytes in front of the name's first byte.
+    const size_t udf = disc.find("\x08hidden"), open = disc.find("\x08shown");
+    ASSERT_NE(udf, std::string::npos);
+    EXPECT_EQ(disc[udf - 20] & 1, 1);
+    EXPECT_EQ(disc[open - 20] & 1, 0);
+    // HFS+: the Finder's flags.
+    expectLines(look("istat", "16"), {"Is invisible"});
+    EXPECT_EQ(look("istat", "17").find("Is invisible"), std::string::npos);
+}
+
+} // namespace
