@@ -20,7 +20,7 @@ class Fitter {
         checkTracks();
         checkForms();
         // Documented: a drive that can't test does a real burn.
-        plan_.isTest = options_.testing && can_.canTestWrite(facts_.mediumClass);
+        plan_.isTest = options_.testing && can_.canTestWrite(facts_.mediumClass) && medium_.takesTests;
         chooseStrategy();
         checkL0DataZone();
         numberTracks();

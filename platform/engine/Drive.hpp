@@ -104,6 +104,7 @@ struct MediumInfo {
     bool appendable = false; ///< more can be written behind what is there (true for a blank writable medium)
     bool overwritable = false; ///< writable from block 0 now: re-writable kinds, and blank write-once ones
     bool erasable = false;     ///< can be made blank again
+    bool takesTests = true;    ///< a drive that can test can do it with this kind of medium
     uint64_t blocksFree = 0;   ///< that can be appended
     uint64_t blocksUsed = 0;   ///< that are written
     uint64_t blocksOverwritable = 0; ///< when writing starts again at block 0

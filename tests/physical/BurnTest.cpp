@@ -92,11 +92,11 @@ TEST_P(PhysicalKinds, ErasesWhatCanBeErased) {
 
 INSTANTIATE_TEST_SUITE_P(All, PhysicalKinds,
                          ::testing::Values("CD-R", "CD-RW", "DVD+RW", "DVD-R", "DVD-RW", "DVD-RAM", "DVD+R",
-                                           "BD-R", "BD-RE"),
+                                           "DVD+R DL", "BD-R", "BD-RE"),
                          [](const auto& each) {
                              std::string name = each.param;
                              for (char& letter : name)
-                                 letter = letter == '+' ? 'p' : letter == '-' ? '_' : letter;
+                                 letter = letter == '+' ? 'p' : letter == '-' || letter == ' ' ? '_' : letter;
                              return name;
                          });
 
@@ -173,6 +173,74 @@ TEST_F(PhysicalTest, TestBurnWritesNothing) {
     EXPECT_DONE(burn(layout()));
     EXPECT_TRUE(extracted("noise.bin") == noise(800'000));
 }
+
+// Documented: where a test is not possible the burn is a real one.
+TEST_F(PhysicalTest, TestBurnOfADVDWritesNothingWhereTheMediumKnowsTests) {
+    for (const char* kind : {"DVD-R", "DVD-RW", "DVD+R", "DVD+RW"}) {
+        insert(kind);
+        drive()->closeTray().ok(); // what was seen before is forgotten
+        fs::remove(source / "noise.bin");
+        file("noise.bin", noise(800'000));
+        BurnOptions options;
+        options.testing = true;
+        EXPECT_DONE(burn(layout(), options));
+        const bool isTest = std::string(kind).starts_with("DVD-R");
+        EXPECT_GT(state()["writes"], 10) << kind;
+        EXPECT_EQ(medium().blank, isTest) << kind;
+        if (!isTest) {
+            EXPECT_TRUE(extracted("noise.bin") == noise(800'000)) << kind;
+        }
+    }
+}
+
+TEST_F(PhysicalTest, SessionsOfADVDAreRefusedBeforeAnythingIsWritten) {
+    file("letter.txt", "Dear reader,\n");
+    for (const char* kind : {"DVD-R", "DVD+R", "DVD+RW", "BD-R"}) {
+        insert(kind);
+        drive()->closeTray().ok();
+        Layout two = layout();
+        two.sessions.push_back(layout("MORE").sessions.front());
+        const BurnStatus status = burn(std::move(two));
+        ASSERT_TRUE(status.error.has_value()) << kind;
+        EXPECT_EQ(status.error->code, ErrorCode::FunctionNotSupported) << kind;
+        EXPECT_NE(status.error->message.find("one session in a burn"), std::string::npos);
+        EXPECT_EQ(state()["writes"], 0) << kind;
+        EXPECT_TRUE(medium().blank) << kind;
+    }
+}
+
+class PhysicalTwoLayers : public PhysicalTest, public ::testing::WithParamInterface<const char*> {};
+
+// The recorder's medium is a small one, of two layers all the same: a disc's own size would take minutes.
+TEST_P(PhysicalTwoLayers, BurnGoesOverTheEndOfTheFirst) {
+    constexpr uint64_t layer = 8192;
+    insert(GetParam(), {{"capacity", 2 * layer}});
+    const std::string bytes = noise((layer + 2000) * blockSize);
+    file("noise.bin", bytes);
+    EXPECT_EQ(medium().blocksFree, 2 * layer);
+    BurnOptions half;
+    half.doubleLayerL0DataZone = 0.5;
+    EXPECT_EQ(burn(layout(), half).error->code, ErrorCode::FunctionNotSupported);
+    EXPECT_EQ(state()["writes"], 0);
+    Layout disc = layout();
+    disc.sessions.front().tracks.front().verification = Verification::Checksum;
+    EXPECT_DONE(burn(std::move(disc)));
+    const MediumInfo info = medium();
+    EXPECT_EQ(info.state, MediumState::Complete);
+    EXPECT_GT(info.blocksUsed, layer + 2000);
+    EXPECT_TRUE(extracted("noise.bin") == bytes);
+
+    insert(GetParam(), {{"capacity", 2 * layer}});
+    drive()->closeTray().ok();
+    file("more.bin", bytes);
+    EXPECT_EQ(burn(layout()).error->code, ErrorCode::BurnNotAllowed);
+    EXPECT_EQ(state()["writes"], 0) << "both layers are too small";
+}
+
+INSTANTIATE_TEST_SUITE_P(All, PhysicalTwoLayers, ::testing::Values("DVD-R DL", "DVD+R DL"),
+                         [](const auto& each) {
+                             return std::string(each.param[3] == '+' ? "Plus" : "Minus");
+                         });
 
 TEST_F(PhysicalTest, SpeedIsTheDrivesOwn) {
     insert("CD-R");

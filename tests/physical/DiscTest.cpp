@@ -19,7 +19,8 @@ TEST_F(PhysicalTest, BlankCDR) {
 }
 
 TEST_F(PhysicalTest, BlankMediaOfEveryKind) {
-    for (const char* kind : {"CD-RW", "DVD-R", "DVD-RW", "DVD-RAM", "DVD+R", "DVD+RW", "BD-R", "BD-RE"}) {
+    for (const char* kind : {"CD-RW", "DVD-R", "DVD-R DL", "DVD-RW", "DVD-RAM", "DVD+R", "DVD+R DL", "DVD+RW",
+                             "BD-R", "BD-RE"}) {
         insert(kind);
         drive()->closeTray().ok(); // what was seen before is forgotten
         const MediumInfo info = medium();

@@ -24,7 +24,15 @@ TEST_F(PhysicalTest, DriveIsFoundAndDescribed) {
         EXPECT_TRUE(can.canWrite(kind)) << factsOf(kind).name;
     EXPECT_FALSE(can.canWrite(MediumKind::CDROM));
     EXPECT_TRUE(can.canTestWriteCD && can.writesCDText && can.writesISRC);
+    EXPECT_TRUE(can.canTestWriteDVD) << "DVD-R and -RW can be rehearsed";
+    EXPECT_FALSE(can.canTestWriteBD);
     EXPECT_EQ(can.writeBufferBytes, 2048u * 1024);
+}
+
+TEST_F(PhysicalTest, DriveThatKnowsNoTestsSaysSo) {
+    insert("CD-RW", {{"canTestWrite", false}});
+    const DriveCapabilities& can = drive()->capabilities();
+    EXPECT_FALSE(can.canTestWriteCD || can.canTestWriteDVD || can.canTestWriteBD);
 }
 
 TEST_F(PhysicalTest, SameObjectAtEveryCall) {
@@ -49,8 +57,9 @@ TEST_F(PhysicalTest, DriveThatGoesAwayStaysInvalid) {
     insert("CD-RW");
     EXPECT_FALSE(gone->isValid());
     EXPECT_EQ(gone->readMedium().error().code, ErrorCode::DeviceInvalid);
-    EXPECT_NE(drive(), gone);
-    EXPECT_TRUE(drive()->isValid());
+    EXPECT_NE(drive(), gone); // whose object is still there
+    EXPECT_EQ(drive()->identity().id, "/dev/sr0");
+    EXPECT_TRUE(drive()->isValid() && drive()->mediumInfo());
 }
 
 TEST_F(PhysicalTest, TwoDrives) {

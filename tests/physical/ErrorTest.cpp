@@ -93,17 +93,39 @@ TEST_F(PhysicalTest, NoDiscAndBusyDrive) {
 
 TEST_F(PhysicalTest, FormsThatNeedAnotherWayAreRefused) {
     insert("CD-R");
-    Track track;
-    ProducedTrack raw;
-    raw.form = BlockForm::Mode2;
-    raw.blocks = 300;
+    drive()->closeTray().ok(); // what was seen before is forgotten
     struct Zeros final : public TrackProducer {
         size_t produce(uint64_t, std::span<std::byte> buffer, ProduceFlags&) override {
             return buffer.size();
         }
     };
-    raw.producer = std::make_shared<Zeros>();
-    track.content = raw;
+    for (const BlockForm form :
+         {BlockForm::Mode2, BlockForm::Mode2Form1, BlockForm::Mixed, BlockForm::RawMode1}) {
+        Track track;
+        ProducedTrack raw;
+        raw.form = form;
+        raw.blocks = 300;
+        raw.producer = std::make_shared<Zeros>();
+        track.content = raw;
+        const BurnStatus status = burn(Layout::ofTrack(track));
+        ASSERT_TRUE(status.error.has_value()) << nameOf(form);
+        EXPECT_EQ(status.error->code, ErrorCode::FunctionNotSupported) << nameOf(form);
+        EXPECT_NE(status.error->message.find(nameOf(form)), std::string::npos) << status.error->message;
+    }
+    // Subchannel data of one's own, and the way of writing that it takes.
+    Track track;
+    ProducedTrack sound;
+    sound.form = BlockForm::Audio;
+    sound.blocks = 300;
+    sound.subchannel = SubchannelForm::Raw;
+    sound.producer = std::make_shared<Zeros>();
+    track.content = sound;
     EXPECT_EQ(burn(Layout::ofTrack(track)).error->code, ErrorCode::FunctionNotSupported);
+    BurnOptions options;
+    options.strategies = {Strategy::CDRaw};
+    options.strategyIsRequired = true;
+    file("letter.txt", "Dear reader,\n");
+    EXPECT_EQ(burn(layout(), options).error->code, ErrorCode::StrategyNotAvailable);
+    EXPECT_EQ(state()["writes"], 0);
     EXPECT_TRUE(medium().blank);
 }

@@ -40,7 +40,7 @@ class PhysicalTest : public ::testing::Test {
     /// A new medium in a drive.
     void insert(const std::string& kind, Json more = Json::object(), const fs::path& folder = {}) {
         const fs::path& where = folder.empty() ? first : folder;
-        fs::remove(where / "data");
+        std::ofstream(where / "data").flush(); // emptied: this process may have it open
         more["medium"] = kind;
         write(where, more);
     }

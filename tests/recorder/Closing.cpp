@@ -43,7 +43,7 @@ void close(Recorder& recorder, Request& request) {
         return;
     }
     closeTracksOf(recorder);
-    const bool isPlus = *state.medium == Kind::DVDPlusR || *state.medium == Kind::BDR;
+    const bool isPlus = state.isDVDPlusR() || *state.medium == Kind::BDR;
     const bool more = isPlus ? what == 2 : state.writeParameters[3] >> 6 == 3;
     require(state.sessionIsOpen() || (isPlus && !more && state.closedSessions > 0),
             senses::commandSequenceError);

@@ -11,7 +11,21 @@
 
 namespace recorder {
 
-enum class Kind : uint8_t { CDROM, CDR, CDRW, DVDROM, DVDR, DVDRW, DVDRAM, DVDPlusR, DVDPlusRW, BDR, BDRE };
+enum class Kind : uint8_t {
+    CDROM,
+    CDR,
+    CDRW,
+    DVDROM,
+    DVDR,
+    DVDRDualLayer,
+    DVDRW,
+    DVDRAM,
+    DVDPlusR,
+    DVDPlusRDoubleLayer,
+    DVDPlusRW,
+    BDR,
+    BDRE
+};
 
 /// How blocks may be written.
 enum class Writing : uint8_t { None, Sequential, Overwrite };
@@ -86,6 +100,10 @@ struct State : Written {
 
     const KindFacts& facts() const noexcept { return factsOf(*medium); }
     bool isCD() const noexcept { return medium && *medium <= Kind::CDRW; }
+    bool isDVDMinus() const noexcept { return medium && *medium >= Kind::DVDR && *medium <= Kind::DVDRW; }
+    bool isDVDPlusR() const noexcept {
+        return medium && (*medium == Kind::DVDPlusR || *medium == Kind::DVDPlusRDoubleLayer);
+    }
     /// DVD-RW takes blocks in any order once it is formatted.
     Writing writing() const noexcept;
     uint16_t profile() const noexcept;

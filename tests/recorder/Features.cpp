@@ -82,8 +82,10 @@ std::vector<Feature> features(const State& state) {
          false,
          is({Kind::CDR, Kind::CDRW}),
          {static_cast<uint8_t>(0x60 | test | 0x03), 0, 0x10, 0x00}}, // SAO, R-W in the lead-in
-        {0x002F, 2, false, is({Kind::DVDR, Kind::DVDRW}), {static_cast<uint8_t>(0x42 | test), 0, 0, 0}},
+        // Buffer under-run, dual layer, RW.
+        {0x002F, 2, false, present && state.isDVDMinus(), {static_cast<uint8_t>(0x4A | test), 0, 0, 0}},
         {0x0037, 0, false, kind == Kind::CDRW && present, {0, 0xFF, 0, 0}},
+        {0x003B, 0, false, kind == Kind::DVDPlusRDoubleLayer && present, {1, 0, 0, 0}},
         {0x0040, 0, false, isBD, Data(28, 0)},
         {0x0041, 0, false, isBD, Data(20, 0)},
         {0x0100, 0, true, true, {}},

@@ -209,23 +209,27 @@ void readStructure(Recorder& recorder, Request& request) {
         require(!isBD, senses::invalidFieldInCommand);
         answer.resize(4 + 2048);
         const Kind kind = *state.medium;
-        const uint8_t book = kind == Kind::DVDR        ? 0x25
-                             : kind == Kind::DVDRW     ? 0x32
-                             : kind == Kind::DVDRAM    ? 0x16
-                             : kind == Kind::DVDPlusRW ? 0x92
-                             : kind == Kind::DVDPlusR  ? 0xA1
-                                                       : 0x01;
+        const uint8_t book = kind == Kind::DVDR                  ? 0x25
+                             : kind == Kind::DVDRW               ? 0x32
+                             : kind == Kind::DVDRAM              ? 0x16
+                             : kind == Kind::DVDPlusRW           ? 0x92
+                             : kind == Kind::DVDPlusR            ? 0xA1
+                             : kind == Kind::DVDRDualLayer       ? 0x26
+                             : kind == Kind::DVDPlusRDoubleLayer ? 0xE1
+                                                                 : 0x01;
+        const bool hasTwoLayers = kind == Kind::DVDRDualLayer || kind == Kind::DVDPlusRDoubleLayer;
         answer[4] = book;
         answer[5] = 0x0F;
-        answer[6] = 0x02;
+        answer[6] = static_cast<uint8_t>(hasTwoLayers ? 0x32 : 0x02); // the second one opposite to the first
         put(answer, 8, 4, 0x00030000);
         put(answer, 12, 4, static_cast<uint64_t>(0x00030000 + state.capacity - 1));
-        if (kind == Kind::DVDPlusR || kind == Kind::DVDPlusRW) {
+        if (hasTwoLayers) put(answer, 16, 4, static_cast<uint64_t>(0x00030000 + state.capacity / 2 - 1));
+        if (state.isDVDPlusR() || kind == Kind::DVDPlusRW) {
             putText(answer, 4 + 19, 8, "TESTLAB");
             putText(answer, 4 + 27, 3, "001");
         }
     } else if (format == 0x0E) {
-        require(*state.medium == Kind::DVDR || *state.medium == Kind::DVDRW, senses::invalidFieldInCommand);
+        require(state.isDVDMinus(), senses::invalidFieldInCommand);
         answer.resize(4 + 44);
         answer[4] = 1;
         answer[4 + 16] = 3;

@@ -37,8 +37,7 @@ void checkFaults(const State& state, int64_t block) {
 }
 
 bool isTest(const State& state) {
-    return (state.writeParameters[2] & 0x10) != 0 &&
-           (state.isCD() || *state.medium == Kind::DVDR || *state.medium == Kind::DVDRW);
+    return (state.writeParameters[2] & 0x10) != 0 && (state.isCD() || state.isDVDMinus());
 }
 
 void storeBlock(Recorder& recorder, int64_t block, SectorMode mode, View bytes) {
@@ -227,7 +226,7 @@ void synchronize(Recorder& recorder, Request&) {
     if (open == nullptr || open->written == 0) return;
     const uint8_t writeType = state.writeParameters[2] & 0x0F;
     if (state.isCD() && writeType == 1) closeTrack(recorder, *open);
-    if ((*state.medium == Kind::DVDR || *state.medium == Kind::DVDRW) && writeType == 2) {
+    if (state.isDVDMinus() && writeType == 2) {
         closeTrack(recorder, *open);
         closeSession(recorder, state.writeParameters[3] >> 6 == 3);
     }

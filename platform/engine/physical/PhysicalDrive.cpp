@@ -23,6 +23,7 @@ namespace {
 constexpr auto mediumIsFresh = std::chrono::seconds(1);
 constexpr auto mostToLetGo = std::chrono::seconds(30);
 constexpr int statusOfNone = -1;
+constexpr unsigned featureDVDMinusWrite = 0x2F; // MMC-5, 5.3.25
 
 std::string trimmed(const char* text) {
     std::string result(text);
@@ -34,6 +35,18 @@ std::optional<uint64_t> deviceNumber(const std::string& path) {
     struct stat found {};
     if (::stat(path.c_str(), &found) != 0 || !S_ISBLK(found.st_mode)) return std::nullopt;
     return static_cast<uint64_t>(found.st_rdev);
+}
+
+// Whether a feature of the drive is there, and allows test writing.
+bool hasTestBit(burn_drive* drive, unsigned feature) {
+    unsigned char flags = 0, length = 0;
+    unsigned char* data = nullptr;
+    char* text = nullptr;
+    const bool isThere = burn_drive_get_feature(drive, feature, &flags, &length, &data, &text) > 0;
+    const bool tests = isThere && data != nullptr && length > 0 && (data[0] & 0x04) != 0;
+    std::free(data);
+    std::free(text);
+    return tests;
 }
 
 Descriptor openForStatus(const std::string& path, int more = 0) {
@@ -120,8 +133,8 @@ void PhysicalDrive::learn() {
     const bool writesCD = capabilities_.canWriteAny(MediumClass::CD),
                writesDVD = capabilities_.canWriteAny(MediumClass::DVD);
     capabilities_.canTestWriteCD = writesCD && info.write_simulate;
-    // Only DVD-R and DVD-RW can rehearse; which one is in the drive is known later.
-    capabilities_.canTestWriteDVD = false;
+    // Of DVDs only -R and -RW know tests; what is in the drive says the rest (MediumInfo::takesTests).
+    capabilities_.canTestWriteDVD = writesDVD && hasTestBit(drive_, featureDVDMinusWrite);
     capabilities_.canUnderrunProtectCD = writesCD;
     capabilities_.canUnderrunProtectDVD = writesDVD;
     capabilities_.writesTrackAtOnce = capabilities_.writesSessionAtOnce = writesCD;
@@ -146,9 +159,9 @@ void PhysicalDrive::requireValid() const {
 }
 
 void PhysicalDrive::grab() {
-    requireValid();
     const std::lock_guard commands(commands_);
     const std::lock_guard lock(mutex_);
+    requireValid();
     if (grabs_ == 0) {
         dropLibraryMessages();
         if (burn_drive_grab(drive_, 0) != 1)
@@ -175,6 +188,20 @@ void PhysicalDrive::reopen() {
     burn_drive_info_free(infos_);
     if (guarded([&] { attach(); })) return;
     gone_ = true; // it may be found again, as another one
+}
+
+bool PhysicalDrive::forget() {
+    gone_ = true;
+    const std::unique_lock commands(commands_, std::try_to_lock);
+    if (!commands) return false;
+    const std::lock_guard lock(mutex_);
+    if (burning_ || grabs_ > 0) return false;
+    if (infos_ == nullptr) return true;
+    if (burn_drive_info_forget(infos_, 1) <= 0) return false;
+    burn_drive_info_free(infos_);
+    infos_ = nullptr;
+    drive_ = nullptr;
+    return true;
 }
 
 void PhysicalDrive::reassess() {

@@ -62,6 +62,9 @@ class PhysicalDrive final : public Drive, public std::enable_shared_from_this<Ph
     /// The library begins anew with a drive whose job it did not bring to its end: what cut that off would cut off
     /// everything that follows. Commands held.
     void reopen();
+    /// For a drive that went away: the library lets go of it, so that another one may be at its address. False while
+    /// somebody still uses it; to be tried again.
+    bool forget();
     /// Ends what beginBurn() began: the first at once when the burn is over, the second when the library has let go of
     /// the drive. The tray waits for it; all else is DeviceBusy in between.
     void willEndBurn();

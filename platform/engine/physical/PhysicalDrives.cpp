@@ -18,7 +18,8 @@ constexpr auto patience = std::chrono::seconds(2);
 struct Attached {
     std::mutex mutex;
     std::map<std::string, std::shared_ptr<PhysicalDrive>> drives;
-    std::map<std::string, Clock::time_point> refused; ///< busy, or of no use: not asked again at once
+    std::vector<std::shared_ptr<PhysicalDrive>> leaving; ///< gone, but the library still has them
+    std::map<std::string, Clock::time_point> refused;    ///< busy, or of no use: not asked again at once
 };
 
 // Never destroyed: jobs may still use drives while the process exits.
@@ -35,6 +36,14 @@ bool isWanted() {
     return folder == nullptr || *folder == '\0';
 }
 
+// The library takes no second drive at an address, and whoever had the first may keep its object for long.
+void leave(Attached& all, const std::string& path) {
+    const auto known = all.drives.find(path);
+    if (known == all.drives.end()) return;
+    all.leaving.push_back(known->second);
+    all.drives.erase(known);
+}
+
 bool isThere(const std::string& path) {
     struct stat found {};
     return ::stat(path.c_str(), &found) == 0 && S_ISBLK(found.st_mode);
@@ -47,16 +56,18 @@ std::vector<std::shared_ptr<PhysicalDrive>> physicalDrives() {
     if (!isWanted()) return found;
     Attached& all = attached();
     const std::lock_guard lock(all.mutex);
+    std::erase_if(all.leaving, [](const auto& drive) { return drive->forget(); });
     for (int number = 0; number < mostDrives; ++number) {
         const std::string path = "/dev/sr" + std::to_string(number);
         if (!isThere(path)) {
-            all.drives.erase(path);
+            leave(all, path);
             all.refused.erase(path);
             continue;
         }
         auto known = all.drives.find(path);
         if (known != all.drives.end() && !known->second->isValid()) {
-            all.drives.erase(known);
+            leave(all, path);
+            std::erase_if(all.leaving, [](const auto& drive) { return drive->forget(); });
             known = all.drives.end();
         }
         if (known == all.drives.end()) {

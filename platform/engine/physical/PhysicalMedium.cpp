@@ -105,6 +105,14 @@ void describeSessions(burn_drive* drive, MediumInfo& medium, bool isCD) {
     }
 }
 
+bool takesTestWriting(burn_drive* drive) {
+    burn_multi_caps* caps = nullptr;
+    const bool takes =
+        burn_disc_get_multi_caps(drive, BURN_WRITE_NONE, &caps, 0) > 0 && caps->might_simulate != 0;
+    if (caps != nullptr) burn_disc_free_multi_caps(&caps);
+    return takes;
+}
+
 // Media that take blocks in any order have no sessions of their own: what is on them, their file system says.
 void describeOverwritable(burn_drive* drive, MediumInfo& medium) {
     int status = 0, formats = 0;
@@ -250,6 +258,7 @@ std::optional<MediumInfo> describeMedium(burn_drive* drive, const std::string& p
     medium.capacityBlocks = factsOf(*kind).capacityBlocks;
     medium.speeds = speedsOf(drive);
     medium.path = path;
+    medium.takesTests = takesTestWriting(drive);
     if (takesBlocksInAnyOrder(drive))
         describeOverwritable(drive, medium);
     else

@@ -54,10 +54,19 @@ class PhysicalTarget final : public BurnTarget {
         renewsStart_ = anyOrder_ && (plan.appendable || !isFirst);
         erases_ = plan.startsAgain && !medium_.blank && !anyOrder_;
         if (!isFirst) before_ = medium_.sessions;
+        // Deliberate: between the sessions of a DVD or BD lies what the drive chooses, and is known only when the first
+        // is closed; a file system is laid out for its place before anything is written.
         if (!isCD_ && plan.sessions.size() > 1)
-            fail(ErrorCode::BadLayout,
+            fail(ErrorCode::FunctionNotSupported,
                  "A DVD or BD in " + name() +
-                     " takes one session in a burn; burn the others one after another.");
+                     " takes one session in a burn; burn the others one after another.",
+                 std::to_string(plan.sessions.size()) + " sessions");
+        const bool hasTwoLayers =
+            medium_.kind == MediumKind::DVDRDualLayer || medium_.kind == MediumKind::DVDPlusRDoubleLayer;
+        if (hasTwoLayers && plan.doubleLayerL0DataZone)
+            fail(ErrorCode::FunctionNotSupported,
+                 "How much of the disc in " + name() +
+                     " the first layer takes is the drive's choice; burn without a size for it.");
         // The library writes at once only what is alone on a blank CD, and of one kind.
         atOnce_ = isCD_ && plan.strategy == Strategy::CDSessionAtOnce && isFirst && plan.sessions.size() == 1;
         for (const auto& session : plan.sessions)
