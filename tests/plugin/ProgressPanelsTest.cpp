@@ -40,9 +40,11 @@ TEST_P(ProgressPanels, ASecondConstructorCallRaisesAndLeavesTheFirstPanelInPlace
     const Ref panel = progress({});
     const Id first = fake::shared, firstDelegate = delegate();
     const Id other = fake::newPanel(kind().ofBurn() ? "DRBurnProgressPanel" : "DREraseProgressPanel");
+    UnregisterInstance(first);
     construct(kind().className, panel);
     EXPECT_EQ(raised(), tooOften);
     EXPECT_EQ(frame::held(panel.get()), first);
+    EXPECT_EQ(FindInstance(first), nullptr) << "nor is it registered again";
     EXPECT_EQ(objc::send<"delegate">(first), firstDelegate);
     EXPECT_EQ(retains(first), 2u);
     EXPECT_EQ(objc::send<"delegate">(other), nullptr) << "none was asked for";
