@@ -23,8 +23,10 @@ Class Tags
     Performer As String
     Album As String
     ISRC As String
+    Private mFile As String
 
     Sub Constructor(file As FolderItem)
+        mFile = file.Name
         Dim stream As BinaryStream = BinaryStream.Open(file)
         Dim start As String = stream.Read(10)
         If LeftB(start, 4) = "fLaC" Then
@@ -51,9 +53,26 @@ Class Tags
         Case "ALBUM", "TALB"
             Album = value
         Case "ISRC", "TSRC"
-            ISRC = ReplaceAll(value, "-", "")
+            Dim code As String = Uppercase(ReplaceAll(value, "-", ""))
+            If IsCode(code) Then
+                ISRC = code
+            ElseIf code <> "" Then
+                StdErr.WriteLine("audio-cd: " + mFile + " is burned without its ISRC, which is no code: " + value)
+            End If
         End Select
     End Sub
+
+    ' Two letters for the country, three letters or digits for the owner, two digits for the year and five more.
+    Private Function IsCode(code As String) As Boolean
+        If LenB(code) <> 12 Then Return False
+        For i As Integer = 1 To 12
+            Dim byte As Integer = AscB(MidB(code, i, 1))
+            Dim isDigit As Boolean = byte >= 48 And byte <= 57
+            Dim isLetter As Boolean = byte >= 65 And byte <= 90
+            If Not ((isLetter And i <= 5) Or (isDigit And i > 2)) Then Return False
+        Next
+        Return True
+    End Function
 
     ' Metadata blocks: a byte for the kind, its top bit on the last one, and three for the length. Kind 4 holds
     ' texts of the form NAME=value, each behind its length.
@@ -91,7 +110,9 @@ Class Tags
             Case 0
                 text = DefineEncoding(text, Encodings.ISOLatin1)
             Case 1
-                text = DefineEncoding(MidB(text, 3), Encodings.UTF16)
+                text = MarkedText(text)
+            Case 2
+                text = DefineEncoding(Swapped(text), Encodings.UTF16)
             Case 3
                 text = DefineEncoding(text, Encodings.UTF8)
             End Select
@@ -99,6 +120,22 @@ Class Tags
             at += 10 + length
         Wend
     End Sub
+
+    ' UTF-16 behind a mark that tells which byte of a character stands first.
+    Private Function MarkedText(bytes As String) As String
+        If LenB(bytes) < 2 Then Return ""
+        If AscB(bytes) = 254 Then bytes = Swapped(bytes)
+        If AscB(bytes) = 255 Then bytes = MidB(bytes, 3)
+        Return DefineEncoding(bytes, Encodings.UTF16)
+    End Function
+
+    Private Function Swapped(bytes As String) As String
+        Dim result As String
+        For i As Integer = 1 To LenB(bytes) - 1 Step 2
+            result = result + MidB(bytes, i + 1, 1) + MidB(bytes, i, 1)
+        Next
+        Return result
+    End Function
 
     Private Function Number(bytes As String) As Integer
         Dim result As Integer
@@ -155,9 +192,26 @@ If files.LastIndex < 0 Then
     Quit(2)
 End If
 
-' A quotation mark would end a text of the sheet.
+' A text of the sheet ends with its line and may hold quotation marks. Characters that are no text, like ends of
+' lines, become blanks.
 Function Quoted(text As String) As String
-    Return """" + ReplaceAll(text, """", "'") + """"
+    Return """" + WithoutControls(text) + """"
+End Function
+
+Function WithoutControls(text As String) As String
+    For code As Integer = 0 To 31
+        text = ReplaceAll(text, Chr(code), " ")
+    Next
+    Return ReplaceAll(text, Chr(127), " ")
+End Function
+
+' The file must be found again, so its name can't be changed as a title can.
+Function QuotedPath(file As FolderItem) As String
+    Dim path As String = file.NativePath
+    If InStr(path, Chr(10)) > 0 Or InStr(path, Chr(13)) > 0 Then
+        Fail("the path of " + WithoutControls(file.Name) + " has an end of a line in it; rename the file or its folder")
+    End If
+    Return """" + path + """"
 End Function
 
 Function Clock(blocks As Integer) As String
@@ -171,14 +225,14 @@ For i As Integer = 0 To files.LastIndex
     Dim tags As New Tags(files(i))
     If i = 0 And discTitle = "" Then discTitle = tags.Album
     If i = 0 And discPerformer = "" Then discPerformer = tags.Performer
-    lines.Append("FILE " + Quoted(files(i).NativePath) + " WAVE")
+    lines.Append("FILE " + QuotedPath(files(i)) + " WAVE")
     lines.Append("  TRACK " + Format(i + 1, "00") + " AUDIO")
     lines.Append("    TITLE " + Quoted(tags.Title))
     If tags.Performer <> "" Then lines.Append("    PERFORMER " + Quoted(tags.Performer))
-    If Len(tags.ISRC) = 12 Then lines.Append("    ISRC " + tags.ISRC)
+    If tags.ISRC <> "" Then lines.Append("    ISRC " + tags.ISRC)
     If i > 0 And gap > 0 Then lines.Append("    PREGAP " + Clock(Round(gap * 75)))
     lines.Append("    INDEX 01 00:00:00")
-    Print Format(i + 1, "00") + "  " + track.Length.description + "  " + tags.Title
+    Print Format(i + 1, "00") + "  " + track.Length.description + "  " + WithoutControls(tags.Title)
 Next
 If discTitle <> "" Then lines.Insert(0, "TITLE " + Quoted(discTitle))
 If discPerformer <> "" Then lines.Insert(0, "PERFORMER " + Quoted(discPerformer))

@@ -1,4 +1,5 @@
-' Copies the disc in one virtual drive onto the disc in another: tracks, gaps, texts and codes, and every byte of data.
+' Copies the disc in one virtual drive onto the disc in another: tracks, gaps, texts and codes, and the data of a disc
+' with one session, byte by byte. A data disc with several sessions is refused.
 '
 '   disc-basic copy-disc.bas FROM TO
 '
@@ -14,6 +15,12 @@ Function DriveNamed(name As String) As DRDeviceQRX
         If drive.displayName = name Then Return drive
     Next
     Fail("there is no drive " + name + "; list-drives.bas shows which there are")
+End Function
+
+' A number that the drive tells of its disc.
+Function OnDisc(drive As DRDeviceQRX, key As String) As Integer
+    Dim medium As Dictionary = drive.status.Value(DRDeviceQRX.DRDeviceMediaInfoKey)
+    Return medium.Value(key)
 End Function
 
 If App.Arguments.LastIndex <> 1 Then
@@ -36,6 +43,14 @@ Dim image As FolderItem = place.Child("medium.cue")
 If Not image.Exists Then image = place.Child("medium.iso")
 If Not image.Exists Then Fail("the disc in " + source.displayName + " has no file that can be copied")
 
+' An image of data is burned as one session, which would show only the files of the disc's first.
+Dim sessions As Integer = OnDisc(source, DRDeviceQRX.DRDeviceMediaSessionCountKey)
+If image.Name = "medium.iso" And sessions > 1 Then
+    Fail("the disc in " + source.displayName + " has " + Str(sessions) + " sessions, which can't be copied; put the " + _
+        "folder that ""disc-drives export"" makes into the other drive with ""disc-drives insert"", " + _
+        "or burn the files of the last session anew")
+End If
+
 Dim burn As New DRBurnQRX(target)
 burn.completionAction = DRBurnQRX.DRBurnCompletionActionMount
 burn.BurnFailureAction = DRBurnQRX.DRBurnFailureActionNone
@@ -44,18 +59,17 @@ If Not burn.writeImageFile(image) Then Fail("the disc in " + source.displayName 
 
 Dim status As Dictionary
 Dim state As String
-Dim tracks As Integer
 Do
     App.DoEvents(20)
     status = burn.status
     state = status.Value(DRBurnQRX.DRStatusStateKey)
-    tracks = Max(tracks, status.Value(DRBurnQRX.DRStatusTotalTracksKey))
 Loop Until state = DRBurnQRX.DRStatusStateDone Or state = DRBurnQRX.DRStatusStateFailed
 
 If state = DRBurnQRX.DRStatusStateFailed Then
     Dim problem As Dictionary = status.Value(DRBurnQRX.DRErrorStatusKey)
     Fail(problem.Value(DRBurnQRX.DRErrorStatusErrorStringKey))
 End If
+Dim tracks As Integer = OnDisc(target, DRDeviceQRX.DRDeviceMediaTrackCountKey)
 Dim amount As String = " tracks, "
 If tracks = 1 Then amount = " track, "
 Print "Copied " + Str(tracks) + amount + target.mediaSpaceUsed.description + " in all, from " + source.displayName + _

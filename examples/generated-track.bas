@@ -1,5 +1,5 @@
-' Burns a track whose data the program makes while the disc is written: a tone on an audio CD, a second long or as long
-' as one wants.
+' Burns a track whose data the program makes while the disc is written: a tone on an audio CD, four seconds long, or
+' as long as one wants; no track of a CD is shorter than that.
 '
 '   disc-basic generated-track.bas [SECONDS [HERTZ]]
 '
@@ -77,11 +77,11 @@ Class ToneTrack Inherits DRTrackQRX
     End Event
 End Class
 
-Dim seconds As Integer = 1
+Dim seconds As Integer = 4
 Dim hertz As Double = 440
 If App.Arguments.LastIndex >= 0 Then seconds = Val(App.Arguments(0))
 If App.Arguments.LastIndex >= 1 Then hertz = Val(App.Arguments(1))
-If seconds < 4 Then seconds = 4          ' no track of a CD is shorter
+If seconds < 4 Then seconds = 4
 
 If DRDeviceQRX.deviceCount = 0 Then Fail("there is no drive that can write discs")
 Dim drive As DRDeviceQRX = DRDeviceQRX.device(0)

@@ -109,6 +109,64 @@ class Audio(ExamplesCase):
         with open(os.path.join(folder, "medium.cue"), encoding="utf-8") as sheet:
             self.assertIn('PERFORMER "Jemand"', sheet.read())
 
+    def on_sheet(self):
+        with open(os.path.join(self.drives, "drive-1", "medium.cue"), encoding="utf-8") as file:
+            return [line.strip() for line in file]
+
+    # An MP3 file whose tag of version 2.4 holds these frames, each with the byte for its encoding.
+    def tagged(self, name, **frames):
+        body = b"".join(kind.encode() + struct.pack(">IH", len(text), 0) + text for kind, text in frames.items())
+        self.assertLess(len(body), 128, "lengths of one byte")
+        sound, plain, path = self.sound("plain.wav", 4), os.path.join(self.scratch, "plain.mp3"), \
+            os.path.join(self.scratch, name)
+        subprocess.run(["lame", "--quiet", "-t", sound, plain], check=True)
+        with open(plain, "rb") as file, open(path, "wb") as made:
+            made.write(b"ID3\x04\0\0" + struct.pack(">I", len(body)) + body + file.read())
+        return path
+
+    def test_tags_in_every_encoding(self):
+        title = "Grün – Žába"
+        for number, text in enumerate((b"\1\xff\xfe" + title.encode("utf-16-le") + bytes(2),
+                                       b"\1\xfe\xff" + title.encode("utf-16-be") + bytes(2),
+                                       b"\2" + title.encode("utf-16-be"), b"\3" + title.encode() + b"\0")):
+            self.cd()
+            said = self.succeed("audio-cd.bas", self.tagged("song.mp3", TIT2=text, TPE1=b"\0J\xf6rg"))
+            self.assertIn("  " + title + "\n", said, number)
+            sheet = self.on_sheet()
+            self.assertIn('PERFORMER "Jörg"', sheet, number)
+            shutil.rmtree(os.path.join(self.drives, "drive-1"))
+
+    def test_ends_of_lines_and_controls_in_tags_are_blanks(self):
+        self.cd()
+        said = self.succeed("audio-cd.bas", self.tagged("song.mp3", TIT2=b"\3One\nTwo\r\nThree\tFour\x7f!",
+                                                        TPE1=b"\3A\nFILE x WAVE", TALB=b"\3B\rC"))
+        self.assertIn("  One Two  Three Four !\n", said)
+        sheet = self.on_sheet()
+        for line in ('TITLE "One Two  Three Four !"', 'PERFORMER "A FILE x WAVE"', 'TITLE "B C"'):
+            self.assertIn(line, sheet)
+
+    def test_a_code_that_is_none_is_left_out(self):
+        for wrong in ("123456789012", "DEABC26123456", "DEABC2612X45", "DEABC26é1234"):
+            self.cd()
+            done = self.run_program("audio-cd.bas", self.tagged("song.mp3", TSRC=b"\3" + wrong.encode()))
+            self.assertEqual(done.returncode, 0, done.stderr)
+            self.assertEqual(done.stderr,
+                             f"audio-cd: song.mp3 is burned without its ISRC, which is no code: {wrong}\n")
+            self.assertFalse([line for line in self.on_sheet() if line.startswith("ISRC")])
+            shutil.rmtree(os.path.join(self.drives, "drive-1"))
+        self.cd()
+        self.succeed("audio-cd.bas", self.tagged("song.mp3", TSRC=b"\3de-a1c-26-12345"))
+        self.assertIn("ISRC DEA1C2612345", self.on_sheet())
+
+    def test_names_of_files_may_hold_quotes(self):
+        self.cd()
+        path = self.sound('12" "mix".wav', 4)
+        self.assertIn('  12" "mix"\n', self.succeed("audio-cd.bas", path))
+        self.assertEqual(self.on_disc("drive-1", 0, 300), self.samples(path))
+        shutil.copy(path, os.path.join(self.scratch, "two\nlines.wav"))
+        self.refuse("the path of two lines.wav has an end of a line in it; rename the file or its folder",
+                    "audio-cd.bas", os.path.join(self.scratch, "two\nlines.wav"))
+
     def test_what_is_no_sound_is_refused_by_name_and_nothing_is_burned(self):
         self.cd()
         done = self.run_program("audio-cd.bas", os.path.join(self.source, "letter.txt"))
@@ -157,8 +215,39 @@ class Audio(ExamplesCase):
         with open(os.path.join(self.drives, "a", "medium.iso"), "rb") as one, \
                 open(os.path.join(self.drives, "b", "medium.iso"), "rb") as other:
             self.assertEqual(one.read(), other.read())
-        self.refuse("a disc can't be copied onto itself", "copy-disc.bas", "Virtual First", "Virtual First")
+        self.refuse("^copy-disc: a disc can't be copied onto itself", "copy-disc.bas", "Virtual First", "Virtual First")
         self.refuse("there is no drive Third", "copy-disc.bas", "Third", "Virtual First")
+
+    def test_data_of_several_sessions_are_not_copied_by_half(self):
+        self.make_drive("a", "First", kind="DVD+R", capacityBlocks=2295104)
+        self.make_drive("b", "Second", kind="DVD-R", capacityBlocks=2298496)
+        self.succeed("append-session.bas", self.source)
+        self.assertIn("Copied 1 track, ", self.succeed("copy-disc.bas", "Virtual First", "Virtual Second"))
+        shutil.rmtree(os.path.join(self.drives, "b"))
+        self.make_drive("b", "Second", kind="DVD-R", capacityBlocks=2298496)
+        self.write("later.txt", b"More.")
+        self.succeed("append-session.bas", self.source)
+        self.refuse("the disc in Virtual First has 2 sessions, which can't be copied; put the folder that "
+                    "\"disc-drives export\" makes into the other drive with \"disc-drives insert\", or burn the "
+                    "files of the last session anew",
+                    "copy-disc.bas", "Virtual First", "Virtual Second")
+        self.assertEqual(self.medium("b")["state"], "blank")
+
+    def test_all_tracks_of_all_sessions_of_a_sheet_are_copied_and_counted(self):
+        self.cd("a", "First")
+        self.cd("b", "Second")
+        with open(os.path.join(self.scratch, "x.bin"), "wb") as file:
+            file.write(os.urandom(900 * 2352))
+        with open(os.path.join(self.scratch, "x.cue"), "w", encoding="utf-8") as sheet:
+            sheet.write("REM SESSION 01\nFILE x.bin BINARY\nTRACK 01 AUDIO\nINDEX 01 00:00:00\nTRACK 02 AUDIO\n"
+                        "INDEX 01 00:04:00\nREM SESSION 02\nTRACK 03 AUDIO\nINDEX 01 00:08:00\n")
+        self.succeed("burn-image.bas", os.path.join(self.scratch, "x.cue"))
+        self.assertEqual([len(session["tracks"]) for session in self.medium("a")["sessions"]], [2, 1])
+        self.assertIn("Copied 3 tracks, ", self.succeed("copy-disc.bas", "Virtual First", "Virtual Second"))
+        self.assertEqual([len(session["tracks"]) for session in self.medium("b")["sessions"]], [2, 1])
+        with open(os.path.join(self.drives, "a", "medium.bin"), "rb") as one, \
+                open(os.path.join(self.drives, "b", "medium.bin"), "rb") as other:
+            self.assertEqual(one.read(), other.read())
 
 
 if __name__ == "__main__":
