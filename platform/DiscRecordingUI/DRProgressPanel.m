@@ -104,6 +104,10 @@
     [_inside->bar setDoubleValue:0];
     [self showStage:Running text:[self stateTextFor:nil]];
     [[NSNotificationCenter defaultCenter] postNotificationName:[self willBeginName] object:self];
+    if (_inside->stopped) { // while that was told: nothing is begun, and it ends as what is stopped later
+        [self delegateShowsTheEnd];
+        return [self end];
+    }
     [NSApp activateIgnoringOtherApps:YES];
     if (owner != nil) {
         _inside->sheet = [[DRSheet alloc] initWithPanel:self window:owner];

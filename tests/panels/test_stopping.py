@@ -39,6 +39,16 @@ BURN_DID_FINISH = """
         Return False
     End Event
 """
+STOPPED_AT_ONCE = """
+    goesOn As Boolean
+    Event burnProgressPanelWillBegin()
+        Print "will begin"
+        If goesOn Then Return
+        stopBurn
+        stopBurn
+    End Event
+"""
+NONE = "DRStatusStateNone"
 
 
 class Panels(Case):
@@ -62,6 +72,21 @@ class Panels(Case):
         program.wait_lines(["writing", "stopping", "burn did finish", FAILED])
         self.after("writing")
         self.assertEqual(program.end(), 0, program.errors)
+
+    def test_a_burn_that_is_stopped_before_it_is_begun_writes_nothing(self):
+        program = self.burning(STOPPED_AT_ONCE + BURN_DID_FINISH + ONLY_DID_FINISH, before="""
+progress.beginProgressPanelForBurn(burn, track)
+Print StateOf(burn)
+Print progress.visible
+Print burn.device.mediaIsBlank
+progress.goesOn = True
+""")
+        self.after("writing")
+        self.after("verifying")
+        self.assertEqual(program.end(), 0, program.errors)
+        # The same burn and the same panel are good for another time.
+        self.assertEqual(program.lines(), ["will begin", "burn did finish", "did finish", NONE, "False", "True",
+                                           "will begin", "writing", "verifying", "burn did finish", "did finish", DONE])
 
     def test_a_person_stops_with_the_buttons_and_no_failure_is_shown(self):
         program = self.burning(BURN_DID_FINISH)
