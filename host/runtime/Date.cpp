@@ -5,14 +5,43 @@
 #include "host/runtime/Exceptions.hpp"
 
 #include <cstdio>
+#include <limits>
 
 namespace host {
 namespace {
 
+[[noreturn]] void tooFar() {
+    raise("InvalidArgumentException",
+          "a date can't be that far away: its year would not fit into an Integer");
+}
+
+// What a program has as base and more, such as a year, as the C library counts it.
+int counted(int64_t part, int base) {
+    if (part < int64_t{std::numeric_limits<int>::min()} + base ||
+        part > int64_t{std::numeric_limits<int>::max()} + base)
+        tooFar();
+    return static_cast<int>(part - base);
+}
+
+// The C library's limit for years is the larger by the base of 1900.
+void checkYear(const std::tm& parts) {
+    if (parts.tm_year > std::numeric_limits<int>::max() - 1900) tooFar();
+}
+
 std::tm localParts(std::time_t seconds) {
     std::tm parts{};
-    localtime_r(&seconds, &parts);
+    if (!localtime_r(&seconds, &parts)) tooFar();
+    checkYear(parts);
     return parts;
+}
+
+// The parts put in order. A result of -1 is a good one, too: the last second of 1969.
+std::time_t secondsOf(std::tm parts) {
+    parts.tm_wday = -1; // stays only where the library fails
+    const std::time_t seconds = std::mktime(&parts);
+    if (parts.tm_wday < 0) tooFar();
+    checkYear(parts);
+    return seconds;
 }
 
 // The parts as they were set, put in order only when they are read: who sets year, month and day of a date
@@ -28,7 +57,21 @@ std::tm partsOf(REALobject date) { return localParts(dateSeconds(date)); }
 
 void setParts(REALobject date, std::tm parts) {
     parts.tm_isdst = -1;
+    secondsOf(parts); // refuses what can't be put in order: the date stays as it was
     dataOf<DateData>(date).parts = parts;
+}
+
+// As a program counts them.
+void setParts(REALobject date, int64_t year, int64_t month, int64_t day, int64_t hour, int64_t minute,
+              int64_t second) {
+    std::tm parts{};
+    parts.tm_year = counted(year, 1900);
+    parts.tm_mon = counted(month, 1);
+    parts.tm_mday = counted(day, 0);
+    parts.tm_hour = counted(hour, 0);
+    parts.tm_min = counted(minute, 0);
+    parts.tm_sec = counted(second, 0);
+    setParts(date, parts);
 }
 
 std::string formatted(REALobject date, const char* format) {
@@ -44,31 +87,27 @@ MemberSpec part(const char* name, int std::tm::*field, int base) {
         [=](REALobject self, Arguments) -> Value { return partsOf(self).*field + base; },
         [=](REALobject self, Arguments a) -> Value {
             std::tm parts = dataOf<DateData>(self).parts;
-            parts.*field = a[0].toInt32() - base;
+            parts.*field = counted(a[0].toInt64(), base);
             setParts(self, parts);
             return {};
         });
 }
 
 void setText(REALobject date, const std::string& text) {
-    std::tm parts{};
+    long long year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0;
     int used = 0;
-    const int fields =
-        std::sscanf(text.c_str(), "%d-%d-%d%n", &parts.tm_year, &parts.tm_mon, &parts.tm_mday, &used);
-    bool isGood = fields == 3;
+    bool isGood = std::sscanf(text.c_str(), "%lld-%lld-%lld%n", &year, &month, &day, &used) == 3;
     const std::string rest = isGood ? text.substr(static_cast<std::size_t>(used)) : "";
     if (isGood && !rest.empty()) {
         int end = 0;
-        isGood = std::sscanf(rest.c_str(), "%*[ T]%d:%d%n", &parts.tm_hour, &parts.tm_min, &used) == 2;
-        if (isGood && std::sscanf(rest.c_str() + used, ":%d%n", &parts.tm_sec, &end) == 1) used += end;
+        isGood = std::sscanf(rest.c_str(), "%*[ T]%lld:%lld%n", &hour, &minute, &used) == 2;
+        if (isGood && std::sscanf(rest.c_str() + used, ":%lld%n", &second, &end) == 1) used += end;
         isGood = isGood && static_cast<std::size_t>(used) == rest.size();
     }
     if (!isGood)
         raise("UnsupportedFormatException",
               "\"" + text + "\" is no date: write it as 2026-01-31 or 2026-01-31 09:05:00");
-    parts.tm_year -= 1900;
-    parts.tm_mon -= 1;
-    setParts(date, parts);
+    setParts(date, year, month, day, hour, minute, second);
 }
 
 double offsetHours(REALobject date) { return static_cast<double>(partsOf(date).tm_gmtoff) / 3600; }
@@ -83,10 +122,7 @@ Ref newDate(std::time_t seconds) {
     return date;
 }
 
-std::time_t dateSeconds(REALobject date) {
-    std::tm parts = dataOf<DateData>(date).parts;
-    return std::mktime(&parts);
-}
+std::time_t dateSeconds(REALobject date) { return secondsOf(dataOf<DateData>(date).parts); }
 std::string dateText(REALobject date) { return formatted(date, "%Y-%m-%d %H:%M:%S"); }
 
 double dateTotalSeconds(REALobject date) {
@@ -106,14 +142,8 @@ void defineDateClass() {
         method("Constructor(year As Integer, month As Integer, day As Integer, Optional hour As Integer, "
                "Optional minute As Integer, Optional second As Integer)",
                [](REALobject self, Arguments a) -> Value {
-                   std::tm parts{};
-                   parts.tm_year = a[0].toInt32() - 1900;
-                   parts.tm_mon = a[1].toInt32() - 1;
-                   parts.tm_mday = a[2].toInt32();
-                   parts.tm_hour = a[3].toInt32();
-                   parts.tm_min = a[4].toInt32();
-                   parts.tm_sec = a[5].toInt32();
-                   setParts(self, parts);
+                   setParts(self, a[0].toInt64(), a[1].toInt64(), a[2].toInt64(), a[3].toInt64(),
+                            a[4].toInt64(), a[5].toInt64());
                    return {};
                }));
     m.push_back(part("Year", &std::tm::tm_year, 1900));
@@ -146,7 +176,7 @@ void defineDateClass() {
             const auto local =
                 static_cast<std::time_t>(Value(a[0].toDouble() - kSecondsBefore1970).toInt64());
             std::tm parts{};
-            gmtime_r(&local, &parts);
+            if (!gmtime_r(&local, &parts)) tooFar();
             setParts(self, parts);
             return {};
         }));

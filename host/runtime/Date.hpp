@@ -2,7 +2,8 @@
 //
 // Class "Date": now when new; Year, Month, Day, Hour, Minute, Second (assignable; out-of-range parts roll
 // over), DayOfWeek (1 Sunday), DayOfYear, WeekOfYear, SQLDate, SQLDateTime (assignable), TotalSeconds (since
-// 1904-01-01 local time, assignable), ShortDate, ShortTime, GMTOffset (hours).
+// 1904-01-01 local time, assignable), ShortDate, ShortTime, GMTOffset (hours). What would take the year out of an
+// Integer's range is refused with an InvalidArgumentException; the date stays as it was.
 #pragma once
 
 #include "host/runtime/Value.hpp"

@@ -22,6 +22,9 @@ struct ItemData {
 const fs::path& path(REALobject item) { return dataOf<ItemData>(item).path; }
 
 fs::path normal(std::string_view text) {
+    // Every call of the C library would end the path there and act on another item.
+    if (text.find('\0') != std::string_view::npos)
+        raise("InvalidArgumentException", "a path can't contain a zero character");
     // No path at all is the folder that the program runs in.
     fs::path result = fs::absolute(fs::path(text.empty() ? "." : text)).lexically_normal();
     if (!result.has_filename() && result.has_relative_path())

@@ -13,7 +13,7 @@
 namespace host {
 
 // An absolute path; a relative one is taken from the current folder. "." and ".." parts and doubled slashes
-// go.
+// go. Raises InvalidArgumentException for a zero byte.
 Ref newFolderItem(std::string_view path);
 std::string pathOf(REALobject folderItem);
 

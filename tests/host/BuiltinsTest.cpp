@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <limits>
 
 namespace {
 
@@ -160,6 +161,34 @@ TEST_F(Dates, CountSecondsSince1904InLocalTime) {
     EXPECT_EQ(ask(make("Date", {2026, 7, 1}), "GMTOffset").toDouble(), 2.0);
 }
 
+TEST_F(Dates, RefuseWhatIsTooFarAwayAndStayAsTheyWere) {
+    constexpr int lowest = std::numeric_limits<int32_t>::min(), highest = std::numeric_limits<int32_t>::max();
+    const std::string refusal =
+        "InvalidArgumentException: a date can't be that far away: its year would not fit into an Integer";
+    const Value date = make("Date", {2026, 1, 31, 9, 5, 7});
+    for (const int year : {lowest, lowest + 1899})
+        EXPECT_EQ(raisedBy([&] { assign(date, "Year", {}, year); }), refusal) << year;
+    EXPECT_EQ(raisedBy([&] { assign(date, "Month", {}, lowest); }), refusal);
+    EXPECT_EQ(raisedBy([&] { make("Date", {lowest, 1, 1}); }), refusal);
+    EXPECT_EQ(raisedBy([&] { make("Date", {2026, lowest, 1}); }), refusal);
+    EXPECT_EQ(raisedBy([&] { make("Date", {highest, 13, 1}); }), refusal) << "rolls over";
+    for (const char* far : {"-2147483648-01-01", "4294969322-01-31", "99999999999999999999-01-01"})
+        EXPECT_EQ(raisedBy([&] { assign(date, "SQLDate", {}, far); }), refusal) << far;
+    for (const double seconds : {1e17, -1e17, 1e300, -1e300})
+        EXPECT_EQ(raisedBy([&] { assign(date, "TotalSeconds", {}, seconds); }), refusal) << seconds;
+    EXPECT_EQ(raisedBy([] { newDate(std::numeric_limits<std::time_t>::max()); }), refusal);
+    EXPECT_EQ(ask(date, "SQLDateTime").toText(), "2026-01-31 09:05:07");
+    // As far as it goes.
+    EXPECT_EQ(ask(make("Date", {highest, 12, 31}), "Year").toInt32(), highest);
+    EXPECT_EQ(ask(make("Date", {lowest + 1900, 6, 1}), "Year").toInt32(), lowest + 1900);
+}
+
+TEST_F(Dates, TheLastSecondBefore1970IsNoFailure) {
+    const Value date = make("Date", {1970, 1, 1, 0, 59, 59}); // an hour east of UTC
+    EXPECT_EQ(dateSeconds(date.object()), -1);
+    EXPECT_EQ(ask(date, "SQLDateTime").toText(), "1970-01-01 00:59:59");
+}
+
 class FolderItems : public NothingLeft {
   protected:
     void SetUp() override {
@@ -202,6 +231,17 @@ TEST_F(FolderItems, ListFoldersInAFixedOrder) {
     EXPECT_EQ(ask(ask(here, "Child", {"new"}), "NativePath").toText(), folder + "/new");
     EXPECT_EQ(raisedBy([&] { ask(here, "Child", {"a/b"}); }),
               "InvalidArgumentException: \"a/b\" is not the name of one item");
+}
+
+TEST_F(FolderItems, RefuseAZeroByteWhichWouldEndThePathAtAnotherItem) {
+    std::ofstream(folder + "/a") << "another";
+    const std::string zero("a\0b", 3);
+    const std::string refusal = "InvalidArgumentException: a path can't contain a zero character";
+    EXPECT_EQ(raisedBy([&] { item(folder + "/" + zero); }), refusal);
+    EXPECT_EQ(raisedBy([&] { ask(item(folder), "Child", {zero}); }), refusal);
+    EXPECT_EQ(raisedBy([&] { newFolderItem(folder + "/" + zero); }), refusal);
+    EXPECT_EQ(raisedBy([&] { item(std::string("\0", 1)); }), refusal);
+    EXPECT_TRUE(fs::exists(folder + "/a"));
 }
 
 TEST_F(FolderItems, MakeCopyMoveAndDelete) {

@@ -117,12 +117,6 @@ TEST_F(Files, AnItemWhoseFolderWentAwayIsNil) {
     EXPECT_EQ(raised(), std::nullopt);
 }
 
-TEST_F(Files, ANameOfNoLengthEndsTheSecondRoute) {
-    // The root has no leaf name; without the first route and the last there is none left.
-    harness::withdraw("REALFSSpecFromFolderItem");
-    EXPECT_EQ(pathOfURL(item("/")), "/");
-}
-
 using FilesWithout = PluginTest;
 
 TEST_F(FilesWithout, ReferencesTheFileSpecificationIsTheLastResort) {

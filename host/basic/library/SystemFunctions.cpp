@@ -91,8 +91,6 @@ return {};
 }
 }
 , {"GetFolderItem(path As String) As FolderItem", SYSTEM_FUNCTION{(void)context;
-if (bytesOf(a[0].string()).find('\0') != std::string_view::npos)
-    raise("InvalidArgumentException", "a path can't contain a zero character");
 return Value(newFolderItem(a[0].toText()));
 }
 }
