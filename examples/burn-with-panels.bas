@@ -33,6 +33,7 @@ Class Setup
 
     ' Whether the disc will do, and what the panel says about it. Here the folder has to be written to a blank disc.
     Event DeviceContainsSuitableMedia(device As DRDeviceQRX, ByRef prompt As String) As Boolean
+        If device.mediaIsBusy Then Return False ' in use by another program: the panel's own prompt says so
         If device.mediaIsBlank Then
             prompt = prompt + " There is room for " + Str(device.mediaSpaceFree.sectors \ 512) + " MB."
             Return True

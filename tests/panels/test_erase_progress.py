@@ -154,6 +154,24 @@ EraseOnce(progress)
         self.assertEqual(program.lines(), ["no erase", "no window", "False", "will begin", "erase did finish",
                                            "did finish", DONE])
 
+    def test_a_second_construction_raises_and_the_erase_that_ends_is_the_programs_own_object(self):
+        program = self.erasing("""
+Dim mine As New DREraseQRX(DRDeviceQRX.device(0))
+Try
+    progress.Constructor
+Catch e As RuntimeException
+    Print e.Message
+End Try
+progress.mine = mine
+progress.beginProgressPanelForErase(mine)
+While Not progress.finished
+    App.DoEvents
+Wend
+""", events="    mine As DREraseQRX" + EVENTS, ended="Print erase Is mine")
+        self.assertEqual(program.end(), 0, program.errors)
+        self.assertEqual(program.lines(), ["Constructor called too often. Object is already initialized.",
+                                           "will begin", "True", "did finish"])
+
     def test_an_erase_hangs_on_its_window_as_a_sheet(self):
         program = self.erasing("""
 Dim window As New NSWindowQRX("Photos", New NSRectQRX(200, 100, 640, 480))

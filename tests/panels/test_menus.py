@@ -33,6 +33,18 @@ If Not (burn Is Nil) Then
     Print burn.verifyDisc
 End If
 """
+# Tells which drives are compared, and answers {best}.
+BEST = """
+    Function NameOf(device As DRDeviceQRX) As String
+        If device Is Nil Then Return "nil"
+        Return device.displayName
+    End Function
+    Event determineBestDevice(deviceA As DRDeviceQRX, deviceB As DRDeviceQRX) As DRDeviceQRX
+        Print NameOf(deviceA) + " or " + NameOf(deviceB)
+        StdOut.Flush
+        Return {best}
+    End Event
+"""
 # Places on the panel: the menu of drives, the button that shows more, and the menu of speeds that it shows.
 DRIVES, EXPANDER, SPEEDS = (250, 63), (70, 110), (250, 97)
 EJECT, MAXIMUM = "DRBurnCompletionActionEject", "65535"
@@ -205,6 +217,42 @@ class Panels(Case):
         self.display.keys("Return")
         self.assertEqual(program.end(), 0, program.errors)
         self.assertEqual(program.lines()[3:], ["4234", "DRBurnCompletionActionMount", "False"])
+
+    def test_a_program_says_which_of_two_drives_is_the_better_one(self):
+        program = self.choice(BEST.format(best="deviceB"), Amber="CD-RW", Birch="DVD+RW")
+        self.display.wait_window("Burn a Disc")
+        compared = ["nil or Virtual Amber", "Virtual Amber or Virtual Birch", "Virtual Birch"]
+        program.wait_lines(compared)
+        self.drives.create("Cedar", "none")  # a drive that comes is compared with the one that is chosen
+        compared += ["Virtual Birch or Virtual Cedar", "Virtual Cedar"]
+        program.wait_lines(compared)
+        self.drives.command("delete", "Cedar")  # and all that are left when that one goes
+        compared += ["nil or Virtual Amber", "Virtual Amber or Virtual Birch", "Virtual Birch"]
+        program.wait_lines(compared)
+        self.display.settle()
+        self.display.keys("Return")
+        self.assertEqual(program.end(), 0, program.errors)
+        self.assertEqual(program.lines()[len(compared):][:2], ["1", "Virtual Birch"])
+
+    def test_a_program_that_finds_no_drive_better_leaves_the_first(self):
+        self.first_is_left("Nil", "")
+
+    def test_a_drive_that_is_in_no_menu_is_not_the_better_one(self):
+        self.first_is_left("DRDeviceQRX.device(2)", """
+    Event DeviceCouldBeTarget(device As DRDeviceQRX) As Boolean
+        Return device.displayName <> "Virtual Cedar"
+    End Event
+""")
+
+    def first_is_left(self, best, more):
+        program = self.choice(BEST.format(best=best) + more,
+                              Amber="CD-RW", Birch="DVD+RW", Cedar="BD-RE")
+        self.display.wait_window("Burn a Disc")
+        self.display.keys("Return")
+        self.assertEqual(program.end(), 0, program.errors)
+        lines = program.lines()
+        self.assertEqual(lines[0:2], ["nil or Virtual Amber", "nil or Virtual Birch"])
+        self.assertEqual(lines[-5:-3], ["1", "Virtual Amber"])
 
     def test_an_event_that_raises_while_the_panel_is_up_leaves_it_usable(self):
         program = self.choice("""

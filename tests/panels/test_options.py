@@ -4,6 +4,7 @@ import json
 import os
 import unittest
 
+from cases import BURN as EXAMPLE
 from cases import Case
 
 SETUP = """
@@ -156,6 +157,22 @@ Print setup.burnObject.appendable
         self.display.keys("Return")
         self.assertEqual(program.end(), 0, program.errors)
         self.assertEqual(program.lines(), ["1", "False", "False", "DRStatusStateDone"])
+        self.after("the end")
+        self.assertEqual(holder.end(), 0, holder.errors)
+
+    def test_an_event_can_refuse_a_blank_disc_that_another_program_holds(self):
+        self.drives.create("Amber", "DVD+RW")
+        holder = self.steps(HOLDING, name="holder")
+        holder.wait_lines(["True", "held"])
+        program = self.run_program(EXAMPLE, self.drives.source)
+        self.stays(program, "Burn a Disc", "Return")
+        before = self.display.picture()
+        self.after("held")
+        self.wait_for_another_picture(before)
+        self.display.settle()
+        self.display.keys("Return")
+        self.assertEqual(program.end(), 0, program.errors)
+        self.assertEqual(program.lines()[1:], ["Burning.", "The burn ended: DRStatusStateDone"])
         self.after("the end")
         self.assertEqual(holder.end(), 0, holder.errors)
 

@@ -168,6 +168,20 @@ Print drive.mediaIsPresent
         self.assertEqual(program.end(), 0, program.errors)
         self.assertEqual(program.lines(), ["False", "0", "False", "True", "False", "True"])
 
+    def test_a_second_construction_raises_nothing_and_makes_the_panel_anew(self):
+        own, _ = self.sight(self.setup_panel(), "Escape")
+        program = self.setup_panel("""
+    Event DeviceSelectionChanged(device As DRDeviceQRX)
+        Print device.displayName ' told once
+    End Event
+""", before="""
+setup.setDefaultButtonTitle("Make the disc")
+setup.Constructor
+""", later="Print setup.burnObject.device.displayName")
+        seen, _ = self.sight(program, "Return")
+        self.assertEqual(seen, own)
+        self.assertEqual(program.lines(), ["Virtual Disc Drive 1", "1", "Virtual Disc Drive 1"])
+
     def test_an_event_ejects_closes_and_ends_the_panel(self):
         self.drives.create("Amber", "CD-RW")
         program = self.setup_panel("""

@@ -120,6 +120,27 @@ progress.goesOn = True
         self.assertEqual(program.end(), 0, program.errors)
         self.assertEqual(program.lines()[2:], ["burn did finish", DONE])
 
+    def test_a_second_construction_raises_and_the_burn_that_ends_is_the_programs_own_object(self):
+        program = self.burning("""
+    mine As DRBurnQRX
+    Event burnProgressPanelBurnDidFinish(burn As DRBurnQRX) As Boolean
+        Print burn Is mine
+        Return False
+    End Event
+""", before="""
+progress.mine = burn
+Try
+    progress.Constructor
+Catch e As RuntimeException
+    Print e.Message
+End Try
+""")
+        self.after("writing")
+        self.after("verifying")
+        self.assertEqual(program.end(), 0, program.errors)
+        self.assertEqual(program.lines(), ["Constructor called too often. Object is already initialized.", "writing",
+                                           "verifying", "True", DONE])
+
     def test_a_program_that_only_hears_of_the_end(self):
         program = self.burning(ONLY_DID_FINISH)
         program.wait_lines(["writing"])
