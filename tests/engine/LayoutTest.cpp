@@ -1,5 +1,6 @@
 // Layouts and options that a drive or its medium can't take: each with its code and a sentence, nothing written; and
 // those that look odd but are possible.
+#include "BurnChecks.hpp"
 #include "CDText.hpp"
 #include "Fixture.hpp"
 #include "Producers.hpp"
@@ -82,6 +83,27 @@ TEST_F(LayoutTest, codesOfTracksAndDiscs) {
                 "The media catalog number \"" + std::string(code) +
                     "\" must have 13 digits and nothing else.",
                 options);
+    }
+}
+
+TEST_F(LayoutTest, theSlowestSpeedThatIsAskedForHolds) {
+    struct Speeds {
+        double burn;
+        std::vector<double> tracks;
+        double held;
+    };
+    for (const auto& [asked, tracks, held] :
+         {Speeds{1000, {500}, 500}, Speeds{500, {1000}, 500}, Speeds{500, {maximumSpeed}, 500},
+          Speeds{0, {500}, 500}, Speeds{500, {0}, 500}, Speeds{500, {-1}, 500},
+          Speeds{1000, {maximumSpeed, 700, 800}, 700}, Speeds{0, {0, maximumSpeed}, maximumSpeed}}) {
+        Layout layout;
+        for (const double speed : tracks) { // each in a session of its own, which changes nothing
+            layout.sessions.push_back({{data()}});
+            layout.sessions.back().tracks.front().maximumSpeed = speed;
+        }
+        BurnOptions options;
+        options.requestedSpeed = asked;
+        EXPECT_EQ(planOf(layout, options).speed, held) << asked << ", " << tracks.front();
     }
 }
 

@@ -70,6 +70,91 @@ static void TestAudio(void) {
     PASS("nothing was written", [blank mediaIsBlank]);
 }
 
+// What a cue sheet says of one of its tracks, or nil.
+static NSString* FlagsOnSheet(DRDevice* device, NSUInteger number) {
+    NSString* sheet = [[[NSString alloc] initWithData:Image(device, @"medium.cue")
+                                             encoding:NSUTF8StringEncoding] autorelease];
+    NSArray* tracks = [sheet componentsSeparatedByString:@"  TRACK "];
+    if (number >= [tracks count])
+        return @"no such track";
+    NSArray* parts = [[tracks objectAtIndex:number] componentsSeparatedByString:@"    FLAGS "];
+    if ([parts count] < 2)
+        return nil;
+    return [[[parts objectAtIndex:1] componentsSeparatedByString:@"\n"] objectAtIndex:0];
+}
+
+static void TestCopyStatesAndChannels(void) {
+    struct {
+        NSString* state;
+        BOOL four;
+        NSString* flags;
+    } marks[] = {{DRSCMSCopyrightFree, NO, @"DCP"},
+                 {DRSCMSCopyrightProtectedOriginal, NO, nil},
+                 {DRSCMSCopyrightProtectedCopy, NO, @"SCMS"},
+                 {DRSCMSCopyrightFree, YES, @"DCP 4CH"},
+                 {DRSCMSCopyrightProtectedOriginal, YES, @"4CH"},
+                 {DRSCMSCopyrightProtectedCopy, YES, @"4CH SCMS"}};
+    const NSUInteger count = sizeof marks / sizeof *marks;
+    NSMutableArray* tracks = [NSMutableArray array];
+    for (NSUInteger i = 0; i < count; i++) {
+        DRTrack* track = Audio([[Filler new] autorelease], 300);
+        Set(track, DRSerialCopyManagementStateKey, marks[i].state);
+        Set(track, DRAudioFourChannelKey, [NSNumber numberWithBool:marks[i].four]);
+        [tracks addObject:track];
+    }
+    DRDevice* device = Device("CD-R");
+    ExpectDone("tracks of every copy state", BurnOn(device, tracks, nil));
+    NSArray* onDisc = [[device status] objectForKey:DRDeviceTrackRefsKey];
+    PASS("all are told", [onDisc count] == count);
+    for (NSUInteger i = 0; i < [onDisc count]; i++) {
+        NSDictionary* told = [[onDisc objectAtIndex:i] properties];
+        SAME("the copy state", [told objectForKey:DRSerialCopyManagementStateKey], marks[i].state);
+        SAME("the channels", [told objectForKey:DRAudioFourChannelKey],
+             [NSNumber numberWithBool:marks[i].four]);
+        SAME("and the sheet says it", FlagsOnSheet(device, i + 1), marks[i].flags);
+    }
+}
+
+// Who needs a pre-gap of a length gets it or an error; for others the disc's way is taken.
+static void TestRequiredPreGaps(void) {
+    NSDictionary* trackAtOnce = [NSDictionary
+        dictionaryWithObjectsAndKeys:DRBurnStrategyCDTAO, DRBurnStrategyKey, [NSNumber numberWithBool:YES],
+                                     DRBurnStrategyIsRequiredKey, nil];
+    struct {
+        NSUInteger track; // of two
+        uint32_t frames, onDisc;
+        NSDictionary* way;
+        NSString* refusal;
+    } gaps[] = {{0, 75, 150, nil, @"The first track of a session must have a pre-gap of at least 150"},
+                {0, 170, 170, nil, nil},
+                {1, 75, 75, nil, nil},
+                {1, 75, 150, trackAtOnce, @"can't be written track at once"},
+                {1, 150, 150, trackAtOnce, nil}};
+    for (size_t i = 0; i < sizeof gaps / sizeof *gaps; i++) {
+        for (int required = 0; required < 2; required++) {
+            NSArray* tracks = [NSArray arrayWithObjects:Audio([[Filler new] autorelease], 300),
+                                                        Audio([[Filler new] autorelease], 300), nil];
+            for (NSUInteger j = 0; j < 2; j++)
+                [[tracks objectAtIndex:j] setPreGap:[DRMSF msfWithFrames:150]];
+            DRTrack* track = [tracks objectAtIndex:gaps[i].track];
+            [track setPreGap:[DRMSF msfWithFrames:gaps[i].frames]];
+            Set(track, DRPreGapIsRequiredKey, [NSNumber numberWithBool:required == 1]);
+            DRDevice* device = Device("CD-R");
+            NSDictionary* status = BurnOn(device, tracks, gaps[i].way);
+            if (required && gaps[i].refusal != nil) {
+                ExpectError("a pre-gap that must be", status, 0x80020205, gaps[i].refusal);
+                PASS("nothing was written", [device mediaIsBlank]);
+                continue;
+            }
+            ExpectDone("a pre-gap", status);
+            NSArray* onDisc = [[device status] objectForKey:DRDeviceTrackRefsKey];
+            PASS("two tracks", [onDisc count] == 2);
+            SAME("its length on the disc", [[onDisc objectAtIndex:gaps[i].track] preGap],
+                 [DRMSF msfWithFrames:gaps[i].onDisc]);
+        }
+    }
+}
+
 // Who gets what was read to compare it gets his pre-gap, too: the part that the disc keeps.
 static void TestVerifiedPreGap(void) {
     for (int i = 0; i < 2; i++) {
@@ -165,6 +250,8 @@ int main(void) {
     NSAutoreleasePool* pool = [NSAutoreleasePool new];
     NSString* place = BeginBurning();
     TestAudio();
+    TestCopyStatesAndChannels();
+    TestRequiredPreGaps();
     TestVerifiedPreGap();
     TestLayouts();
     TestAudioFiles(place);

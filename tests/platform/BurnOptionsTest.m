@@ -213,6 +213,30 @@ static void TestLayerBreak(void) {
                BurnOn(Device("DVD+R"), Data(1), With(key, [NSNumber numberWithInt:7])));
 }
 
+static double Now(void) {
+    struct timespec time;
+    clock_gettime(CLOCK_MONOTONIC, &time);
+    return (double)time.tv_sec + (double)time.tv_nsec / 1e9;
+}
+
+// The slower of what the burn and its track ask for. Only that it is never faster is looked at: a busy machine may take
+// any time longer.
+static void TestSpeeds(void) {
+    const double slow = 2000, fast = 60000; // KB/s
+    const double asked[][2] = {{slow, slow}, {fast, slow}, {slow, fast}, {slow, 0}, {slow, -1}, {0, slow}};
+    for (size_t i = 0; i < sizeof asked / sizeof *asked; i++) {
+        DRDevice* device = Device("DVD-R");
+        DRTrack* track = Data(1);
+        Set(track, DRMaxBurnSpeedKey, [NSNumber numberWithDouble:asked[i][1]]);
+        Set(track, DRVerificationTypeKey, DRVerificationTypeNone);
+        NSDictionary* more =
+            asked[i][0] > 0 ? With(DRBurnRequestedSpeedKey, [NSNumber numberWithDouble:asked[i][0]]) : nil;
+        const double start = Now();
+        ExpectDone("at a speed", BurnOn(device, track, more));
+        PASS("no faster than either asks", Now() - start >= 600 * 2048 / (slow * 1000));
+    }
+}
+
 int main(void) {
     NSAutoreleasePool* pool = [NSAutoreleasePool new];
     NSString* place = BeginBurning();
@@ -221,5 +245,6 @@ int main(void) {
     TestAppendable();
     TestTesting();
     TestLayerBreak();
+    TestSpeeds();
     return EndBurning(place, pool);
 }
