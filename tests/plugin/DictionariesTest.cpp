@@ -4,6 +4,7 @@
 #include "plugin/bridge/Variants.hpp"
 #include "plugin/objc/Guard.hpp"
 #include "tests/plugin/HostClasses.hpp"
+#include "tests/plugin/OwnResolver.hpp"
 #include "tests/plugin/PlatformObjects.hpp"
 
 #include "host/runtime/Array.hpp"
@@ -24,6 +25,12 @@ using DictionariesWithout = PluginTest;
 unsigned long countOf(Id collection) { return send<"count", unsigned long>(collection); }
 Id valueFor(Id dictionary, const char* key) { return send<"objectForKey:">(dictionary, nsString(key)); }
 bool isNull(Id value) { return value && value == sendClass<"NSNull", "null">(); }
+
+std::size_t livingValues() {
+    const auto living = harness::liveInstances();
+    const auto found = living.find("Variant");
+    return found == living.end() ? 0 : found->second;
+}
 
 Id platformDictionary() {
     const Id dictionary = sendClass<"NSMutableDictionary", "dictionary">();
@@ -66,6 +73,22 @@ TEST_F(Dictionaries, TheHostsDictionaryHoldsTheOnlyReferences) {
 TEST_F(Dictionaries, OneThatTheHostCannotMakeIsNull) {
     harness::failCreation("Dictionary");
     EXPECT_EQ(NSDictionaryRB(platformDictionary()), nullptr);
+    EXPECT_EQ(raised(), std::nullopt);
+}
+
+TEST_F(Dictionaries, KeysAndValuesThatConvertToNullAreStoredAsNil) {
+    const Id unknown = sendClass<"NSValue", "valueWithPointer:">(nullptr); // of a type that nobody converts
+    for (const Id key : {sendClass<"NSNull", "null">(), unknown}) {
+        const Id dictionary = sendClass<"NSMutableDictionary", "dictionary">();
+        send<"setObject:forKey:", void>(dictionary, nsString("value"), key);
+        send<"setObject:forKey:", void>(dictionary, unknown, nsString("unknown"));
+        const Ref converted = Ref::adopt(NSDictionaryRB(dictionary));
+        ASSERT_EQ(host::dictionaryCount(converted.get()), 2u);
+        ASSERT_TRUE(host::dictionaryHas(converted.get(), Value()));
+        EXPECT_EQ(host::dictionaryGet(converted.get(), Value()).toText(), "value");
+        ASSERT_TRUE(host::dictionaryHas(converted.get(), "unknown"));
+        EXPECT_TRUE(host::dictionaryGet(converted.get(), "unknown").isNil());
+    }
     EXPECT_EQ(raised(), std::nullopt);
 }
 
@@ -244,6 +267,59 @@ TEST_F(Dictionaries, AnotherDictionaryHasItsMethodsLoadedAnew) {
         EXPECT_EQ(valueOf(Ref::adopt(GetDictionaryKey(b.get(), 0))).toText(), "b");
         EXPECT_EQ(GetDictionaryValue(b.get(), nullptr), nullptr);
     }
+}
+
+// Methods of the test's own, loaded for any dictionary; they never look at it.
+int methodsLoaded, nilKeysAsked;
+char keyGiven;
+
+template <char name>
+REALvariant nextKey(REALdictionary, int32_t index) {
+    keyGiven = name;
+    return index == 0 ? host::boxVariant(std::string(1, name)) : nullptr;
+}
+REALvariant valueOfAnyKey(REALdictionary, REALvariant key) {
+    nilKeysAsked += !key;
+    return host::boxVariant("value");
+}
+
+template <char name>
+REALproc loadOwn(REALobject, const char* declaration) {
+    ++methodsLoaded;
+    const std::string wanted = declaration;
+    if (wanted.starts_with("Key(")) return reinterpret_cast<REALproc>(nextKey<name>);
+    return wanted.ends_with("As Variant") ? reinterpret_cast<REALproc>(valueOfAnyKey) : nullptr;
+}
+
+REALproc (*loader)(REALobject, const char*) = loadOwn<'a'>;
+REALproc loadMethod(REALobject object, const char* declaration) { return loader(object, declaration); }
+
+TEST_F(DictionariesWithout, AKeyItsValueIsFetchedAllTheSame) {
+    OwnServices::put("REALLoadObjectMethod", loadMethod);
+    REALPluginMain(OwnServices::resolve);
+    const Id converted = NewNSDictionary(dictionaryOf({{"one", 1}, {"two", 2}, {"three", 3}}).get());
+    EXPECT_EQ(countOf(converted), 1u);
+    EXPECT_EQ(text(valueFor(converted, "a")), "value");
+    EXPECT_EQ(nilKeysAsked, 2);
+    const Ref counted = variant("value");
+    EXPECT_EQ(livingValues(), 1u) << "what was fetched is dropped";
+}
+
+// Deliberate: which dictionary it was is told by the address alone. All of a host's are of one class.
+TEST_F(DictionariesWithout, AnotherAddressMethodsAreNotLoadedAnewForANewDictionary) {
+    OwnServices::put("REALLoadObjectMethod", loadMethod);
+    REALPluginMain(OwnServices::resolve);
+    REALobjectStruct place{}, otherPlace{};
+    Ref::adopt(GetDictionaryKey(&place, 0));
+    EXPECT_EQ(keyGiven, 'a');
+    EXPECT_EQ(methodsLoaded, 3);
+    loader = loadOwn<'b'>; // as of another class, at the same address
+    Ref::adopt(GetDictionaryKey(&place, 0));
+    EXPECT_EQ(keyGiven, 'a') << "the old entry";
+    EXPECT_EQ(methodsLoaded, 3);
+    Ref::adopt(GetDictionaryKey(&otherPlace, 0));
+    EXPECT_EQ(keyGiven, 'b');
+    EXPECT_EQ(methodsLoaded, 6);
 }
 
 // ---- arrays of wrappers ------------------------------------------------------------------------------
