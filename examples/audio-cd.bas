@@ -299,4 +299,6 @@ If state = DRBurnQRX.DRStatusStateFailed Then
     Dim problem As Dictionary = status.Value(DRBurnQRX.DRErrorStatusKey)
     Fail(problem.Value(DRBurnQRX.DRErrorStatusErrorStringKey))
 End If
-Print "Burned " + Str(files.LastIndex + 1) + " tracks, " + drive.mediaSpaceUsed.description + " in all."
+Dim amount As String = " tracks, "
+If files.LastIndex = 0 Then amount = " track, "
+Print "Burned " + Str(files.LastIndex + 1) + amount + drive.mediaSpaceUsed.description + " in all."

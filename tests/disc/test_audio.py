@@ -132,6 +132,7 @@ class Audio(ExamplesCase):
             self.cd()
             said = self.succeed("audio-cd.bas", self.tagged("song.mp3", TIT2=text, TPE1=b"\0J\xf6rg"))
             self.assertIn("  " + title + "\n", said, number)
+            self.assertIn("\nBurned 1 track, ", said)
             sheet = self.on_sheet()
             self.assertIn('PERFORMER "Jörg"', sheet, number)
             shutil.rmtree(os.path.join(self.drives, "drive-1"))
