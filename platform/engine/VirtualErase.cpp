@@ -8,7 +8,6 @@
 #include "VirtualDrive.hpp"
 
 #include <cerrno>
-#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -29,21 +28,14 @@ struct MediumFile {
          "The disc can't be erased: its file " + inQuotes(name) + " can't be written.", systemText(errno));
 }
 
-// All that holds bytes of the medium: everything beside the description that has its name.
+// All that holds bytes of the medium. What a person has put beside it, whatever its name begins with, is not of it.
 std::vector<MediumFile> filesOfMedium(int folder) {
     std::vector<MediumFile> files;
-    DIR* const listing = ::fdopendir(::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (listing == nullptr)
-        fail(ErrorCode::DeviceAccess, "The drive's folder can't be read.", systemText(errno));
-    while (const dirent* const entry = ::readdir(listing)) {
-        const std::string name = entry->d_name;
+    for (const std::string& name : mediumFiles(folder)) {
         struct stat status {};
-        if (!name.starts_with("medium.") || name == names::medium ||
-            ::fstatat(folder, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0 || !S_ISREG(status.st_mode))
-            continue;
-        files.push_back({name, nullptr, status.st_size});
+        if (::fstatat(folder, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0)
+            files.push_back({name, nullptr, status.st_size});
     }
-    ::closedir(listing);
     return files;
 }
 

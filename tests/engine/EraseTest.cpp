@@ -90,6 +90,21 @@ TEST_F(EraseTest, aQuickEraseDoesNotTouchThem) {
     EXPECT_EQ(bytesOf(base / "kept"), before);
 }
 
+TEST_F(EraseTest, filesOfAPersonThatBeginLikeTheMediumsStay) {
+    const std::vector<std::string> names = {"medium.txt", "medium.iso.old", "medium.bin.bak", "medium.x.iso",
+                                            "medium.new.txt"};
+    const auto drive = burned(MediumKind::DVDPlusRW);
+    for (const EraseType type : {EraseType::Quick, EraseType::Complete}) {
+        for (const std::string& name : names)
+            std::ofstream(image().parent_path() / name) << "mine";
+        EXPECT_EQ(nameOf(erase(drive, type).state), "Done");
+        EXPECT_FALSE(fs::exists(image()));
+        for (const std::string& name : names)
+            EXPECT_EQ(bytesOf(image().parent_path() / name), "mine") << name;
+        EXPECT_DONE(burn(drive, layout()));
+    }
+}
+
 TEST_F(EraseTest, statesComeInOrderAndProgressGrows) {
     const auto drive = burned(MediumKind::DVDPlusRW, 20'000'000);
     std::vector<std::string> states;
