@@ -212,7 +212,9 @@ void PhysicalDrive::reassess() {
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
     const std::lock_guard lock(mutex_);
-    medium_.reset();
+    // Deliberate: until the job is over the disc is the one that was seen before it; without one the drive would pass for
+    // empty in the middle of a burn. endBurn() forgets it.
+    if (!burning_) medium_.reset();
 }
 
 int PhysicalDrive::status() const {
