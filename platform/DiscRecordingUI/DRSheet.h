@@ -7,8 +7,9 @@
 /**
  * The user interface library's own sheets return only when they end. This one returns at once, as it must when a burn is
  * to run under it; several windows may have one each.
+ * A person can't close the window meanwhile, unless it has a delegate, which then decides.
  */
-@interface DRSheet : NSObject {
+@interface DRSheet : NSObject <NSWindowDelegate> {
     NSPanel* _panel; // not retained: it owns the sheet
     NSWindow* _owner;
     NSView* _shield;

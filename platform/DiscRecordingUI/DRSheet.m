@@ -22,6 +22,7 @@
 
 @interface DRSheet ()
 - (void)place;
+- (void)leaveOwner;
 @end
 
 @implementation DRSheet
@@ -41,7 +42,7 @@
 }
 
 - (void)dealloc {
-    [[NSNotificationCenter defaultCenter] removeObserver:self];
+    [self leaveOwner];
     [_shield release];
     [_owner release];
     [super dealloc];
@@ -78,11 +79,19 @@
                    name:NSWindowDidBecomeKeyNotification
                  object:_owner];
     [centre addObserver:self selector:@selector(ownerMoved:) name:NSWindowDidMoveNotification object:_owner];
+    if ([_owner delegate] == nil) // another one decides for itself whether its window closes
+        [_owner setDelegate:self];
     [_panel makeKeyAndOrderFront:nil];
 }
 
-- (void)end {
+- (void)leaveOwner {
     [[NSNotificationCenter defaultCenter] removeObserver:self];
+    if ([_owner delegate] == self)
+        [_owner setDelegate:nil];
+}
+
+- (void)end {
+    [self leaveOwner];
     ((DRSheetShield*)_shield)->panel = nil;
     [_shield removeFromSuperview];
     [_shield release];
@@ -93,6 +102,12 @@
 
 - (void)ownerBecameKey:(NSNotification*)notification {
     [_panel makeKeyAndOrderFront:nil];
+}
+
+// The close button of the window does what the panel's own does, and the window stays under its sheet.
+- (BOOL)windowShouldClose:(id)sender {
+    [_panel performClose:sender];
+    return NO;
 }
 
 - (void)ownerMoved:(NSNotification*)notification {

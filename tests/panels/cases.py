@@ -145,6 +145,13 @@ class Case(unittest.TestCase):
         geometry = self.display.tool("xdotool", "getwindowgeometry", "--shell", window) if window else ""
         return next((int(line[7:]) for line in geometry.split() if line.startswith("HEIGHT=")), None)
 
+    def click_cross(self, title):
+        """With the mouse: the keys are another window's."""
+        window = self.display.window(title)
+        geometry = self.display.tool("xdotool", "getwindowgeometry", "--shell", window).split()
+        width = next(int(line[6:]) for line in geometry if line.startswith("WIDTH="))
+        self.display.click(window, width - 10, -10)
+
     def steps(self, text, *arguments, **options):
         """A program with steps, and with paced tracks where its text wants them."""
         needed = STEP + (PACED if "Paced" in text or "track" in text else "")

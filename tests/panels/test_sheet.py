@@ -40,6 +40,22 @@ class Panels(Case):
         self.assertEqual(program.end(), 0, program.errors)
         self.assertEqual(program.lines(), BEGUN + [CANCELLED, "none, shown: 0, window: 1"])
 
+    def test_the_cross_of_the_window_under_a_sheet_is_that_of_the_sheet(self):
+        program, _ = self.sheet("DRBurnSetupPanel", "Burn a Disc")
+        self.click_cross("Photos")
+        self.assertEqual(program.end(), 0, program.errors)
+        self.assertEqual(program.lines(), BEGUN + [CANCELLED, "none, shown: 0, window: 1"])
+
+    def test_a_delegate_of_the_window_under_a_sheet_decides_whether_it_closes(self):
+        program, window = self.sheet("deciding", "Burn a Disc")
+        self.click_cross("Photos")
+        program.wait_lines(BEGUN + ["asked"])
+        self.stays(program, "Burn a Disc")
+        self.display.focus(window)
+        self.display.keys("Escape")
+        self.assertEqual(program.end(), 0, program.errors)
+        self.assertEqual(program.lines()[4:], [CANCELLED, "none, shown: 0, window: 1"])
+
     def test_a_sheet_follows_the_drives(self):
         program, window = self.sheet("DREraseSetupPanel", "Erase a Disc")
         before = self.display.picture()

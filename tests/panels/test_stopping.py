@@ -141,6 +141,33 @@ End Try
         self.assertEqual(program.lines(), ["Constructor called too often. Object is already initialized.", "writing",
                                            "verifying", "True", DONE])
 
+    def test_the_window_under_a_sheet_asks_before_a_burn_is_stopped_and_cant_be_closed(self):
+        program = self.steps(BURN.format(events=ONLY_DID_FINISH, meanwhile="", before="""
+Dim window As New NSWindowQRX("Photos", New NSRectQRX(200, 100, 640, 480))
+window.show
+""").replace("PanelForBurn(burn, track)", "SheetForBurn(burn, track, window)") + """
+Step(Str(window.visible))
+While window.visible
+    App.DoEvents
+Wend
+""")
+        program.wait_lines(["writing"])
+        self.display.wait_window("Burning", moving=True)
+        before = self.height("Burning")
+        self.click_cross("Photos")
+        wait_for("the question", lambda: self.height("Burning") != before)
+        self.click_cross("Photos")  # asks no second time
+        self.stays(program, "Burning")
+        self.assertIsNotNone(self.display.window("Photos"))
+        self.display.keys("Escape")
+        self.after("writing")
+        self.after("verifying")
+        program.wait_lines(["writing", "verifying", "did finish", DONE, "True"])
+        self.after("True")
+        wait_for("the window alone", lambda: self.display.window("Burning") is None)
+        self.click_cross("Photos")  # as before the sheet
+        self.assertEqual(program.end(), 0, program.errors)
+
     def test_a_program_that_only_hears_of_the_end(self):
         program = self.burning(ONLY_DID_FINISH)
         program.wait_lines(["writing"])

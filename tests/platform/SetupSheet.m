@@ -1,9 +1,10 @@
 // SetupSheet.m: a program that shows a setup panel as a sheet, which the plug-in has no member for.
 //
-//   setup-sheet DRBurnSetupPanel|DREraseSetupPanel|raising
+//   setup-sheet DRBurnSetupPanel|DREraseSetupPanel|raising|deciding
 //
 // Like every program it links no user interface: the window classes are reached by name once they are loaded. Its
-// delegate raises when it is asked who reserves media, the first time, if the word is "raising". It ends with the sheet.
+// delegate raises when it is asked who reserves media, the first time, if the word is "raising"; with "deciding" it is
+// the window's delegate, too, and doesn't let it close. The program ends with the sheet.
 #import "DRBurnSetupPanel.h"
 #import "DREraseSetupPanel.h"
 #import <stdio.h>
@@ -21,6 +22,10 @@ extern unsigned char NSApplicationLoad(void);
     if (raises)
         [NSException raise:@"Judgement" format:@"no opinion"];
     return YES;
+}
+- (BOOL)windowShouldClose:(id)sender {
+    printf("asked\n");
+    return NO;
 }
 - (void)panel:(DRSetupPanel*)panel didEnd:(int)code context:(void*)context {
     printf("%d, shown: %d, context: %s\n", code, [panel isVisible], (const char*)context);
@@ -48,7 +53,9 @@ int main(int argc, char** argv) {
         return 1;
     NSApplication* application = [NSClassFromString(@"NSApplication") sharedApplication];
     const BOOL raising = strcmp(argv[1], "raising") == 0;
-    id made = NSClassFromString(raising ? @"DRBurnSetupPanel" : [NSString stringWithUTF8String:argv[1]]);
+    const BOOL deciding = strcmp(argv[1], "deciding") == 0;
+    id made = NSClassFromString(raising || deciding ? @"DRBurnSetupPanel"
+                                                    : [NSString stringWithUTF8String:argv[1]]);
     DRSetupPanel* panel = [made setupPanel];
     Judge* judge = [Judge new];
     [panel setDelegate:judge];
@@ -59,6 +66,8 @@ int main(int argc, char** argv) {
                                                               defer:YES];
     [window setTitle:@"Photos"];
     [window setReleasedWhenClosed:NO];
+    if (deciding)
+        [window setDelegate:(id)judge];
     [window makeKeyAndOrderFront:nil];
     begin(panel, nil, judge);
     judge->raises = raising;
@@ -84,6 +93,7 @@ int main(int argc, char** argv) {
            chosen == nil ? "none" : [NSStringFromClass([chosen class]) UTF8String], [panel isVisible],
            [window isVisible]);
     [panel setDelegate:nil];
+    [window setDelegate:nil];
     [judge release];
     [window release];
     [pool release];
