@@ -69,7 +69,7 @@ TEST_P(PhysicalKinds, OverwritesWhereItCan) {
 }
 
 TEST_P(PhysicalKinds, ErasesWhatCanBeErased) {
-    insert(GetParam());
+    insert(GetParam(), {{"capacity", 4096}}); // a disc's own size would take minutes
     file("noise.bin", noise(700'000));
     EXPECT_DONE(burn(layout()));
     const bool isErasable = factsOf(medium().kind).erasable;
@@ -208,6 +208,56 @@ TEST_F(PhysicalTest, SessionsOfADVDAreRefusedBeforeAnythingIsWritten) {
         EXPECT_TRUE(medium().blank) << kind;
     }
 }
+
+class PhysicalOverwritten : public PhysicalTest, public ::testing::WithParamInterface<const char*> {
+  protected:
+    std::string data() const {
+        std::ostringstream bytes;
+        bytes << std::ifstream(first / "data", std::ios::binary).rdbuf();
+        return bytes.str();
+    }
+    void erase(EraseType type) const {
+        EraseJob job(drive());
+        ASSERT_TRUE(job.start(type).ok());
+        const EraseStatus status = job.wait();
+        EXPECT_EQ(nameOf(status.state), "Done") << (status.error ? status.error->message : "");
+        EXPECT_TRUE(medium().blank);
+    }
+};
+
+// Two file systems, the second smaller: what is behind it is of no file system, and is erased all the same.
+TEST_P(PhysicalOverwritten, CompleteEraseTakesEveryBlock) {
+    constexpr uint64_t capacity = 3 * 512 + 32 * 5; // no whole number of the eraser's steps
+    insert(GetParam(), {{"capacity", capacity}});
+    BurnOptions options;
+    options.overwrite = true;
+    for (const bool looksBlank : {false, true}) {
+        file("noise.bin", noise(2'600'000));
+        EXPECT_DONE(burn(layout("LARGE"), options));
+        file("noise.bin", noise(100'000, 2));
+        EXPECT_DONE(burn(layout("SMALL"), options));
+        if (looksBlank) {
+            erase(EraseType::Quick);
+            EXPECT_NE(data().find_first_not_of('\0'), std::string::npos) << "quick is quick";
+        }
+        {
+            std::fstream end(first / "data", std::ios::binary | std::ios::in | std::ios::out);
+            end.seekp(static_cast<std::streamoff>(capacity * blockSize - 1));
+            end.put('x'); // in the last block
+        }
+        erase(EraseType::Complete);
+        EXPECT_EQ(data().size(), capacity * blockSize);
+        EXPECT_EQ(data().find_first_not_of('\0'), std::string::npos);
+    }
+    EXPECT_DONE(burn(layout()));
+    EXPECT_TRUE(extracted("noise.bin") == noise(100'000, 2));
+}
+
+INSTANTIATE_TEST_SUITE_P(All, PhysicalOverwritten, ::testing::Values("DVD+RW", "DVD-RAM", "BD-RE"),
+                         [](const auto& each) {
+                             const std::string name = each.param;
+                             return name == "DVD+RW" ? "DVDPlusRW" : name == "BD-RE" ? "BDRE" : "DVDRAM";
+                         });
 
 class PhysicalTwoLayers : public PhysicalTest, public ::testing::WithParamInterface<const char*> {};
 

@@ -13,23 +13,36 @@ constexpr uint64_t stepBlocks = 512;
 constexpr uint64_t quickBlocks = 64; // descriptors of a file system, and room around them
 constexpr int flushAfter = 1;
 
-// Such media are blank when nothing is found where readers look.
+// A medium without a format has no blocks that could hold anything.
+bool isFormatted(burn_drive* drive) {
+    int status = 0, formats = 0;
+    off_t size = 0;
+    unsigned more = 0;
+    return burn_disc_get_formats(drive, &status, &size, &more, &formats) <= 0 ||
+           status != BURN_FORMAT_IS_UNFORMATTED;
+}
+
+// Such media are blank when nothing is found where readers look. Deliberate: a complete erase takes every block, also of
+// a medium that looks blank: behind its start may lie all that was on it, and no file system tells how far.
 void overwriteWithZeros(burn_drive* drive, const MediumInfo& medium, EraseType type,
                         const EraseProgress& progress) {
-    const uint64_t total = type == EraseType::Quick ? quickBlocks : std::max(medium.blocksUsed, quickBlocks);
+    const uint64_t total = type == EraseType::Quick ? quickBlocks : medium.capacityBlocks;
     std::vector<char> zeros(stepBlocks * blockSize);
-    // From the end: cut off in the middle, the disc is not taken for a blank one.
-    for (uint64_t left = total; left > 0;) {
-        if (!progress(static_cast<double>(total - left) / static_cast<double>(total)))
+    uint64_t done = 0;
+    const auto overwrite = [&](uint64_t from, int flush) {
+        if (!progress(static_cast<double>(done) / static_cast<double>(total)))
             fail(ErrorCode::UserCanceled, "The erasing was canceled.");
-        const uint64_t from = (left - 1) / stepBlocks * stepBlocks;
-        const auto bytes = static_cast<off_t>((left - from + 31) / 32 * 32 * blockSize);
+        const uint64_t count = std::min(stepBlocks, total - from);
         dropLibraryMessages();
-        if (burn_random_access_write(drive, static_cast<off_t>(from * blockSize), zeros.data(), bytes,
-                                     flushAfter) <= 0)
+        if (burn_random_access_write(drive, static_cast<off_t>(from * blockSize), zeros.data(),
+                                     static_cast<off_t>(count * blockSize), flush) <= 0)
             throw Failure(libraryError(ErrorCode::MediaWriteFailure, "The disc can't be erased."));
-        left = from;
-    }
+        done += count;
+    };
+    // The start last: cut off in the middle, the disc is not taken for a blank one.
+    for (uint64_t from = stepBlocks; from < total; from += stepBlocks)
+        overwrite(from, 0);
+    overwrite(0, flushAfter);
 }
 
 } // namespace
@@ -39,7 +52,8 @@ void eraseMedium(burn_drive* drive, const MediumInfo& medium, EraseType type, co
         fail(ErrorCode::MediaNotErasable, "The " + std::string(factsOf(medium.kind).name) +
                                               " in the drive can't be erased; put in another disc.");
     if (takesBlocksInAnyOrder(drive)) {
-        if (!medium.blank) overwriteWithZeros(drive, medium, type, progress);
+        const bool isDone = type == EraseType::Quick ? medium.blank : !isFormatted(drive);
+        if (!isDone) overwriteWithZeros(drive, medium, type, progress);
         return;
     }
     // The drive does it alone and can't be stopped.
