@@ -21,7 +21,7 @@ std::shared_ptr<DataImage> DataImage::plan(const DataTrack& track, const Signal&
     const uint8_t filesystems = writtenFilesystems(track);
     const std::shared_ptr<DataImage> result(new DataImage);
     plan::Tree tree;
-    if (place.previous) plan::addEarlierSession(tree, place);
+    if (place.previous) plan::addEarlierSession(tree, place, track.isoLevel);
     plan::addTrack(tree, track, filesystems, result->sources_, signal);
     signal.check();
     result->volumes_ = std::make_unique<plan::Volumes>(tree, track, filesystems, place);

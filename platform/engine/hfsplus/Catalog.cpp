@@ -74,6 +74,8 @@ void Catalog::findLinks() {
         uint32_t& first = entryOf_[tree_.entries[entry].node];
         if (first == none)
             first = entry;
+        else if (tree_.nodes[tree_.entries[entry].node].kind == NodeKind::Folder)
+            fail(ErrorCode::Internal, "A folder has only one name.", tree_.entries[entry].name);
         else
             linkedNode_.push_back(tree_.entries[entry].node);
     }

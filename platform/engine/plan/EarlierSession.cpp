@@ -35,8 +35,12 @@ std::vector<uint32_t> firstBlocks(const iso::Tree& tree) {
 
 class Earlier {
   public:
-    Earlier(Tree& tree, const iso::ReadVolume& volume)
+    Earlier(Tree& tree, const iso::ReadVolume& volume, uint8_t isoLevel)
         : tree_(tree), volume_(volume), blocks_(firstBlocks(volume.tree)) {
+        std::unique_ptr<const NameForm> form;
+        if (!volume.rockRidge && volume.joliet) form = std::make_unique<JolietForm>();
+        if (!volume.rockRidge && !volume.joliet) form = std::make_unique<IsoForm>(isoLevel);
+        tree.setOld(filesystem::iso9660 | (volume.joliet ? filesystem::joliet : 0), std::move(form));
         if (volume.joliet) jolietBlocks_ = firstBlocks(*volume.joliet);
         isoNodes_.assign(volume.tree.nodes.size(), none);
     }
@@ -59,7 +63,7 @@ class Earlier {
     struct Item {
         uint32_t node = none, firstBlock = none;
         std::string name;
-        bool isFolder = false;
+        bool isFolder = false, isHidden = false;
         uint32_t partner = none; ///< of the other tree's items
     };
 
@@ -73,7 +77,7 @@ class Earlier {
             items.push_back({entry.node, blocks[entry.node],
                              hasRockRidge ? std::string(tree.rockRidgeOf(entry))
                                           : plainName(tree.nameOf(entry), isFolder),
-                             isFolder, none});
+                             isFolder, entry.hidden, none});
         }
         return items;
     }
@@ -116,9 +120,11 @@ class Earlier {
         for (const Item& item : items) {
             const iso::Node& from = volume_.tree.nodes[item.node];
             const uint32_t node = nodeOf(volume_.tree, item.node, isoNodes_);
+            tree_.nodes[node].invisible |= item.isHidden;
             const bool isLink = from.kind == iso::NodeKind::SymbolicLink;
             const bool isInJoliet = !volume_.joliet || item.partner != none || isLink;
             ItemNames names{item.name};
+            bool isJolietsMade = false;
             if (volume_.joliet && item.partner != none) {
                 const std::string& other = others[item.partner].name;
                 // ISO 9660's own names are worse than Joliet's.
@@ -126,8 +132,10 @@ class Earlier {
                     names.name = other;
                 else if (other != item.name)
                     names.own[1] = other;
+                isJolietsMade = volume_.rockRidge && canBecome(item.name, item.isFolder, other, JolietForm());
             }
-            tree_.addOldEntry(folder.node, node, names, isInJoliet ? filesystem::all : exceptJoliet);
+            tree_.addOldEntry(folder.node, node, names, isInJoliet ? filesystem::all : exceptJoliet,
+                              isJolietsMade);
             if (item.isFolder)
                 pending_.push_back(
                     {node, item.node, item.partner == none ? none : others[item.partner].node});
@@ -135,7 +143,10 @@ class Earlier {
         for (const Item& item : others) {
             if (item.partner != none) continue;
             const uint32_t node = nodeOf(*volume_.joliet, item.node, jolietNodes_);
-            tree_.addOldEntry(folder.node, node, {item.name}, filesystem::joliet);
+            tree_.nodes[node].invisible |= item.isHidden;
+            ItemNames names{item.name};
+            names.own[1] = item.name;
+            tree_.addOldEntry(folder.node, node, names, filesystem::joliet);
             if (item.isFolder) pending_.push_back({node, none, item.node});
         }
     }
@@ -193,11 +204,11 @@ class Earlier {
 
 } // namespace
 
-void addEarlierSession(Tree& tree, const ImagePlace& place) {
+void addEarlierSession(Tree& tree, const ImagePlace& place, uint8_t isoLevel) {
     std::string reason = "there is none of ISO 9660";
     try {
         const auto volume = iso::readVolume(place.previous, static_cast<uint32_t>(place.previousStart));
-        if (volume) return Earlier(tree, *volume).add();
+        if (volume) return Earlier(tree, *volume, isoLevel).add();
     } catch (const Failure& problem) {
         if (problem.error().code != ErrorCode::MediaInvalid) throw;
         reason = problem.error().message + " (" + problem.error().info + ')';

@@ -54,6 +54,7 @@ void FolderWalker::describe(Node& node, const struct stat& status) {
     node.modified = status.st_mtime;
     node.accessed = status.st_atime;
     node.changed = status.st_ctime;
+    node.invisible = false; // what an old folder was
 }
 
 void FolderWalker::addRoot(const std::string& path, uint8_t filesystems) {

@@ -156,6 +156,17 @@ bool HfsPlusForm::fits(std::string_view legal, bool) const {
     return hfsplus::storedName(legal).size() < hfsplus::nameLimit;
 }
 
+bool canBecome(std::string_view name, bool isFolder, std::string_view stored, const NameForm& form) {
+    const std::string legal = form.legal(name, isFolder);
+    if (legal == stored) return true;
+    const std::string_view stem = stored.substr(0, extensionOf(stored, isFolder));
+    const size_t bar = stem.rfind('_');
+    if (bar == std::string_view::npos || stem.size() - bar < 4) return false;
+    const std::string_view suffix = stem.substr(bar);
+    return suffix.find_first_not_of("0123456789", 1) == suffix.npos &&
+           withSuffix(legal, isFolder, suffix, form) == stored;
+}
+
 std::vector<std::string> distinctNames(const std::vector<GivenName>& given, const NameForm& form) {
     std::vector<std::string> result(given.size());
     std::vector<uint32_t> others;

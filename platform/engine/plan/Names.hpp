@@ -55,6 +55,9 @@ class HfsPlusForm final : public NameForm {
     bool fits(std::string_view legal, bool isFolder) const override;
 };
 
+/// Whether that may be what became of a name there, with a number or without.
+bool canBecome(std::string_view name, bool isFolder, std::string_view stored, const NameForm& form);
+
 struct GivenName {
     std::string_view name;
     bool isFolder = false;

@@ -53,36 +53,79 @@ uint32_t Tree::append(uint32_t folder, uint32_t node, const ItemNames& names, ui
 }
 
 void Tree::addEntry(uint32_t folder, uint32_t node, const ItemNames& names, uint8_t filesystems) {
+    const bool isFolder = nodes[node].kind == NodeKind::Folder;
+    const auto take = [this](uint32_t old, uint8_t taken) {
+        entries[old].filesystems &= static_cast<uint8_t>(~taken);
+    };
     for (uint8_t bit = 1; !old_.empty() && bit <= filesystem::all; bit = static_cast<uint8_t>(bit << 1)) {
         if ((filesystems & bit) == 0) continue;
-        const uint32_t old = findOld(folder, bit, names.in(bit));
-        if (old != none) entries[old].filesystems &= static_cast<uint8_t>(~bit);
+        const uint32_t old = findOld(folder, bit, names, isFolder);
+        if (old == none) continue;
+        take(old, bit);
+        // What an old item was called in the file systems that weren't read is unknown: there ISO 9660's word counts.
+        if (bit == filesystem::iso9660) take(old, static_cast<uint8_t>(filesystems & ~oldRead_));
     }
+    // A folder that is gone on with has one name in each file system: the new one.
+    if (const auto merged = oldFolders_.find(node); merged != oldFolders_.end())
+        take(merged->second, filesystems);
     append(folder, node, names, filesystems);
 }
 
-void Tree::addOldEntry(uint32_t folder, uint32_t node, const ItemNames& names, uint8_t filesystems) {
-    const uint32_t index = append(folder, node, names, filesystems);
-    old_.insert({keyOf(folder, names.name), {folder, index}});
-    for (const std::string_view own : names.own)
-        if (!own.empty()) old_.insert({keyOf(folder, own), {folder, index}});
+void Tree::setOld(uint8_t read, std::unique_ptr<const NameForm> form) {
+    oldRead_ = read;
+    oldForm_ = std::move(form);
 }
 
-uint32_t Tree::findOld(uint32_t folder, uint8_t filesystem, std::string_view name) const {
-    const auto [begin, end] = old_.equal_range(keyOf(folder, name));
-    for (auto at = begin; at != end; ++at) {
-        const Entry& entry = entries[at->second.second];
-        if (at->second.first == folder && (entry.filesystems & filesystem) != 0 &&
-            nameIn(entry, filesystem) == name)
-            return at->second.second;
-    }
-    return none;
+void Tree::addOldEntry(uint32_t folder, uint32_t node, const ItemNames& names, uint8_t filesystems,
+                       bool isJolietsMade) {
+    const uint32_t index = append(folder, node, names, filesystems);
+    const bool isFolder = nodes[node].kind == NodeKind::Folder;
+    entries[index].isJolietsMade = isJolietsMade;
+    if (isFolder) oldFolders_.insert({node, index});
+    const std::string whole = wholeKey(names.name, isFolder);
+    old_.insert({placeOf(folder, whole), {folder, index}});
+    const std::string stored = JolietForm().legal(names.in(filesystem::joliet), isFolder);
+    if (stored != whole) old_.insert({placeOf(folder, stored), {folder, index}});
+}
+
+std::string Tree::wholeKey(std::string_view name, bool isFolder) const {
+    return oldForm_ ? oldForm_->keyOf(oldForm_->legal(name, isFolder)) : std::string(name);
+}
+
+uint32_t Tree::findOld(uint32_t folder, uint8_t filesystem, const ItemNames& names, bool isFolder) const {
+    const std::string_view name = names.in(filesystem);
+    const std::string whole = wholeKey(name, isFolder);
+    const bool isInJoliet = filesystem == filesystem::joliet;
+    const bool isJolietsOwn = isInJoliet && !names.own[1].empty();
+    const std::string stored = isInJoliet ? JolietForm().legal(name, isFolder) : std::string();
+    const auto search = [&](const std::string& key, const auto& isSame) {
+        const auto [begin, end] = old_.equal_range(placeOf(folder, key));
+        for (auto at = begin; at != end; ++at) {
+            const Entry& entry = entries[at->second.second];
+            if (at->second.first == folder && (entry.filesystems & filesystem) != 0 && isSame(entry))
+                return at->second.second;
+        }
+        return none;
+    };
+    const auto isFolderToo = [this](const Entry& entry) {
+        return nodes[entry.node].kind == NodeKind::Folder;
+    };
+    const uint32_t found = search(whole, [&](const Entry& entry) {
+        if (isInJoliet && (isJolietsOwn || (hasOwnName(entry, filesystem) && !entry.isJolietsMade)))
+            return false;
+        return wholeKey(nameOf(entry), isFolderToo(entry)) == whole;
+    });
+    if (found != none || !isInJoliet) return found;
+    return search(stored, [&](const Entry& entry) {
+        if (!isJolietsOwn && (!hasOwnName(entry, filesystem) || entry.isJolietsMade)) return false;
+        return JolietForm().legal(nameIn(entry, filesystem), isFolderToo(entry)) == stored;
+    });
 }
 
 uint32_t Tree::oldFolder(uint32_t folder, const ItemNames& names, uint8_t filesystems) const {
     for (uint8_t bit = 1; !old_.empty() && bit <= filesystem::all; bit = static_cast<uint8_t>(bit << 1)) {
         if ((filesystems & bit) == 0) continue;
-        const uint32_t old = findOld(folder, bit, names.in(bit));
+        const uint32_t old = findOld(folder, bit, names, true);
         if (old != none && nodes[entries[old].node].kind == NodeKind::Folder) return entries[old].node;
     }
     return none;

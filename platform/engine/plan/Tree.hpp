@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Content.hpp"
+#include "Names.hpp"
 #include "iso/Tree.hpp"
 
 #include <array>
@@ -40,8 +41,9 @@ struct Entry {
     uint32_t next = none; ///< in the folder
     uint32_t nameAt = 0;
     uint16_t nameBytes = 0;
-    uint8_t filesystems = 0; ///< that show it
-    uint32_t own = none;     ///< names that it has in single file systems
+    uint8_t filesystems = 0;    ///< that show it
+    bool isJolietsMade = false; ///< of an old one: its name in Joliet is what became of its name
+    uint32_t own = none;        ///< names that it has in single file systems
 };
 
 /// Bytes that are on the disc once.
@@ -67,15 +69,20 @@ struct ItemNames {
 /// costs 48 bytes, an entry 20 and its name.
 ///
 /// An earlier session's entries are old ones: what is added under a name that one has takes its place in that
-/// file system, and a folder goes on with the old folder.
+/// file system, and a folder goes on with the old folder. Names are the same when they were before the file system made
+/// them legal, as far as that is known: Rock Ridge has them whole.
 class Tree {
   public:
     Tree();
 
     uint32_t addNode(const Node& node);
-    /// Puts an item into a folder. Old entries of the same name lose the file systems that it is in.
+    /// Puts an item into a folder. Old entries of the same name lose the file systems that it is in, and so does the
+    /// old entry of a folder that it goes on with.
     void addEntry(uint32_t folder, uint32_t node, const ItemNames& names, uint8_t filesystems);
-    void addOldEntry(uint32_t folder, uint32_t node, const ItemNames& names, uint8_t filesystems);
+    /// How the old session tells names: which file systems were read, and what became of names there when they aren't whole.
+    void setOld(uint8_t read, std::unique_ptr<const NameForm> form);
+    void addOldEntry(uint32_t folder, uint32_t node, const ItemNames& names, uint8_t filesystems,
+                     bool isJolietsMade = false);
     /// The old folder that one of that name goes on with; `none` when there is none.
     uint32_t oldFolder(uint32_t folder, const ItemNames& names, uint8_t filesystems) const;
     void setTarget(Node& link, std::string_view target);
@@ -86,6 +93,9 @@ class Tree {
     /// Whether it has a name of its own there.
     bool hasOwnName(const Entry& entry, uint8_t filesystem) const;
     std::string_view nameIn(const Entry& entry, uint8_t filesystem) const;
+    bool isOld(const Extent& extent) const {
+        return static_cast<size_t>(&extent - extents.data()) < oldExtents;
+    }
     std::string_view targetOf(const Node& link) const {
         return std::string_view(text_).substr(link.first, link.last);
     }
@@ -116,14 +126,18 @@ class Tree {
     uint32_t keep(std::string_view text);
     uint32_t append(uint32_t folder, uint32_t node, const ItemNames& names, uint8_t filesystems);
     /// The old entry of that name; `none` when there is none.
-    uint32_t findOld(uint32_t folder, uint8_t filesystem, std::string_view name) const;
-    static size_t keyOf(uint32_t folder, std::string_view name) noexcept {
-        return std::hash<std::string_view>()(name) ^ size_t { folder } * 0x9E3779B1u;
+    uint32_t findOld(uint32_t folder, uint8_t filesystem, const ItemNames& names, bool isFolder) const;
+    std::string wholeKey(std::string_view name, bool isFolder) const;
+    static size_t placeOf(uint32_t folder, std::string_view key) noexcept {
+        return std::hash<std::string_view>()(key) ^ size_t { folder } * 0x9E3779B1u;
     }
 
     std::string text_;
     std::vector<std::array<OwnName, 4>> own_;
-    std::unordered_multimap<size_t, std::pair<uint32_t, uint32_t>> old_; ///< by keyOf(): folder and entry
+    std::unordered_multimap<size_t, std::pair<uint32_t, uint32_t>> old_; ///< by placeOf(): folder and entry
+    std::unordered_map<uint32_t, uint32_t> oldFolders_;                  ///< nodes' only entries
+    std::unique_ptr<const NameForm> oldForm_;
+    uint8_t oldRead_ = filesystem::all;
 };
 
 } // namespace engine::plan

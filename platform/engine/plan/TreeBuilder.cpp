@@ -203,6 +203,7 @@ class TreeBuilder {
         node.mode = mode;
         node.owner = node.group = 0;
         node.modified = node.accessed = node.changed = now_;
+        node.invisible = false; // what an old folder was
         return node;
     }
 

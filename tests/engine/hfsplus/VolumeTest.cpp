@@ -169,4 +169,15 @@ TEST(HfsVolume, TwoNamesThatAreOneAreRefused) {
     }
 }
 
+TEST(HfsVolume, AFolderOfTwoNamesIsRefused) {
+    Image image;
+    image.link(0, "another name", image.folder(0, "folder"));
+    try {
+        hfsplus::Volume volume(image.tree(), settings());
+        FAIL() << "it was taken";
+    } catch (const engine::Failure& failure) {
+        EXPECT_EQ(failure.error().code, engine::ErrorCode::Internal);
+    }
+}
+
 } // namespace

@@ -14,6 +14,14 @@ class PlanSessions : public test::Discs {
         options.appendable = true;
         return options;
     }
+    static Layout plain(const std::string& bytes, uint8_t filesystems) {
+        std::vector<Content> children;
+        children.push_back(Content::folder("Folder:", {Content::file("in " + bytes, bytes)}));
+        children.push_back(Content::file("readme.txt", bytes));
+        Layout what = discOf(Content::folder("Disc", std::move(children)), filesystems);
+        std::get<DataTrack>(what.sessions[0].tracks[0].content).rockRidge = false;
+        return what;
+    }
     static Content first() {
         std::vector<Content> inner;
         inner.push_back(named(Content::file("deep.txt", "deep"), "Deeper.txt"));
@@ -105,6 +113,103 @@ TEST_F(PlanSessions, UDFIsRefusedWhereAnEarlierFileLiesInItsPlace) {
         burn(drive, discOf(Content::folder("Disc", {Content::file("later", "l")}), both), open()),
         FilesystemsNotSupported,
         "The file \"early\" of an earlier session lies where UDF has its own blocks; leave out UDF.");
+}
+
+// Joliet can't hold these names as they are; each is the same item again all the same.
+TEST_F(PlanSessions, NamesThatJolietMadeLegalAreTheSameAgain) {
+    const std::string large(80, 'n');
+    const auto added = [&](const std::string& bytes) {
+        std::vector<Content> children;
+        children.push_back(Content::folder("Meeting 12:30", {Content::file("in " + bytes, bytes)}));
+        children.push_back(Content::folder(large, {Content::file("in " + bytes, bytes)}));
+        children.push_back(Content::file("ab:c", bytes));
+        children.push_back(Content::file("ab?c", bytes + '?')); // ab_c_001 in Joliet
+        children.push_back(named(Content::file("own", bytes + " own"), "12:45"));
+        return discOf(Content::folder("Disc", std::move(children)), isoAndJoliet);
+    };
+    const auto drive = makeDrive(MediumKind::DVDPlusRW);
+    EXPECT_DONE(burn(drive, added("1"), open()));
+    EXPECT_DONE(burn(drive, added("2"), open()));
+    extractAll(image(), isoAndJoliet, "Disc");
+    EXPECT_EQ(shown("rr"), "Meeting 12:30/ Meeting 12:30/in 1=1 Meeting 12:30/in 2=2 ab:c=2 ab?c=2? " +
+                               large + "/ " + large + "/in 1=1 " + large + "/in 2=2 own=2 own ");
+    const std::string cut(64, 'n');
+    EXPECT_EQ(shown("joliet"), "12_45=2 own Meeting 12_30/ Meeting 12_30/in 1=1 Meeting 12_30/in 2=2 ab_c=2 "
+                               "ab_c_001=2? " +
+                                   cut + "/ " + cut + "/in 1=1 " + cut + "/in 2=2 ");
+}
+
+// Deliberate: Rock Ridge tells whether it is the same item. Another one gets a name beside the old one's.
+TEST_F(PlanSessions, AnotherNameThatJolietMakesTheSameIsAnotherItem) {
+    const auto drive = makeDrive(MediumKind::DVDPlusRW);
+    EXPECT_DONE(
+        burn(drive, discOf(Content::folder("Disc", {Content::file("ab:c", "1")}), isoAndJoliet), open()));
+    EXPECT_DONE(
+        burn(drive, discOf(Content::folder("Disc", {Content::file("ab?c", "2")}), isoAndJoliet), open()));
+    extractAll(image(), isoAndJoliet, "Disc");
+    EXPECT_EQ(shown("rr"), "ab:c=1 ab?c=2 ");
+    EXPECT_EQ(shown("joliet"), "ab_c=1 ab_c_001=2 ");
+}
+
+TEST_F(PlanSessions, WithoutRockRidgeNamesAreTheSameAgain) {
+    const auto drive = makeDrive(MediumKind::DVDPlusRW);
+    EXPECT_DONE(burn(drive, plain("1", filesystem::iso9660), open()));
+    EXPECT_DONE(burn(drive, plain("2", filesystem::iso9660), open()));
+    run("7zz x -y -tiso -oplain '" + image().string() + "'");
+    EXPECT_EQ(shown("plain"), "FOLDER_/ FOLDER_/IN_1=1 FOLDER_/IN_2=2 README.TXT=2 ");
+}
+
+TEST_F(PlanSessions, WithoutRockRidgeNamesInJolietAreTheSameAgain) {
+    const auto drive = makeDrive(MediumKind::DVDPlusRW);
+    EXPECT_DONE(burn(drive, plain("1", isoAndJoliet), open()));
+    EXPECT_DONE(burn(drive, plain("2", isoAndJoliet), open()));
+    run("7zz x -y -tiso -oplain '" + image().string() + "'");
+    EXPECT_EQ(shown("plain"), "Folder_/ Folder_/in 1=1 Folder_/in 2=2 readme.txt=2 ");
+    EXPECT_EQ(run("isoinfo -f -i '" + image().string() + "' | sort"),
+              "/FOLDER_\n/FOLDER_/IN_1.;1\n/FOLDER_/IN_2.;1\n/README.TXT;1\n");
+}
+
+// The old names in HFS+ aren't read; what ISO 9660 shows anew is new there, too.
+TEST_F(PlanSessions, WhatHasANameOfItsOwnInHFSPlusIsTheSameAgain) {
+    const uint8_t both = filesystem::iso9660 | filesystem::hfsPlus;
+    const auto added = [&](const std::string& bytes) {
+        std::vector<Content> children;
+        children.push_back(
+            named(Content::folder("folder", {Content::file("in " + bytes, bytes)}), {}, {}, "HFS folder"));
+        children.push_back(named(Content::file("file", bytes), {}, {}, "HFS file"));
+        return discOf(Content::folder("Disc", std::move(children)), both);
+    };
+    const auto drive = makeDrive(MediumKind::BDRE);
+    EXPECT_DONE(burn(drive, added("1"), open()));
+    EXPECT_DONE(burn(drive, added("2"), open()));
+    extractAll(image(), both, "Disc");
+    EXPECT_EQ(shown("rr"), "file=2 folder/ folder/in 1=1 folder/in 2=2 ");
+    EXPECT_EQ(shown("hfsplus"), "HFS file=2 HFS folder/ HFS folder/in 1=1 HFS folder/in 2=2 ");
+}
+
+TEST_F(PlanSessions, WhatIsInvisibleStaysSoUntilItIsAddedAgain) {
+    const auto drive = makeDrive(MediumKind::DVDPlusRW);
+    std::vector<Content> children;
+    for (const char* name : {"hidden", "shown again"}) {
+        children.push_back(Content::folder(name, {Content::file("x", "x")}));
+        children.back().attributes.invisible = true;
+    }
+    EXPECT_DONE(burn(drive, discOf(Content::folder("Disc", std::move(children)), isoAndJoliet), open()));
+    EXPECT_DONE(
+        burn(drive, discOf(Content::folder("Disc", {Content::folder("shown again")}), isoAndJoliet), open()));
+    // The newest session's records are the last ones; their flags stand eight bytes in front of the name.
+    const std::string disc = bytesOf(image());
+    for (const auto& [name, hidden] : {std::pair{"HIDDEN", 1}, {"SHOWN_AGAIN", 0}}) {
+        const size_t at = disc.rfind(name);
+        ASSERT_NE(at, std::string::npos);
+        EXPECT_EQ(disc[at - 8] & 3, 2 | hidden) << name;
+        std::string wide;
+        for (const char* letter = name; *letter != '\0'; ++letter)
+            wide += {'\0', *letter == '_' ? ' ' : static_cast<char>(*letter - 'A' + 'a')};
+        const size_t joliet = disc.rfind(wide);
+        ASSERT_NE(joliet, std::string::npos);
+        EXPECT_EQ(disc[joliet - 8] & 3, 2 | hidden) << name;
+    }
 }
 
 } // namespace
