@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <chrono>
 #include <set>
 
 namespace {
@@ -114,22 +113,6 @@ TEST(NameRules, ManySiblingsThatCollideOnlyWhenCut) {
         all.push_back({name, false});
     }
     expectDistinct(ISOLevelOne, all);
-}
-
-// Four times as many take about four times as long; a square would be sixteen. The best of three runs counts.
-TEST(NameRules, TimeGrowsWithTheNumberOfSiblings) {
-    const auto seconds = [](size_t count) {
-        double best = 1e9;
-        for (int run = 0; run < 3; ++run) {
-            const auto began = std::chrono::steady_clock::now();
-            EXPECT_EQ(mangledNames(ISOLevelOne, siblings(count, u"COLLIDES.TXT")).size(), count);
-            best = std::min(best,
-                            std::chrono::duration<double>(std::chrono::steady_clock::now() - began).count());
-        }
-        return best;
-    };
-    const double few = seconds(5000), many = seconds(20000);
-    EXPECT_LT(many, few * 10) << few << " and " << many;
 }
 
 } // namespace
