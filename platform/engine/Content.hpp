@@ -85,8 +85,8 @@ struct MacAttributes {
     std::optional<std::array<int16_t, 2>> iconLocation, scrollPosition;
 };
 
-/// Values that override what the source says; a virtual item without them is mode 0444 (folders 0555) or what
-/// the process would give a new one, the owner is root, the times are the start of the burn.
+/// Values that override what the source says; a virtual item without them has mode 0644 (folders 0755,
+/// symbolic links 0777), the owner is root, the times are the track's default date or when the image is planned.
 struct Attributes {
     std::optional<uint32_t> mode; ///< permission bits, 07777
     std::optional<uint32_t> owner;

@@ -26,8 +26,7 @@ std::shared_ptr<DataImage> DataImage::plan(const DataTrack& track, const Signal&
     signal.check();
     result->volumes_ = std::make_unique<plan::Volumes>(tree, track, filesystems, place);
     if (place.wantsStart) result->start_ = result->volumes_->mediumStart();
-    std::erase_if(result->sources_.files, [](const SourceFile& file) { return file.fingerprint.size == 0; });
-    result->sources_.files.shrink_to_fit();
+    result->sources_.setEmptyAside();
     return result;
 }
 

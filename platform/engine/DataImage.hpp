@@ -52,8 +52,11 @@ class DataImage {
     /// What the first 32 blocks of the medium shall be, when the place wants them.
     const std::vector<std::byte>& start() const noexcept { return start_; }
 
-    /// At the end: that the folders are still as they were read. Throws FileModifiedDuringBurn.
-    void checkSources() const { reader_.checkFolders(); }
+    /// At the end: that the folders and the empty files are still as they were read. Throws FileModifiedDuringBurn.
+    void checkSources() const {
+        reader_.checkEmptyFiles();
+        reader_.checkFolders();
+    }
 
   private:
     DataImage();

@@ -32,6 +32,14 @@ std::string SourceList::pathOf(const SourceFile& file) const {
     return file.folder == noFolder ? name : folders[file.folder].path + '/' + name;
 }
 
+void SourceList::setEmptyAside() {
+    for (const SourceFile& file : files)
+        if (file.fingerprint.size == 0 && file.data == nullptr && file.producer == nullptr)
+            emptyFiles.push_back(file);
+    std::erase_if(files, [](const SourceFile& file) { return file.fingerprint.size == 0; });
+    files.shrink_to_fit();
+}
+
 size_t SourceReader::read(std::span<std::byte> buffer) {
     size_t filled = 0;
     while (filled < buffer.size() && next_ < list_.files.size()) {
@@ -124,6 +132,11 @@ void SourceReader::end(const SourceFile& file) {
     if (::fstat(file_.get(), &status) != 0)
         fail(ErrorCode::DataProduction, "The file " + inQuotes(list_.pathOf(file)) + " can't be examined.",
              systemText(errno));
+    expectUnchanged(file, status);
+    file_.reset();
+}
+
+void SourceReader::expectUnchanged(const SourceFile& file, const struct stat& status) const {
     const Fingerprint now = Fingerprint::of(status);
     if (now.size > file.fingerprint.size) modified(file, "got longer");
     if (now.size < file.fingerprint.size) modified(file, "got shorter");
@@ -132,7 +145,14 @@ void SourceReader::end(const SourceFile& file) {
     // The time of the attributes also moves when only a name or a link count changes: that is no change of
     // contents.
     if (now.modified != file.fingerprint.modified) modified(file, "changed");
-    file_.reset();
+}
+
+void SourceReader::checkEmptyFiles() const {
+    for (const SourceFile& file : list_.emptyFiles) {
+        struct stat status {};
+        if (::lstat(list_.pathOf(file).c_str(), &status) != 0) modified(file, "went away");
+        expectUnchanged(file, status);
+    }
 }
 
 void SourceReader::checkFolders() const {

@@ -47,10 +47,14 @@ struct SourceList {
 
     std::vector<SourceFolder> folders;
     std::vector<SourceFile> files;
+    std::vector<SourceFile>
+        emptyFiles; ///< of those on disk the ones that have nothing to read, once set aside
     std::string names;
     std::vector<std::shared_ptr<void>> prepared; ///< producers that are cleaned up when this goes
 
     std::string pathOf(const SourceFile& file) const;
+    /// Leaves only what has bytes in `files`.
+    void setEmptyAside();
 };
 
 /// Gives the contents of all files, each padded with zeros to whole blocks, in order and once. Throws
@@ -63,6 +67,8 @@ class SourceReader {
     /// end.
     size_t read(std::span<std::byte> buffer);
 
+    /// That no file got its first bytes since it was planned: nobody opens such a file in between.
+    void checkEmptyFiles() const;
     /// That no folder has got or lost a name since it was read.
     void checkFolders() const;
 
@@ -70,6 +76,7 @@ class SourceReader {
     void begin(const SourceFile& file);
     size_t readSome(const SourceFile& file, std::span<std::byte> buffer);
     void end(const SourceFile& file);
+    void expectUnchanged(const SourceFile& file, const struct stat& status) const;
     [[noreturn]] void modified(const SourceFile& file, const char* how) const;
 
     const SourceList& list_;

@@ -50,6 +50,14 @@ TEST_F(FaultTest, aFileThatGetsLonger) {
     stillBlank();
 }
 
+TEST_F(FaultTest, anEmptyFileThatIsFilled) {
+    write("a.bin", "a");
+    const auto path = write("folder/empty", "");
+    EXPECT_FAILED(burnWith([&] { std::ofstream(path) << 'x'; }, makeDrive()), FileModifiedDuringBurn,
+                  changed(path, "got longer"));
+    stillBlank();
+}
+
 TEST_F(FaultTest, aFileThatVanishes) {
     write("a.bin", "a");
     const auto path = write("folder/b.bin", "b");

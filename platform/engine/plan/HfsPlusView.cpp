@@ -93,8 +93,12 @@ void addNode(hfsplus::Tree& made, const Tree& tree, uint32_t index) {
     made.nodes.push_back(node);
 }
 
-void check(const Extent& extent, std::string_view name, uint32_t volumeStart) {
-    if (extent.firstBlock == 0 || extent.firstBlock > volumeStart) return;
+void check(const Tree& tree, const Extent& extent, std::string_view name, uint32_t volumeStart) {
+    if (!tree.isOld(extent)) return;
+    bool isBehind = extent.firstBlock > volumeStart;
+    for (uint32_t i = 0; i < extent.pieceCount; ++i)
+        isBehind = isBehind && tree.pieces[extent.pieces + i].firstBlock > volumeStart;
+    if (isBehind) return;
     fail(ErrorCode::FilesystemsNotSupported,
          "The file " + inQuotes(name) +
              " of an earlier session lies in front of the HFS+ volume, which can't show it; leave out HFS+.");
@@ -113,7 +117,7 @@ View<hfsplus::Tree> hfsPlusView(const Tree& tree, uint32_t volumeStart) {
                 const Node& node = tree.nodes[entry->node];
                 const std::string_view name = tree.nameIn(*entry, filesystem::hfsPlus);
                 if (node.kind == NodeKind::File && tree.extentOf(node))
-                    check(*tree.extentOf(node), name, volumeStart);
+                    check(tree, *tree.extentOf(node), name, volumeStart);
                 given.push_back({name, node.kind == NodeKind::Folder});
             }
             std::vector<std::string> names = distinctNames(given, HfsPlusForm());

@@ -9,9 +9,13 @@
 namespace engine::plan {
 namespace {
 
-// A file of an earlier session lies where UDF's partition is, and in one piece.
+// A file of an earlier session lies where UDF's partition is, in one piece, and is no larger than a new one can be.
 void check(const Tree& tree, const Extent& extent, std::string_view name) {
-    if (extent.firstBlock == 0) return;
+    if (!tree.isOld(extent)) return;
+    if (extent.bytes > udf::largestFile)
+        fail(ErrorCode::FilesystemsNotSupported,
+             "The file " + inQuotes(name) +
+                 " of an earlier session is larger than UDF can describe; leave out UDF.");
     if (extent.firstBlock < udf::partitionStart)
         fail(ErrorCode::FilesystemsNotSupported,
              "The file " + inQuotes(name) +

@@ -11,6 +11,7 @@ namespace {
 constexpr size_t identifierBytes = 38; // of a file identifier without its name (ECMA-167 4/14.4)
 constexpr size_t fileEntryBytes = 176; // of a file entry without allocations (ECMA-167 4/14.9)
 constexpr uint32_t mostExtentBytes = (1u << 30) - blockBytes;
+static_assert(largestFile == (blockBytes - fileEntryBytes) / 8 * uint64_t{mostExtentBytes});
 constexpr uint8_t isHidden = 1, isFolder = 2, isParent = 8;
 
 constexpr uint32_t blocksOf(uint64_t bytes) {

@@ -25,7 +25,7 @@ struct Node {
 
 /// A name in a folder. Two entries may lead to one file: a hard link.
 struct Entry {
-    std::string name; ///< UTF-8; see storedName() for what can't be kept
+    std::string name; ///< UTF-8; see compressed() for what is kept of it
     uint32_t node = 0;
     bool hidden = false; ///< from who lists the folder
 };

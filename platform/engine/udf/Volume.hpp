@@ -31,6 +31,8 @@ inline constexpr uint32_t firstVolumeBlock = 32;
 inline constexpr uint32_t lastVolumeBlock = 65;
 inline constexpr uint32_t anchorBlock = 256;
 inline constexpr uint32_t partitionStart = 257;
+/// As many extents as stand in a file's own block.
+inline constexpr uint64_t largestFile = 234 * ((uint64_t{1} << 30) - 2048);
 
 /// The three blocks that tell that there is a UDF volume.
 inline constexpr uint32_t recognitionBlocks = 3;
