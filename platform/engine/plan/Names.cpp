@@ -6,7 +6,6 @@
 #include "udf/Text.hpp"
 
 #include <algorithm>
-#include <cstdio>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -80,8 +79,10 @@ class Numbers {
             const uint32_t end = digits >= 9 ? UINT32_MAX : powerOfTen(digits);
             if (number == 0) number = digits == 3 ? 1 : powerOfTen(digits - 1);
             while (number < end) {
-                char suffix[16];
-                std::snprintf(suffix, sizeof suffix, "_%0*u", digits, number++);
+                std::string suffix = std::to_string(number++);
+                const size_t missing =
+                    static_cast<size_t>(digits) - std::min(suffix.size(), static_cast<size_t>(digits));
+                suffix.insert(0, "_" + std::string(missing, '0'));
                 std::string tried = withSuffix(name, isFolder, suffix, form_);
                 if (take(tried)) return tried;
             }
