@@ -60,7 +60,7 @@ Result<size_t> VirtualReader::read(const TrackInfo& track, int64_t block, std::s
 
 size_t VirtualReader::readPlain(const TrackInfo& track, uint64_t block, std::span<std::byte> buffer) {
     const size_t count = file(track.file).read(track.fileOffset + block * blockSize, buffer);
-    return count - count % blockSize;
+    return count - count % static_cast<size_t>(blockSize);
 }
 
 size_t VirtualReader::readSectors(const TrackInfo& track, int64_t block, std::span<std::byte> buffer) {

@@ -12,7 +12,8 @@ class PlanForMacintosh : public test::Discs {
     // Where the volume's first header is, in blocks.
     static size_t volumeIn(const std::string& disc) {
         size_t block = 0;
-        while (block * blockSize < disc.size() && disc.compare(block * blockSize + 1024, 2, "H+") != 0)
+        constexpr auto size = static_cast<size_t>(blockSize);
+        while (block * size < disc.size() && disc.compare(block * size + 1024, 2, "H+") != 0)
             ++block;
         return block;
     }
@@ -99,7 +100,7 @@ TEST_F(PlanForMacintosh, DatesAndTheFindersValuesAreKept) {
               std::string::npos);
     EXPECT_NE(look("fsstat", "").find("Last Checked"), std::string::npos);
     const uint32_t checked = 978'307'205u + 2'082'844'800u;
-    const size_t at = volumeIn(disc) * blockSize + 1024 + 28;
+    const size_t at = volumeIn(disc) * static_cast<size_t>(blockSize) + 1024 + 28;
     for (size_t i = 0; i < 4; ++i)
         EXPECT_EQ(static_cast<uint8_t>(disc[at + i]), static_cast<uint8_t>(checked >> (24 - 8 * i)));
 }
