@@ -234,5 +234,6 @@ int main(int count, char** arguments) {
     unsetenv("LD_PRELOAD");
     [[NSFileManager defaultManager] removeFileAtPath:place handler:nil];
     [pool release];
+    LOOK_FOR_LEAKS();
     return WIFEXITED(status) ? WEXITSTATUS(status) : 1;
 }

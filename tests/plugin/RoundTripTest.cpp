@@ -39,7 +39,7 @@ TEST_F(RoundTrips, WithBoxesOtherObjectsComeBackAsThemselves) {
     const Ref track = make("DRTrackQRX"), error = make("RuntimeException");
     Trips trips(20260201);
     for (const Ref& boxed : {track, error})
-        trips.more.push_back([&boxed = boxed](std::mt19937&) { return Trips::same(Value(boxed)); });
+        trips.more.push_back([boxed](std::mt19937&) { return Trips::same(Value(boxed)); });
     run(trips);
 }
 
