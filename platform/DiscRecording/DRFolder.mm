@@ -90,6 +90,27 @@ DRFolderNames::OfOneRule namesOfChildren(NSArray* children, int rule) {
     return result;
 }
 
+// A tree may be deeper than the stack: what the end of a folder would end with it waits until the outermost folder that ends
+// on this thread has come to its own children.
+thread_local std::vector<NSMutableArray*>* waitingToEnd = nullptr;
+
+void endChildren(NSMutableArray* children) {
+    if (waitingToEnd != nullptr) {
+        waitingToEnd->push_back(children);
+        return;
+    }
+    std::vector<NSMutableArray*> waiting{children};
+    const struct Outermost {
+        explicit Outermost(std::vector<NSMutableArray*>& list) { waitingToEnd = &list; }
+        ~Outermost() { waitingToEnd = nullptr; }
+    } outermost(waiting);
+    while (!waiting.empty()) {
+        NSMutableArray* last = waiting.back();
+        waiting.pop_back();
+        [last release];
+    }
+}
+
 } // namespace
 
 @implementation DRFolder
@@ -118,7 +139,7 @@ DRFolderNames::OfOneRule namesOfChildren(NSArray* children, int rule) {
     for (DRFSObject* child : discrecording::Elements<DRFSObject*>(_children)) {
         [child setParent:nil];
     }
-    [_children release];
+    endChildren(_children);
     delete _names;
     [super dealloc];
 }

@@ -40,6 +40,14 @@ class FileProducer {
 /// A folder that exists only in this tree, with the children it is given.
 struct VirtualFolder {
     std::vector<Content> children;
+
+    VirtualFolder() noexcept;
+    explicit VirtualFolder(std::vector<Content> members) noexcept;
+    VirtualFolder(const VirtualFolder&);
+    VirtualFolder(VirtualFolder&&) noexcept;
+    VirtualFolder& operator=(const VirtualFolder&);
+    VirtualFolder& operator=(VirtualFolder&&) noexcept;
+    ~VirtualFolder(); ///< however deep the tree is
 };
 
 /// Whatever is at `path` on disk when the image is planned: a file, a symbolic link (stays a link), or a

@@ -151,6 +151,25 @@ static void TestOwnership(void) {
     PASS("all gone", freed == 5);
 }
 
+// From the inside out: the other way each new folder would be asked for all that it lies in.
+static void TestDeepTrees(void) {
+    enum { levels = 100000 };
+    freed = 0;
+    DRFile* file = [[DRFile alloc] initWithName:@"deepest" data:nil];
+    DRFolder* root = [[CountedFolder alloc] initWithName:@"level"];
+    [root addChild:file];
+    for (int level = 1; level < levels; level++) {
+        DRFolder* above = [[CountedFolder alloc] initWithName:@"level"];
+        [above addChild:root];
+        [root release];
+        root = above;
+    }
+    PASS("a deep tree is kept", freed == 0 && [file parent] != nil);
+    [root release];
+    PASS("and goes with its root", freed == levels && [file parent] == nil);
+    [file release];
+}
+
 int main(void) {
     NSAutoreleasePool* pool = [NSAutoreleasePool new];
     TestNames();
@@ -158,6 +177,7 @@ int main(void) {
     TestRealFolders();
     TestMakeVirtual();
     TestOwnership();
+    TestDeepTrees();
     [pool release];
     return Finish();
 }

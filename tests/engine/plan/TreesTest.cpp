@@ -10,6 +10,22 @@ namespace {
 
 class PlanTrees : public test::Discs {};
 
+TEST(PlanContent, ATreeEndsHoweverDeepItIs) {
+    const auto ends = std::make_shared<const engine::FilesystemNames>();
+    Content tree = Content::folder("deepest");
+    tree.names = ends;
+    for (int level = 1; level < 100'000; ++level) {
+        std::vector<Content> children;
+        children.push_back(std::move(tree));
+        children.push_back(Content::file("beside", "bytes"));
+        children.back().names = ends;
+        tree = Content::folder("level", std::move(children));
+    }
+    EXPECT_EQ(ends.use_count(), 100'001);
+    tree = Content::folder("another");
+    EXPECT_EQ(ends.use_count(), 1);
+}
+
 TEST_F(PlanTrees, NamesMayCrossBetweenSiblings) {
     std::vector<Content> inner;
     inner.push_back(Content::file("in a", "a's"));
