@@ -131,6 +131,7 @@ class Fitter {
         const auto chosen = std::find_if(options_.strategies.begin(), options_.strategies.end(), isThere);
         if (chosen != options_.strategies.end()) {
             plan_.strategy = *chosen;
+            if (options_.strategyIsRequired) plan_.requiredStrategies = options_.strategies;
         } else if (options_.strategyIsRequired && !options_.strategies.empty()) {
             fail(ErrorCode::StrategyNotAvailable,
                  where() + " can't be written in the way that was asked for; choose another one, or let the "

@@ -35,6 +35,7 @@ struct BurnPlan {
     bool appendable = false;
     bool isTest = false; ///< only where the drive can
     Strategy strategy = Strategy::CDSessionAtOnce;
+    std::vector<Strategy> requiredStrategies; ///< one of them it must be; empty: any will do
     double speed = maximumSpeed;
     bool underrunProtection = true;
     std::string mediaCatalogNumber;

@@ -111,6 +111,34 @@ TEST_F(PhysicalTest, TrackAtOnceWhenAskedFor) {
     EXPECT_EQ(state()["tracks"][0]["pregap"], 0); // the drive's own; at once it is written from the sheet
 }
 
+// A way that is only preferred gives way to the one that can be gone; one that is required does not.
+TEST_F(PhysicalTest, RequiredStrategyIsObeyedOrRefused) {
+    insert("CD-R");
+    file("letter.txt", "Dear reader,\n");
+    BurnOptions options;
+    options.appendable = options.strategyIsRequired = true;
+    options.strategies = {Strategy::CDSessionAtOnce};
+    EXPECT_DONE(burn(layout(), options));
+    const auto writes = state()["writes"];
+    const BurnStatus refused = burn(layout("MORE"), options); // behind another session it goes track by track
+    ASSERT_TRUE(refused.error.has_value());
+    EXPECT_EQ(refused.error->code, ErrorCode::StrategyNotAvailable);
+    EXPECT_EQ(state()["writes"], writes);
+    options.strategies = {Strategy::CDSessionAtOnce, Strategy::CDTrackAtOnce};
+    EXPECT_DONE(burn(layout("MORE"), options));
+
+    insert("DVD+RW");
+    drive()->closeTray().ok(); // what was seen before is forgotten
+    EXPECT_FALSE(drive()->capabilities().writesDVDAtOnce);
+    options.strategies = {Strategy::DVDAtOnce};
+    const BurnStatus dvd = burn(layout(), options);
+    ASSERT_TRUE(dvd.error.has_value());
+    EXPECT_EQ(dvd.error->code, ErrorCode::StrategyNotAvailable);
+    EXPECT_EQ(state()["writes"], 0);
+    options.strategyIsRequired = false;
+    EXPECT_DONE(burn(layout(), options));
+}
+
 TEST_F(PhysicalTest, SoundWithCodesAndCatalogue) {
     insert("CD-R");
     Layout disc;

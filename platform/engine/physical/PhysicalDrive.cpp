@@ -140,7 +140,7 @@ void PhysicalDrive::learn() {
     capabilities_.writesTrackAtOnce = capabilities_.writesSessionAtOnce = writesCD;
     capabilities_.writesCDText = capabilities_.writesIndexPoints = capabilities_.writesISRC = writesCD;
     capabilities_.choosesPreGap = writesCD;
-    capabilities_.writesDVDAtOnce = writesDVD;
+    capabilities_.writesDVDAtOnce = false; // the library writes DVDs incrementally (WriteJob)
     capabilities_.writesBDAtOnce = capabilities_.canWriteAny(MediumClass::BD);
     capabilities_.writeBufferBytes = static_cast<uint32_t>(info.buffer_size) * 1024;
 }

@@ -71,6 +71,7 @@ class PhysicalTarget final : public BurnTarget {
         atOnce_ = isCD_ && plan.strategy == Strategy::CDSessionAtOnce && isFirst && plan.sessions.size() == 1;
         for (const auto& session : plan.sessions)
             checkForms(session);
+        if (isCD_) checkStrategy(plan);
         if (!atOnce_) checkTrackAtOnce(plan);
     }
 
@@ -186,6 +187,17 @@ class PhysicalTarget final : public BurnTarget {
             (form == BlockForm::Data ? hasData : hasAudio) = true;
         }
         if (hasData && hasAudio) atOnce_ = false;
+    }
+
+    // The drive may know a way that the library can't go with what is to be written, or with what is on the disc.
+    void checkStrategy(const BurnPlan& plan) const {
+        const auto& required = plan.requiredStrategies;
+        const Strategy taken = atOnce_ ? Strategy::CDSessionAtOnce : Strategy::CDTrackAtOnce;
+        if (required.empty() || std::find(required.begin(), required.end(), taken) != required.end()) return;
+        fail(ErrorCode::StrategyNotAvailable, "The " + std::string(factsOf(medium_.kind).name) + " in " +
+                                                  name() +
+                                                  " can't be written in the way that was asked for; choose "
+                                                  "another one, or let the drive choose.");
     }
 
     // What only a session written at once can have.
