@@ -1,6 +1,7 @@
 // Alias records and the resource forks they are in. Sizes and places are those of the classic system's Alias Manager
 // and Resource Manager.
 #include "Alias.hpp"
+#include "Failure.hpp"
 #include "Fields.hpp"
 
 #include <array>
@@ -86,6 +87,12 @@ void putPascal(Fields& fields, size_t size, std::u16string_view text) {
 std::string aliasRecord(const AliasTarget& target) {
     const std::string tags = tagsOf(target);
     std::array<std::byte, 150> head{};
+    // Each tag has a length of 16 bits, too: one that is too long makes the whole too long.
+    if (head.size() + tags.size() > UINT16_MAX)
+        fail(ErrorCode::FileLocationConflict,
+             "A Finder alias can't lead to " + inQuotes(target.path.substr(target.path.rfind('/') + 1)) +
+                 ", which lies too deep in the tree; leave the alias out.",
+             target.path);
     Fields fields(head);
     fields.u32(0).u16(static_cast<uint32_t>(head.size() + tags.size())).u16(2).u16(target.isFolder ? 1 : 0);
     putPascal(fields, 28, target.volumeName);

@@ -28,7 +28,7 @@ struct AliasTarget {
     std::string path; ///< from the volume's root, which is "/", in UTF-8
 };
 
-/// An alias record of version 2.
+/// An alias record of version 2. Throws FileLocationConflict when it would be longer than 65,535 bytes.
 std::string aliasRecord(const AliasTarget& target);
 
 /// A resource fork with one resource: that record, as 'alis' number 0.

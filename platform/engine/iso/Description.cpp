@@ -3,13 +3,13 @@
 #include "Failure.hpp"
 
 #include <algorithm>
-#include <array>
 #include <chrono>
 
 namespace engine::iso {
 namespace {
 
-constexpr int mostContinuations = 64;
+constexpr int mostContinuations = 64;                // of one record
+constexpr uint32_t mostContinuationsInAll = 1 << 22; // of a volume
 
 void readTarget(Bytes components, Description& told) {
     told.hasTarget = true;
@@ -84,9 +84,15 @@ std::time_t dateAt(Bytes bytes, size_t at) {
     return static_cast<std::time_t>(duration_cast<seconds>(time.time_since_epoch()).count());
 }
 
-Description describe(Bytes first, const BlockReader& read) {
+Bytes Continuations::block(uint32_t address) {
+    if (++count_ > mostContinuationsInAll) damaged("too much goes on elsewhere", address);
+    if (address != address_) readBlock(read_, address, last_);
+    address_ = address;
+    return last_;
+}
+
+Description describe(Bytes first, Continuations& continuations) {
     Description told;
-    std::array<std::byte, blockBytes> block;
     Bytes area = first;
     for (int count = 0; count < mostContinuations; ++count) {
         uint32_t next = noBlock, offset = 0, length = 0;
@@ -105,8 +111,7 @@ Description describe(Bytes first, const BlockReader& read) {
         if (next == noBlock) return told;
         if (offset > blockBytes || length > blockBytes - offset)
             damaged("what goes on elsewhere is damaged", next);
-        readBlock(read, next, block);
-        area = Bytes(block).subspan(offset, length);
+        area = continuations.block(next).subspan(offset, length);
     }
     damaged("what goes on elsewhere has no end", 0);
 }

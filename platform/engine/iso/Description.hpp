@@ -4,6 +4,7 @@
 #include "Fields.hpp"
 #include "Reader.hpp"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -42,7 +43,21 @@ struct Description {
     bool hasTarget = false;
 };
 
+/// Reads what goes on elsewhere. Neighbours' continuation areas mostly stand in one block, so the last one is kept. A volume
+/// has no more of them than can be followed in good time.
+class Continuations {
+  public:
+    explicit Continuations(const BlockReader& read) : read_(read) {}
+    /// Throws MediaInvalid when the block can't be read, and after too many calls.
+    Bytes block(uint32_t address);
+
+  private:
+    const BlockReader& read_;
+    std::array<std::byte, blockBytes> last_{};
+    uint32_t address_ = noBlock, count_ = 0;
+};
+
 /// Follows continuation areas. Throws MediaInvalid for such that can't be read or have no end.
-Description describe(Bytes systemUse, const BlockReader& read);
+Description describe(Bytes systemUse, Continuations& continuations);
 
 } // namespace engine::iso

@@ -16,10 +16,11 @@ namespace {
 
 constexpr uint32_t mostFolderBytes = 256 << 20;
 constexpr uint32_t mostFolderBlocks = 1 << 20; // of all folders
+constexpr size_t mostTextBytes = 512 << 20;    // of all names and targets
 
 class TreeReader {
   public:
-    TreeReader(const BlockReader& read, Form form) : read_(read), form_(form) {}
+    TreeReader(const BlockReader& read, Form form) : read_(read), form_(form), continuations_(read) {}
 
     Tree readFrom(uint32_t block, uint32_t bytes, std::time_t modified) {
         Node root;
@@ -79,7 +80,7 @@ class TreeReader {
         if (isSelf && folder.node == 0 && form_ == Form::Iso) findRockRidge(use);
         if (isParent || (isSelf && folder.node != 0)) return;
         Description told;
-        if (rockRidge_) told = describe(use.subspan(std::min<size_t>(skipped_, use.size())), read_);
+        if (rockRidge_) told = describe(use.subspan(std::min<size_t>(skipped_, use.size())), continuations_);
         if (isSelf) {
             if (told.node) tree_.nodes[0] = *told.node;
             return;
@@ -119,6 +120,7 @@ class TreeReader {
         const std::string wide = form_ == Form::Joliet ? utf8Of(name) : std::string();
         if (form_ == Form::Joliet) name = wide;
         if (rockRidge_ && told.name.empty()) told.name = name;
+        if (tree_.text.size() > mostTextBytes) damaged("names are too long", folder.block);
         tree_.entries.push_back(tree_.makeEntry(index, name, told.name, (flags & hiddenFlag) != 0));
     }
 
@@ -137,7 +139,7 @@ class TreeReader {
     void findRockRidge(Bytes use) {
         if (use.size() < 7 || textAt(use, 0, 2) != "SP" || byteAt(use, 4) != 0xBE || byteAt(use, 5) != 0xEF)
             return;
-        rockRidge_ = describe(use, read_).node.has_value();
+        rockRidge_ = describe(use, continuations_).node.has_value();
         skipped_ = byteAt(use, 6);
     }
 
@@ -159,6 +161,7 @@ class TreeReader {
 
     const BlockReader& read_;
     Form form_;
+    Continuations continuations_;
     Tree tree_;
     bool rockRidge_ = false;
     uint8_t skipped_ = 0; ///< bytes in front of all system use entries

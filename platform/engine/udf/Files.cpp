@@ -1,4 +1,5 @@
 // Folders and files: a block for each node, and the streams of folders and long links.
+#include "Failure.hpp"
 #include "Fields.hpp"
 #include "Volume.hpp"
 
@@ -87,10 +88,10 @@ Volume::Volume(Tree tree, VolumeSettings settings) : tree_(std::move(tree)), set
                 const uint32_t child = tree_.entries[i].node;
                 entryOffsets_.push_back(bytes);
                 bytes += identifierSize(compressed(tree_.entries[i].name, nameLimit).size());
-                ++linkCounts_[child];
+                addLink(child, tree_.entries[i]);
                 if (tree_.nodes[child].kind != NodeKind::Folder) continue;
                 parents_[child] = node;
-                ++linkCounts_[node];
+                addLink(node, tree_.entries[i]);
             }
         } else {
             ++fileCount_;
@@ -102,6 +103,17 @@ Volume::Volume(Tree tree, VolumeSettings settings) : tree_(std::move(tree)), set
         next += blocksOf(bytes);
     }
     structureBlocks_ = next;
+}
+
+void Volume::addLink(uint32_t node, const Entry& because) {
+    if (linkCounts_[node]++ < UINT16_MAX) return;
+    if (tree_.nodes[node].kind == NodeKind::Folder)
+        fail(ErrorCode::FilesystemsNotSupported,
+             "The folder that " + inQuotes(because.name) +
+                 " is in has more folders than UDF can count, which is 65,534; leave out UDF.");
+    fail(ErrorCode::FilesystemsNotSupported, "The file " + inQuotes(because.name) +
+                                                 " has more names than UDF can count, which is 65,535; "
+                                                 "leave some of its links out, or UDF.");
 }
 
 const Volume::Stream* Volume::streamOf(uint32_t node) const noexcept {

@@ -40,7 +40,8 @@ void putRecognition(uint32_t index, std::span<std::byte, blockBytes> block);
 
 class Volume {
   public:
-    /// The nodes' firstBlock may be filled in later, with tree().
+    /// The nodes' firstBlock may be filled in later, with tree(). Throws FilesystemsNotSupported for a file of more names,
+    /// or a folder of more folders, than 16 bits can count.
     Volume(Tree tree, VolumeSettings settings);
 
     Tree& tree() noexcept { return tree_; }
@@ -61,6 +62,7 @@ class Volume {
         uint32_t node, firstBlock, bytes;
     };
 
+    void addLink(uint32_t node, const Entry& because);
     void volumeDescriptor(uint32_t index, uint32_t location, std::span<std::byte> block) const;
     void integrity(std::span<std::byte> block) const;
     void anchor(uint32_t location, std::span<std::byte> block) const;

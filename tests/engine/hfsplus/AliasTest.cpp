@@ -1,6 +1,7 @@
 // Alias records and their resource forks, field by field.
 #include "hfsplus/Alias.hpp"
 #include "Catalog.hpp"
+#include "Failure.hpp"
 #include "Image.hpp"
 
 #include <gtest/gtest.h>
@@ -158,6 +159,27 @@ TEST(HfsAliases, InAVolumeTheyTellTheTargetsPlace) {
     EXPECT_EQ(number(record, 114, 4), 2u);
     EXPECT_EQ(tagsOf(record).at(18), "/");
     EXPECT_EQ(tagsOf(record).at(2), "Holiday:");
+}
+
+// Its lengths have 16 bits.
+TEST(HfsAliases, AWayThatIsTooLongIsRefused) {
+    AliasTarget of = target();
+    const std::string record = aliasRecord(of);
+    of.path = "/" + std::string(of.path.size() - 1 + 0xFFFF - record.size() - 1, 'n');
+    const std::string longest = aliasRecord(of);
+    EXPECT_GE(longest.size(), 0xFFFEu);
+    EXPECT_EQ(number(longest, 4, 2), longest.size());
+    EXPECT_EQ(tagsOf(longest).at(18), of.path);
+    of.path += "/way/the end";
+    try {
+        aliasRecord(of);
+        FAIL();
+    } catch (const engine::Failure& failure) {
+        EXPECT_EQ(failure.error().code, engine::ErrorCode::FileLocationConflict);
+        EXPECT_EQ(failure.error().message,
+                  "A Finder alias can't lead to \"the end\", which lies too deep in the "
+                  "tree; leave the alias out.");
+    }
 }
 
 } // namespace

@@ -216,4 +216,65 @@ TEST_F(IsoReader, AFolderInItselfIsNoEndlessWay) {
     EXPECT_THROW(iso::readVolume(from(bytes), 0), engine::Failure);
 }
 
+// A folder whose records all go on elsewhere, sixty times each, in a block that is read again and again.
+TEST_F(IsoReader, WhatGoesOnElsewhereHasAnEnd) {
+    Image image;
+    image.joliet = false;
+    const std::string front = imageOf(image);
+    constexpr uint32_t folderBlocks = 100'000, steps = 60, entryBytes = 28;
+    const size_t root = 20 * 2048; // behind the path tables
+    ASSERT_EQ(front[root + 33], '\0');
+    const auto put = [](std::string& to, size_t at, uint32_t number) {
+        for (size_t i = 0; i < 4; ++i) {
+            to[at + i] = static_cast<char>(number >> (8 * i));
+            to[at + 7 - i] = to[at + i];
+        }
+    };
+    const auto goesOn = [&](uint32_t offset) {
+        std::string entry("CE\x1C\1", 4);
+        entry.resize(entryBytes);
+        put(entry, 4, 5);
+        put(entry, 12, offset);
+        put(entry, 20, entryBytes);
+        return entry;
+    };
+    std::string chain;
+    for (uint32_t step = 1; step <= steps; ++step)
+        chain += step < steps ? goesOn(step * entryBytes) : std::string(entryBytes, '\0');
+    chain.resize(2048);
+    std::string records;
+    while (records.size() + 64 <= 2048) {
+        std::string record = front.substr(root, 34).substr(0, 33) + "X" + goesOn(0) + std::string(2, '\0');
+        record[0] = 64;
+        record[25] = 0;
+        put(record, 10, 0);
+        records += record;
+    }
+    records.resize(2048);
+    std::string first = front.substr(root, static_cast<uint8_t>(front[root]));
+    put(first, 10, folderBlocks * 2048);
+    first.resize(2048);
+    std::string descriptor = front.substr(16 * 2048, 2048);
+    put(descriptor, 158, 1000);
+    put(descriptor, 166, folderBlocks * 2048);
+    uint64_t reads = 0;
+    const iso::BlockReader read = [&](uint64_t address, std::span<std::byte, 2048> block) {
+        ++reads;
+        const std::string& found = address == 16     ? descriptor
+                                   : address == 5    ? chain
+                                   : address == 1000 ? first
+                                                     : records;
+        std::memcpy(block.data(), found.data(), block.size());
+        return true;
+    };
+    try {
+        iso::readVolume(read, 0);
+        FAIL();
+    } catch (const engine::Failure& failure) {
+        EXPECT_EQ(failure.error().message,
+                  "The disc's file system can't be read: too much goes on elsewhere.");
+    }
+    EXPECT_LT(reads, folderBlocks) << "the block was read once";
+}
+
 } // namespace

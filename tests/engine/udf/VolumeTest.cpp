@@ -1,4 +1,5 @@
 // The structure of a volume, block by block.
+#include "Failure.hpp"
 #include "Image.hpp"
 #include "udf/Fields.hpp"
 
@@ -160,6 +161,35 @@ TEST(UdfVolume, ALongLinksTargetHasBlocksOfItsOwn) {
                               "folder\x03\0\0\0",
                               15);
     EXPECT_EQ(stored.substr(0, bytes), wanted);
+}
+
+// The counts have 16 bits, of which a folder needs one for its own name.
+TEST(UdfVolume, MoreLinksThanCanBeCountedAreRefused) {
+    const auto told = [](uint32_t count, bool areFolders) -> std::string {
+        Image image;
+        const uint32_t parent = image.folder(0, "around");
+        const uint32_t file = areFolders ? 0 : image.file(parent, "0", "bytes");
+        for (uint32_t i = areFolders ? 0 : 1; i < count; ++i)
+            if (areFolders)
+                image.folder(parent, std::to_string(i));
+            else
+                image.link(parent, std::to_string(i), file);
+        try {
+            udf::Volume volume(image.tree(), {});
+        } catch (const engine::Failure& failure) {
+            EXPECT_EQ(failure.error().code, engine::ErrorCode::FilesystemsNotSupported);
+            return failure.error().message;
+        }
+        return {};
+    };
+    EXPECT_EQ(told(65'535, false), "");
+    EXPECT_EQ(told(65'536, false),
+              "The file \"65535\" has more names than UDF can count, which is 65,535; leave "
+              "some of its links out, or UDF.");
+    EXPECT_EQ(told(65'534, true), "");
+    EXPECT_EQ(told(65'535, true),
+              "The folder that \"65534\" is in has more folders than UDF can count, which is "
+              "65,534; leave out UDF.");
 }
 
 } // namespace
