@@ -4,8 +4,10 @@
 #include "host/runtime/Lock.hpp"
 #include "host/runtime/String.hpp"
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <cmath>
 #include <dlfcn.h>
 #include <thread>
 #include <vector>
@@ -109,13 +111,13 @@ Id application() {
 }
 
 // Windows live by the events that their program hands on: a run loop alone only collects them.
-void handOnEvents(Id application, Id date) {
-    const auto* mode = symbol<const Id>("NSDefaultRunLoopMode");
+void handOnEvents(Id application, Id mode) {
+    const Id past = send<Id>(classNamed("NSDate"), "distantPast");
     constexpr unsigned long anyEvent = ~0UL;
     for (;;) {
         const Pool pool;
         const Id event = send<Id>(application, "nextEventMatchingMask:untilDate:inMode:dequeue:", anyEvent,
-                                  date, *mode, static_cast<uint8_t>(1));
+                                  past, mode, static_cast<uint8_t>(1));
         if (!event) return;
         send<void>(application, "sendEvent:", event);
         send<void>(application, "updateWindows");
@@ -125,16 +127,22 @@ void handOnEvents(Id application, Id date) {
 } // namespace
 
 void runLoop(double seconds) {
+    using Clock = std::chrono::steady_clock;
     const Pool pool;
     const Unlocked unlocked;
-    const Id date = send<Id>(classNamed("NSDate"), "dateWithTimeIntervalSinceNow:", seconds);
+    const auto end = Clock::now() + std::chrono::duration<double>(seconds);
+    const auto left = [end] { return std::chrono::duration<double>(end - Clock::now()).count(); };
     const Id loop = send<Id>(classNamed("NSRunLoop"), "currentRunLoop");
-    const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
-    if (date && application())
-        handOnEvents(application(), date);
-    else if (date && loop)
-        send<void>(loop, "runUntilDate:", date);
-    // A run loop without sources returns at once.
+    const auto* mode = symbol<const Id>("NSDefaultRunLoopMode");
+    // A run loop waits for whole milliseconds, and goes round without a pause until its date has come: so the date lies
+    // shortly behind a whole one, and the rest is slept. Without sources it returns at once.
+    for (bool isWorth = loop && mode; isWorth;) {
+        const double wait = std::max(0.0, (std::floor(left() * 1000) - 0.8) / 1000);
+        const Id date = send<Id>(classNamed("NSDate"), "dateWithTimeIntervalSinceNow:", wait);
+        const bool hasSources = send<uint8_t>(loop, "runMode:beforeDate:", *mode, date) != 0;
+        if (const Id windows = application()) handOnEvents(windows, *mode);
+        isWorth = hasSources && left() > 0.002;
+    }
     std::this_thread::sleep_until(end);
 }
 

@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <cstdlib>
+#include <ctime>
 #include <dlfcn.h>
 #include <filesystem>
 #include <fstream>
@@ -140,6 +141,24 @@ TEST_F(WithPlatform, TheRunLoopRunsForTheTimeItIsGiven) {
     EXPECT_GE(passed, std::chrono::milliseconds(100));
     EXPECT_LT(passed, std::chrono::seconds(5));
     EXPECT_TRUE(holdsLock());
+}
+
+// Processor time of the calling thread, in seconds.
+double used() {
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
+}
+
+TEST_F(WithPlatform, TheRunLoopSleepsWhileItWaits) {
+    const Locked lock;
+    for (const double wait : {0.001, 0.0037, 0.02}) {
+        runLoop(wait); // what is done once
+        const double before = used();
+        for (int i = 0; i < 50; ++i)
+            runLoop(wait);
+        EXPECT_LT(used() - before, 50 * wait / 2) << wait;
+    }
 }
 
 // Messages without Objective-C: objc_msg_lookup, as the host itself does it.
