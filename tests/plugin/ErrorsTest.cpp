@@ -286,6 +286,29 @@ TEST_F(Startup, IsRunByTheFactoriesOfDrivesAndJobsAlsoWhenTheyFindNothing) {
         expectRun(name, [&] { call<REALobject>("DRDeviceQRX", name, REALstring{nullptr}); });
 }
 
+// The links, made of nothing, so that no wrapper runs it. One of the four does not, deliberately: an original that has a
+// platform object has seen the start-up.
+TEST_F(Startup, IsRunByTheFactoriesOfLinksButForTheOneOfAnyType) {
+    companion::offerRegistry();
+    CocoaInit();
+    const auto asked = [this](const char* declaration, auto... arguments) {
+        instances = nullptr;
+        const int32_t before = companion::registryAsked;
+        EXPECT_EQ((call<REALobject>("DRFileQRX", declaration, arguments...)), nullptr) << declaration;
+        return companion::registryAsked - before;
+    };
+    for (const char* declaration :
+         {"hardLinkPointingTo(original as DRFileQRX, filesystem as string) as DRFileQRX",
+          "symLinkPointingTo(original as DRFSObjectQRX, filesystem as string) as DRFileQRX",
+          "finderAliasPointingTo(original as DRFSObjectQRX, filesystem as string) as DRFileQRX"})
+        EXPECT_EQ(asked(declaration, REALobject{nullptr}, REALstring{nullptr}), 1) << declaration;
+    EXPECT_EQ(
+        asked("linkWithLinkType(linkType as string, original as DRFSObjectQRX, filesystem as string) as "
+              "DRFileQRX",
+              String("Symbolic Link").get(), REALobject{nullptr}, String("ISO").get()),
+        0);
+}
+
 TEST_F(Startup, IsRunByAnErasesConstructorBeforeItLooksAtTheDriveAndNotByASecondCall) {
     const OwnDrives drives;
     companion::offerRegistry();
