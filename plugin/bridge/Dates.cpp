@@ -4,6 +4,9 @@
 #include "plugin/bridge/HostReference.hpp"
 #include "plugin/objc/Ownership.hpp"
 
+#include <cmath>
+#include <cstdint>
+
 namespace {
 
 using objc::Id;
@@ -22,6 +25,23 @@ bool readParts(REALobject date, Parts& parts) {
            REALGetPropValueInt32(date, "Second", &parts.second);
 }
 
+// An instant, and the years that are between it and another one that looks the same in every calendar.
+struct Moment {
+    double seconds; // from the beginning of 2001
+    int64_t years;
+};
+
+// The platform looks for the year of a far instant one by one, and never finds one before the first. The calendar comes
+// again every 400 years, and clocks don't change in the years 401 to 800, nor in 2401 to 2800: so these stand for all that
+// are further away. What no 64-bit number of days leads to the platform has an answer for at once.
+Moment near(double seconds) {
+    constexpr double cycle = 146'097.0 * 86'400, tooFar = 7.97e23;
+    const bool isFar = (seconds < -4 * cycle || seconds >= 2 * cycle) && std::abs(seconds) < tooFar;
+    if (!isFar) return {seconds, 0};
+    const double same = std::fmod(seconds, cycle) + (seconds < 0 ? -3 : 1) * cycle; // exact
+    return {same, 400 * std::llround((seconds - same) / cycle)};
+}
+
 } // namespace
 
 Id NewNSDate(REALobject date) {
@@ -35,19 +55,20 @@ Id NewNSDate(REALobject date) {
 
 REALobject NSDateRB(Id date) {
     if (!date) return nullptr;
+    const Moment moment = near(send<"timeIntervalSinceReferenceDate", double>(date));
     // The same instant with a calendar, in the default time zone, which is the local one.
     const Id calendar = objc::autoreleased(objc::send<"initWithTimeIntervalSinceReferenceDate:">(
-        objc::alloc<"NSCalendarDate">(), send<"timeIntervalSinceReferenceDate", double>(date)));
+        objc::alloc<"NSCalendarDate">(), moment.seconds));
     if (!calendar) return nullptr;
     HostReference made(REALnewInstance("Date"));
     if (!made) return nullptr;
-    const long year = send<"yearOfCommonEra", long>(calendar);
+    const int64_t year = send<"yearOfCommonEra", long>(calendar) + moment.years;
     const long month = send<"monthOfYear", long>(calendar);
     const long day = send<"dayOfMonth", long>(calendar);
     const long second = send<"secondOfMinute", long>(calendar);
     const long minute = send<"minuteOfHour", long>(calendar);
     const long hour = send<"hourOfDay", long>(calendar);
-    const auto set = [&made](const char* name, long part) {
+    const auto set = [&made](const char* name, int64_t part) {
         REALSetPropValueInt32(made.get(), name, static_cast<int32_t>(part));
     };
     // The large parts first: a host may correct a day that the month it has at that moment lacks.

@@ -122,17 +122,50 @@ TEST_F(Dates, InVariantsTheyAreDates) {
     EXPECT_EQ(partsOf(date), "2009 6 1 12 0 0");
 }
 
-// The platform may refuse them, or roll them over after a while; it makes no date of what is not a number.
+// What the platform's calendar says, asked directly.
+std::string calendarOf(double seconds) {
+    const Id date = objc::autoreleased(
+        objc::send<"initWithTimeIntervalSinceReferenceDate:">(objc::alloc<"NSCalendarDate">(), seconds));
+    std::string parts = std::to_string(static_cast<int32_t>(send<"yearOfCommonEra", long>(date)));
+    for (const long part :
+         {send<"monthOfYear", long>(date), send<"dayOfMonth", long>(date), send<"hourOfDay", long>(date),
+          send<"minuteOfHour", long>(date), send<"secondOfMinute", long>(date)})
+        parts += " " + std::to_string(part);
+    return parts;
+}
+
+Ref hostDate(double seconds) {
+    return Ref::adopt(NSDateRB(sendClass<"NSDate", "dateWithTimeIntervalSinceReferenceDate:">(seconds)));
+}
+
+// Beyond the first line's first and last instants the years of the platform's own cycle stand for others.
+TEST_F(Dates, FarAwayTheyAreWhatThePlatformsCalendarSays) {
+    for (const double seconds :
+         {-50'491'123'200.0, 25'245'561'599.0, //
+          -62'000'000'000.5, 25'245'561'600.0, 25'245'561'600.75, 3.1e10, 1e11, 1e12, 1e13})
+        EXPECT_EQ(partsOf(hostDate(seconds)), calendarOf(seconds)) << seconds;
+}
+
+TEST_F(Dates, BeforeTheFirstYearTheyGoOnCounting) {
+    EXPECT_EQ(partsOf(hostDate(-63'113'904'000)), "1 1 1 0 0 0");
+    EXPECT_EQ(partsOf(hostDate(-63'113'904'001)), "0 12 31 23 59 59");
+    EXPECT_EQ(partsOf(hostDate(-63'145'526'400)), "0 1 1 0 0 0");
+    EXPECT_EQ(partsOf(hostDate(-63'145'526'401)), "-1 12 31 23 59 59");
+    EXPECT_EQ(partsOf(hostDate(-63'113'904'000 - 10 * 12'622'780'800.0)), "-3999 1 1 0 0 0");
+}
+
+// The platform may refuse them, or roll them over; it makes no date of what is not a number. It counts months one by one,
+// so the largest are left out.
 TEST_F(Dates, OutOfAnyRangeTheyStillEnd) {
     for (const int32_t odd : {std::numeric_limits<int32_t>::max(), -1, 0, 99'999})
-        for (const auto& parts : {std::array{odd, 1, 1, 0, 0, 0}, std::array{2009, odd, odd, odd, odd, odd}})
+        for (const auto& parts : {std::array{odd, 1, 1, 0, 0, 0}, std::array{2009, 1, odd, odd, odd, odd},
+                                  std::array{2009, odd == 0 ? 0 : 99'999, odd, odd, odd, odd}})
             objc::caughtIn([&] {
                 NewNSDate(dateOf({parts[0], parts[1], parts[2], parts[3], parts[4], parts[5]}).get());
             });
-    for (const double seconds : {1e300, -1e300, std::numeric_limits<double>::infinity()})
-        objc::caughtIn([seconds] {
-            Ref::adopt(NSDateRB(sendClass<"NSDate", "dateWithTimeIntervalSinceReferenceDate:">(seconds)));
-        });
+    for (const double seconds :
+         {-1e11, -1e17, 1e17, 1e18, 1e22, -7.9e23, 1e300, -1e300, std::numeric_limits<double>::infinity()})
+        objc::caughtIn([seconds] { hostDate(seconds); });
     EXPECT_EQ(partsOf(Ref::adopt(NSDateRB(platformDate(2009, 6, 1)))), "2009 6 1 0 0 0");
 }
 
