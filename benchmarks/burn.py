@@ -81,6 +81,8 @@ def peak_memory(command, env):
         except OSError:
             pass
         time.sleep(0.001)
+    if process.returncode:
+        sys.exit(f"{' '.join(command)}\nended with {process.returncode}")
     return peak / 1024
 
 
