@@ -5,6 +5,7 @@
 
 #include "Content.hpp"
 #include "Error.hpp"
+#include "Layout.hpp"
 
 namespace discrecording {
 
@@ -14,8 +15,8 @@ struct ReadContent {
 };
 
 /// The tree under a root folder. A root whose masks say nothing is in ISO 9660 and Joliet, and in what else an item
-/// of the tree asks for; Joliet brings ISO 9660 with it. `estimating` is for producers: only a burn prepares them
+/// of the tree asks for; Joliet brings ISO 9660 with it. The track's level is for names in ISO 9660. `estimating` is for producers: only a burn prepares them
 /// and asks for exact sizes. Errors: BadLayout, FileLocationConflict, FilesystemsNotSupported.
-engine::Result<ReadContent> contentOfRoot(DRFolder* root, bool estimating);
+engine::Result<ReadContent> contentOfRoot(DRFolder* root, const engine::DataTrack& track, bool estimating);
 
 } // namespace discrecording

@@ -8,6 +8,7 @@
 #import "Filesystems.h"
 #include "NameRules.hpp"
 #include "PathStrings.hpp"
+#include "plan/Names.hpp"
 
 #include <optional>
 #include <unordered_map>
@@ -149,7 +150,9 @@ engine::Attributes attributesOf(DRFSObject* object, uint8_t mask) {
 
 class ContentReader {
   public:
-    ContentReader(DRFolder* root, bool estimating) : root_(root), estimating_(estimating) {}
+    ContentReader(DRFolder* root, const engine::DataTrack& track, bool estimating)
+        : root_(root), estimating_(estimating), isoForm_(track.isoLevel),
+          isoNames_(track.isoLevel == 1 ? DRISO9660LevelOne : DRISO9660LevelTwo) {}
 
     Result<ReadContent> read() {
         uint32_t mask = [root_ explicitFilesystemMask] & filesystem::all;
@@ -209,8 +212,11 @@ class ContentReader {
         for (DRFSObject* child : Elements<DRFSObject*>([folder children])) {
             const uint32_t set = [child explicitFilesystemMask];
             const auto childMask = static_cast<uint8_t>(set == 0 ? mask : set & mask);
-            if (childMask == 0)
+            if (childMask == 0) {
+                if ([child isKindOfClass:[DRFile class]] && [static_cast<DRFile*>(child) linkType] != nil)
+                    return leftOut(child);
                 continue; // its mask says so
+            }
             masks_[child] = childMask;
             members.push_back(child);
             siblings.push_back({unitsOf([child baseName]), bool([child isKindOfClass:[DRFolder class]])});
@@ -261,6 +267,23 @@ class ContentReader {
         return Content::link(std::move(name), "."); // finished when all names are known
     }
 
+    // Deliberate: a link has its mask from when it was made, so that it is nowhere on the disc is no wish of the program's.
+    static Error leftOut(DRFSObject* link) {
+        std::string filesystems;
+        const std::pair<uint8_t, const char*> all[] = {{filesystem::iso9660, "ISO 9660"},
+                                                       {filesystem::joliet, "Joliet"},
+                                                       {filesystem::udf, "UDF"},
+                                                       {filesystem::hfsPlus, "HFS+"}};
+        for (const auto& [bit, name] : all)
+            if (([link explicitFilesystemMask] & bit) != 0)
+                filesystems += (filesystems.empty() ? "" : " or ") + std::string(name);
+        return {ErrorCode::FilesystemsNotSupported,
+                "The link \"" + composedBytes([link baseName]) + "\" is for " + filesystems +
+                    ", and its folder is not on the disc there; put the folder there, too, or leave the link "
+                    "out.",
+                {}};
+    }
+
     static Error lost(const std::string& name) {
         return {ErrorCode::FileLocationConflict,
                 "The link \"" + name +
@@ -303,9 +326,9 @@ class ContentReader {
                          [object mangledNameForFilesystem:DRFilesystems()[static_cast<int>(rule)].name]);
     }
 
-    // What differs from the item's name. Rock Ridge has that one.
-    static std::shared_ptr<const engine::FilesystemNames> namesOf(DRFSObject* object, uint8_t mask,
-                                                                  const std::string& name) {
+    // What differs from the item's name, or in ISO 9660 from what the engine makes of that. Rock Ridge has the name itself.
+    std::shared_ptr<const engine::FilesystemNames> namesOf(DRFSObject* object, uint8_t mask,
+                                                           const std::string& name) const {
         engine::FilesystemNames names;
         const auto add = [&](uint8_t wanted, NSString* filesystemName, std::string& place) {
             if ((mask & wanted) == 0)
@@ -317,7 +340,12 @@ class ContentReader {
         add(filesystem::joliet, DRJoliet, names.joliet);
         add(filesystem::udf, DRUDF, names.udf);
         add(filesystem::hfsPlus, DRHFSPlus, names.hfsPlus);
-        if (names.joliet.empty() && names.udf.empty() && names.hfsPlus.empty())
+        if ((mask & filesystem::iso9660) != 0) {
+            std::string found = pathnames::bytesOf([object mangledNameForFilesystem:isoNames_]);
+            if (found != isoForm_.legal(name, [object isKindOfClass:[DRFolder class]]))
+                names.iso = std::move(found);
+        }
+        if (names.joliet.empty() && names.udf.empty() && names.hfsPlus.empty() && names.iso.empty())
             return nullptr;
         return std::make_shared<const engine::FilesystemNames>(std::move(names));
     }
@@ -326,6 +354,8 @@ class ContentReader {
 
     DRFolder* root_;
     bool estimating_;
+    engine::plan::IsoForm isoForm_;
+    NSString* isoNames_;      ///< the file system that they are asked for
     std::vector<size_t> way_; ///< to the item that is read
     std::vector<Link> links_;
     std::unordered_map<DRFSObject*, uint8_t> masks_;
@@ -334,8 +364,8 @@ class ContentReader {
 
 } // namespace
 
-Result<ReadContent> contentOfRoot(DRFolder* root, bool estimating) {
-    return ContentReader(root, estimating).read();
+Result<ReadContent> contentOfRoot(DRFolder* root, const engine::DataTrack& track, bool estimating) {
+    return ContentReader(root, track, estimating).read();
 }
 
 } // namespace discrecording

@@ -102,7 +102,7 @@ Result<engine::DataTrack> dataTrackOf(DRTrack* track, bool estimating) {
     engine::DataTrack data;
     if (const auto read = readVolumeProperties(properties, data); !read.ok())
         return read.error();
-    auto content = contentOfRoot(root, estimating);
+    auto content = contentOfRoot(root, data, estimating);
     if (!content.ok())
         return content.error();
     data.root = std::move(content->root);

@@ -107,9 +107,21 @@ Parts fitting(NameRule rule, Parts parts, size_t reserved) {
     return parts;
 }
 
+// Whoever looks a name of ISO 9660 up doesn't see spaces at the end of it or in front of its dot, nor a dot at its end.
+std::u16string withoutSpacesAtEnds(const std::u16string& name) {
+    const auto trimmed = [](std::u16string_view text) {
+        return text.substr(0, text.find_last_not_of(u' ') + 1);
+    };
+    const size_t dot = std::min(name.rfind(u'.'), name.size());
+    std::u16string key(trimmed(std::u16string_view(name).substr(0, dot)));
+    key += u'.';
+    return key += trimmed(std::u16string_view(name).substr(std::min(dot + 1, name.size())));
+}
+
 // Two names that the file system takes for the same have the same key. HFS+ and Joliet's readers don't tell
 // capitals from small letters: the scripts that have them, accents aside, for HFS+ holds those apart.
 std::u16string keyOf(NameRule rule, std::u16string name) {
+    if (rule == NameRule::ISOLevelTwo) return withoutSpacesAtEnds(name);
     if (rule != NameRule::HFSPlus && rule != NameRule::Joliet) return name;
     for (char16_t& unit : name) {
         if ((unit >= u'A' && unit <= u'Z') || (unit >= 0xC0 && unit <= 0xDE && unit != 0xD7) ||
@@ -148,9 +160,10 @@ class Names {
         const Parts whole = split(sibling.name, sibling.isFolder);
         for (size_t digits = 3;; ++digits) {
             const Parts parts = fitting(rule_, whole, digits + 1);
+            Parts zeros = parts;
+            zeros.stem += u'_' + std::u16string(digits, u'0');
             const auto [place, isNew] =
-                next_.try_emplace(keyOf(rule_, joined(parts)) + u'/' + numberText(digits, 2),
-                                  digits == 3 ? 1 : powerOfTen(digits - 1));
+                next_.try_emplace(keyOf(rule_, joined(zeros)), digits == 3 ? 1 : powerOfTen(digits - 1));
             const size_t end = powerOfTen(digits);
             while (place->second < end) {
                 Parts tried = parts;

@@ -19,7 +19,10 @@ inline constexpr size_t nameRules = 5; ///< of file systems
 ///
 ///   level 1   A-Z 0-9 _, 8 and 3 of them; folders have no extension
 ///   level 2   capitals, digits, space and punctuation but for $ , / ; and the like: 30 with the extension,
-///             which is kept where the name is cut (the version behind it takes two more)
+///             which is kept where the name is cut (the version behind it takes two more); also what level 3 has
+///
+/// ISO 9660's rules are the engine's, too, which names what lies in real folders: a test compares them.
+///
 ///   Joliet    64 UTF-16 units, one "."
 ///   HFS+      255 UTF-16 units; "/" becomes ":", as the two are each other's on that system
 ///   UDF       what 254 bytes hold; "/" becomes "_"

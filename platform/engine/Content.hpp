@@ -81,7 +81,7 @@ struct FinderAlias {
 
 /// Names that an item has in single file systems; an empty one is made of the item's name.
 struct FilesystemNames {
-    std::string joliet, udf, hfsPlus;
+    std::string joliet, udf, hfsPlus, iso = {};
 };
 
 /// What only HFS+ keeps of an item, most of it for the Finder. The numbers are its own; points are top and left.

@@ -20,6 +20,9 @@ iso::VolumeSettings isoSettings(const DataTrack& track, uint32_t start, std::tim
     iso::VolumeSettings settings;
     settings.rules.level = track.isoLevel;
     settings.rules.rockRidge = track.rockRidge;
+    // Deliberate: the standard wants A to Z, 0 to 9 and _ in all levels; spaces and punctuation are what a program is told
+    // that names of level 2 have, and what readers have long taken.
+    settings.rules.anyCharacter = track.isoLevel > 1;
     settings.volumeName = track.root.name;
     settings.volumeSet = track.volumeSet.empty() ? track.root.name : track.volumeSet;
     settings.publisher = track.publisher;

@@ -80,6 +80,10 @@ static void TestRefusals(NSString* source) {
     [aliases addChild:[DRFile finderAliasPointingTo:elsewhere inFilesystem:DRHFSPlus]];
     CheckRefused("a Finder alias to what is not on the disc", BurnThatStays(device),
                  [DRTrack trackForRootFolder:aliases], 0x80020101, @"points at nothing");
+    // Deliberate: what a mask leaves out is left out in silence, but for links, which have their mask from their making.
+    [aliases setExplicitFilesystemMask:DRFilesystemInclusionMaskISO9660 | DRFilesystemInclusionMaskUDF];
+    CheckRefused("a Finder alias without HFS+", BurnThatStays(device), [DRTrack trackForRootFolder:aliases],
+                 0x80020103, @"\"elsewhere\" is for HFS+");
     CheckRefused(
         "a long volume name", BurnThatStays(device),
         [DRTrack

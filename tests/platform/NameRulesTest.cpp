@@ -1,9 +1,11 @@
 // NameRulesTest: what becomes of a name in each file system, and of names that collide.
 #include "NameRules.hpp"
+#include "plan/Names.hpp"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <random>
 #include <set>
 
 namespace {
@@ -113,6 +115,64 @@ TEST(NameRules, ManySiblingsThatCollideOnlyWhenCut) {
         all.push_back({name, false});
     }
     expectDistinct(ISOLevelOne, all);
+}
+
+std::string plain(const std::u16string& name) { return {name.begin(), name.end()}; }
+
+// What a program is told of a folder's items is what lands on the disc when the engine names them itself.
+TEST(NameRules, TheEngineMakesTheSameOfNamesInIso9660) {
+    const std::pair<std::u16string, std::string> letters[] = {{u"a", "a"},
+                                                              {u"B", "B"},
+                                                              {u"9", "9"},
+                                                              {u".", "."},
+                                                              {u" ", " "},
+                                                              {u"_", "_"},
+                                                              {u"_001", "_001"},
+                                                              {u"(", "("},
+                                                              {u"$", "$"},
+                                                              {u",", ","},
+                                                              {u"?", "?"},
+                                                              {u"~", "~"},
+                                                              {u"\u6F22", "\u6F22"},
+                                                              {u"u\u0308", "\u00FC"},
+                                                              {u"=\u0338", "\u2260"},
+                                                              {u"\U0001F4BF", "\U0001F4BF"},
+                                                              {u"sameEnough", "sameEnough"},
+                                                              {u"\t", "\t"},
+                                                              {u";", ";"},
+                                                              {u".text", ".text"}};
+    std::mt19937 random(1);
+    const auto upTo = [&](size_t most) { return std::uniform_int_distribution<size_t>(0, most)(random); };
+    for (int round = 0; round < 400; ++round) {
+        const bool isOne = round % 2 == 0;
+        const NameRule rule = isOne ? ISOLevelOne : ISOLevelTwo;
+        const engine::plan::IsoForm form(static_cast<uint8_t>(isOne ? 1 : 2 + round % 3 / 2));
+        std::set<std::string> known;
+        std::vector<std::string> names;
+        std::vector<Sibling> all;
+        std::vector<bool> folders;
+        for (size_t count = upTo(60); count > 0; --count) {
+            std::u16string apart;
+            std::string name;
+            for (size_t length = 1 + upTo(round % 5 == 0 ? 40 : 3); length > 0; --length) {
+                const auto& letter = letters[upTo(std::size(letters) - 1)];
+                apart += letter.first;
+                name += letter.second;
+            }
+            if (!known.insert(name).second) continue;
+            folders.push_back(upTo(4) == 0);
+            names.push_back(name);
+            all.push_back({legalName(rule, apart, folders.back()), folders.back()});
+            ASSERT_EQ(form.legal(name, folders.back()), plain(all.back().name)) << name;
+        }
+        std::vector<engine::plan::GivenName> given;
+        for (size_t i = 0; i < names.size(); ++i)
+            given.push_back({names[i], folders[i]});
+        const auto made = engine::plan::distinctNames(given, form);
+        const auto told = mangledNames(rule, all);
+        for (size_t i = 0; i < names.size(); ++i)
+            ASSERT_EQ(made[i], plain(told[i])) << names[i];
+    }
 }
 
 } // namespace

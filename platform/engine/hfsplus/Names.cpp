@@ -98,6 +98,15 @@ std::u16string storedName(std::string_view utf8) {
     return result;
 }
 
+char32_t withoutMarks(char32_t character) {
+    if (character < 0x80) return character;
+    for (auto found = std::ranges::lower_bound(parts, character, {}, &Parts::character);
+         found != parts.end() && found->character == character;
+         found = std::ranges::lower_bound(parts, character, {}, &Parts::character))
+        character = found->first;
+    return character;
+}
+
 std::u16string foldedName(std::u16string_view stored) {
     std::u16string result;
     result.reserve(stored.size());

@@ -16,6 +16,9 @@ inline constexpr size_t nameLimit = 255;
 /// characters.
 std::u16string storedName(std::string_view utf8);
 
+/// The character that one with marks is put together of, first of all: E of \u00C9. Others are that themselves.
+char32_t withoutMarks(char32_t character);
+
 /// What two stored names have in common when they can't both be in a folder. The folder's order is that of these,
 /// unit by unit.
 std::u16string foldedName(std::u16string_view stored);

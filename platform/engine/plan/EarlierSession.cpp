@@ -36,11 +36,12 @@ std::vector<uint32_t> firstBlocks(const iso::Tree& tree) {
 class Earlier {
   public:
     Earlier(Tree& tree, const iso::ReadVolume& volume, uint8_t isoLevel)
-        : tree_(tree), volume_(volume), blocks_(firstBlocks(volume.tree)) {
+        : tree_(tree), volume_(volume), isoForm_(isoLevel), blocks_(firstBlocks(volume.tree)) {
         std::unique_ptr<const NameForm> form;
         if (!volume.rockRidge && volume.joliet) form = std::make_unique<JolietForm>();
-        if (!volume.rockRidge && !volume.joliet) form = std::make_unique<IsoForm>(isoLevel);
-        tree.setOld(filesystem::iso9660 | (volume.joliet ? filesystem::joliet : 0), std::move(form));
+        const bool areIsos = !volume.rockRidge && !volume.joliet;
+        if (areIsos) form = std::make_unique<IsoForm>(isoLevel);
+        tree.setOld(filesystem::iso9660 | (volume.joliet ? filesystem::joliet : 0), std::move(form), areIsos);
         if (volume.joliet) jolietBlocks_ = firstBlocks(*volume.joliet);
         isoNodes_.assign(volume.tree.nodes.size(), none);
     }
@@ -65,6 +66,7 @@ class Earlier {
         std::string name;
         bool isFolder = false, isHidden = false;
         uint32_t partner = none; ///< of the other tree's items
+        const iso::Entry* entry = nullptr;
     };
 
     std::vector<Item> itemsOf(const iso::Tree& tree, uint32_t folder, const std::vector<uint32_t>& blocks,
@@ -77,7 +79,7 @@ class Earlier {
             items.push_back({entry.node, blocks[entry.node],
                              hasRockRidge ? std::string(tree.rockRidgeOf(entry))
                                           : plainName(tree.nameOf(entry), isFolder),
-                             isFolder, entry.hidden, none});
+                             isFolder, entry.hidden, none, &entry});
         }
         return items;
     }
@@ -134,6 +136,9 @@ class Earlier {
                     names.own[1] = other;
                 isJolietsMade = volume_.rockRidge && canBecome(item.name, item.isFolder, other, JolietForm());
             }
+            // What it was called in ISO 9660 it stays there.
+            const std::string iso = plainName(volume_.tree.nameOf(*item.entry), item.isFolder);
+            if (iso != isoForm_.legal(names.name, item.isFolder)) names.own[0] = iso;
             tree_.addOldEntry(folder.node, node, names, isInJoliet ? filesystem::all : exceptJoliet,
                               isJolietsMade);
             if (item.isFolder)
@@ -196,6 +201,7 @@ class Earlier {
 
     Tree& tree_;
     const iso::ReadVolume& volume_;
+    IsoForm isoForm_;
     std::vector<uint32_t> blocks_, jolietBlocks_;
     std::vector<uint32_t> isoNodes_, jolietNodes_;   ///< what became of theirs
     std::unordered_map<uint32_t, uint32_t> extents_; ///< by first block

@@ -3,7 +3,6 @@
 #include "Names.hpp"
 #include "ViewMaker.hpp"
 #include "Views.hpp"
-#include "iso/Names.hpp"
 
 #include <unordered_set>
 
@@ -53,13 +52,10 @@ void expectDistinct(const Tree& tree, const std::vector<const Entry*>& shown) {
     }
 }
 
-// A name of the item's own as ISO 9660 stores it, if it can be had there; files end in a dot at least.
-std::string ownIsoName(const Tree& tree, const Entry& entry, const iso::Rules& rules) {
-    if (!tree.hasOwnName(entry, filesystem::iso9660)) return {};
-    std::string name(tree.nameIn(entry, filesystem::iso9660));
-    const bool folder = isFolder(tree, entry);
-    if (!folder && name.find('.') == std::string::npos) name += '.';
-    return iso::faultOf(name, folder, iso::Form::Iso, rules).empty() ? name : std::string();
+// As ISO 9660 stores it: a file's name has a dot, and a version.
+std::string storedName(std::string name, bool folder) {
+    if (folder) return name;
+    return name += name.find('.') == std::string::npos ? ".;1" : ";1";
 }
 
 template <typename MakeEntries>
@@ -82,20 +78,16 @@ View<iso::Tree> isoView(const Tree& tree, const iso::Rules& rules) {
         tree, filesystem::iso9660, rules.rockRidge,
         [&](iso::Tree& made, const std::vector<const Entry*>& shown, const std::vector<uint32_t>& numbers) {
             std::vector<GivenName> given;
-            std::vector<std::string> own(tree.hasOwnIsoNames ? shown.size() : 0);
-            for (size_t i = 0; i < shown.size(); ++i) {
-                if (!own.empty()) own[i] = ownIsoName(tree, *shown[i], rules);
-                const bool isFinal = !own.empty() && !own[i].empty();
-                given.push_back(
-                    {isFinal ? own[i] : tree.nameOf(*shown[i]), isFolder(tree, *shown[i]), isFinal});
-            }
+            for (const Entry* entry : shown)
+                given.push_back({tree.nameIn(*entry, filesystem::iso9660), isFolder(tree, *entry),
+                                 tree.hasOwnName(*entry, filesystem::iso9660)});
             if (rules.rockRidge) expectDistinct(tree, shown);
-            const std::vector<std::string> names = distinctNames(given, form);
+            std::vector<std::string> names = distinctNames(given, form);
             for (size_t i = 0; i < shown.size(); ++i)
-                made.entries.push_back(
-                    made.makeEntry(numbers[shown[i]->node], given[i].isFolder ? names[i] : names[i] + ";1",
-                                   rules.rockRidge ? tree.nameOf(*shown[i]) : std::string_view(),
-                                   tree.nodes[shown[i]->node].invisible));
+                made.entries.push_back(made.makeEntry(
+                    numbers[shown[i]->node], storedName(std::move(names[i]), given[i].isFolder),
+                    rules.rockRidge ? tree.nameOf(*shown[i]) : std::string_view(),
+                    tree.nodes[shown[i]->node].invisible));
         });
 }
 

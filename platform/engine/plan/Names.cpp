@@ -12,6 +12,8 @@
 namespace engine::plan {
 namespace {
 
+constexpr size_t isoNameLimit = 30; // of level 2 and up, with the dot
+
 // A dot in front of a name, or at its end, begins no extension.
 size_t extensionOf(std::string_view name, bool isFolder) {
     const size_t dot = name.rfind('.');
@@ -49,12 +51,39 @@ void forEachCharacter(std::string_view text, const Put& put) {
     }
 }
 
-std::string isoCharacters(std::string_view text) {
+// As ISO 9660 holds it; 0 for what can't stand there. Dots are seen to before.
+char isoCharacter(char32_t c, uint8_t level) {
+    constexpr std::string_view others = " !\"%&'()*+-:<=>?";
+    // HFS+ leaves signs together that others take apart.
+    switch (c) {
+    case U'\u2260':
+        c = U'=';
+        break;
+    case U'\u226E':
+        c = U'<';
+        break;
+    case U'\u226F':
+        c = U'>';
+        break;
+    case U'\u212A':
+        c = U'K';
+        break;
+    case U'\u212B':
+        c = U'A';
+        break;
+    default:
+        c = hfsplus::withoutMarks(c);
+    }
+    if (c >= U'a' && c <= U'z') c -= U'a' - U'A';
+    if ((c >= U'A' && c <= U'Z') || (c >= U'0' && c <= U'9') || c == U'_') return static_cast<char>(c);
+    const auto plain = static_cast<char>(c < 0x80 ? c : 0);
+    return level > 1 && plain != 0 && others.find(plain) != others.npos ? plain : '\0';
+}
+
+std::string isoCharacters(std::string_view text, uint8_t level) {
     std::string result;
     forEachCharacter(text, [&](char32_t c, std::string_view) {
-        if (c >= U'a' && c <= U'z') c -= U'a' - U'A';
-        const bool stays = (c >= U'A' && c <= U'Z') || (c >= U'0' && c <= U'9');
-        result += stays ? static_cast<char>(c) : '_';
+        if (const char kept = isoCharacter(c, level)) result += kept;
     });
     return result;
 }
@@ -75,7 +104,7 @@ class Numbers {
     std::string another(std::string_view name, bool isFolder) {
         for (int digits = 3;; ++digits) {
             std::string probe = "_" + std::string(static_cast<size_t>(digits), '0');
-            uint32_t& number = next_[withSuffix(name, isFolder, probe, form_)];
+            uint32_t& number = next_[form_.keyOf(withSuffix(name, isFolder, probe, form_))];
             const uint32_t end = digits >= 9 ? UINT32_MAX : powerOfTen(digits);
             if (number == 0) number = digits == 3 ? 1 : powerOfTen(digits - 1);
             while (number < end) {
@@ -106,13 +135,14 @@ class Numbers {
 
 std::string IsoForm::legal(std::string_view name, bool isFolder) const {
     const size_t dot = extensionOf(name, isFolder);
-    const size_t mostExtension = level_ == 1 ? 3 : 27, mostStem = level_ == 1 ? 8 : 30;
-    std::string stem = isoCharacters(name.substr(0, dot));
-    if (isFolder) return stem.substr(0, level_ == 1 ? 8 : 31);
-    std::string extension = dot == name.size() ? std::string() : isoCharacters(name.substr(dot + 1));
-    extension.resize(std::min(extension.size(), mostExtension));
-    stem.resize(std::min(stem.size(), level_ == 1 ? mostStem : mostStem - extension.size()));
-    return stem + '.' + extension;
+    std::string stem = isoCharacters(name.substr(0, dot), level_);
+    std::string extension;
+    if (dot < name.size()) extension = isoCharacters(name.substr(dot + 1), level_);
+    if (stem.empty()) stem = '_';
+    extension.resize(std::min<size_t>(extension.size(), level_ == 1 ? 3 : isoNameLimit - 2));
+    const size_t behind = extension.empty() ? 0 : extension.size() + 1;
+    stem.resize(std::min<size_t>(stem.size(), level_ == 1 ? 8 : isoNameLimit - behind));
+    return extension.empty() ? stem : stem + '.' + extension;
 }
 
 // Names that differ only in spaces, or a dot, at an end are the same.
@@ -124,11 +154,10 @@ std::string IsoForm::keyOf(std::string_view legal) const {
     return key += trimmed(legal.substr(std::min(dot + 1, legal.size())));
 }
 
-bool IsoForm::fits(std::string_view legal, bool isFolder) const {
-    if (isFolder) return legal.size() <= (level_ == 1 ? 8u : 31u);
+bool IsoForm::fits(std::string_view legal, bool) const {
+    if (level_ > 1) return legal.size() <= isoNameLimit;
     const size_t dot = std::min(legal.rfind('.'), legal.size());
-    const size_t extension = legal.size() - std::min(dot + 1, legal.size());
-    return level_ == 1 ? dot <= 8 && extension <= 3 : dot + extension <= 30;
+    return dot <= 8 && legal.size() - std::min(dot + 1, legal.size()) <= 3;
 }
 
 std::string JolietForm::legal(std::string_view name, bool isFolder) const {
@@ -173,14 +202,13 @@ std::vector<std::string> distinctNames(const std::vector<GivenName>& given, cons
     std::vector<uint32_t> others;
     Numbers numbers(form, given.size());
     for (uint32_t i = 0; i < given.size(); ++i) {
-        result[i] =
-            given[i].isFinal ? std::string(given[i].name) : form.legal(given[i].name, given[i].isFolder);
+        result[i] = form.legal(given[i].name, given[i].isFolder);
         if (!numbers.take(result[i])) others.push_back(i);
     }
     if (others.empty()) return result;
     std::unordered_set<std::string_view> names;
     for (const GivenName& one : given)
-        if (!one.isFinal && !names.insert(one.name).second)
+        if (!one.isOwn && !names.insert(one.name).second)
             fail(ErrorCode::FileLocationConflict,
                  "Two items of one folder are named " + inQuotes(one.name) +
                      "; give one of them another name.",

@@ -19,8 +19,9 @@ class NameForm {
     virtual bool fits(std::string_view legal, bool isFolder) const = 0;
 };
 
-/// ISO 9660's own names beside or without Rock Ridge's: A to Z, 0 to 9 and _, 8 and 3 of them in level 1, 30 in the others;
-/// files have a dot. No version.
+/// ISO 9660's own names beside or without Rock Ridge's: capitals without their accents, digits and _, 8 and 3 of them in
+/// level 1; in the others also spaces and much punctuation, 30 with the extension and its dot, which is the only one.
+/// What can't stand there is left out. No version, and no dot where there is no extension.
 class IsoForm final : public NameForm {
   public:
     explicit IsoForm(uint8_t level) : level_(level) {}
@@ -61,7 +62,7 @@ bool canBecome(std::string_view name, bool isFolder, std::string_view stored, co
 struct GivenName {
     std::string_view name;
     bool isFolder = false;
-    bool isFinal = false; ///< legal already, and kept as it is unless another one has it
+    bool isOwn = false; ///< made for this file system: numbered where another one has it, never refused
 };
 
 /// The names of one folder, all different: where two became one, the first keeps it, and others get a number such

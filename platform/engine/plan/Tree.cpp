@@ -39,7 +39,6 @@ uint32_t Tree::append(uint32_t folder, uint32_t node, const ItemNames& names, ui
         for (size_t i = 0; i < own.size(); ++i)
             if (!names.own[i].empty())
                 own[i] = {keep(names.own[i]), static_cast<uint16_t>(names.own[i].size())};
-        hasOwnIsoNames = hasOwnIsoNames || !names.own[0].empty();
     }
     const auto index = static_cast<uint32_t>(entries.size());
     entries.push_back(entry);
@@ -71,9 +70,10 @@ void Tree::addEntry(uint32_t folder, uint32_t node, const ItemNames& names, uint
     append(folder, node, names, filesystems);
 }
 
-void Tree::setOld(uint8_t read, std::unique_ptr<const NameForm> form) {
+void Tree::setOld(uint8_t read, std::unique_ptr<const NameForm> form, bool areIsos) {
     oldRead_ = read;
     oldForm_ = std::move(form);
+    oldNamesAreIsos_ = areIsos;
 }
 
 void Tree::addOldEntry(uint32_t folder, uint32_t node, const ItemNames& names, uint8_t filesystems,
@@ -93,7 +93,9 @@ std::string Tree::wholeKey(std::string_view name, bool isFolder) const {
 }
 
 uint32_t Tree::findOld(uint32_t folder, uint8_t filesystem, const ItemNames& names, bool isFolder) const {
-    const std::string_view name = names.in(filesystem);
+    // A name of its own in ISO 9660 tells an item only where nothing else does.
+    const bool isOther = filesystem == filesystem::iso9660 && !oldNamesAreIsos_;
+    const std::string_view name = isOther ? names.name : names.in(filesystem);
     const std::string whole = wholeKey(name, isFolder);
     const bool isInJoliet = filesystem == filesystem::joliet;
     const bool isJolietsOwn = isInJoliet && !names.own[1].empty();

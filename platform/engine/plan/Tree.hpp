@@ -79,8 +79,9 @@ class Tree {
     /// Puts an item into a folder. Old entries of the same name lose the file systems that it is in, and so does the
     /// old entry of a folder that it goes on with.
     void addEntry(uint32_t folder, uint32_t node, const ItemNames& names, uint8_t filesystems);
-    /// How the old session tells names: which file systems were read, and what became of names there when they aren't whole.
-    void setOld(uint8_t read, std::unique_ptr<const NameForm> form);
+    /// How the old session tells names: which file systems were read, what became of names there when they aren't whole, and
+    /// whether they are ISO 9660's own.
+    void setOld(uint8_t read, std::unique_ptr<const NameForm> form, bool areIsos);
     void addOldEntry(uint32_t folder, uint32_t node, const ItemNames& names, uint8_t filesystems,
                      bool isJolietsMade = false);
     /// The old folder that one of that name goes on with; `none` when there is none.
@@ -115,7 +116,6 @@ class Tree {
     std::vector<iso::Section> pieces;
     size_t oldExtents = 0;
     std::unordered_map<uint32_t, std::shared_ptr<const MacAttributes>> mac;
-    bool hasOwnIsoNames = false;
 
   private:
     struct OwnName {
@@ -137,6 +137,7 @@ class Tree {
     std::unordered_multimap<size_t, std::pair<uint32_t, uint32_t>> old_; ///< by placeOf(): folder and entry
     std::unordered_map<uint32_t, uint32_t> oldFolders_;                  ///< nodes' only entries
     std::unique_ptr<const NameForm> oldForm_;
+    bool oldNamesAreIsos_ = false;
     uint8_t oldRead_ = filesystem::all;
 };
 

@@ -4,6 +4,7 @@
 #include "FolderWalker.hpp"
 
 #include <algorithm>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -36,12 +37,7 @@ class TreeBuilder {
         walker_.walk();
         // Now all that they can point at is there.
         if (!links_.empty()) std::ranges::stable_sort(identities_, {}, &Identity::first);
-        for (const Link& link : links_) {
-            if (const auto* alias = std::get_if<FinderAlias>(&link.item->source))
-                addAlias(link, alias->identity);
-            else
-                addHardLink(link);
-        }
+        addLinks();
     }
 
   private:
@@ -54,13 +50,43 @@ class TreeBuilder {
         uint32_t folder;
         const Content* item;
         uint8_t filesystems;
+        bool isBegun = false;
     };
 
     using Identity = std::pair<uint64_t, uint32_t>;
 
     uint32_t nodeOf(uint64_t identity) const {
         const auto found = std::ranges::lower_bound(identities_, identity, {}, &Identity::first);
-        return found == identities_.end() || found->first != identity ? none : found->second;
+        if (found != identities_.end() && found->first == identity) return found->second;
+        const auto link = linkNodes_.find(identity);
+        return link == linkNodes_.end() ? none : link->second;
+    }
+
+    static uint64_t targetOf(const Link& link) {
+        const auto* alias = std::get_if<FinderAlias>(&link.item->source);
+        return alias ? alias->identity : std::get<HardLink>(link.item->source).identity;
+    }
+
+    // Links may lead to links: what one leads to is there before it. In a circle nothing is.
+    void addLinks() {
+        std::unordered_map<uint64_t, Link*> byIdentity;
+        for (Link& link : links_)
+            if (link.item->identity != 0) byIdentity.emplace(link.item->identity, &link);
+        std::vector<Link*> way;
+        for (Link& first : links_) {
+            for (Link* next = &first; next && !next->isBegun;) {
+                next->isBegun = true;
+                way.push_back(next);
+                const auto found = byIdentity.find(targetOf(*next));
+                next = found == byIdentity.end() ? nullptr : found->second;
+            }
+            for (; !way.empty(); way.pop_back()) {
+                const Link& link = *way.back();
+                const bool isAlias = std::holds_alternative<FinderAlias>(link.item->source);
+                const uint32_t node = isAlias ? addAlias(link) : addHardLink(link);
+                if (link.item->identity != 0) linkNodes_.emplace(link.item->identity, node);
+            }
+        }
     }
 
     static std::string_view nameOf(const Content& item) {
@@ -77,7 +103,7 @@ class TreeBuilder {
         ItemNames names{nameOf(item)};
         checkName(names.name);
         if (!item.names) return names;
-        names.own = {std::string_view(), item.names->joliet, item.names->udf, item.names->hfsPlus};
+        names.own = {item.names->iso, item.names->joliet, item.names->udf, item.names->hfsPlus};
         for (size_t i = 0; i < names.own.size(); ++i) {
             if ((filesystems >> i & 1) == 0) names.own[i] = {};
             if (!names.own[i].empty()) checkName(names.own[i]);
@@ -167,26 +193,37 @@ class TreeBuilder {
 
     // A hard link is another name of the same node; one that is said to look otherwise is a node of its own around the same
     // bytes.
-    void addHardLink(const Link& link) {
+    uint32_t addHardLink(const Link& link) {
         const ItemNames names = namesOf(*link.item, link.filesystems);
-        uint32_t node = nodeOf(std::get<HardLink>(link.item->source).identity);
-        if (node == none || tree_.nodes[node].kind != NodeKind::File)
+        uint32_t node = nodeOf(targetOf(link));
+        if (node == none)
             fail(ErrorCode::FileLocationConflict,
                  "The hard link " + inQuotes(names.name) +
                      " points at nothing that is on the disc; add the file, or leave the link out.");
+        if (tree_.nodes[node].kind != NodeKind::File)
+            fail(ErrorCode::FileLocationConflict,
+                 "The hard link " + inQuotes(names.name) +
+                     " points at what is no file; a hard link is one more name of a file.");
         if (isChanged(link.item->attributes)) {
+            const auto mac = tree_.mac.find(node);
+            const auto itsMac = mac == tree_.mac.end() ? nullptr : mac->second;
             node = tree_.addNode(Node(tree_.nodes[node]));
+            if (itsMac) tree_.mac[node] = itsMac;
             apply(node, link.item->attributes);
         }
         tree_.addEntry(link.folder, node, names, link.filesystems);
+        return node;
     }
 
-    // Where there is no HFS+ it is nowhere.
-    void addAlias(const Link& link, uint64_t identity) {
+    uint32_t addAlias(const Link& link) {
         const auto filesystems = static_cast<uint8_t>(link.filesystems & filesystem::hfsPlus);
-        if (filesystems == 0) return;
         const ItemNames names = namesOf(*link.item, filesystems);
-        const uint32_t target = nodeOf(identity);
+        if (filesystems == 0)
+            fail(ErrorCode::FilesystemsNotSupported,
+                 "The Finder alias " + inQuotes(names.name) +
+                     " can be in HFS+ only; have HFS+ on the disc and the alias's folder in it, or leave the "
+                     "alias out.");
+        const uint32_t target = nodeOf(targetOf(link));
         if (target == none)
             fail(ErrorCode::FileLocationConflict,
                  "The Finder alias " + inQuotes(names.name) +
@@ -197,6 +234,7 @@ class TreeBuilder {
         const uint32_t index = tree_.addNode(node);
         apply(index, link.item->attributes);
         tree_.addEntry(link.folder, index, names, filesystems);
+        return index;
     }
 
     Node virtualNode(Node node, uint16_t mode) const {
@@ -222,7 +260,27 @@ class TreeBuilder {
         node.accessed = given.accessed.value_or(node.accessed);
         node.changed = given.changed.value_or(node.changed);
         node.invisible = given.invisible.value_or(node.invisible);
-        if (given.mac) tree_.mac[index] = given.mac;
+        if (!given.mac) return;
+        std::shared_ptr<const MacAttributes>& mac = tree_.mac[index];
+        mac = mac ? merged(*mac, *given.mac) : given.mac;
+    }
+
+    static std::shared_ptr<const MacAttributes> merged(MacAttributes mac, const MacAttributes& given) {
+        const auto take = [](auto& to, const auto& from) {
+            if (from) to = from;
+        };
+        take(mac.created, given.created);
+        take(mac.backedUp, given.backedUp);
+        take(mac.type, given.type);
+        take(mac.creator, given.creator);
+        take(mac.flags, given.flags);
+        take(mac.extendedFlags, given.extendedFlags);
+        take(mac.view, given.view);
+        take(mac.textEncoding, given.textEncoding);
+        take(mac.windowBounds, given.windowBounds);
+        take(mac.iconLocation, given.iconLocation);
+        take(mac.scrollPosition, given.scrollPosition);
+        return std::make_shared<const MacAttributes>(mac);
     }
 
     Tree& tree_;
@@ -232,7 +290,8 @@ class TreeBuilder {
     std::time_t now_;
     std::vector<Pending> pending_;
     std::vector<Link> links_;
-    std::vector<Identity> identities_; ///< nodes that links can point at
+    std::vector<Identity> identities_;                 ///< nodes that links can point at
+    std::unordered_map<uint64_t, uint32_t> linkNodes_; ///< links that others can point at
 };
 
 } // namespace

@@ -22,6 +22,19 @@ uint32_t expectFit(uint64_t block) {
     return static_cast<uint32_t>(block);
 }
 
+// Deliberate: a link that no file system can hold fails the burn. Left out, nobody would know until it is missed.
+void expectLinksHeld(const Tree& tree, uint8_t filesystems, bool rockRidge) {
+    uint8_t able = filesystems & (filesystem::udf | filesystem::hfsPlus);
+    if (rockRidge) able |= filesystem::iso9660;
+    for (const Entry& entry : tree.entries)
+        if (entry.filesystems != 0 && (entry.filesystems & able) == 0 &&
+            tree.nodes[entry.node].kind == NodeKind::SymbolicLink)
+            fail(ErrorCode::FilesystemsNotSupported,
+                 "None of the disc's file systems can hold the symbolic link " +
+                     inQuotes(tree.nameOf(entry)) +
+                     "; put it into Rock Ridge, UDF or HFS+, or leave it out.");
+}
+
 uint64_t placeExtents(Tree& tree, uint64_t next) {
     for (size_t i = tree.oldExtents; i < tree.extents.size(); ++i) {
         Extent& extent = tree.extents[i];
@@ -36,6 +49,7 @@ uint64_t placeExtents(Tree& tree, uint64_t next) {
 
 Volumes::Volumes(Tree& tree, const DataTrack& track, uint8_t filesystems, const ImagePlace& place)
     : start_(expectFit(place.startBlock)) {
+    expectLinksHeld(tree, filesystems, track.rockRidge);
     const auto start = static_cast<uint32_t>(start_);
     const std::time_t now = std::time(nullptr);
     const bool hasJoliet = (filesystems & filesystem::joliet) != 0;
@@ -66,7 +80,6 @@ Volumes::Volumes(Tree& tree, const DataTrack& track, uint8_t filesystems, const 
     }
     iso::VolumeSettings settings = isoSettings(track, start, now);
     settings.structureStart = next;
-    settings.rules.anyCharacter = tree.hasOwnIsoNames;
     View<iso::Tree> view = isoView(tree, settings.rules);
     std::optional<View<iso::Tree>> joliet;
     if (hasJoliet) joliet = jolietView(tree);

@@ -24,6 +24,12 @@ class Discs : public EngineTest {
         return item;
     }
 
+    /// A drive with an empty medium in the place of the one before.
+    std::shared_ptr<engine::VirtualDrive> freshDrive() {
+        fs::remove_all(drivePath());
+        return makeDrive();
+    }
+
     std::string run(const std::string& command, int wanted = 0) const {
         std::FILE* const pipe =
             ::popen(("cd '" + base.string() + "' && { LC_ALL=C.UTF-8; export LC_ALL; " + command + "; } 2>&1")

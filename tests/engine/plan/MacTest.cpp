@@ -64,8 +64,78 @@ TEST_F(PlanForMacintosh, AnAliasOfWhatIsNotThereIsRefused) {
     EXPECT_FAILED(
         burn(openDrive(), discOf(Content::folder("Disc", children), both)), FileLocationConflict,
         "A Finder alias points at an item that is not in HFS+; put it there, too, or leave the alias out.");
-    // Where there is no HFS+, the alias is nowhere.
-    EXPECT_DONE(burn(openDrive(), discOf(Content::folder("Disc", std::move(children)), filesystem::iso9660)));
+    EXPECT_FAILED(
+        burn(openDrive(), discOf(Content::folder("Disc", std::move(children)), filesystem::iso9660)),
+        FilesystemsNotSupported,
+        "The Finder alias \"lost\" can be in HFS+ only; have HFS+ on the disc and the alias's folder in it, "
+        "or "
+        "leave the alias out.");
+}
+
+// Its own values are laid over the file's, each by itself.
+TEST_F(PlanForMacintosh, AHardLinkWithValuesOfItsOwnKeepsTheOthers) {
+    MacAttributes mac;
+    mac.type = {'T', 'E', 'X', 'T'};
+    mac.creator = {'t', 't', 'x', 't'};
+    std::vector<Content> children;
+    children.push_back(Content::file("file", "bytes"));
+    children[0].identity = 1;
+    children[0].attributes.mac = std::make_shared<const MacAttributes>(mac);
+    mac = {};
+    mac.creator = {'o', 't', 'h', 'r'};
+    children.push_back({"other creator", HardLink{1}, {}});
+    children[1].attributes.mac = std::make_shared<const MacAttributes>(mac);
+    children.push_back({"other mode", HardLink{1}, {}});
+    children[2].attributes.mode = 0600;
+    EXPECT_DONE(burn(makeDrive(), discOf(Content::folder("Disc", std::move(children)), both)));
+    const std::string listed = look("fls", "");
+    const auto valuesOf = [&](const std::string& name) {
+        const size_t end = listed.find(":\t" + name + "\n");
+        const std::string number =
+            listed.substr(listed.rfind(' ', end) + 1, end - listed.rfind(' ', end) - 1);
+        const std::string told = look("istat", number);
+        const size_t at = told.find("File type:");
+        return at == told.npos ? told : told.substr(at, told.find('\n', told.find('\n', at) + 1) - at);
+    };
+    const std::string text = "File type:\t54455854  TEXT\nFile creator:\t";
+    EXPECT_EQ(valuesOf("file"), text + "74747874  ttxt");
+    EXPECT_EQ(valuesOf("other creator"), text + "6f746872  othr");
+    EXPECT_EQ(valuesOf("other mode"), text + "74747874  ttxt");
+}
+
+TEST_F(PlanForMacintosh, LinksLeadToLinks) {
+    std::vector<Content> children;
+    // Each comes before the one that it leads to.
+    children.push_back({"1 alias of an alias", FinderAlias{2}, {}});
+    children.push_back({"2 alias of a link", FinderAlias{4}, {}});
+    children[1].identity = 2;
+    children.push_back({"3 link to a link", HardLink{4}, {}});
+    children.push_back({"4 link", HardLink{5}, {}});
+    children[3].identity = 4;
+    children.push_back(Content::file("5 file", "only once"));
+    children[4].identity = 5;
+    EXPECT_DONE(burn(makeDrive(), discOf(Content::folder("Disc", children), both)));
+    extractAll(image(), both, "Disc");
+    EXPECT_EQ(shown("rr"), "3 link to a link=only once 4 link=only once 5 file=only once ");
+    EXPECT_EQ(run("stat -c %h 'rr/5 file'"), "3\n");
+    EXPECT_NE(bytesOf(base / "hfsplus/1 alias of an alias:rsrc").find("/2 alias of a link"),
+              std::string::npos);
+    children.clear();
+    children.push_back({"to the other", HardLink{2}, {}});
+    children.push_back({"back", HardLink{1}, {}});
+    children[0].identity = 1;
+    children[1].identity = 2;
+    const std::string circle = "The hard link \"to the other\" points at nothing that is on the disc; add "
+                               "the file, or leave the link out.";
+    EXPECT_FAILED(burn(freshDrive(), discOf(Content::folder("Disc", std::move(children)), both)),
+                  FileLocationConflict, circle);
+    children.clear();
+    children.push_back(Content::folder("folder"));
+    children[0].identity = 1;
+    children.push_back({"link", HardLink{1}, {}});
+    EXPECT_FAILED(
+        burn(freshDrive(), discOf(Content::folder("Disc", std::move(children)), both)), FileLocationConflict,
+        "The hard link \"link\" points at what is no file; a hard link is one more name of a file.");
 }
 
 TEST_F(PlanForMacintosh, DatesAndTheFindersValuesAreKept) {

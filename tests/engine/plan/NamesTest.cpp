@@ -21,28 +21,38 @@ std::string namesOf(const std::vector<GivenName>& given, const NameForm& form) {
 TEST(PlanNames, LevelOneHasEightCharactersAndThree) {
     const IsoForm form(1);
     EXPECT_EQ(form.legal("measurement 1.jpeg", false), "MEASUREM.JPE");
-    EXPECT_EQ(form.legal("a.b.c", false), "A_B.C");
-    EXPECT_EQ(form.legal("no extension", false), "NO_EXTEN.");
-    EXPECT_EQ(form.legal(".hidden", false), "_HIDDEN.");
-    EXPECT_EQ(form.legal("dot.", false), "DOT_.");
-    EXPECT_EQ(form.legal("folder.with.dots", true), "FOLDER_W");
-    EXPECT_EQ(form.legal("grü\xff 漢.txt", false), "GR____.TXT");
+    EXPECT_EQ(form.legal("a.b.c", false), "AB.C");
+    EXPECT_EQ(form.legal("no extension", false), "NOEXTENS");
+    EXPECT_EQ(form.legal(".hidden", false), "HIDDEN");
+    EXPECT_EQ(form.legal("dot.", false), "DOT");
+    EXPECT_EQ(form.legal("...", false), "_");
+    EXPECT_EQ(form.legal("folder.with.dots", true), "FOLDERWI");
+    EXPECT_EQ(form.legal("Grü\xff 漢ße\u0301.txt", false), "GRUE.TXT") << "without accents";
+    EXPECT_EQ(form.legal("漢字.txt", false), "_.TXT");
+    EXPECT_EQ(form.legal("ab.???", false), "AB");
 }
 
 TEST(PlanNames, TheOtherLevelsHaveThirty) {
     const IsoForm form(2);
-    EXPECT_EQ(form.legal(std::string(40, 'x') + ".text", false), std::string(26, 'X') + ".TEXT");
-    EXPECT_EQ(form.legal(std::string(40, 'x'), true), std::string(31, 'X'));
-    EXPECT_EQ(form.legal("a." + std::string(40, 'e'), false), "A." + std::string(27, 'E'));
+    EXPECT_EQ(form.legal(std::string(40, 'x') + ".text", false), std::string(25, 'X') + ".TEXT");
+    EXPECT_EQ(form.legal(std::string(40, 'x'), true), std::string(30, 'X'));
+    EXPECT_EQ(form.legal("a." + std::string(40, 'e'), false), "A." + std::string(28, 'E'));
+    EXPECT_EQ(form.legal("this: is an unusual$ filename.with_extension", false),
+              "THIS: IS AN UNU.WITH_EXTENSION");
+    EXPECT_EQ(form.legal("my long, long directory", true), "MY LONG LONG DIRECTORY");
+    EXPECT_EQ(form.legal("a !\"%&'()*+-:<=>?_b#$,/;@[\\]^`{|}~\x7F\t.", false), "A !\"%&'()*+-:<=>?_B");
+    EXPECT_EQ(form.legal("\u2260\u226E\u226F\u212A\u212B\u1EC7", false), "=<>KAE");
 }
 
 TEST(PlanNames, SiblingsGetNumbersInsideOfTheLimit) {
-    EXPECT_EQ(namesOf({{"measure 1.txt"}, {"measure 2.txt"}, {"MEASURE_.TXT"}, {"measure_.txt"}}, IsoForm(1)),
+    EXPECT_EQ(namesOf({{"measure_1.txt"}, {"measure_2.txt"}, {"MEASURE_.TXT"}, {"measure_.txt"}}, IsoForm(1)),
               "MEASURE_.TXT|MEAS_001.TXT|MEAS_002.TXT|MEAS_003.TXT|");
-    EXPECT_EQ(namesOf({{"a+b.txt"}, {"a_001.txt"}, {"a-b.txt"}, {"a b.txt"}}, IsoForm(3)),
-              "A_B.TXT|A_001.TXT|A_B_001.TXT|A_B_002.TXT|");
-    // For who looks them up, a folder and a file that ends in a dot have one name.
-    EXPECT_EQ(namesOf({{"same", true}, {"same."}, {"Same"}}, IsoForm(1)), "SAME|SAME_.|SAME_001|");
+    EXPECT_EQ(namesOf({{"a#b.txt"}, {"a_001.txt"}, {"a$b.txt"}, {"ab.txt"}}, IsoForm(3)),
+              "AB.TXT|A_001.TXT|AB_001.TXT|AB_002.TXT|");
+    // For who looks them up, a folder and a file without an extension have one name; spaces at an end are none.
+    EXPECT_EQ(namesOf({{"same", true}, {"same."}, {"Same"}}, IsoForm(1)), "SAME|SAME_001|SAME_002|");
+    EXPECT_EQ(namesOf({{"README"}, {"README."}, {"readme  "}, {"r .md"}, {"r.md "}}, IsoForm(2)),
+              "README|README_001|README  _001|R .MD|R_001.MD |");
 }
 
 TEST(PlanNames, JolietReplacesWhatItCannotHold) {
@@ -78,8 +88,8 @@ TEST(PlanNames, TwoThatWereTheSameAreRefused) {
         EXPECT_EQ(problem.error().message,
                   "Two items of one folder are named \"a\"; give one of them another name.");
     }
-    EXPECT_EQ(namesOf({{"A.", false, true}, {"A.", false, true}}, IsoForm(1)), "A.|A_001|")
-        << "final ones are numbered";
+    EXPECT_EQ(namesOf({{"A", false, true}, {"A", false, true}}, IsoForm(1)), "A|A_001|")
+        << "an item's own ones are numbered";
 }
 
 // As many as there are: names that all become one, and names that become one only when they are cut for a number.

@@ -156,7 +156,7 @@ TEST_F(PlanSessions, WithoutRockRidgeNamesAreTheSameAgain) {
     EXPECT_DONE(burn(drive, plain("1", filesystem::iso9660), open()));
     EXPECT_DONE(burn(drive, plain("2", filesystem::iso9660), open()));
     run("7zz x -y -tiso -oplain '" + image().string() + "'");
-    EXPECT_EQ(shown("plain"), "FOLDER_/ FOLDER_/IN_1=1 FOLDER_/IN_2=2 README.TXT=2 ");
+    EXPECT_EQ(shown("plain"), "FOLDER:/ FOLDER:/IN 1=1 FOLDER:/IN 2=2 README.TXT=2 ");
 }
 
 TEST_F(PlanSessions, WithoutRockRidgeNamesInJolietAreTheSameAgain) {
@@ -166,7 +166,35 @@ TEST_F(PlanSessions, WithoutRockRidgeNamesInJolietAreTheSameAgain) {
     run("7zz x -y -tiso -oplain '" + image().string() + "'");
     EXPECT_EQ(shown("plain"), "Folder_/ Folder_/in 1=1 Folder_/in 2=2 readme.txt=2 ");
     EXPECT_EQ(run("isoinfo -f -i '" + image().string() + "' | sort"),
-              "/FOLDER_\n/FOLDER_/IN_1.;1\n/FOLDER_/IN_2.;1\n/README.TXT;1\n");
+              "/FOLDER:\n/FOLDER:/IN 1.;1\n/FOLDER:/IN 2.;1\n/README.TXT;1\n");
+}
+
+// What a reader without Rock Ridge knows an item by, it finds it by again; the new one of two gets the number.
+TEST_F(PlanSessions, NamesInIso9660StayWhatTheyWere) {
+    const auto added = [&](const char* name, const char* iso, const std::string& bytes, bool rockRidge) {
+        Content item = Content::file(name, bytes);
+        item.names = std::make_shared<const FilesystemNames>(
+            FilesystemNames{.joliet = "", .udf = "", .hfsPlus = "", .iso = iso});
+        Layout what = discOf(Content::folder("Disc", {std::move(item)}), filesystem::iso9660);
+        std::get<DataTrack>(what.sessions[0].tracks[0].content).rockRidge = rockRidge;
+        return what;
+    };
+    for (const bool rockRidge : {true, false}) {
+        const auto drive = freshDrive();
+        EXPECT_DONE(burn(drive, added("first", "SPECIAL (1)", "1", rockRidge), open()));
+        EXPECT_DONE(burn(drive, added("special (1)", "", "2", rockRidge), open()));
+        const std::string beside = "/SPECIAL (1).;1\n/SPECIAL (1)_001.;1\n";
+        // Without Rock Ridge that is the same item.
+        const std::string listed = run("isoinfo -f -i '" + image().string() + "' | sort");
+        EXPECT_EQ(listed, rockRidge ? beside : "/SPECIAL (1).;1\n");
+        EXPECT_DONE(burn(drive, added("first", "SPECIAL (1)", "3", rockRidge), open()));
+        EXPECT_EQ(run("isoinfo -f -i '" + image().string() + "' | sort"), listed) << "in its own place";
+        EXPECT_EQ(run("isoinfo -i '" + image().string() + "' -x '/SPECIAL (1).;1'"), "3");
+        if (rockRidge) {
+            extractRockRidge(image());
+            EXPECT_EQ(shown("rr"), "first=3 special (1)=2 ");
+        }
+    }
 }
 
 // The old names in HFS+ aren't read; what ISO 9660 shows anew is new there, too.
@@ -199,13 +227,13 @@ TEST_F(PlanSessions, WhatIsInvisibleStaysSoUntilItIsAddedAgain) {
         burn(drive, discOf(Content::folder("Disc", {Content::folder("shown again")}), isoAndJoliet), open()));
     // The newest session's records are the last ones; their flags stand eight bytes in front of the name.
     const std::string disc = bytesOf(image());
-    for (const auto& [name, hidden] : {std::pair{"HIDDEN", 1}, {"SHOWN_AGAIN", 0}}) {
+    for (const auto& [name, hidden] : {std::pair{"HIDDEN", 1}, {"SHOWN AGAIN", 0}}) {
         const size_t at = disc.rfind(name);
         ASSERT_NE(at, std::string::npos);
         EXPECT_EQ(disc[at - 8] & 3, 2 | hidden) << name;
         std::string wide;
         for (const char* letter = name; *letter != '\0'; ++letter)
-            wide += {'\0', *letter == '_' ? ' ' : static_cast<char>(*letter - 'A' + 'a')};
+            wide += {'\0', *letter == ' ' ? ' ' : static_cast<char>(*letter - 'A' + 'a')};
         const size_t joliet = disc.rfind(wide);
         ASSERT_NE(joliet, std::string::npos);
         EXPECT_EQ(disc[joliet - 8] & 3, 2 | hidden) << name;

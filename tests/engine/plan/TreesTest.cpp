@@ -64,6 +64,56 @@ TEST_F(PlanTrees, SymbolicLinksNeedAFileSystemThatHasThem) {
     EXPECT_EQ(run("isoinfo -f -i '" + image().string() + "'"), "/FILE.;1\n");
 }
 
+TEST_F(PlanTrees, ASymbolicLinkThatNoFileSystemCanHoldFailsTheBurn) {
+    fs::create_symlink("nowhere", source / "real link");
+    const auto refused = [&](const std::string& name, Content item, uint8_t filesystems) {
+        Layout what = discOf(Content::folder("Disc", {std::move(item)}), filesystems);
+        std::get<DataTrack>(what.sessions[0].tracks[0].content).rockRidge = false;
+        EXPECT_FAILED(burn(freshDrive(), what), FilesystemsNotSupported,
+                      "None of the disc's file systems can hold the symbolic link \"" + name +
+                          "\"; put it into Rock Ridge, UDF or HFS+, or leave it out.");
+    };
+    const uint8_t both = filesystem::iso9660 | filesystem::joliet;
+    refused("link", Content::link("link", "file"), both);
+    refused("real link", Content::real(source.string()), both);
+    Content inJoliet = Content::link("link", "file");
+    inJoliet.filesystems = filesystem::joliet;
+    refused("link", std::move(inJoliet), both | filesystem::hfsPlus);
+}
+
+// Readers that know ISO 9660 only find these; Rock Ridge's are as they were.
+TEST_F(PlanTrees, NamesOfTheirOwnInIso9660) {
+    const auto burned = [&](uint8_t level, bool rockRidge) {
+        std::vector<Content> children;
+        for (const auto& [name, iso] : {std::pair{"one thing.txt", "OTHER (1).TXT"},
+                                        {"Other (1).txt", ""},
+                                        {"no legal~name", "also not.legal;name"},
+                                        {"Übersicht.tar.gz", ""}}) {
+            children.push_back(Content::file(name, name));
+            children.back().names = std::make_shared<const FilesystemNames>(
+                FilesystemNames{.joliet = "", .udf = "", .hfsPlus = "", .iso = iso});
+        }
+        children.push_back(Content::folder("a.folder"));
+        Layout what = discOf(Content::folder("Disc", std::move(children)), filesystem::iso9660);
+        auto& track = std::get<DataTrack>(what.sessions[0].tracks[0].content);
+        track.isoLevel = level;
+        track.rockRidge = rockRidge;
+        EXPECT_DONE(burn(freshDrive(), what));
+        return run("isoinfo -f -i '" + image().string() + "' | sort");
+    };
+    for (const bool rockRidge : {false, true}) {
+        EXPECT_EQ(burned(1, rockRidge),
+                  "/AFOLDER\n/ALSONOT.LEG;1\n/OTHER1.TXT;1\n/OTHE_001.TXT;1\n/UBERSICH.GZ;1\n");
+        for (const uint8_t level : {uint8_t{2}, uint8_t{3}})
+            EXPECT_EQ(burned(level, rockRidge), "/AFOLDER\n/ALSO NOT.LEGALNAME;1\n/OTHER (1).TXT;1\n"
+                                                "/OTHER (1)_001.TXT;1\n/UBERSICHTTAR.GZ;1\n");
+    }
+    extractRockRidge(image());
+    EXPECT_EQ(shown("rr"),
+              "Other (1).txt=Other (1).txt a.folder/ no legal~name=no legal~name one thing.txt=one thing.txt "
+              "Übersicht.tar.gz=Übersicht.tar.gz ");
+}
+
 TEST_F(PlanTrees, AHardLinkWithAttributesOfItsOwnHasTheSameBytes) {
     std::vector<Content> children;
     children.push_back(Content::file("file", "only once"));
@@ -119,7 +169,8 @@ struct Maker {
             for (size_t system = 0; system < systems; ++system)
                 if ((here & shown & written) >> system & 1)
                     places[system] = wanted[system] / called[system][i];
-            const bool isLink = oneIn(6);
+            const uint8_t able = filesystem::iso9660 | filesystem::hfsPlus;
+            const bool isLink = oneIn(6) && (here & shown & written & able) != 0;
             if (isLink) { // 7zz can't read a UDF volume that has one
                 here &= static_cast<uint8_t>(~filesystem::udf);
                 places[2].clear();

@@ -1,0 +1,111 @@
+#!/usr/bin/python3
+"""What a program is told that items are called in ISO 9660 is what they are called on the disc: read by isoinfo and pycdlib,
+which look at ISO 9660's own names."""
+import os
+import subprocess
+import unittest
+
+import pycdlib
+
+from examples_case import ExamplesCase
+
+NAMES = ("this: is an unusual$ filename.with_extension", "measurement 1.txt", "measurement 2.txt", "measurement 3.txt",
+         "README", "readme.", "Read Me", "Übersicht.tar.gz", ".profile", "漢字.txt", "文字.txt", "a,b;c.txt", "abc.txt")
+
+
+class IsoNames(ExamplesCase):
+    BURN = """
+Dim track As DRTrackQRX = DRTrackQRX.trackForRootFolder(root)
+Dim settings As Dictionary = track.properties
+settings.Value(DRTrackQRX.DRISOLevel) = {level}
+settings.Value(DRTrackQRX.DRISORockRidgeExtensions) = {rock_ridge}
+track.properties = settings
+Dim burn As New DRBurnQRX(DRDeviceQRX.device(0))
+burn.completionAction = DRBurnQRX.DRBurnCompletionActionMount
+burn.BurnFailureAction = DRBurnQRX.DRBurnFailureActionNone
+burn.{how} = True
+burn.writeLayout(track)
+Dim state As String
+Do
+  App.DoEvents(10)
+  state = burn.status.Value(DRBurnQRX.DRStatusStateKey)
+Loop Until state = DRBurnQRX.DRStatusStateDone Or state = DRBurnQRX.DRStatusStateFailed
+Print state
+"""
+
+    def burn(self, lines, level=2, rock_ridge=True, how="Overwrite"):
+        """Burns root, which the lines fill; answers what the program printed before the burn."""
+        text = "\n".join(['Dim root As DRFolderQRX = DRFolderQRX.virtualFolderWithName("Names")', *lines,
+                          self.BURN.format(level=level, rock_ridge=rock_ridge, how=how)])
+        said = self.succeed(self.write("names.bas", text.encode(), self.scratch)).splitlines()
+        self.assertEqual(said[-1], "DRStatusStateDone")
+        return said[:-1]
+
+    def on_disc(self):
+        """Names as they are stored, without the version and a dot in front of it; isoinfo's and pycdlib's are the same."""
+        listed = subprocess.run(["isoinfo", "-f", "-i", self.image()], capture_output=True, text=True, check=True).stdout
+        iso = pycdlib.PyCdlib()
+        iso.open(self.image())
+        found = []
+        for folder, folders, files in iso.walk(iso_path="/"):
+            found += [os.path.join(folder, name) for name in folders + files]
+        iso.close()
+        self.assertEqual(sorted(found), sorted(listed.splitlines()))
+        for name in found:
+            self.assertTrue(name.endswith(";1") or "." not in name, name)
+        return sorted(name.removesuffix(";1").removesuffix(".")[1:] for name in found)
+
+    def children(self, level):
+        """A file for each name, a folder, a name of its own and one that collides with it; then what they are called."""
+        kind = "DRISO9660LevelOne" if level == 1 else "DRISO9660LevelTwo"
+        lines = ["Dim item As DRFSObjectQRX"]
+        for name in NAMES:
+            lines += [f'item = DRFileQRX.virtualFileWithName("{name}", Nil)', "root.addChild(item)"]
+        return [*lines, 'root.addChild(DRFolderQRX.virtualFolderWithName("my long, long directory"))',
+                'item = DRFileQRX.virtualFileWithName("special", Nil)',
+                f'item.specificNameForFilesystem(DRFSObjectQRX.{kind}) = "As I (say).it"', "root.addChild(item)",
+                'root.addChild(DRFileQRX.virtualFileWithName("asi(say).it", Nil))',
+                'root.addChild(DRFileQRX.virtualFileWithName("as i (say).IT", Nil))',
+                "For Each item In root.children", f"Print item.mangledNameForFilesystem(DRFSObjectQRX.{kind})", "Next"]
+
+    def test_what_a_program_is_told_is_on_the_disc(self):
+        for level in (1, 2, 3):
+            for rock_ridge in (True, False):
+                with self.subTest(level=level, rock_ridge=rock_ridge):
+                    told = self.burn(self.children(level), level, rock_ridge)
+                    self.assertEqual(len(set(told)), len(NAMES) + 4)
+                    self.assertEqual(self.on_disc(), sorted(told))
+                    some = ["THISISAN.WIT", "MEAS_001.TXT", "MYLONGLO", "ASISAY.IT", "ASIS_001.IT"] if level == 1 else [
+                        "THIS: IS AN UNU.WITH_EXTENSION", "MEASUREMENT 2.TXT", "MY LONG LONG DIRECTORY", "AS I (SAY).IT",
+                        "AS I (SAY)_001.IT", "ASI(SAY).IT"]
+                    for name in [*some, "_.TXT", "__001.TXT", "ABC.TXT", "ABC_001.TXT"]:
+                        self.assertIn(name, told)
+                    if rock_ridge:
+                        self.assertLessEqual(set(NAMES) | {"special", "asi(say).it"}, set(self.files_on(self.image())))
+
+    def test_a_real_folder_is_named_by_the_same_rules(self):
+        for name in NAMES:
+            self.write(name, b"x")
+        for kind, level in (("DRISO9660LevelOne", 1), ("DRISO9660LevelTwo", 2)):
+            told = self.burn([
+                f'Dim folder As DRFolderQRX = DRFolderQRX.folderWithPath("{self.source}")', "root.addChild(folder)",
+                f'Dim same As DRFolderQRX = DRFolderQRX.folderWithPath("{self.source}")', "same.makeVirtual()",
+                "Dim item As DRFSObjectQRX", "For Each item In same.children",
+                f"Print item.mangledNameForFilesystem(DRFSObjectQRX.{kind})", "Next"], level)
+            self.assertEqual(self.on_disc(), sorted(["HOLIDAY"] + ["HOLIDAY/" + name for name in told]))
+            self.assertEqual(len(told), len(NAMES) + 1)
+
+    def test_a_session_that_is_added_keeps_the_names(self):
+        told = self.burn(self.children(2), how="appendable")
+        more = ['root.addChild(DRFileQRX.virtualFileWithName("later", Nil))',
+                'root.addChild(DRFileQRX.virtualFileWithName("later$", Nil))',
+                # Where an old item has the name, the new one gets a number.
+                'root.addChild(DRFileQRX.virtualFileWithName("a~bc.txt", Nil))']
+        self.burn(more, how="appendable")
+        self.assertEqual(self.on_disc(), sorted([*told, "LATER", "LATER_001", "ABC_002.TXT"]))
+        self.burn(self.children(2), how="appendable")
+        self.assertEqual(self.on_disc(), sorted([*told, "LATER", "LATER_001", "ABC_002.TXT"]))
+
+
+if __name__ == "__main__":
+    unittest.main()
