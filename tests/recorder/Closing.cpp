@@ -11,6 +11,8 @@ void reserveTrack(Recorder& recorder, Request& request) {
     State& state = recorder.state;
     require(state.writing() == Writing::Sequential && !state.finalised, senses::incompatibleMedium);
     require(state.openTrack() == nullptr, senses::commandSequenceError);
+    require(!state.onlyAtOnce || state.writesDVDAtOnce(), senses::illegalModeForTrack);
+    recorder.rehearseIfAsked();
     const int64_t unit = state.facts().alignment;
     Track track;
     track.number = static_cast<int>(state.tracks.size()) + 1;
@@ -56,6 +58,8 @@ void blank(Recorder& recorder, Request& request) {
     const uint8_t how = request.byte(1) & 7;
     require(how <= 1, senses::invalidFieldInCommand);
     state.makeBlank();
+    // A DVD-RW that was only blanked quickly takes one session in one go until all of it is blanked.
+    state.onlyAtOnce = how == 1 && *state.medium == Kind::DVDRW;
     if (how == 0) recorder.dropData();
     recorder.goOnInBackground((request.byte(1) & 0x10) != 0);
 }

@@ -60,6 +60,8 @@ int transport(Device& device, sg_io_hdr& io) {
     if (isOut && bytes != nullptr) request.out = {bytes, io.dxfer_len};
     request.wanted = isOut || io.dxfer_direction == SG_DXFER_NONE ? 0 : io.dxfer_len;
     const auto sense = device.recorder.execute(request);
+    if (request.byte(0) == 0x2A || request.byte(0) == 0xAA)
+        ::usleep(static_cast<useconds_t>(1000 * device.recorder.state.faults.slowWrites));
     if (device.recorder.state.gone) {
         errno = ENODEV;
         return -1;

@@ -87,6 +87,7 @@ void State::makeBlank() {
     closedSessions = 0;
     finalised = false;
     formatted = false;
+    onlyAtOnce = false;
 }
 
 } // namespace recorder

@@ -69,15 +69,18 @@ struct Faults {
     std::vector<int64_t> readErrors;  ///< blocks that can't be read
     std::vector<int64_t> writeErrors; ///< blocks that can't be written
     bool powerCalibration = false;
-    int64_t goneAfterWrites = -1; ///< the drive leaves the bus after that many WRITE commands
-    int64_t busyEveryWrites = 0;  ///< every so many WRITEs are answered with "long write in progress" once
-    int64_t flipOnWrite = -1;     ///< this block is written with one bit wrong, silently
+    int64_t goneAfterWrites = -1;   ///< the drive leaves the bus after that many WRITE commands
+    int64_t busyEveryWrites = 0;    ///< every so many WRITEs are answered with "long write in progress" once
+    int64_t flipOnWrite = -1;       ///< this block is written with one bit wrong, silently
+    int64_t slowWrites = 0;         ///< milliseconds that each WRITE takes
+    bool claimsIncremental = false; ///< feature 21h is told of media that only take a session in one go
 };
 
 /// What is on the medium.
 struct Written {
-    bool formatted = false; ///< of kinds that need it
-    bool finalised = false; ///< nothing can follow any more
+    bool formatted = false;  ///< of kinds that need it
+    bool finalised = false;  ///< nothing can follow any more
+    bool onlyAtOnce = false; ///< a DVD-RW that was blanked quickly: takes one session, written in one go
     int closedSessions = 0;
     std::vector<Track> tracks;
     std::string catalogue; ///< MCN, 13 digits
@@ -88,6 +91,8 @@ struct State : Written {
     std::string vendor = "TESTLAB", product = "MMC RECORDER", revision = "1.00", serial = "0001";
     bool trayOpen = false, locked = false, gone = false, attention = false;
     bool canTestWrite = true;
+    int loadingMechanism = 1; ///< as in mode page 2A: 0 caddy or slot, 1 tray, 2 pop-up
+    bool canEject = true;
     std::optional<Kind> medium;
     int64_t capacity = 0;
     Data writeParameters; ///< mode page 05
@@ -120,6 +125,8 @@ struct State : Written {
     int64_t nextTrackStart() const noexcept;
     int64_t freeBlocks(int64_t from) const noexcept;
     void makeBlank();
+    /// The next blocks belong to a session of a DVD-R or -RW that is written in one go (write type 2).
+    bool writesDVDAtOnce() const noexcept { return isDVDMinus() && (writeParameters[2] & 0x0F) == 2; }
 };
 
 std::optional<Kind> kindNamed(const std::string& name);

@@ -42,6 +42,7 @@ std::vector<Feature> features(const State& state) {
     const bool isBD = is({Kind::BDR, Kind::BDRE});
     const bool isDVD = present && !isCD && !isBD;
     const bool sequential = present && state.writing() == Writing::Sequential;
+    const bool incremental = sequential && !isBD && (!state.onlyAtOnce || state.faults.claimsIncremental);
     const bool overwrite = present && state.writing() == Writing::Overwrite;
     const bool overwriteDVDRW = overwrite && kind == Kind::DVDRW;
     const uint8_t unit = present ? static_cast<uint8_t>(state.facts().alignment) : 1;
@@ -69,7 +70,7 @@ std::vector<Feature> features(const State& state) {
         {0x001E, 2, false, isCD, {3, 0, 0, 0}}, // CD-Text and C2
         {0x001F, 1, false, isDVD, {1, 0, 1, 0}},
         {0x0020, 1, false, overwrite, randomWritable},
-        {0x0021, 3, false, sequential && !isBD, {0x01, 0x07, 1, 1, 7, 0, 0, 0}},
+        {0x0021, 3, false, incremental, {0x01, 0x07, 1, 1, 7, 0, 0, 0}},
         {0x0023, 1, false, overwrite || is({Kind::DVDRW, Kind::BDR}), {0x0F, 0, 0, 0, 1, 0, 0, 0}},
         {0x0024, 0, false, is({Kind::DVDRAM, Kind::BDRE}), {0, 0, 0, 0}},
         {0x0026, 0, false, overwriteDVDRW, {}},

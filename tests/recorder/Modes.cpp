@@ -19,7 +19,8 @@ Data capabilitiesPage(const State& state) {
     page[3] = static_cast<uint8_t>(0x33 | (state.canTestWrite ? 0x04 : 0)); // writes CD-R, -RW, DVD-R, -RAM
     page[4] = 0xF1; // underrun protection, multi-session, Mode 2, audio
     page[5] = 0x73; // audio by READ CD, C2 no, ISRC, MCN
-    page[6] = static_cast<uint8_t>(0x29 | (state.locked ? 0x02 : 0));
+    page[6] = static_cast<uint8_t>(state.loadingMechanism << 5 | (state.canEject ? 0x08 : 0) |
+                                   (state.locked ? 0x02 : 0) | 0x01);
     page[7] = 0x20; // R-W in the lead-in
     put(page, 8, 2, 48 * 176);
     put(page, 12, 2, 2048); // KiB of buffer

@@ -102,6 +102,11 @@ void Recorder::goOnInBackground(bool immediate) {
     if (immediate) state.busyPolls = state.busyTotal = 3;
 }
 
+void Recorder::rehearseIfAsked() {
+    const bool isTest = (state.writeParameters[2] & 0x10) != 0 && (state.isCD() || state.isDVDMinus());
+    if (isTest && !rehearsed) rehearsed = std::make_unique<Written>(state);
+}
+
 // What may come before a command is looked at (MMC-5, 4.1.8; SPC-3, 5.9.7): a changed medium is told once, and
 // what goes on in the background is told until it is over.
 void Recorder::check(uint8_t opcode) {

@@ -47,6 +47,8 @@ class Recorder {
     void goOnInBackground(bool immediate);
     /// Test writes change `state` only; this is what is really on the medium.
     std::unique_ptr<Written> rehearsed;
+    /// The write parameters ask for a test, of a medium that knows tests: from here on it is one.
+    void rehearseIfAsked();
 
   private:
     class Lock;

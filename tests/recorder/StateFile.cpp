@@ -63,6 +63,8 @@ Faults readFaults(const Json& json) {
     faults.goneAfterWrites = json.value("goneAfterWrites", int64_t{-1});
     faults.busyEveryWrites = json.value("busyEveryWrites", int64_t{0});
     faults.flipOnWrite = json.value("flipOnWrite", int64_t{-1});
+    faults.slowWrites = json.value("slowWrites", int64_t{0});
+    faults.claimsIncremental = json.value("claimsIncremental", false);
     return faults;
 }
 
@@ -72,7 +74,9 @@ Json written(const Faults& faults) {
             {"powerCalibration", faults.powerCalibration},
             {"goneAfterWrites", faults.goneAfterWrites},
             {"busyEveryWrites", faults.busyEveryWrites},
-            {"flipOnWrite", faults.flipOnWrite}};
+            {"flipOnWrite", faults.flipOnWrite},
+            {"slowWrites", faults.slowWrites},
+            {"claimsIncremental", faults.claimsIncremental}};
 }
 
 } // namespace
@@ -89,10 +93,13 @@ State loadState(const std::string& folder) {
     state.gone = json.value("gone", false);
     state.attention = json.value("attention", false);
     state.canTestWrite = json.value("canTestWrite", true);
+    state.loadingMechanism = json.value("loadingMechanism", 1);
+    state.canEject = json.value("canEject", true);
     state.medium = kindNamed(json.value("medium", ""));
     state.capacity = json.value("capacity", state.medium ? state.facts().capacity : 0);
     state.formatted = json.value("formatted", false);
     state.finalised = json.value("finalised", false);
+    state.onlyAtOnce = json.value("onlyAtOnce", false);
     state.closedSessions = json.value("closedSessions", 0);
     for (const Json& track : json.value("tracks", Json::array()))
         state.tracks.push_back(readTrack(track));
@@ -119,10 +126,13 @@ void saveState(const std::string& folder, const State& state) {
                  {"gone", state.gone},
                  {"attention", state.attention},
                  {"canTestWrite", state.canTestWrite},
+                 {"loadingMechanism", state.loadingMechanism},
+                 {"canEject", state.canEject},
                  {"medium", state.medium ? state.facts().name : ""},
                  {"capacity", state.capacity},
                  {"formatted", state.formatted},
                  {"finalised", state.finalised},
+                 {"onlyAtOnce", state.onlyAtOnce},
                  {"closedSessions", state.closedSessions},
                  {"tracks", Json::array()},
                  {"catalogue", state.catalogue},

@@ -36,10 +36,6 @@ void checkFaults(const State& state, int64_t block) {
     refuse(sense);
 }
 
-bool isTest(const State& state) {
-    return (state.writeParameters[2] & 0x10) != 0 && (state.isCD() || state.isDVDMinus());
-}
-
 void storeBlock(Recorder& recorder, int64_t block, SectorMode mode, View bytes) {
     checkFaults(recorder.state, block);
     if (recorder.state.isCD())
@@ -82,6 +78,9 @@ Track& trackForWriting(State& state, int64_t block, SectorMode mode) {
 
 void writeTrackAtOnce(Recorder& recorder, int64_t block, uint32_t count, View bytes) {
     State& state = recorder.state;
+    // Drives say it like that, and programs know it (MMC-5, 4.10.2 and 5.3.14).
+    require(state.writesDVDAtOnce() ? state.closedSessions == 0 : !state.onlyAtOnce,
+            senses::illegalModeForTrack);
     const auto [mode, length] = blocksOf(state);
     require(bytes.size() == count * length, senses::invalidFieldInCommand);
     require(block + count <= state.capacity, senses::blockOutOfRange);
@@ -209,7 +208,7 @@ void write(Recorder& recorder, Request& request, uint32_t count) {
         return;
     }
     require(!state.finalised, senses::writeProtected);
-    if (isTest(state) && !recorder.rehearsed) recorder.rehearsed = std::make_unique<Written>(state);
+    recorder.rehearseIfAsked();
     if (state.isCD() && (state.writeParameters[2] & 0x0F) == 2)
         writeSessionAtOnce(recorder, block, count, request.out);
     else
@@ -224,9 +223,8 @@ void synchronize(Recorder& recorder, Request&) {
     State& state = recorder.state;
     Track* open = state.writing() == Writing::Sequential ? state.openTrack() : nullptr;
     if (open == nullptr || open->written == 0) return;
-    const uint8_t writeType = state.writeParameters[2] & 0x0F;
-    if (state.isCD() && writeType == 1) closeTrack(recorder, *open);
-    if (state.isDVDMinus() && writeType == 2) {
+    if (state.isCD() && (state.writeParameters[2] & 0x0F) == 1) closeTrack(recorder, *open);
+    if (state.writesDVDAtOnce()) {
         closeTrack(recorder, *open);
         closeSession(recorder, state.writeParameters[3] >> 6 == 3);
     }
@@ -241,7 +239,7 @@ void sendCueSheet(Recorder& recorder, Request& request) {
     const CueSheet sheet = readCueSheet(request.out);
     require(sheet.firstTrack().from == state.nextTrackStart() - 150, senses::invalidFieldInParameters);
     require(sheet.end() <= state.capacity + 2, senses::blockOutOfRange);
-    if (isTest(state) && !recorder.rehearsed) recorder.rehearsed = std::make_unique<Written>(state);
+    recorder.rehearseIfAsked();
     state.cueSheet.assign(request.out.begin(), request.out.end());
     state.cuePosition = sheet.parts.front().from;
     state.text.clear();

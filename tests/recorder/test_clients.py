@@ -274,6 +274,28 @@ class Case(RecorderTest):
     def test_xorriso_on_dvdrw(self):
         self.lives("DVD-RW")
 
+    def test_a_dvdrw_that_was_blanked_quickly(self):
+        self.insert("DVD-RW")
+        _, one = self.image(320, 1)
+        second, two = self.image(480, 2)
+        self.tool(*CDRSKIN, "-data", one)
+        self.tool(*CDRSKIN, "blank=deformat_sequential_quickest")
+        self.assertTrue(self.state()["onlyAtOnce"])
+        self.assertNotEqual(self.run_tool(*CDRSKIN, "-tao", "-multi", "-data", two).returncode, 0)
+        self.assertEqual(self.tracks(), [])
+        self.tool(*CDRSKIN, "-data", two)
+        self.assertTrue(self.state()["finalised"])
+        self.assertEqual(self.read_back(0, 480), second)
+        self.tool(*CDRSKIN, "blank=all")
+        self.tool(*CDRSKIN, "-multi", "-tao", "-data", one)
+        self.assertFalse(self.state()["finalised"])
+        self.tool("xorriso", "-outdev", DEVICE, "-blank", "fast")
+        tree, data = self.folder_tree()
+        self.tool("xorriso", "-outdev", DEVICE, "-close", "on", "-map", tree, "/", "-commit")
+        self.tool("xorriso", "-osirrox", "on", "-indev", DEVICE, "-extract", "/noise.bin", "noise.back")
+        with open(os.path.join(self.scratch, "noise.back"), "rb") as file:
+            self.assertEqual(file.read(), data)
+
     def test_xorriso_on_dvdrw_formatted(self):
         self.insert("DVD-RW")
         self.tool("xorriso", "-outdev", DEVICE, "-format", "full")

@@ -171,6 +171,35 @@ class Case(RecorderTest):
         self.start("DVD+RW")
         self.assertEqual(self.write(0, bytes(16 * BLOCK)), "5/30/05")
 
+    def feature(self, code):
+        """Whether a feature is current."""
+        answer = self.send(f"46 02 {code:04x} 00 00 00 00 10 00", room=16)
+        return len(answer) > 10 and answer[10] & 1 == 1
+
+    def test_a_quickly_blanked_dvdrw_takes_one_session_in_one_go(self):
+        self.start("DVD-RW")
+        self.assertTrue(self.feature(0x21))
+        self.assertEqual(self.send("a1 01 00 00 00 00 00 00 00 00 00 00"), b"")
+        self.assertFalse(self.feature(0x21))
+        self.select(write_type=0)
+        self.assertEqual(self.send("53 00 00 00 00 00 00 00 20 00"), "5/64/00")
+        self.assertEqual(self.write(0, bytes(16 * BLOCK)), "5/64/00")
+        self.select(write_type=2)
+        self.assertEqual(self.send("53 00 00 00 00 00 00 00 20 00"), b"")
+        self.assertEqual(self.write(0, bytes(32 * BLOCK)), b"")
+        self.assertEqual(self.send("35 00 00 00 00 00 00 00 00 00"), b"")
+        self.assertTrue(self.state()["finalised"])
+        self.assertEqual(self.send("a1 00 00 00 00 00 00 00 00 00 00 00"), b"")
+        self.assertTrue(self.feature(0x21))
+        self.select(write_type=0)
+        self.assertEqual(self.write(0, bytes(16 * BLOCK)), b"")
+
+    def test_a_drive_that_promises_too_much(self):
+        self.start("DVD-RW", onlyAtOnce=True, faults={"claimsIncremental": True})
+        self.assertTrue(self.feature(0x21))
+        self.select(write_type=0)
+        self.assertEqual(self.write(0, bytes(16 * BLOCK)), "5/64/00")
+
     def test_formatting_in_the_background(self):
         self.start("DVD+RW")
         descriptor = bytes([0, 2, 0, 8]) + (2295104).to_bytes(4, "big") + bytes([0x26 << 2, 0, 0, 0])

@@ -140,7 +140,9 @@ void PhysicalDrive::learn() {
     capabilities_.writesTrackAtOnce = capabilities_.writesSessionAtOnce = writesCD;
     capabilities_.writesCDText = capabilities_.writesIndexPoints = capabilities_.writesISRC = writesCD;
     capabilities_.choosesPreGap = writesCD;
-    capabilities_.writesDVDAtOnce = false; // the library writes DVDs incrementally (WriteJob)
+    // Others take their blocks as they come, and have no such way.
+    capabilities_.writesDVDAtOnce =
+        capabilities_.canWrite(MediumKind::DVDR) || capabilities_.canWrite(MediumKind::DVDRW);
     capabilities_.writesBDAtOnce = capabilities_.canWriteAny(MediumClass::BD);
     capabilities_.writeBufferBytes = static_cast<uint32_t>(info.buffer_size) * 1024;
 }

@@ -64,7 +64,7 @@ void eraseMedium(burn_drive* drive, const MediumInfo& medium, EraseType type, co
     waitUntilIdle(drive, [&] {
         burn_progress now{};
         burn_drive_get_status(drive, &now);
-        if (now.sectors > 0) progress(std::clamp(static_cast<double>(now.sector) / now.sectors, 0.0, 1.0));
+        progress(now.sectors > 0 ? std::clamp(static_cast<double>(now.sector) / now.sectors, 0.0, 1.0) : -1);
     });
     if (burn_drive_wrote_well(drive) == 0)
         throw Failure(libraryError(ErrorCode::MediaWriteFailure, "The disc can't be erased."));

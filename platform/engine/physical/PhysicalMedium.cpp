@@ -105,12 +105,27 @@ void describeSessions(burn_drive* drive, MediumInfo& medium, bool isCD) {
     }
 }
 
-bool takesTestWriting(burn_drive* drive) {
+// Of what can't be written as it is the library says nothing; its kind knows tests all the same.
+bool takesTestWriting(burn_drive* drive, bool isCD) {
     burn_multi_caps* caps = nullptr;
-    const bool takes =
-        burn_disc_get_multi_caps(drive, BURN_WRITE_NONE, &caps, 0) > 0 && caps->might_simulate != 0;
+    const bool isKnown = burn_disc_get_multi_caps(drive, BURN_WRITE_NONE, &caps, 0) > 0;
+    const bool takes = isKnown ? caps->might_simulate != 0 : isCD || isSequentialDVDMinus(drive);
     if (caps != nullptr) burn_disc_free_multi_caps(&caps);
     return takes;
+}
+
+// What a full DVD-RW would hold: the largest of the sizes that it can be formatted to.
+uint64_t formattedBlocks(burn_drive* drive) {
+    int status = 0, formats = 0;
+    off_t size = 0, largest = 0;
+    unsigned more = 0;
+    if (burn_disc_get_formats(drive, &status, &size, &more, &formats) <= 0) return 0;
+    for (int index = 0; index < formats; ++index) {
+        int type = 0;
+        if (burn_disc_get_format_descr(drive, index, &type, &size, &more) > 0)
+            largest = std::max(largest, size);
+    }
+    return static_cast<uint64_t>(largest) / blockSize;
 }
 
 // Media that take blocks in any order have no sessions of their own: what is on them, their file system says.
@@ -164,7 +179,10 @@ void describeSequential(burn_drive* drive, MediumInfo& medium, burn_disc_status 
     }
     if (medium.appendable) {
         const std::unique_ptr<burn_write_opts, Deleter> options(burn_write_opts_new(drive));
-        burn_write_opts_set_write_type(options.get(), BURN_WRITE_TAO, BURN_BLOCK_MODE1);
+        if (isSequentialDVDMinus(drive) && !takesIncrements(drive))
+            burn_write_opts_set_write_type(options.get(), BURN_WRITE_SAO, BURN_BLOCK_SAO);
+        else
+            burn_write_opts_set_write_type(options.get(), BURN_WRITE_TAO, BURN_BLOCK_MODE1);
         int start = 0, next = 0;
         if (burn_disc_track_lba_nwa(drive, options.get(), 0, &start, &next) > 0 && next >= 0)
             medium.nextWritableBlock = static_cast<uint64_t>(next);
@@ -181,6 +199,8 @@ void describeSequential(burn_drive* drive, MediumInfo& medium, burn_disc_status 
         if (isCD && burn_disc_read_atip(drive) > 0 &&
             burn_drive_get_start_end_lba(drive, &start, &end, 0) > 0 && end > 2)
             medium.capacityBlocks = static_cast<uint64_t>(end - 2);
+        else if (const uint64_t blocks = formattedBlocks(drive); !isCD && medium.erasable && blocks > 0)
+            medium.capacityBlocks = blocks;
         if (!facts.writable) medium.capacityBlocks = medium.blocksUsed;
     }
     // Documented: re-writable media are always overwritable, and so are blank ones that are written once.
@@ -242,6 +262,20 @@ bool takesBlocksInAnyOrder(burn_drive* drive) {
     return profile == 0x12 || profile == 0x13 || profile == 0x1A || profile == 0x43;
 }
 
+bool isSequentialDVDMinus(burn_drive* drive) {
+    int profile = 0;
+    char name[80];
+    burn_disc_get_profile(drive, &profile, name);
+    return profile == 0x11 || profile == 0x14 || profile == 0x15;
+}
+
+bool takesIncrements(burn_drive* drive) {
+    burn_multi_caps* caps = nullptr;
+    const bool takes = burn_disc_get_multi_caps(drive, BURN_WRITE_TAO, &caps, 0) > 0;
+    if (caps != nullptr) burn_disc_free_multi_caps(&caps);
+    return takes;
+}
+
 std::optional<MediumInfo> describeMedium(burn_drive* drive, const std::string& path) {
     burn_disc_status status = burn_disc_get_status(drive);
     for (int attempt = 0; status == BURN_DISC_UNREADY && attempt < 100; ++attempt) {
@@ -258,7 +292,7 @@ std::optional<MediumInfo> describeMedium(burn_drive* drive, const std::string& p
     medium.capacityBlocks = factsOf(*kind).capacityBlocks;
     medium.speeds = speedsOf(drive);
     medium.path = path;
-    medium.takesTests = takesTestWriting(drive);
+    medium.takesTests = takesTestWriting(drive, factsOf(*kind).mediumClass == MediumClass::CD);
     if (takesBlocksInAnyOrder(drive))
         describeOverwritable(drive, medium);
     else

@@ -35,6 +35,7 @@ class PhysicalTarget final : public BurnTarget {
                 const std::lock_guard commands(hold->drive().commands());
                 hold->drive().reopen();
             }
+            waitUntilIdle(hold->get(), [] {}); // it may still be blanking, which nothing stops
             hold->drive().endBurn();
             hold = nullptr;
         };
@@ -67,12 +68,15 @@ class PhysicalTarget final : public BurnTarget {
             fail(ErrorCode::FunctionNotSupported,
                  "How much of the disc in " + name() +
                      " the first layer takes is the drive's choice; burn without a size for it.");
-        // The library writes at once only what is alone on a blank CD, and of one kind.
-        atOnce_ = isCD_ && plan.strategy == Strategy::CDSessionAtOnce && isFirst && plan.sessions.size() == 1;
+        chooseWay(plan, isFirst);
         for (const auto& session : plan.sessions)
             checkForms(session);
-        if (isCD_) checkStrategy(plan);
-        if (!atOnce_) checkTrackAtOnce(plan);
+        checkStrategy(plan);
+        if (!isCD_ || !atOnce_) checkTrackAtOnce(plan);
+        if (plan.isTest && erases_)
+            fail(ErrorCode::MediaNotBlank, "A test burn erases nothing, and the " +
+                                               std::string(factsOf(medium_.kind).name) + " in " + name() +
+                                               " is not blank; erase it first, or burn it without a test.");
     }
 
     void place(BurnPlan& plan, size_t session, size_t track) override {
@@ -189,11 +193,31 @@ class PhysicalTarget final : public BurnTarget {
         if (hasData && hasAudio) atOnce_ = false;
     }
 
+    // The library writes at once only what is alone on a blank CD, and of one kind. A DVD-R or -RW that is not to stay open
+    // is written at once: every such disc takes that, a DVD-RW that was blanked quickly nothing else.
+    void chooseWay(const BurnPlan& plan, bool isFirst) {
+        if (isCD_) {
+            atOnce_ = plan.strategy == Strategy::CDSessionAtOnce && isFirst && plan.sessions.size() == 1;
+            return;
+        }
+        if (!isSequentialDVDMinus(hold_->get()) || !isFirst) return;
+        const bool takesMore = medium_.blank && takesIncrements(hold_->get());
+        atOnce_ = !plan.appendable || (plan.isTest && !takesMore);
+        // Deliberate: it takes as long as writing the whole disc, but a disc that stays open was asked for.
+        erasesAll_ = !atOnce_ && !takesMore && medium_.kind == MediumKind::DVDRW;
+    }
+
     // The drive may know a way that the library can't go with what is to be written, or with what is on the disc.
     void checkStrategy(const BurnPlan& plan) const {
         const auto& required = plan.requiredStrategies;
-        const Strategy taken = atOnce_ ? Strategy::CDSessionAtOnce : Strategy::CDTrackAtOnce;
-        if (required.empty() || std::find(required.begin(), required.end(), taken) != required.end()) return;
+        const auto isRequired = [&](Strategy way) {
+            return std::find(required.begin(), required.end(), way) != required.end();
+        };
+        const bool isTaken = isCD_ ? isRequired(atOnce_ ? Strategy::CDSessionAtOnce : Strategy::CDTrackAtOnce)
+                             : factsOf(medium_.kind).mediumClass == MediumClass::DVD
+                                 ? atOnce_ && isRequired(Strategy::DVDAtOnce)
+                                 : isRequired(Strategy::BDAtOnce);
+        if (required.empty() || isTaken) return;
         fail(ErrorCode::StrategyNotAvailable, "The " + std::string(factsOf(medium_.kind).name) + " in " +
                                                   name() +
                                                   " can't be written in the way that was asked for; choose "
@@ -219,9 +243,11 @@ class PhysicalTarget final : public BurnTarget {
 
     void prepareMedium() {
         burn_drive* drive = hold_->get();
-        if (erases_) {
-            eraseMedium(drive, medium_, EraseType::Quick,
-                        [this](double) { return !signal_ || !signal_->isCanceled(); });
+        if (erases_ || erasesAll_) {
+            eraseMedium(drive, medium_, erasesAll_ ? EraseType::Complete : EraseType::Quick, [this](double) {
+                if (signal_) signal_->check();
+                return true;
+            });
             hold_->drive().reassess();
         }
         int status = 0, formats = 0;
@@ -256,7 +282,8 @@ class PhysicalTarget final : public BurnTarget {
     MediumInfo medium_;
     const bool isCD_, anyOrder_;
     std::vector<SessionInfo> before_;
-    bool renewsStart_ = false, erases_ = false, atOnce_ = false, isTest_ = false, takesPreGap_ = false;
+    bool renewsStart_ = false, erases_ = false, erasesAll_ = false, atOnce_ = false, isTest_ = false,
+         takesPreGap_ = false;
     SignalRef signal_;
     std::shared_ptr<WriteJob> job_;
     size_t track_ = 0; ///< of the session

@@ -2,6 +2,7 @@
 #include "WriteJob.hpp"
 #include "../Failure.hpp"
 #include "BurnLibrary.hpp"
+#include "PhysicalTarget.hpp"
 
 #include <algorithm>
 #include <array>
@@ -93,6 +94,8 @@ void WriteJob::setOptions(const BurnPlan& plan, size_t session, bool anyOrder, b
     const std::vector<PlannedTrack>& tracks = plan.sessions[session];
     const bool isLast = session + 1 == plan.sessions.size();
     const bool staysOpen = !isLast || plan.appendable;
+    // Written at once a DVD is complete: of one that is to stay open only a test is.
+    const bool closes = atOnce && isSequentialDVDMinus(hold_->get());
     const bool isSheet = std::any_of(tracks.begin(), tracks.end(), [](const PlannedTrack& each) {
         return each.info.form == BlockForm::Audio;
     });
@@ -101,7 +104,7 @@ void WriteJob::setOptions(const BurnPlan& plan, size_t session, bool anyOrder, b
     else
         burn_write_opts_set_write_type(options_, BURN_WRITE_TAO, BURN_BLOCK_MODE1);
     burn_write_opts_set_perform_opc(options_, 0);
-    burn_write_opts_set_multi(options_, staysOpen && !anyOrder ? 1 : 0);
+    burn_write_opts_set_multi(options_, staysOpen && !anyOrder && !closes ? 1 : 0);
     burn_write_opts_set_simulate(options_, plan.isTest ? 1 : 0);
     burn_write_opts_set_underrun_proof(options_, plan.underrunProtection ? 1 : 0);
     if (anyOrder)
@@ -151,6 +154,13 @@ Error WriteJob::problem() const {
                 "The drive " + inQuotes(drive.displayName()) + " went away while it wrote.",
                 drive.path(),
                 {}};
+    // Drives are known that promise more of a DVD-RW that was blanked quickly than it takes.
+    if (burn_drive_was_feat21_failure(hold_->get()) > 0)
+        return libraryError(
+            ErrorCode::MediaWriteFailure,
+            "The DVD-RW in " + inQuotes(drive.displayName()) +
+                " takes no disc that stays open, because it was only erased quickly; erase it "
+                "completely, or burn it so that nothing can be appended.");
     return libraryError(ErrorCode::MediaWriteFailure, "The disc in " + inQuotes(drive.displayName()) +
                                                           " could not be written; try another disc.");
 }
