@@ -98,10 +98,22 @@ void callBody(const Closure& closure, void* result, void** addresses) {
         storeResult(convert(value, type, "the result of " + closure.declaration.name), type, result);
 }
 
+// Under the lock; what is no exception of a program's leaves both as they are.
+void describe(const std::exception_ptr& thrown, std::string& name, std::string& reason) {
+    try {
+        std::rethrow_exception(thrown);
+    } catch (const Exception& exception) {
+        name = exception.className();
+        reason = exception.message().empty() ? name : exception.message();
+    } catch (...) {
+    }
+}
+
 void enter(ffi_cif*, void* result, void** addresses, void* user) {
     const auto& closure = *static_cast<Closure*>(user);
     zeroResult(closure.declaration.result, result);
     std::exception_ptr thrown;
+    std::string name = "RuntimeException", reason = "the program ended inside an event handler";
     {
         const ThreadEntry entry;
         const Locked lock;
@@ -111,9 +123,12 @@ void enter(ffi_cif*, void* result, void** addresses, void* user) {
         } catch (...) {
             thrown = std::current_exception();
             zeroResult(closure.declaration.result, result);
+            describe(thrown, name, reason);
         }
     }
-    if (thrown) keepForLater(std::move(thrown));
+    if (!thrown) return;
+    keepForLater(std::move(thrown));
+    if (!isInForeignCall()) raiseOnPlatformThread(name, reason);
 }
 
 bool prepare(Closure& made) {

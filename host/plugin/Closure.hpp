@@ -10,7 +10,8 @@ namespace host {
 // when there is no memory for it.
 //
 // What the body raises stops here: the C function answers 0 (nil, "") and the exception waits for the plug-in
-// function that this thread called to return (or becomes a stray exception, on a thread of the platform's).
+// function that this thread called to return. On a thread of the platform's it becomes a stray exception, and a platform
+// exception of its name and message leaves the C function: a 0 may be a good answer, so the platform could not tell.
 REALproc closureFor(const Member& member, const Declaration& declaration);
 
 } // namespace host

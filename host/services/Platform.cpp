@@ -146,6 +146,18 @@ void runLoop(double seconds) {
     std::this_thread::sleep_until(end);
 }
 
+void raiseOnPlatformThread(const std::string& name, const std::string& reason) {
+    const Id thread = classNamed("NSThread");
+    if (!thread || send<uint8_t>(thread, "isMainThread")) return;
+    const auto text = [](const std::string& bytes) {
+        auto* const string = const_cast<void*>(static_cast<const void*>(fromBytes(bytes, kREALEncodingUTF8)));
+        return send<Id>(string ? string : send<Id>(classNamed("NSString"), "new"), "autorelease");
+    };
+    send<void>(send<Id>(classNamed("NSException"), "exceptionWithName:reason:userInfo:", text(name),
+                        text(reason), Id{}),
+               "raise");
+}
+
 CFStringRef newPlatformString(REALstring string) {
     if (!string) return nullptr;
     auto encoding = encodingOf(string);

@@ -4,6 +4,7 @@
 
 #include "plugin/frame/PluginInterface.h"
 
+#include <string>
 #include <string_view>
 
 namespace host {
@@ -28,6 +29,10 @@ void registerThread();
 // Lets the platform deliver what waits for this thread's run loop, for at most that many seconds, with the
 // BASIC lock given up meanwhile. Without a platform it sleeps. What App.DoEvents and Sleep do.
 void runLoop(double seconds);
+
+// Raises a platform exception on a thread of the platform's own. Returns on the main thread, where programs run and nobody
+// waits for one, and without a platform.
+void raiseOnPlatformThread(const std::string& name, const std::string& reason);
 
 // A new platform string, or null without a platform or when it can't decode the bytes.
 CFStringRef newPlatformString(REALstring string);

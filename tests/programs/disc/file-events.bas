@@ -11,6 +11,8 @@ Class Produced Inherits DRFileQRX
     End Event
 
     Event calculateSizeOfFile(fork As Integer, estimating As Boolean) As UInt64
+        If Mode = "unsized" Then Raise New UnsupportedOperationException("no size today")
+        If Mode = "nil" Then Raise New NilObjectException
         If fork <> DRFileQRX.DRFileForkData Or estimating Then Return 1
         Return 5000
     End Event
@@ -57,21 +59,29 @@ Function BurnOf(mode As String) As String
         App.DoEvents(1)
     Catch e As UnsupportedOperationException
         raised = " and " + e.Message
+    Catch e As NilObjectException
+        raised = " and what was nil"
     End Try
     WaitFor(burn)
     Dim status As Dictionary = burn.status
     If status.Value(DRBurnQRX.DRStatusStateKey) = DRBurnQRX.DRStatusStateDone Then Return "done" + raised
     Dim problem As Dictionary = status.Value(DRBurnQRX.DRErrorStatusKey)
     Dim code As Integer = problem.Value(DRBurnQRX.DRErrorStatusErrorKey)
-    Return Hex(code) + ": " + problem.Value(DRBurnQRX.DRErrorStatusErrorStringKey).StringValue + raised
+    Dim text As String = Hex(code) + ": " + problem.Value(DRBurnQRX.DRErrorStatusErrorStringKey).StringValue
+    If problem.HasKey(DRBurnQRX.DRErrorStatusErrorInfoStringKey) Then
+        text = text + " (" + problem.Value(DRBurnQRX.DRErrorStatusErrorInfoStringKey).StringValue + ")"
+    End If
+    Return text + raised
 End Function
 
 Print BurnOf("unprepared") ' expect: 80020062: The producer of the file "produced.bin" could not prepare it, or can't tell its size.
-Print BurnOf("raises") ' expect: 80020062: The producer of the file "produced.bin" gave 0 bytes of the 5000 that it had announced. and no bytes today
+Print BurnOf("raises") ' expect: 80020062: The producer of the file "produced.bin" gave 0 bytes of the 5000 that it had announced. (no bytes today) and no bytes today
+Print BurnOf("unsized") ' expect: 80020062: The producer of the file "produced.bin" could not prepare it, or can't tell its size. (no size today) and no size today
+Print BurnOf("nil") ' expect: 80020062: The producer of the file "produced.bin" could not prepare it, or can't tell its size. (NilObjectException) and what was nil
 Print BurnOf("short") ' expect: 80020062: The producer of the file "produced.bin" gave 3000 bytes of the 5000 that it had announced.
 Print BurnOf("more") ' expect: 80020062: The producer of the file "produced.bin" says that it gave more than it was asked for.
 Print DRDeviceQRX.device(0).mediaIsBlank ' expect: True
 Print BurnOf("slow") ' expect: done
 App.DoEvents(200)
-Print Produced.Prepared ' expect: 5
-Print Produced.CleanedUp ' expect: 5
+Print Produced.Prepared ' expect: 7
+Print Produced.CleanedUp ' expect: 7
