@@ -13,6 +13,10 @@ BurnPlan planOf(const Layout& layout, const BurnOptions& options);
 /// what is not possible there.
 void fitPlan(BurnPlan& plan, const BurnOptions& options, const Drive& drive, const MediumInfo& medium);
 
+/// Blocks of the first layer, of a wanted number above 1 or a wanted part below 1 of what is burned: whole steps of 16, and
+/// as many as a layer must have.
+uint64_t l0DataZoneBlocks(double wanted, uint64_t burned, uint64_t capacity) noexcept;
+
 /// The index points of a track whose length is known. Throws InvalidIndexPoints.
 void checkIndexPoints(const TrackInfo& track);
 

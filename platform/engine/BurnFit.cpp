@@ -3,6 +3,7 @@
 #include "Failure.hpp"
 
 #include <algorithm>
+#include <cmath>
 
 namespace engine {
 namespace {
@@ -218,6 +219,14 @@ class Fitter {
 
 void fitPlan(BurnPlan& plan, const BurnOptions& options, const Drive& drive, const MediumInfo& medium) {
     Fitter(plan, options, drive, medium).fit();
+}
+
+uint64_t l0DataZoneBlocks(double wanted, uint64_t burned, uint64_t capacity) noexcept {
+    if (wanted > 1) return static_cast<uint64_t>(wanted);
+    const auto part = static_cast<uint64_t>(std::ceil(wanted * static_cast<double>(burned)));
+    const uint64_t steps = (part + stepOfL0DataZone - 1) / stepOfL0DataZone;
+    return std::min(std::max(steps * stepOfL0DataZone, leastL0DataZone),
+                    capacity / stepOfL0DataZone * stepOfL0DataZone);
 }
 
 void checkSpace(const BurnPlan& plan, const Drive& drive, const MediumInfo& medium) {

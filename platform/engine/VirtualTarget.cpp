@@ -1,6 +1,7 @@
 // Writing to a virtual drive's medium.
 #include "VirtualTarget.hpp"
 #include "Background.hpp"
+#include "BurnChecks.hpp"
 #include "Failure.hpp"
 #include "SectorWriter.hpp"
 #include "SessionPlaces.hpp"
@@ -46,8 +47,7 @@ class VirtualTarget final : public BurnTarget {
         endState_ = plan.appendable ? MediumState::Appendable : MediumState::Complete;
         const bool hasTwoLayers =
             record_.kind == MediumKind::DVDRDualLayer || record_.kind == MediumKind::DVDPlusRDoubleLayer;
-        if (plan.doubleLayerL0DataZone && *plan.doubleLayerL0DataZone > 1 && hasTwoLayers)
-            record_.doubleLayerL0DataZoneBlocks = static_cast<uint64_t>(*plan.doubleLayerL0DataZone);
+        setsL0DataZone_ = plan.doubleLayerL0DataZone && hasTwoLayers;
         if (!plan.mediaCatalogNumber.empty()) record_.mediaCatalogNumber = plan.mediaCatalogNumber;
     }
 
@@ -61,6 +61,11 @@ class VirtualTarget final : public BurnTarget {
     void openSession(const BurnPlan& plan, size_t session) override {
         plan_ = &plan;
         session_ = session;
+        if (setsL0DataZone_) {
+            const TrackInfo& last = plan.sessions.back().back().info;
+            record_.doubleLayerL0DataZoneBlocks = l0DataZoneBlocks(
+                *plan.doubleLayerL0DataZone, last.startBlock + last.blocks, record_.capacityBlocks);
+        }
         const std::vector<PlannedTrack>& tracks = plan.sessions[session];
         SessionInfo added;
         added.number = static_cast<uint32_t>(record_.sessions.size() + 1);
@@ -223,7 +228,8 @@ class VirtualTarget final : public BurnTarget {
     const MediumFacts& facts_;
     MediumInfo medium_;
     bool isTest_ = false;
-    bool replaces_ = false;    ///< new files take the place of the old ones at the end
+    bool replaces_ = false; ///< new files take the place of the old ones at the end
+    bool setsL0DataZone_ = false;
     bool renewsStart_ = false; ///< readers find the newest file system through the first blocks
     std::string stem_;
     size_t kept_ = 0; ///< sessions that were there

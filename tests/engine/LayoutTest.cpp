@@ -209,6 +209,16 @@ TEST_F(LayoutTest, theFirstLayer) {
     EXPECT_DONE(burn(twoLayers, of({data()}), options));
     EXPECT_EQ(twoLayers->mediumInfo()->doubleLayerL0DataZoneBlocks, 262144u);
     EXPECT_EQ(burn(twoLayers, of({data()}), options).error->code, ErrorCode::DoubleLayerL0AlreadySpecified);
+    EXPECT_EQ(l0DataZoneBlocks(262160, 1000, 4171712), 262160u);
+    EXPECT_EQ(l0DataZoneBlocks(0.5, 2000001, 4171712), 1000016u) << "of what is burned, in whole steps";
+    EXPECT_EQ(l0DataZoneBlocks(0.75, 2000000, 4171712), 1500000u);
+    EXPECT_EQ(l0DataZoneBlocks(0.5, 1000, 4171712), 262144u) << "the least that a layer takes";
+    EXPECT_EQ(l0DataZoneBlocks(0.999, 300015, 300015), 299728u);
+    options.doubleLayerL0DataZone = 0.5;
+    const auto parted = drive(MediumKind::DVDPlusRDoubleLayer);
+    EXPECT_DONE(burn(parted, of({data()}), options));
+    EXPECT_EQ(parted->mediumInfo()->doubleLayerL0DataZoneBlocks, 262144u);
+    EXPECT_EQ(burn(parted, of({data()}), options).error->code, ErrorCode::DoubleLayerL0AlreadySpecified);
     options.doubleLayerL0DataZone = 17;
     EXPECT_DONE(burn(drive(MediumKind::DVDR), of({data()}), options)); // one layer: nothing to set
 }
