@@ -134,13 +134,6 @@ std::u16string keyOf(NameRule rule, std::u16string name) {
     return name;
 }
 
-std::u16string numberText(size_t number, size_t digits) {
-    std::u16string text(digits, u'0');
-    for (size_t at = digits; at-- > 0; number /= 10)
-        text[at] = static_cast<char16_t>(u'0' + number % 10);
-    return text;
-}
-
 size_t powerOfTen(size_t exponent) {
     size_t power = 1;
     while (exponent-- > 0)
@@ -149,35 +142,56 @@ size_t powerOfTen(size_t exponent) {
 }
 
 // Gives names out. The numbers tried so far are kept for each stem as it is when cut, so that none is tried
-// twice, whatever it was cut from.
+// twice, whatever it was cut from; and where each name stands is kept, too, so that one more of it takes a step.
 class Names {
   public:
-    explicit Names(NameRule rule) : rule_(rule) {}
+    Names(NameRule rule, size_t expected) : rule_(rule) { taken_.reserve(expected); }
 
     bool take(const std::u16string& name) { return taken_.insert(keyOf(rule_, name)).second; }
 
     std::u16string another(const Sibling& sibling) {
-        const Parts whole = split(sibling.name, sibling.isFolder);
-        for (size_t digits = 3;; ++digits) {
-            const Parts parts = fitting(rule_, whole, digits + 1);
-            Parts zeros = parts;
-            zeros.stem += u'_' + std::u16string(digits, u'0');
-            const auto [place, isNew] =
-                next_.try_emplace(keyOf(rule_, joined(zeros)), digits == 3 ? 1 : powerOfTen(digits - 1));
-            const size_t end = powerOfTen(digits);
-            while (place->second < end) {
-                Parts tried = parts;
-                tried.stem += u'_' + numberText(place->second++, digits);
-                std::u16string name = joined(tried);
-                if (take(name)) return name;
-            }
+        Wanted& wanted = wanted_[sibling.isFolder ? sibling.name + u'/' : sibling.name];
+        while (true) {
+            while (wanted.number == nullptr || *wanted.number == wanted.end)
+                takeMoreDigits(wanted, sibling);
+            std::u16string name = wanted.stem;
+            appendNumber(name, (*wanted.number)++, wanted.digits);
+            name += wanted.extension;
+            if (take(name)) return name;
         }
     }
 
   private:
+    struct Wanted {
+        std::u16string stem, extension; // what is left of it beside the number
+        size_t digits = 2;
+        size_t* number = nullptr; // of next_
+        size_t end = 0;
+    };
+
+    static void appendNumber(std::u16string& to, size_t number, size_t digits) {
+        to += u'_';
+        to.resize(to.size() + digits, u'0');
+        for (size_t at = to.size(); number > 0; number /= 10)
+            to[--at] = static_cast<char16_t>(u'0' + number % 10);
+    }
+
+    void takeMoreDigits(Wanted& wanted, const Sibling& sibling) {
+        const size_t digits = ++wanted.digits;
+        Parts parts = fitting(rule_, split(sibling.name, sibling.isFolder), digits + 1);
+        wanted.stem = std::move(parts.stem);
+        wanted.extension = parts.extension.empty() ? u"" : u'.' + parts.extension;
+        std::u16string zeros = wanted.stem;
+        appendNumber(zeros, 0, digits);
+        const size_t first = digits == 3 ? 1 : powerOfTen(digits - 1);
+        wanted.number = &next_.try_emplace(keyOf(rule_, zeros + wanted.extension), first).first->second;
+        wanted.end = powerOfTen(digits);
+    }
+
     NameRule rule_;
     std::unordered_set<std::u16string> taken_;
     std::unordered_map<std::u16string, size_t> next_;
+    std::unordered_map<std::u16string, Wanted> wanted_;
 };
 
 } // namespace
@@ -186,7 +200,7 @@ std::u16string legalName(NameRule rule, std::u16string_view name, bool isFolder)
     Parts parts = split(name, isFolder && isISO(rule));
     parts.stem = legalUnits(rule, parts.stem);
     parts.extension = legalUnits(rule, parts.extension);
-    if (parts.stem.empty()) parts.stem = u"_";
+    if (parts.stem.empty()) parts.stem += u'_';
     // "." and ".." are no names of their own anywhere.
     if (parts.extension.empty() && (parts.stem == u"." || parts.stem == u".."))
         std::replace(parts.stem.begin(), parts.stem.end(), u'.', u'_');
@@ -194,7 +208,7 @@ std::u16string legalName(NameRule rule, std::u16string_view name, bool isFolder)
 }
 
 std::vector<std::u16string> mangledNames(NameRule rule, const std::vector<Sibling>& siblings) {
-    Names names(rule);
+    Names names(rule, siblings.size());
     std::vector<std::u16string> result(siblings.size());
     std::vector<size_t> others;
     for (size_t i = 0; i < siblings.size(); ++i) {

@@ -28,16 +28,24 @@ void dropLast(std::string& text) {
     if (!text.empty()) text.pop_back();
 }
 
-// The name with the suffix in front of its extension, as much of it as fits.
-std::string withSuffix(std::string_view name, bool isFolder, std::string_view suffix, const NameForm& form) {
+struct Cut {
+    std::string stem, extension; // the latter with its dot
+};
+
+// What stays of a name around a suffix, so that all of it fits. Suffixes of digits are alike when they are of one length.
+Cut cutFor(std::string_view name, bool isFolder, std::string_view suffix, const NameForm& form) {
     const size_t dot = extensionOf(name, isFolder);
-    std::string stem(name.substr(0, dot)), extension(name.substr(dot));
-    while (true) {
-        const std::string whole = stem + std::string(suffix) + extension;
-        if (form.fits(whole, isFolder) || (stem.empty() && extension.empty())) return whole;
+    Cut cut{std::string(name.substr(0, dot)), std::string(name.substr(dot))};
+    while (!form.fits(cut.stem + std::string(suffix) + cut.extension, isFolder) &&
+           !(cut.stem.empty() && cut.extension.empty()))
         // An extension that leaves no room for the name is cut, too.
-        dropLast(stem.size() > 1 || extension.empty() ? stem : extension);
-    }
+        dropLast(cut.stem.size() > 1 || cut.extension.empty() ? cut.stem : cut.extension);
+    return cut;
+}
+
+std::string withSuffix(std::string_view name, bool isFolder, std::string_view suffix, const NameForm& form) {
+    const Cut cut = cutFor(name, isFolder, suffix, form);
+    return cut.stem + std::string(suffix) + cut.extension;
 }
 
 // Each character as `put` has it; what is no UTF-8 is a character of its own.
@@ -94,41 +102,58 @@ size_t unitsOf(std::string_view utf8) {
     return units;
 }
 
-// Gives numbers out: what a name is cut to for its number goes on where the last such one stopped.
+// Gives numbers out: what a name is cut to for its number goes on where the last such one stopped. Where each name stands
+// is kept, so that one more of it takes a step.
 class Numbers {
   public:
     Numbers(const NameForm& form, size_t expected) : form_(form) { taken_.reserve(expected); }
 
     bool take(std::string_view name) { return taken_.insert(form_.keyOf(name)).second; }
 
-    std::string another(std::string_view name, bool isFolder) {
-        for (int digits = 3;; ++digits) {
-            std::string probe = "_" + std::string(static_cast<size_t>(digits), '0');
-            uint32_t& number = next_[form_.keyOf(withSuffix(name, isFolder, probe, form_))];
-            const uint32_t end = digits >= 9 ? UINT32_MAX : powerOfTen(digits);
-            if (number == 0) number = digits == 3 ? 1 : powerOfTen(digits - 1);
-            while (number < end) {
-                std::string suffix = std::to_string(number++);
-                const size_t missing =
-                    static_cast<size_t>(digits) - std::min(suffix.size(), static_cast<size_t>(digits));
-                suffix.insert(0, "_" + std::string(missing, '0'));
-                std::string tried = withSuffix(name, isFolder, suffix, form_);
-                if (take(tried)) return tried;
-            }
+    std::string another(const std::string& name, bool isFolder) {
+        Wanted& wanted = wanted_[isFolder ? name + '/' : name];
+        while (true) {
+            while (wanted.number == nullptr || *wanted.number == wanted.end)
+                takeMoreDigits(wanted, name, isFolder);
+            std::string tried = wanted.cut.stem + suffixOf((*wanted.number)++, wanted.digits);
+            tried += wanted.cut.extension;
+            if (take(tried)) return tried;
         }
     }
 
   private:
-    static uint32_t powerOfTen(int exponent) {
-        uint32_t power = 1;
+    struct Wanted {
+        Cut cut;
+        size_t digits = 2;
+        uint64_t* number = nullptr; // of next_
+        uint64_t end = 0;
+    };
+
+    static std::string suffixOf(uint64_t number, size_t digits) {
+        std::string suffix = std::to_string(number);
+        return suffix.insert(0, "_" + std::string(digits - std::min(digits, suffix.size()), '0'));
+    }
+
+    static uint64_t powerOfTen(size_t exponent) {
+        uint64_t power = 1;
         while (exponent-- > 0)
             power *= 10;
         return power;
     }
 
+    void takeMoreDigits(Wanted& wanted, const std::string& name, bool isFolder) {
+        const size_t digits = ++wanted.digits;
+        const std::string zeros = suffixOf(0, digits);
+        wanted.cut = cutFor(name, isFolder, zeros, form_);
+        const std::string key = form_.keyOf(wanted.cut.stem + zeros + wanted.cut.extension);
+        wanted.number = &next_.try_emplace(key, digits == 3 ? 1 : powerOfTen(digits - 1)).first->second;
+        wanted.end = powerOfTen(digits);
+    }
+
     const NameForm& form_;
     std::unordered_set<std::string> taken_;
-    std::unordered_map<std::string, uint32_t> next_;
+    std::unordered_map<std::string, uint64_t> next_;
+    std::unordered_map<std::string, Wanted> wanted_;
 };
 
 } // namespace
@@ -138,7 +163,7 @@ std::string IsoForm::legal(std::string_view name, bool isFolder) const {
     std::string stem = isoCharacters(name.substr(0, dot), level_);
     std::string extension;
     if (dot < name.size()) extension = isoCharacters(name.substr(dot + 1), level_);
-    if (stem.empty()) stem = '_';
+    if (stem.empty()) stem += '_';
     extension.resize(std::min<size_t>(extension.size(), level_ == 1 ? 3 : isoNameLimit - 2));
     const size_t behind = extension.empty() ? 0 : extension.size() + 1;
     stem.resize(std::min<size_t>(stem.size(), level_ == 1 ? 8 : isoNameLimit - behind));
