@@ -104,8 +104,8 @@ std::optional<std::array<int16_t, Count>> shortsFor(NSDictionary* properties, NS
     return numbers;
 }
 
-std::shared_ptr<const engine::MacAttributes> macAttributesOf(DRFSObject* object) {
-    NSDictionary* properties = [object propertiesForFilesystem:DRHFSPlus mergeWithOtherFilesystems:YES];
+std::shared_ptr<const engine::MacAttributes> macAttributesOf(DRFSObject* object, NSString* filesystemName) {
+    NSDictionary* properties = [object propertiesForFilesystem:filesystemName mergeWithOtherFilesystems:YES];
     if ([properties count] == 0)
         return nullptr;
     engine::MacAttributes mac;
@@ -127,6 +127,12 @@ std::shared_ptr<const engine::MacAttributes> macAttributesOf(DRFSObject* object)
     return std::make_shared<const engine::MacAttributes>(mac);
 }
 
+// Only for what has one of the values that ISO 9660's extensions hold.
+std::shared_ptr<const engine::MacAttributes> isoMacOf(DRFSObject* object) {
+    auto mac = macAttributesOf(object, DRISO9660);
+    return mac && (mac->type || mac->creator || mac->flags) ? mac : nullptr;
+}
+
 // One set of attributes goes into all file systems: ISO 9660's where the item is in that.
 engine::Attributes attributesOf(DRFSObject* object, uint8_t mask) {
     NSString* name = (mask & filesystem::iso9660)   ? DRISO9660
@@ -144,15 +150,15 @@ engine::Attributes attributesOf(DRFSObject* object, uint8_t mask) {
     if (id invisible = [properties objectForKey:DRInvisible]; invisible != nil)
         attributes.invisible = [invisible boolValue];
     if ((mask & filesystem::hfsPlus) != 0)
-        attributes.mac = macAttributesOf(object);
+        attributes.mac = macAttributesOf(object, DRHFSPlus);
     return attributes;
 }
 
 class ContentReader {
   public:
     ContentReader(DRFolder* root, const engine::DataTrack& track, bool estimating)
-        : root_(root), estimating_(estimating), isoForm_(track.isoLevel),
-          isoNames_(track.isoLevel == 1 ? DRISO9660LevelOne : DRISO9660LevelTwo) {}
+        : root_(root), estimating_(estimating), hasMacExtensions_(track.macExtensions),
+          isoForm_(track.isoLevel), isoNames_(track.isoLevel == 1 ? DRISO9660LevelOne : DRISO9660LevelTwo) {}
 
     Result<ReadContent> read() {
         uint32_t mask = [root_ explicitFilesystemMask] & filesystem::all;
@@ -190,6 +196,8 @@ class ContentReader {
             return content;
         content->filesystems = mask;
         content->attributes = attributesOf(object, mask);
+        if (hasMacExtensions_ && (mask & filesystem::iso9660) != 0 && [object isKindOfClass:[DRFile class]])
+            content->attributes.isoMac = isoMacOf(object);
         if (depth > 0)
             content->names = namesOf(object, mask, content->name);
         content->identity = reinterpret_cast<uintptr_t>(object);
@@ -354,6 +362,7 @@ class ContentReader {
 
     DRFolder* root_;
     bool estimating_;
+    bool hasMacExtensions_;
     engine::plan::IsoForm isoForm_;
     NSString* isoNames_;      ///< the file system that they are asked for
     std::vector<size_t> way_; ///< to the item that is read

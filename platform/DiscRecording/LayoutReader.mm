@@ -36,7 +36,6 @@ Result<void> checkProperties(NSDictionary* properties) {
         NSString* harmless; // the one value that asks for nothing; nil when there is none
     };
     const Unknown unknown[] = {
-        {DRISOMacExtensions, ErrorCode::FunctionNotSupported, @"0"},
         {DRSubchannelDataFormKey, ErrorCode::FunctionNotSupported, DRSubchannelDataFormNone},
     };
     for (const Unknown& row : unknown) {

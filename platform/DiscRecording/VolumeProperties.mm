@@ -56,10 +56,17 @@ engine::Result<void> readVolumeProperties(NSDictionary* properties, engine::Data
             return wrongType(DRISOLevel, @"a number from 1 to 3");
         track.isoLevel = static_cast<uint8_t>([level intValue]);
     }
-    if (id rockRidge = [properties objectForKey:DRISORockRidgeExtensions]; rockRidge != nil) {
-        if (![rockRidge isKindOfClass:[NSNumber class]])
-            return wrongType(DRISORockRidgeExtensions, @"a boolean");
-        track.rockRidge = [rockRidge boolValue];
+    const struct {
+        NSString* key;
+        bool& place;
+    } flags[] = {{DRISORockRidgeExtensions, track.rockRidge}, {DRISOMacExtensions, track.macExtensions}};
+    for (const auto& row : flags) {
+        id value = [properties objectForKey:row.key];
+        if (value == nil)
+            continue;
+        if (![value isKindOfClass:[NSNumber class]])
+            return wrongType(row.key, @"a boolean");
+        row.place = [value boolValue];
     }
     return {};
 }

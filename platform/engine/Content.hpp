@@ -104,6 +104,8 @@ struct Attributes {
     std::optional<std::time_t> changed; ///< of the attributes
     std::optional<bool> invisible; ///< hidden in all file systems but Rock Ridge, which knows no such thing
     std::shared_ptr<const MacAttributes> mac = nullptr; ///< null for most
+    /// Of a file, type, creator and flags that ISO 9660 is to show, too.
+    std::shared_ptr<const MacAttributes> isoMac = nullptr;
 };
 
 /// One item of the tree. `name` is UTF-8 in composed form where it is text, but any bytes other than '/' and

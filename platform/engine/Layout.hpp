@@ -33,6 +33,7 @@ struct DataTrack {
     uint8_t filesystems = filesystem::iso9660 | filesystem::joliet; ///< ISO 9660 is written with any other
     uint8_t isoLevel = 3;                                           ///< 1 to 3
     bool rockRidge = true;
+    bool macExtensions = false; ///< the volume says so; items say what they have by isoMac
     udf::Revision udfRevision = udf::Revision::V102;
     std::optional<std::time_t> defaultDate; ///< of virtual items without one; else the start of the burn
     std::optional<std::time_t> created, modified, expires, effective; ///< of the volume

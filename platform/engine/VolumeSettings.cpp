@@ -28,7 +28,7 @@ iso::VolumeSettings isoSettings(const DataTrack& track, uint32_t start, std::tim
     settings.publisher = track.publisher;
     settings.dataPreparer = track.dataPreparer;
     settings.application = track.application;
-    settings.system = track.system;
+    settings.system = track.macExtensions ? "APPLE COMPUTER, INC., TYPE: 0002" : track.system;
     settings.copyrightFile = track.copyrightFile;
     settings.abstractFile = track.abstractFile;
     settings.bibliographicFile = track.bibliographicFile;

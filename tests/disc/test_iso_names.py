@@ -19,6 +19,7 @@ Dim track As DRTrackQRX = DRTrackQRX.trackForRootFolder(root)
 Dim settings As Dictionary = track.properties
 settings.Value(DRTrackQRX.DRISOLevel) = {level}
 settings.Value(DRTrackQRX.DRISORockRidgeExtensions) = {rock_ridge}
+settings.Value(DRTrackQRX.DRISOMacExtensions) = {mac}
 track.properties = settings
 Dim burn As New DRBurnQRX(DRDeviceQRX.device(0))
 burn.completionAction = DRBurnQRX.DRBurnCompletionActionMount
@@ -33,10 +34,10 @@ Loop Until state = DRBurnQRX.DRStatusStateDone Or state = DRBurnQRX.DRStatusStat
 Print state
 """
 
-    def burn(self, lines, level=2, rock_ridge=True, how="Overwrite"):
+    def burn(self, lines, level=2, rock_ridge=True, how="Overwrite", mac="False"):
         """Burns root, which the lines fill; answers what the program printed before the burn."""
         text = "\n".join(['Dim root As DRFolderQRX = DRFolderQRX.virtualFolderWithName("Names")', *lines,
-                          self.BURN.format(level=level, rock_ridge=rock_ridge, how=how)])
+                          self.BURN.format(level=level, rock_ridge=rock_ridge, how=how, mac=mac)])
         said = self.succeed(self.write("names.bas", text.encode(), self.scratch)).splitlines()
         self.assertEqual(said[-1], "DRStatusStateDone")
         return said[:-1]
@@ -105,6 +106,22 @@ Print state
         self.assertEqual(self.on_disc(), sorted([*told, "LATER", "LATER_001", "ABC_002.TXT"]))
         self.burn(self.children(2), how="appendable")
         self.assertEqual(self.on_disc(), sorted([*told, "LATER", "LATER_001", "ABC_002.TXT"]))
+
+    def test_types_and_creators_are_in_iso9660_where_the_track_says_so(self):
+        lines = ['Dim f As DRFileQRX = DRFileQRX.virtualFileWithName("f", Nil)', "Dim code As New MemoryBlock(4)",
+                 'code.StringValue(0, 4) = "QzTy"',
+                 "f.setProperty(code, DRFSObjectQRX.DRMacFileType, DRFSObjectQRX.DRAllFilesystems)",
+                 'code.StringValue(0, 4) = "QzCr"',
+                 "f.setProperty(code, DRFSObjectQRX.DRMacFileCreator, DRFSObjectQRX.DRISO9660)",
+                 "f.setProperty(&h0800, DRFSObjectQRX.DRMacFinderFlags, DRFSObjectQRX.DRAllFilesystems)", "root.addChild(f)"]
+        for wanted, count in (("True", 1), ("False", 0)):
+            self.burn(lines, mac=wanted)
+            with open(self.image(), "rb") as file:
+                disc = file.read()
+            self.assertEqual(disc.count(b"AA\x0e\x02QzTyQzCr\x08\x00"), count)
+            listed = subprocess.run(["isoinfo", "-d", "-i", self.image()], capture_output=True, text=True, check=True).stdout
+            self.assertEqual(listed.count("System id: APPLE COMPUTER, INC., TYPE: 0002\n"), count)
+            self.assertEqual(list(self.files_on(self.image())), ["f"])
 
 
 if __name__ == "__main__":

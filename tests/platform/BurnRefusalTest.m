@@ -113,7 +113,7 @@ static void TestRefusals(NSString* source) {
         id value;
         unsigned code;
     } trackAsks[] = {{DRVolumeCheckedDate, @"today", 0x80020065},
-                     {DRISOMacExtensions, [NSNumber numberWithBool:YES], 0x80020067},
+                     {DRISOMacExtensions, @"yes", 0x80020065},
                      {DRISOLevel, [NSNumber numberWithInt:4], 0x80020065},
                      {DRPublisher, [NSNumber numberWithInt:1], 0x80020065},
                      {DRDefaultDate, @"today", 0x80020065}};

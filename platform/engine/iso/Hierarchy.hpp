@@ -88,6 +88,7 @@ class Hierarchy {
         return 2 + tree_.firstEntry[folder.node + 1] - tree_.firstEntry[folder.node];
     }
     bool usesRockRidge() const noexcept { return form_ == Form::Iso && rules_.rockRidge; }
+    bool usesSystemUse() const noexcept { return usesRockRidge() || !tree_.mac.empty(); }
     bool isFolder(const Entry& entry) const { return tree_.nodes[entry.node].kind == NodeKind::Folder; }
     /// The node of the folder that a moved one came from; `none` for others.
     uint32_t originOf(uint32_t node) const noexcept;

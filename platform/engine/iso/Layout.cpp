@@ -150,7 +150,7 @@ void Hierarchy::measure() {
         uint32_t continuation = 0;
         for (uint32_t item = 0; item < itemCount(folder); ++item) {
             size_t bytes = recordBytes(identifierOf(folder, item).size());
-            if (usesRockRidge()) {
+            if (usesSystemUse()) {
                 describe(use, folder, item);
                 if (use.fit(mostRecordBytes - bytes, continuation))
                     continued_.push_back({folder.firstItem + item, use.parts()[1].offset});

@@ -63,7 +63,7 @@ void Hierarchy::folderBlock(const Folder& folder, uint32_t from, std::span<std::
         const std::string_view name = identifierOf(folder, item);
         const size_t plainBytes = recordBytes(name.size());
         size_t bytes = plainBytes;
-        if (usesRockRidge()) {
+        if (usesSystemUse()) {
             describe(use, folder, item);
             const auto continued =
                 std::ranges::lower_bound(continued_, folder.firstItem + item, {}, &Continued::item);
@@ -106,7 +106,7 @@ void Hierarchy::folderBlock(const Folder& folder, uint32_t from, std::span<std::
                 if (part + 1 < sections.size()) this_.flags |= moreSectionsFlag;
                 const auto to = block.subspan(offset - from, bytes);
                 putRecord(this_, to);
-                if (usesRockRidge()) use.put(0, continuationOf(folder), to.subspan(plainBytes));
+                if (usesSystemUse()) use.put(0, continuationOf(folder), to.subspan(plainBytes));
             }
             offset += static_cast<uint32_t>(bytes);
         }
@@ -165,6 +165,11 @@ const Entry& Hierarchy::entryOf(const Folder& folder, uint32_t item) const {
 
 void Hierarchy::describe(SystemUse& use, const Folder& folder, uint32_t item) const {
     use.clear();
+    // In front of all else: whoever wants these looks into the record only.
+    if (item >= 2)
+        if (const auto mac = tree_.mac.find(entryOf(folder, item).node); mac != tree_.mac.end())
+            rockRidge::addMac(use, mac->second);
+    if (!usesRockRidge()) return;
     const auto attributes = [&](uint32_t node) {
         rockRidge::addAttributes(use, tree_.nodes[node], links_[node], node + 1, zone_);
     };

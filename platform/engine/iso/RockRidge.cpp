@@ -80,6 +80,11 @@ void addAttributes(SystemUse& use, const Node& node, uint32_t links, uint32_t se
         .date(node.changed, zone);
 }
 
+void addMac(SystemUse& use, const MacFile& file) {
+    constexpr uint8_t forHfs = 2; // where others have a version
+    use.add("AA", 14, forHfs).big32(file.type).big32(file.creator).big16(file.flags);
+}
+
 void addName(SystemUse& use, std::string_view name) {
     do {
         const std::string_view piece = name.substr(0, mostContent);

@@ -15,6 +15,8 @@ void addExtension(SystemUse& use);
 
 /// Mode, links, owner, and a serial number that is the same for all names of one file (PX, TF).
 void addAttributes(SystemUse& use, const Node& node, uint32_t links, uint32_t serial, int8_t zone);
+/// Type, creator and the Finder's flags (AA, which is no part of Rock Ridge: Apple's extensions, in the form for HFS).
+void addMac(SystemUse& use, const MacFile& file);
 /// The name, in pieces of at most 250 bytes (NM).
 void addName(SystemUse& use, std::string_view name);
 /// A link's target, by components (SL).

@@ -7,6 +7,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace engine::iso {
@@ -30,6 +31,12 @@ struct Node {
     uint32_t first = 0, count = 0; ///< of a file, its sections; of a link, the bytes of its target
 };
 
+/// What a Macintosh keeps of a file: type and creator, of four characters each, and the Finder's flags.
+struct MacFile {
+    uint32_t type = 0, creator = 0;
+    uint16_t flags = 0;
+};
+
 /// A name in a folder. Two entries may lead to one file: a hard link.
 struct Entry {
     uint32_t node = 0;
@@ -46,6 +53,7 @@ struct Tree {
     std::vector<uint32_t> firstEntry;
     std::vector<Section> sections;
     std::string text;
+    std::unordered_map<uint32_t, MacFile> mac; ///< of few nodes
 
     /// Names are final: ISO 9660's as they shall stand there, with dot and version where wanted ("READ_ME.TXT;1");
     /// Joliet's in UTF-8. The Rock Ridge name is any bytes; empty where there is no Rock Ridge.

@@ -4,6 +4,8 @@
 #include "ViewMaker.hpp"
 #include "Views.hpp"
 
+#include <array>
+#include <optional>
 #include <unordered_set>
 
 namespace engine::plan {
@@ -58,6 +60,21 @@ std::string storedName(std::string name, bool folder) {
     return name += name.find('.') == std::string::npos ? ".;1" : ";1";
 }
 
+uint32_t codeOf(const std::optional<std::array<uint8_t, 4>>& code) {
+    uint32_t value = 0;
+    if (code)
+        for (const uint8_t byte : *code)
+            value = value << 8 | byte;
+    return value;
+}
+
+void addMacFiles(const Tree& tree, View<iso::Tree>& view) {
+    for (const auto& [node, mac] : tree.isoMac)
+        if (view.nodeOf[node] != none && tree.nodes[node].kind == NodeKind::File)
+            view.tree.mac[view.nodeOf[node]] = {codeOf(mac->type), codeOf(mac->creator),
+                                                mac->flags.value_or(0)};
+}
+
 template <typename MakeEntries>
 View<iso::Tree> viewOf(const Tree& tree, uint8_t filesystem, bool hasLinks, const MakeEntries& makeEntries) {
     View<iso::Tree> view;
@@ -74,7 +91,7 @@ View<iso::Tree> viewOf(const Tree& tree, uint8_t filesystem, bool hasLinks, cons
 
 View<iso::Tree> isoView(const Tree& tree, const iso::Rules& rules) {
     const IsoForm form(rules.level);
-    return viewOf(
+    View<iso::Tree> view = viewOf(
         tree, filesystem::iso9660, rules.rockRidge,
         [&](iso::Tree& made, const std::vector<const Entry*>& shown, const std::vector<uint32_t>& numbers) {
             std::vector<GivenName> given;
@@ -89,6 +106,8 @@ View<iso::Tree> isoView(const Tree& tree, const iso::Rules& rules) {
                     rules.rockRidge ? tree.nameOf(*shown[i]) : std::string_view(),
                     tree.nodes[shown[i]->node].invisible));
         });
+    addMacFiles(tree, view);
+    return view;
 }
 
 View<iso::Tree> jolietView(const Tree& tree) {

@@ -115,7 +115,7 @@ class Tree {
     std::vector<Extent> extents; ///< the old ones first, then the new ones in the order of their sources
     std::vector<iso::Section> pieces;
     size_t oldExtents = 0;
-    std::unordered_map<uint32_t, std::shared_ptr<const MacAttributes>> mac;
+    std::unordered_map<uint32_t, std::shared_ptr<const MacAttributes>> mac, isoMac;
 
   private:
     struct OwnName {

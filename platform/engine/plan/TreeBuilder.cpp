@@ -205,10 +205,13 @@ class TreeBuilder {
                  "The hard link " + inQuotes(names.name) +
                      " points at what is no file; a hard link is one more name of a file.");
         if (isChanged(link.item->attributes)) {
-            const auto mac = tree_.mac.find(node);
-            const auto itsMac = mac == tree_.mac.end() ? nullptr : mac->second;
-            node = tree_.addNode(Node(tree_.nodes[node]));
-            if (itsMac) tree_.mac[node] = itsMac;
+            const uint32_t original = node;
+            node = tree_.addNode(Node(tree_.nodes[original]));
+            for (auto* const all : {&tree_.mac, &tree_.isoMac})
+                if (const auto found = all->find(original); found != all->end()) {
+                    const auto mac = found->second;
+                    (*all)[node] = mac;
+                }
             apply(node, link.item->attributes);
         }
         tree_.addEntry(link.folder, node, names, link.filesystems);
@@ -247,7 +250,7 @@ class TreeBuilder {
 
     static bool isChanged(const Attributes& given) {
         return given.mode || given.owner || given.group || given.modified || given.accessed ||
-               given.changed || given.invisible || given.mac;
+               given.changed || given.invisible || given.mac || given.isoMac;
     }
 
     // What is said of an item goes before what its source says.
@@ -260,9 +263,13 @@ class TreeBuilder {
         node.accessed = given.accessed.value_or(node.accessed);
         node.changed = given.changed.value_or(node.changed);
         node.invisible = given.invisible.value_or(node.invisible);
-        if (!given.mac) return;
-        std::shared_ptr<const MacAttributes>& mac = tree_.mac[index];
-        mac = mac ? merged(*mac, *given.mac) : given.mac;
+        const auto lay = [index](const std::shared_ptr<const MacAttributes>& over, auto& all) {
+            if (!over) return;
+            std::shared_ptr<const MacAttributes>& mac = all[index];
+            mac = mac ? merged(*mac, *over) : over;
+        };
+        lay(given.mac, tree_.mac);
+        lay(given.isoMac, tree_.isoMac);
     }
 
     static std::shared_ptr<const MacAttributes> merged(MacAttributes mac, const MacAttributes& given) {

@@ -103,6 +103,68 @@ TEST_F(PlanForMacintosh, AHardLinkWithValuesOfItsOwnKeepsTheOthers) {
     EXPECT_EQ(valuesOf("other mode"), text + "74747874  ttxt");
 }
 
+// As another program writes them: in front of all else that a record has.
+TEST_F(PlanForMacintosh, TypesAndCreatorsAreInIso9660WhereTheyAreGivenForIt) {
+    MacAttributes mac;
+    mac.type = {'T', 'E', 'X', 'T'};
+    mac.creator = {'t', 't', 'x', 't'};
+    const auto forIso = std::make_shared<const MacAttributes>(mac);
+    mac = {};
+    mac.flags = 0x0810;
+    const auto flagsOnly = std::make_shared<const MacAttributes>(mac);
+    const auto entryOf = [](const std::string& disc, const std::string& name) {
+        const size_t at = disc.find(name + ";1");
+        if (at == disc.npos) return "no " + name;
+        const size_t stored = name.size() + 2, use = at + stored + (stored % 2 == 0 ? 1 : 0);
+        const size_t end = at - 33 + static_cast<uint8_t>(disc[at - 33]);
+        return disc.substr(use, std::min<size_t>(14, end - use));
+    };
+    write("file.txt", "bytes");
+    std::ofstream(base / "map") << ".txt Raw \"ttxt\" \"TEXT\" \"Text\"\n";
+    run("genisoimage -quiet -R -apple -map map -o other.iso source");
+    const std::string wanted = entryOf(bytesOf(base / "other.iso"), "FILE.TXT");
+    ASSERT_EQ(wanted, std::string("AA\x0E\2TEXTttxt\0\0", 14));
+    for (const bool rockRidge : {true, false}) {
+        std::vector<Content> children;
+        children.push_back(Content::file("file.txt", "bytes"));
+        children[0].attributes.isoMac = forIso;
+        children[0].identity = 1;
+        children.push_back({"link", HardLink{1}, {}});
+        children[1].attributes.isoMac = flagsOnly;
+        children.push_back(Content::file("plain.txt", "plain"));
+        children.push_back(Content::folder("folder"));
+        std::string names = "file.txt=bytes folder/ ";
+        for (char letter = 'a'; letter < 'z'; ++letter) { // names that go on elsewhere
+            const std::string name = "g" + std::string(150, letter);
+            children.push_back(Content::file(name, "x"));
+            children.back().attributes.isoMac = forIso;
+            names += name + "=x ";
+        }
+        Layout what = discOf(Content::folder("Disc", std::move(children)), filesystem::iso9660);
+        auto& track = std::get<DataTrack>(what.sessions[0].tracks[0].content);
+        track.rockRidge = rockRidge;
+        track.macExtensions = true;
+        EXPECT_DONE(burn(freshDrive(), what));
+        const std::string disc = bytesOf(image());
+        EXPECT_EQ(entryOf(disc, "FILE.TXT"), wanted);
+        EXPECT_EQ(entryOf(disc, "LINK."), std::string("AA\x0E\2TEXTttxt\x08\x10", 14));
+        EXPECT_EQ(entryOf(disc, "PLAIN.TXT").substr(0, 2), rockRidge ? "PX" : "");
+        EXPECT_EQ(entryOf(disc, "G" + std::string(29, 'Y') + "."), wanted);
+        EXPECT_NE(run("isoinfo -d -i '" + image().string() + "'")
+                      .find("System id: APPLE COMPUTER, INC., TYPE: 0002\n"),
+                  std::string::npos);
+        EXPECT_EQ(run("isoinfo -i '" + image().string() + "' -x '/FILE.TXT;1'"), "bytes");
+        run("rm -rf rr sevenzip");
+        extractRockRidge(image());
+        EXPECT_EQ(run("ls rr | wc -l"), "29\n");
+        if (rockRidge) {
+            EXPECT_EQ(shown("rr"), names + "link=bytes plain.txt=plain ");
+            run("7zz x -y -tiso -osevenzip '" + image().string() + "'");
+            EXPECT_EQ(run("cat 'sevenzip/file.txt' sevenzip/link"), "bytesbytes");
+        }
+    }
+}
+
 TEST_F(PlanForMacintosh, LinksLeadToLinks) {
     std::vector<Content> children;
     // Each comes before the one that it leads to.
