@@ -101,6 +101,15 @@ void BurnJob::Shared::publish(const BurnStatus& now) {
     ended.notify_all();
 }
 
+// What fails with a drive that is no longer there fails because of that.
+static Error withoutDrive(Error error, const DriveRef& drive) {
+    if (drive == nullptr || drive->isValid()) return error;
+    if (error.code == ErrorCode::DeviceInvalid || error.code == ErrorCode::UserCanceled) return error;
+    return {ErrorCode::DeviceInvalid,
+            "The drive " + inQuotes(drive->displayName()) + " went away while it wrote.", error.message,
+            error.sense};
+}
+
 void BurnJob::Shared::run(const std::shared_ptr<const Layout>& layout, const BurnOptions& options) noexcept {
     {
         const std::lock_guard lock(mutex);
@@ -118,7 +127,7 @@ void BurnJob::Shared::run(const std::shared_ptr<const Layout>& layout, const Bur
     last.speed = last.xFactor = 0;
     last.state = result ? BurnState::Done : BurnState::Failed;
     last.percent = result ? 1 : -1;
-    if (!result) last.error = result.error();
+    if (!result) last.error = withoutDrive(result.error(), drive);
     {
         RunningJobs& all = runningJobs();
         const std::lock_guard lock(all.mutex);

@@ -198,3 +198,18 @@ TEST_F(FaultTest, aDriveFolderThatCannotBeWritten) {
     ASSERT_EQ(::seteuid(0), 0);
     EXPECT_FAILED(status, DeviceAccess, "The drive's lock can't be opened.");
 }
+
+TEST_F(FaultTest, aDriveFolderThatIsRemovedMeanwhile) {
+    write("a.bin", noise(3'000'000));
+    for (const MediumKind kind : {MediumKind::DVDPlusRW, MediumKind::CDR})
+        for (const BurnState when :
+             {BurnState::TrackOpen, BurnState::TrackWrite, BurnState::TrackClose, BurnState::Finishing}) {
+            const auto drive = makeDrive(kind);
+            EXPECT_FAILED(burnWith([&] { fs::remove_all(drivePath()); }, drive, when), DeviceInvalid,
+                          "The drive \"Virtual Disc Drive 1\" went away while it wrote.");
+            EXPECT_FALSE(fs::exists(drivePath())) << nameOf(when);
+            EXPECT_TRUE(fs::is_empty(base / "drives")) << nameOf(when);
+            EXPECT_FALSE(drive->isValid() || drive->isBusy());
+            EXPECT_EQ(burn(drive, layout()).error->code, ErrorCode::DeviceInvalid);
+        }
+}
