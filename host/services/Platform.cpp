@@ -137,6 +137,7 @@ void runLoop(double seconds) {
     // A run loop waits for whole milliseconds, and goes round without a pause until its date has come: so the date lies
     // shortly behind a whole one, and the rest is slept. Without sources it returns at once.
     for (bool isWorth = loop && mode; isWorth;) {
+        if (const Id windows = application()) handOnEvents(windows, *mode); // those that are here already
         const double wait = std::max(0.0, (std::floor(left() * 1000) - 0.8) / 1000);
         const Id date = send<Id>(classNamed("NSDate"), "dateWithTimeIntervalSinceNow:", wait);
         const bool hasSources = send<uint8_t>(loop, "runMode:beforeDate:", *mode, date) != 0;

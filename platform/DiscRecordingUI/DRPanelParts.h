@@ -48,6 +48,10 @@ CGFloat DRWidthOfRow(NSArray* buttons);
 void DRPlaceButtons(NSArray* buttons, CGFloat panelWidth, CGFloat y);
 /** Makes the Tab key walk through the controls in their order, and around. */
 void DRLinkKeyViews(NSWindow* window, NSArray* controls);
+/** From now on the window is drawn again whenever the display shows it, until DRForgetDrawing: a window that a busy display
+    shows late may have lost what was drawn before. */
+void DRKeepDrawn(NSWindow* window);
+void DRForgetDrawing(NSWindow* window);
 /** Gives the window that size of contents and keeps its upper left corner where it is, and on the screen. */
 void DRResizePanel(NSWindow* window, NSSize contents);
 

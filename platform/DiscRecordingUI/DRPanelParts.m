@@ -162,6 +162,45 @@ void DRLinkKeyViews(NSWindow* window, NSArray* controls) {
         [window setInitialFirstResponder:[controls objectAtIndex:0]];
 }
 
+@interface DRRedrawing : NSObject
+@end
+
+@implementation DRRedrawing
+
++ (void)draw:(NSValue*)which {
+    NSWindow* window = [which nonretainedObjectValue];
+    if ([window isVisible])
+        [window display];
+}
+
++ (void)redraw:(NSNotification*)notification {
+    NSValue* window = [NSValue valueWithNonretainedObject:[notification object]];
+    NSArray* modes = [NSArray arrayWithObjects:NSDefaultRunLoopMode, NSModalPanelRunLoopMode, nil];
+    [self draw:window];
+    // And again: the display tells of what it has done before it has done it all.
+    [self performSelector:@selector(draw:) withObject:window afterDelay:0.5 inModes:modes];
+    [self performSelector:@selector(draw:) withObject:window afterDelay:2 inModes:modes];
+}
+
+@end
+
+void DRKeepDrawn(NSWindow* window) {
+    NSString* names[] = {NSWindowDidExposeNotification, NSWindowDidBecomeKeyNotification,
+                         NSWindowDidMoveNotification, NSWindowDidResizeNotification};
+    for (size_t i = 0; i < sizeof names / sizeof *names; i++)
+        [[NSNotificationCenter defaultCenter] addObserver:[DRRedrawing class]
+                                                 selector:@selector(redraw:)
+                                                     name:names[i]
+                                                   object:window];
+}
+
+void DRForgetDrawing(NSWindow* window) {
+    [[NSNotificationCenter defaultCenter] removeObserver:[DRRedrawing class] name:nil object:window];
+    [NSObject cancelPreviousPerformRequestsWithTarget:[DRRedrawing class]
+                                             selector:@selector(draw:)
+                                               object:[NSValue valueWithNonretainedObject:window]];
+}
+
 void DRResizePanel(NSWindow* window, NSSize contents) {
     const NSRect before = [window frame];
     NSRect frame = [window frameRectForContentRect:NSMakeRect(0, 0, contents.width, contents.height)];

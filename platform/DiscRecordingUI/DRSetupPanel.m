@@ -23,12 +23,14 @@
     [self setHidesOnDeactivate:NO];
     // A window of the display that is shown again counts its frame twice, and has black edges.
     [self setOneShot:YES];
+    DRKeepDrawn(self);
     [self addParts];
     return self;
 }
 
 - (void)dealloc {
     [self setDelegate:nil];
+    DRForgetDrawing(self);
     [self stopDisplay];
     [_inside->choice release];
     [_inside->mediaSeen release];

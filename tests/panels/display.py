@@ -72,6 +72,7 @@ class Display:
             self.tool("xdotool", "windowactivate", window)
             return False
         wait_for("the keys' way to the window", has_it)
+        wait_for("the window to be drawn", lambda: self.colours(window) > 1)
         if not moving:
             self.settle()
 
@@ -123,12 +124,12 @@ class Display:
         return subprocess.run(["import", "-window", window, "-crop", f"{width}x{height}+{x}+{y}", "+repage",
                                "rgb:-"], env=self.environment, capture_output=True, check=True).stdout
 
-    def colours(self, window, width, height, x, y):
+    def colours(self, window, width=10000, height=10000, x=0, y=0):
         """How many there are in that part of the window's contents; 1: nothing is drawn there."""
         found = subprocess.run(["import", "-window", window, "-crop", f"{width}x{height}+{x}+{y}", "+repage",
                                 "-format", "%k", "info:-"], env=self.environment, capture_output=True, text=True,
-                               check=True).stdout
-        return int(found)
+                               check=False).stdout
+        return int(found) if found else 0
 
     def used(self):
         """Left, top, right and bottom of what is on the screen, the windows' frames included."""
@@ -215,7 +216,9 @@ class Program:
             with open(path, "w", encoding="utf-8") as file:
                 file.write(text)
         self.log = os.path.join(drives.scratch, name + ".log")
-        environment = dict(display.environment if display else os.environ, DISC_DRIVES=drives.folder)
+        # With a home of its own, nobody's settings change what is drawn, or are waited for.
+        environment = dict(display.environment if display else os.environ, DISC_DRIVES=drives.folder,
+                           HOME=drives.scratch)
         if not display:
             environment.pop("DISPLAY", None)
         self.output = open(self.log, "wb")
