@@ -72,9 +72,9 @@ def rr_bsdtar(image):
     return found
 
 
-def isoinfo(image, *options):
+def rr_isoinfo(image):
     found, folder = {}, ""
-    for line in run("isoinfo", "-l", "-i", image, *options).decode("latin-1" if "-J" in options else "utf-8").split("\n"):
+    for line in run("isoinfo", "-l", "-R", "-i", image).decode().split("\n"):
         if line.startswith("Directory listing of /"):
             folder = line[len("Directory listing of /"):]
             continue
@@ -85,7 +85,7 @@ def isoinfo(image, *options):
         entry = {"kind": {"-": "f"}.get(match[1], match[1])}
         if arrow:
             entry["target"] = target
-        elif "-R" in options:
+        else:
             entry["mode"] = sum(0o400 >> bit for bit, letter in enumerate(match[2]) if letter != "-")
         if entry["kind"] == "f":
             entry["size"] = int(match[6])
@@ -93,13 +93,10 @@ def isoinfo(image, *options):
     return found
 
 
-def rr_isoinfo(image):
-    return isoinfo(image, "-R")
-
-
 def joliet_isoinfo(image):
-    """It knows no UTF-8, so names come from others."""
-    return isoinfo(image, "-J", "-j", "iso8859-1")
+    """How many there are. It knows no UTF-8, and shows different names as one."""
+    listed = run("isoinfo", "-J", "-j", "iso8859-1", "-f", "-i", image)
+    return sum(line.startswith(b"/") for line in listed.split(b"\n"))
 
 
 def records(image, keyword, read):

@@ -98,12 +98,12 @@ class RandomTrees(ExamplesCase):
     def judge_joliet(self, image, wanted, readers):
         if "7zz" in readers:
             self.compare("7zz, Joliet", wanted, jury.joliet_7zz(image), ("mode",))
-        if "bsdtar" in readers:
+        if "bsdtar" in readers and all(len(path.encode("utf-16-be")) < 1000 for path in wanted):  # longer ones it refuses
             self.compare("bsdtar, Joliet", wanted, jury.joliet_bsdtar(image), ("mode",))
         if "pycdlib" in readers:
             self.compare("pycdlib, Joliet", wanted, jury.joliet_pycdlib(image))
         if "isoinfo" in readers:
-            self.assertEqual(len(jury.joliet_isoinfo(image)), len(wanted), "isoinfo, Joliet")
+            self.assertEqual(jury.joliet_isoinfo(image), len(wanted), "isoinfo, Joliet")
 
     def judge_udf(self, image, wanted, readers, others):
         # It reads no volume with symbolic links, nor one that something else than its last file ends: an item of others, or HFS+.
