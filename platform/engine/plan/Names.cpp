@@ -6,6 +6,7 @@
 #include "udf/Text.hpp"
 
 #include <algorithm>
+#include <array>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -59,40 +60,45 @@ void forEachCharacter(std::string_view text, const Put& put) {
     }
 }
 
-// As ISO 9660 holds it; 0 for what can't stand there. Dots are seen to before.
-char isoCharacter(char32_t c, uint8_t level) {
-    constexpr std::string_view others = " !\"%&'()*+-:<=>?";
-    // HFS+ leaves signs together that others take apart.
-    switch (c) {
-    case U'\u2260':
-        c = U'=';
-        break;
-    case U'\u226E':
-        c = U'<';
-        break;
-    case U'\u226F':
-        c = U'>';
-        break;
-    case U'\u212A':
-        c = U'K';
-        break;
-    case U'\u212B':
-        c = U'A';
-        break;
-    default:
-        c = hfsplus::withoutMarks(c);
+// ASCII as ISO 9660 holds it, of level 1 and of the others; 0 for what can't stand there. Dots are seen to before.
+constexpr auto isoCharacters = [] {
+    std::array<std::array<char, 0x80>, 2> all{};
+    for (char c = '!'; c < 0x7F; ++c) {
+        const char big = static_cast<char>(c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c);
+        const bool isInAll = (big >= 'A' && big <= 'Z') || (big >= '0' && big <= '9') || big == '_';
+        const bool isInOthers = std::string_view("!\"%&'()*+-:<=>?").find(big) != std::string_view::npos;
+        all[0][static_cast<size_t>(c)] = isInAll ? big : '\0';
+        all[1][static_cast<size_t>(c)] = isInAll || isInOthers ? big : '\0';
     }
-    if (c >= U'a' && c <= U'z') c -= U'a' - U'A';
-    if ((c >= U'A' && c <= U'Z') || (c >= U'0' && c <= U'9') || c == U'_') return static_cast<char>(c);
-    const auto plain = static_cast<char>(c < 0x80 ? c : 0);
-    return level > 1 && plain != 0 && others.find(plain) != others.npos ? plain : '\0';
+    all[1][' '] = ' ';
+    return all;
+}();
+
+char32_t withoutMarks(char32_t c) {
+    // HFS+ leaves signs together that others take apart.
+    constexpr std::pair<char32_t, char32_t> signs[] = {
+        {U'\u2260', U'='}, {U'\u226E', U'<'}, {U'\u226F', U'>'}, {U'\u212A', U'K'}, {U'\u212B', U'A'}};
+    for (const auto& [sign, plain] : signs)
+        if (c == sign) return plain;
+    return hfsplus::withoutMarks(c);
 }
 
-std::string isoCharacters(std::string_view text, uint8_t level) {
+std::string isoText(std::string_view text, uint8_t level) {
+    const std::array<char, 0x80>& table = isoCharacters[level > 1];
     std::string result;
-    forEachCharacter(text, [&](char32_t c, std::string_view) {
-        if (const char kept = isoCharacter(c, level)) result += kept;
-    });
+    result.reserve(text.size());
+    while (!text.empty()) {
+        const auto first = static_cast<unsigned char>(text[0]);
+        char32_t c = first;
+        size_t bytes = 1;
+        if (first >= 0x80) {
+            const auto character = firstCharacter(text);
+            c = character ? withoutMarks(character->value) : U'\uFFFD';
+            bytes = character ? character->bytes : 1;
+        }
+        text.remove_prefix(bytes);
+        if (c < 0x80 && table[c] != 0) result += table[c];
+    }
     return result;
 }
 
@@ -160,9 +166,9 @@ class Numbers {
 
 std::string IsoForm::legal(std::string_view name, bool isFolder) const {
     const size_t dot = extensionOf(name, isFolder);
-    std::string stem = isoCharacters(name.substr(0, dot), level_);
+    std::string stem = isoText(name.substr(0, dot), level_);
     std::string extension;
-    if (dot < name.size()) extension = isoCharacters(name.substr(dot + 1), level_);
+    if (dot < name.size()) extension = isoText(name.substr(dot + 1), level_);
     if (stem.empty()) stem += '_';
     extension.resize(std::min<size_t>(extension.size(), level_ == 1 ? 3 : isoNameLimit - 2));
     const size_t behind = extension.empty() ? 0 : extension.size() + 1;
