@@ -1,5 +1,6 @@
-' Burns sound files as an audio CD. Titles, performers and ISRC codes come from the files' tags (FLAC, and ID3v2 in MP3)
-' and go onto the disc as CD-Text and codes; without tags a track is named after its file.
+' Burns sound files as an audio CD. Titles, performers and ISRC codes come from the files' tags (comments in FLAC and Ogg,
+' ID3v2 in MP3, WAV and AIFF, what WAV and AIFF say themselves) and go onto the disc as CD-Text and codes; without tags a
+' track is named after its file.
 '
 '   disc-basic audio-cd.bas [OPTIONS] FILE …
 '
@@ -28,13 +29,18 @@ Class Tags
     Sub Constructor(file As FolderItem)
         mFile = file.Name
         Dim stream As BinaryStream = BinaryStream.Open(file)
-        Dim start As String = stream.Read(10)
-        If LeftB(start, 4) = "fLaC" Then
-            stream.Position = 4
+        Select Case LeftB(stream.Read(4), 4)
+        Case "fLaC"
             ReadFLAC(stream)
-        ElseIf LeftB(start, 3) = "ID3" Then
-            ReadID3(stream, start)
-        End If
+        Case "OggS"
+            ReadOgg(stream)
+        Case "RIFF"
+            ReadChunks(stream, False)
+        Case "FORM"
+            ReadChunks(stream, True)
+        Else
+            ReadID3(stream, 0)
+        End Select
         If Title = "" Then Title = NameWithoutEnding(file.Name)
     End Sub
 
@@ -45,12 +51,13 @@ Class Tags
     End Function
 
     Private Sub Take(name As String, value As String)
+        If value = "" Then Return
         Select Case name
-        Case "TITLE", "TIT2"
+        Case "TITLE", "TIT2", "INAM", "NAME"
             Title = value
-        Case "ARTIST", "TPE1"
+        Case "ARTIST", "TPE1", "IART", "AUTH"
             Performer = value
-        Case "ALBUM", "TALB"
+        Case "ALBUM", "TALB", "IPRD"
             Album = value
         Case "ISRC", "TSRC"
             Dim code As String = Uppercase(ReplaceAll(value, "-", ""))
@@ -74,8 +81,7 @@ Class Tags
         Return True
     End Function
 
-    ' Metadata blocks: a byte for the kind, its top bit on the last one, and three for the length. Kind 4 holds
-    ' texts of the form NAME=value, each behind its length.
+    ' Metadata blocks: a byte for the kind, its top bit on the last one, and three for the length. Kind 4 holds comments.
     Private Sub ReadFLAC(stream As BinaryStream)
         Dim kind As Integer
         Do
@@ -83,23 +89,107 @@ Class Tags
             If LenB(head) < 4 Then Return
             kind = AscB(head)
             Dim body As String = stream.Read(Number(MidB(head, 2, 3)))
-            If (kind And 127) = 4 Then
-                Dim at As Integer = 5 + LittleNumber(LeftB(body, 4))
-                Dim count As Integer = LittleNumber(MidB(body, at, 4))
-                at += 4
-                For i As Integer = 1 To count
-                    Dim length As Integer = LittleNumber(MidB(body, at, 4))
-                    Dim text As String = DefineEncoding(MidB(body, at + 4, length), Encodings.UTF8)
-                    Dim name As String = NthField(text, "=", 1)
-                    Take(Uppercase(name), Mid(text, Len(name) + 2))
-                    at += 4 + length
-                Next
-            End If
+            If (kind And 127) = 4 Then TakeComments(body)
         Loop Until kind >= 128
     End Sub
 
+    ' Texts of the form NAME=value, each behind its length; in front of them who wrote them, and how many there are.
+    Private Sub TakeComments(body As String)
+        Dim at As Integer = 5 + LittleNumber(LeftB(body, 4))
+        Dim count As Integer = LittleNumber(MidB(body, at, 4))
+        at += 4
+        For i As Integer = 1 To count
+            If at + 3 > LenB(body) Then Return
+            Dim length As Integer = LittleNumber(MidB(body, at, 4))
+            Dim text As String = DefineEncoding(MidB(body, at + 4, length), Encodings.UTF8)
+            Dim name As String = NthField(text, "=", 1)
+            Take(Uppercase(name), Mid(text, Len(name) + 2))
+            at += 4 + length
+        Next
+    End Sub
+
+    ' Pages of at most 255 pieces, whose sizes stand in front; a piece of less than 255 bytes ends a packet, which may have
+    ' begun on a page before. The second packet holds the comments.
+    Private Sub ReadOgg(stream As BinaryStream)
+        Dim packet As String
+        Dim ended As Integer
+        stream.Position = 0
+        Do
+            Dim head As String = stream.Read(27)
+            If LenB(head) < 27 Or LeftB(head, 4) <> "OggS" Then Return
+            Dim sizes As String = stream.Read(AscB(MidB(head, 27, 1)))
+            Dim together As Integer = 0
+            For i As Integer = 1 To LenB(sizes)
+                Dim size As Integer = AscB(MidB(sizes, i, 1))
+                together += size
+                If size = 255 And i < LenB(sizes) Then Continue
+                packet = packet + stream.Read(together)
+                together = 0
+                If size = 255 Then Continue
+                ended += 1
+                If ended = 2 Then
+                    If MidB(packet, 2, 6) = "vorbis" Then TakeComments(MidB(packet, 8))
+                    If LeftB(packet, 8) = "OpusTags" Then TakeComments(MidB(packet, 9))
+                    Return
+                End If
+                packet = ""
+            Next
+        Loop
+    End Sub
+
+    ' Chunks: four letters, four bytes of length (the first one last in WAV, first in AIFF), and as many bytes, or one more
+    ' to be even. WAV has its texts in one more row of chunks; what the ISRC says there is where the sound came from. An ID3
+    ' tag, which knows more, comes last.
+    Private Sub ReadChunks(stream As BinaryStream, isAIFF As Boolean)
+        Dim tagAt As Integer
+        Dim at As Integer = 12
+        While at + 8 <= stream.Length
+            stream.Position = at
+            Dim name As String = Uppercase(DefineEncoding(stream.Read(4), Encodings.ASCII))
+            Dim bytes As String = stream.Read(4)
+            Dim length As Integer = LittleNumber(bytes)
+            If isAIFF Then length = Number(bytes)
+            If length < 0 Or length > stream.Length Then Exit While
+            Select Case name
+            Case "LIST"
+                If stream.Read(4) = "INFO" Then length = 4
+            Case "INAM", "IART", "IPRD"
+                If Not isAIFF Then Take(name, PlainText(stream.Read(length)))
+            Case "NAME", "AUTH"
+                If isAIFF Then Take(name, PlainText(stream.Read(length)))
+            Case "ID3 "
+                tagAt = at + 8
+            End Select
+            at += 8 + length + length Mod 2
+        Wend
+        If tagAt > 0 Then ReadID3(stream, tagAt)
+    End Sub
+
+    ' Nothing says what characters these texts have: UTF-8 where that is possible, else Latin-1.
+    Private Function PlainText(bytes As String) As String
+        Dim zero As Integer = InStrB(bytes, ChrB(0))
+        If zero > 0 Then bytes = LeftB(bytes, zero - 1)
+        Dim following As Integer
+        For i As Integer = 1 To LenB(bytes)
+            Dim byte As Integer = AscB(MidB(bytes, i, 1))
+            If (following > 0) <> (byte >= 128 And byte < 192) Then Exit For
+            If following > 0 Then
+                following -= 1
+            ElseIf byte >= 192 Then
+                following = 1
+                If byte >= 224 Then following += 1
+                If byte >= 240 Then following += 1
+            End If
+            If i = LenB(bytes) And following = 0 Then Return DefineEncoding(bytes, Encodings.UTF8)
+        Next
+        Return ConvertEncoding(DefineEncoding(bytes, Encodings.ISOLatin1), Encodings.UTF8)
+    End Function
+
     ' Frames: four letters, four bytes of length, two of flags; the text behind a byte for its encoding.
-    Private Sub ReadID3(stream As BinaryStream, head As String)
+    Private Sub ReadID3(stream As BinaryStream, start As Integer)
+        stream.Position = start
+        Dim head As String = stream.Read(10)
+        If LeftB(head, 3) <> "ID3" Or LenB(head) < 10 Then Return
         Dim body As String = stream.Read(SafeNumber(MidB(head, 7, 4)))
         Dim at As Integer = 1
         While at + 10 <= LenB(body) And AscB(MidB(body, at, 1)) <> 0

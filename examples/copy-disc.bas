@@ -1,5 +1,6 @@
-' Copies the disc in one virtual drive onto the disc in another: tracks, gaps, texts and codes, and the data of a disc
-' with one session, byte by byte. A data disc with several sessions is refused.
+' Copies the disc in one virtual drive onto the disc in another: tracks, gaps, texts and codes, and data byte by byte.
+' The sessions of a data disc go where they were, because the files of a later one may lie in those before it; the other
+' disc must be of a kind that puts them there (CD, DVD-R, DVD+R or BD-R, as the first one).
 '
 '   disc-basic copy-disc.bas FROM TO
 '
@@ -36,6 +37,39 @@ For Each drive As DRDeviceQRX In Array(source, target)
 Next
 If source.mediaIsBlank Then Fail("the disc in " + source.displayName + " is blank; there is nothing to copy")
 
+Function Clock(blocks As Integer) As String
+    Return Format(blocks \ 4500, "00") + ":" + Format((blocks \ 75) Mod 60, "00") + ":" + Format(blocks Mod 75, "00")
+End Function
+
+' Says where in an image each session begins and ends. It is gone when the program ends.
+Class Sheet
+    File As FolderItem
+
+    Sub Constructor(image As FolderItem, tracks As Variant)
+        If InStr(image.NativePath, Chr(10)) > 0 Or InStr(image.NativePath, Chr(13)) > 0 Then
+            Fail("the path of the drive's folder has an end of a line in it; rename the folder")
+        End If
+        File = GetFolderItem(System.EnvironmentVariable("TMPDIR"))
+        If File Is Nil Or Not File.Directory Then File = GetFolderItem("/tmp")
+        File = File.Child("copy-disc-" + Str(Floor(Microseconds)) + ".cue")
+        Dim stream As TextOutputStream = TextOutputStream.Create(File)
+        For Each track As DRTrackQRX In tracks
+            Dim number As Integer = track.properties.Value(DRTrackQRX.DRTrackNumberKey)
+            Dim session As Integer = track.properties.Value(DRTrackQRX.DRSessionNumberKey)
+            Dim start As Integer = track.properties.Value(DRTrackQRX.DRTrackStartAddressKey)
+            stream.WriteLine("REM SESSION " + Format(session, "00"))
+            If number = 1 Then stream.WriteLine("FILE """ + image.NativePath + """ BINARY")
+            stream.WriteLine("  TRACK " + Format(number, "00") + " MODE1/2048")
+            stream.WriteLine("    INDEX 01 " + Clock(start))
+            stream.WriteLine("REM LEAD-OUT " + Clock(start + track.Length.sectors))
+        Next
+        stream.Close
+    End Sub
+    Sub Destructor()
+        File.Delete
+    End Sub
+End Class
+
 ' The files of a virtual medium are images that can be burned: a sheet where there is one, else the data itself.
 Dim place As FolderItem = GetFolderItem(source.ioRegistryEntryPath)
 If place Is Nil Or Not place.Directory Then Fail(source.displayName + " is no virtual drive")
@@ -43,12 +77,15 @@ Dim image As FolderItem = place.Child("medium.cue")
 If Not image.Exists Then image = place.Child("medium.iso")
 If Not image.Exists Then Fail("the disc in " + source.displayName + " has no file that can be copied")
 
-' An image of data is burned as one session, which would show only the files of the disc's first.
+' Media that take blocks in any order have a start that leads to all files, and are copied as one session. On others a
+' session begins behind a gap.
+Dim anyOrder() As String = Array(DRDeviceQRX.DRDeviceMediaTypeDVDPlusRW, DRDeviceQRX.DRDeviceMediaTypeDVDRAM, _
+    DRDeviceQRX.DRDeviceMediaTypeBDRE)
 Dim sessions As Integer = OnDisc(source, DRDeviceQRX.DRDeviceMediaSessionCountKey)
-If image.Name = "medium.iso" And sessions > 1 Then
-    Fail("the disc in " + source.displayName + " has " + Str(sessions) + " sessions, which can't be copied; put the " + _
-        "folder that ""disc-drives export"" makes into the other drive with ""disc-drives insert"", " + _
-        "or burn the files of the last session anew")
+Dim sheet As Sheet
+If image.Name = "medium.iso" And sessions > 1 And Not anyOrder.Contains(source.mediaType) Then
+    sheet = New Sheet(image, source.status.Value(DRDeviceQRX.DRDeviceTrackRefsKey))
+    image = sheet.File
 End If
 
 Dim burn As New DRBurnQRX(target)

@@ -83,7 +83,8 @@
  * 2. produceDataForTrack:... until the track is full, in order and without gaps,
  * 3. when burn and track verify by the producer: prepareTrackForVerification:, then for
  *    DRVerificationTypeProduceAgain once more 2, for DRVerificationTypeReceiveData verifyPreGapForTrack:... and
- *    verifyDataForTrack:..., at last cleanupTrackAfterVerification:,
+ *    verifyDataForTrack:..., at last, also when a difference was found, cleanupTrackAfterVerification:; an abort leaves
+ *    it out,
  * 4. cleanupTrackAfterBurn:, after success and failure.
  *
  * Lengths are in bytes. Addresses are in BLOCKS from the start of the track, or of the pre-gap: the byte is the address

@@ -2,6 +2,7 @@
 #include "BurnChecks.hpp"
 #include "CDText.hpp"
 #include "Failure.hpp"
+#include "RecordingCode.hpp"
 
 #include <algorithm>
 
@@ -12,17 +13,13 @@ bool isDigit(char each) noexcept { return each >= '0' && each <= '9'; }
 
 std::string nameOfTrack(const TrackInfo& track) { return "Track " + std::to_string(track.number); }
 
-// Country and owner in capitals or digits, then year and number in digits (ISO 3901).
 void checkISRC(const TrackInfo& track) {
-    const std::string& code = track.isrc;
-    if (code.empty()) return;
-    const auto isCapital = [](char each) { return isDigit(each) || (each >= 'A' && each <= 'Z'); };
-    if (code.size() != isrcCharacters || !std::all_of(code.begin(), code.begin() + 5, isCapital) ||
-        !std::all_of(code.begin() + 5, code.end(), isDigit))
+    if (track.isrc.empty()) return;
+    if (const auto wrong = wrongInRecordingCode(track.isrc))
         fail(ErrorCode::CantWriteISRC,
-             nameOfTrack(track) + " has " + inQuotes(code) +
-                 " as its recording code; an ISRC has five capitals or digits, then seven digits.",
-             code);
+             nameOfTrack(track) + " has " + inQuotes(track.isrc) + " as its recording code, but " + *wrong +
+                 '.',
+             track.isrc);
 }
 
 void checkContent(const Track& track, const TrackInfo& info) {
@@ -129,6 +126,22 @@ BurnPlan planOf(const Layout& layout, const BurnOptions& options) {
     plan.cdText = options.cdText;
     plan.doubleLayerL0DataZone = options.doubleLayerL0DataZone;
     return plan;
+}
+
+void checkPlace(const Track& track, const TrackInfo& placed, const Drive& drive, const MediumInfo& medium) {
+    if (!track.startBlock) return;
+    const MediumFacts& facts = factsOf(medium.kind);
+    const std::string where = "the " + std::string(facts.name) + " in " + inQuotes(drive.displayName());
+    const std::string instead = "; put in a disc of the kind that the image was made from.";
+    // What takes blocks in any order shows one file system: the one that its first blocks lead to.
+    if (facts.overwritable)
+        fail(ErrorCode::BadLayout,
+             nameOfTrack(placed) + " is of a later session, which nobody would find on " + where + instead);
+    if (placed.startBlock != *track.startBlock)
+        fail(ErrorCode::BadLayout, nameOfTrack(placed) + " is data that counts from block " +
+                                       std::to_string(*track.startBlock) + " on, but on " + where +
+                                       " it would begin at block " + std::to_string(placed.startBlock) +
+                                       instead);
 }
 
 void checkIndexPoints(const TrackInfo& track) {

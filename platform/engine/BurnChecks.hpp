@@ -17,6 +17,9 @@ void fitPlan(BurnPlan& plan, const BurnOptions& options, const Drive& drive, con
 /// as many as a layer must have.
 uint64_t l0DataZoneBlocks(double wanted, uint64_t burned, uint64_t capacity) noexcept;
 
+/// That a track which must begin at a certain block does, where it is placed. Throws BadLayout.
+void checkPlace(const Track& track, const TrackInfo& placed, const Drive& drive, const MediumInfo& medium);
+
 /// The index points of a track whose length is known. Throws InvalidIndexPoints.
 void checkIndexPoints(const TrackInfo& track);
 

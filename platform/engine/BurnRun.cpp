@@ -106,6 +106,7 @@ void BurnRun::prepareTrack(BurnTarget& target, Item& item, const ImagePlace& wan
     place.startBlock = planned(item).info.startBlock;
     place.wantsStart = target.wantsStart();
     TrackInfo& info = planned(item).info;
+    checkPlace(layout_->sessions[item.session].tracks[item.track], info, *drive_, target.medium());
     info.blocks = runAbandonable(signal_, "disc-plan",
                                  [source = item.source, medium = target.medium(), place, signal = signal_] {
                                      return source->prepare(medium, place, *signal);

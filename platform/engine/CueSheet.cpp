@@ -114,13 +114,18 @@ std::string cueSheetOf(const MediumRecord& record, std::span<const uint8_t> pack
     if (!record.cdText.empty()) sheet += "CDTEXTFILE " + quoted(record.cdText) + '\n';
     addTexts(sheet, texts, 0, "");
     std::string file;
+    uint64_t end = 0; // of the track before, in its file
     for (const SessionInfo& session : record.sessions) {
+        // Else what lies between two sessions in their file would be of the track before.
+        if (!session.tracks.empty() && session.tracks.front().file == file)
+            sheet += "REM LEAD-OUT " + timeOf(end) + '\n';
         if (record.sessions.size() > 1) sheet += "REM SESSION " + twoDigits(session.number) + '\n';
         if (!session.tracks.empty() && session.tracks.front().isCDI) sheet += "REM SESSION-FORMAT CD-I\n";
         for (const TrackInfo& track : session.tracks) {
             if (track.file != file) sheet += "FILE " + quoted(track.file) + " BINARY\n";
             file = track.file;
             addTrack(sheet, track, &track == &session.tracks.front(), file != names::image, texts);
+            end = track.fileOffset / (file != names::image ? sectorBytes : blockSize) + track.blocks;
         }
     }
     return sheet;

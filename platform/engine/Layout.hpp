@@ -75,6 +75,9 @@ enum class SessionFormat : uint8_t { Plain, CDI, XA };
 struct Track {
     std::variant<DataTrack, ProducedTrack> content;
     Verification verification = Verification::Checksum;
+    /// Where the track must begin, because what is in it counts from the disc's first block: a later session of a copy.
+    /// A burn that would put it elsewhere fails before anything is written.
+    std::optional<uint64_t> startBlock;
 
     // Only for CDs; a DVD or BD has no place for these.
     std::optional<uint64_t> preGapBlocks; ///< without it the usual one

@@ -58,7 +58,8 @@ class TrackProducer {
         (void)block, (void)bytes;
         return true;
     }
-    /// False fails the verification.
+    /// After each prepareForVerification(), also when a difference was found; not after an abort. False fails the
+    /// verification.
     virtual bool cleanupAfterVerification() { return true; }
 
     /// After success and failure, once for each prepare().

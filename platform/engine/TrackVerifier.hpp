@@ -25,10 +25,12 @@ class TrackVerifier {
     TrackVerifier(std::shared_ptr<MediumReader> reader, TrackInfo track, std::shared_ptr<TrackSource> source,
                   Verification way, std::vector<uint64_t> checksums, uint64_t bytes, uint64_t preGapBlocks);
 
-    /// Reads the next piece into `buffer` and checks it; answers the bytes, 0 at the end. Throws Mismatch.
+    /// Reads the next piece into `buffer` and checks it; answers the bytes, 0 at the end. Throws Mismatch, after which
+    /// nothing more is asked.
     size_t next(std::span<std::byte> buffer);
 
   private:
+    size_t check(std::span<std::byte> buffer);
     void begin(std::span<std::byte> buffer);
     void end();
     size_t readFull(int64_t block, std::span<std::byte> buffer);

@@ -4,6 +4,7 @@
 #include "CDText.hpp"
 #include "Fixture.hpp"
 #include "Producers.hpp"
+#include "RecordingCode.hpp"
 
 using namespace engine;
 
@@ -62,12 +63,22 @@ TEST_F(LayoutTest, tracksThatAMediumCannotTake) {
 
 TEST_F(LayoutTest, codesOfTracksAndDiscs) {
     Track track = song();
-    for (const char* code : {"DEA12001234", "dea120012345", "DEA1200X2345", "DEA1200123456"}) {
+    const std::pair<const char*, const char*> wrong[] = {
+        {"DEA12001234", "an ISRC has 12 characters, not 11"},
+        {"DEA1200123456", "an ISRC has 12 characters, not 13"},
+        {"dea120012345", "character 1 of an ISRC is a capital letter"},
+        {"D1A120012345", "character 2 of an ISRC is a capital letter"},
+        {"DEa120012345", "character 3 of an ISRC is a capital letter or a digit"},
+        {"DEA1-0012345", "character 5 of an ISRC is a capital letter or a digit"},
+        {"DEA12X012345", "character 6 of an ISRC is a digit"},
+        {"DEA12001234X", "character 12 of an ISRC is a digit"}};
+    for (const auto& [code, sentence] : wrong) {
         track.isrc = code;
         refuses(drive(MediumKind::CDR), of({track}), ErrorCode::CantWriteISRC,
-                "Track 1 has \"" + std::string(code) +
-                    "\" as its recording code; an ISRC has five capitals or digits, then seven digits.");
+                "Track 1 has \"" + std::string(code) + "\" as its recording code, but " + sentence + ".");
     }
+    for (const char* code : {"DE1230012345", "DEABC0012345"})
+        EXPECT_EQ(wrongInRecordingCode(code), std::nullopt) << code;
     track.isrc = "DEA120012345";
     refuses(drive(MediumKind::CDR, {"isrc"}), of({track}), ErrorCode::CantWriteISRC,
             "Track 1 has a recording code (ISRC), which the drive \"Virtual Disc Drive 1\" can't take; burn "

@@ -63,7 +63,8 @@ TEST_F(ProducerTest, thatGivesOtherBytesTheSecondTimeFailsVerification) {
         "The disc in \"Virtual Disc Drive 1\" is not what was written, from block 1024 on; don't trust "
         "it, and burn again.");
     EXPECT_EQ(openDrive()->mediumInfo()->state, MediumState::Incomplete);
-    EXPECT_TRUE(producer->calls().ends_with("produce cleanupAfterBurn ")) << producer->calls();
+    EXPECT_TRUE(producer->calls().ends_with("produce cleanupAfterVerification cleanupAfterBurn "))
+        << producer->calls();
 }
 
 TEST_F(ProducerTest, thatIsNotContentWithWhatWasReadFailsVerification) {
@@ -72,6 +73,26 @@ TEST_F(ProducerTest, thatIsNotContentWithWhatWasReadFailsVerification) {
         burnTrack(track(Verification::ReceiveData)), VerificationFailed,
         "The disc in \"Virtual Disc Drive 1\" is not what was written, from block 0 on; don't trust it, "
         "and burn again.");
+    EXPECT_EQ(producer->calls(), "prepare produce prepareForVerification verify cleanupAfterVerification "
+                                 "cleanupAfterBurn ");
+}
+
+// Deliberate: whoever was asked to prepare cleans up, once.
+TEST_F(ProducerTest, cleansUpAfterEveryVerificationThatItWasToPrepare) {
+    producer->preparesVerification = false;
+    const auto unprepared = burnTrack(track(Verification::ReceiveData));
+    ASSERT_TRUE(unprepared.error);
+    EXPECT_EQ(unprepared.error->code, ErrorCode::VerificationFailed);
+    EXPECT_EQ(unprepared.error->info, "the producer of track 1 could not prepare for it");
+    EXPECT_EQ(producer->calls(),
+              "prepare produce prepareForVerification cleanupAfterVerification cleanupAfterBurn ");
+    fs::remove_all(drivePath());
+    producer = std::make_shared<TestProducer>(2048);
+    producer->cleansVerification = false;
+    const auto unclean = burnTrack(track(Verification::ReceiveData));
+    ASSERT_TRUE(unclean.error);
+    EXPECT_EQ(unclean.error->info, "the producer of track 1 was not content");
+    EXPECT_EQ(producer->cleanups, 1);
 }
 
 TEST_F(ProducerTest, maySayItsLengthWhenItPrepares) {

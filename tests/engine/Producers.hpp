@@ -60,7 +60,7 @@ class TestProducer : public engine::TrackProducer {
         note("prepareForVerification");
         given = 0;
         again = true;
-        return true;
+        return preparesVerification;
     }
     bool verifyPreGap(uint64_t, std::span<const std::byte> read) override {
         note("verifyPreGap");
@@ -74,7 +74,8 @@ class TestProducer : public engine::TrackProducer {
     }
     bool cleanupAfterVerification() override {
         note("cleanupAfterVerification");
-        return true;
+        ++cleanups;
+        return cleansVerification;
     }
     void cleanupAfterBurn() override { note("cleanupAfterBurn"); }
 
@@ -88,6 +89,8 @@ class TestProducer : public engine::TrackProducer {
     uint64_t seed;
     uint64_t becomes = 0;
     bool preparing = true, preGap = false, content = true, again = false, inOrder = true;
+    bool preparesVerification = true, cleansVerification = true;
+    int cleanups = 0;             ///< after verifications
     uint64_t spoilt = UINT64_MAX; ///< a byte that is another one when asked for again
     uint64_t given = 0;
     size_t largest = 0;

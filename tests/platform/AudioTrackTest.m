@@ -180,7 +180,8 @@ static void TestVerifiedPreGap(void) {
         SAME("after NO nothing more is shown", two->calls,
              Words(i == 0 ? @"prepare preGap produce prepareVerification verifyPreGap verify "
                             @"cleanupVerification cleanup"
-                          : @"prepare preGap produce prepareVerification verifyPreGap cleanup"));
+                          : @"prepare preGap produce prepareVerification verifyPreGap "
+                            @"cleanupVerification cleanup"));
     }
     // A producer that can't compare its pre-gap has it compared by nobody.
     Producer* without = [[Producer new] autorelease];

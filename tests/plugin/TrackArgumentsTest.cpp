@@ -1,8 +1,10 @@
 // TrackArgumentsTest.cpp: what the track class hands to the platform, when it asks it nothing, and what a constructed
 // track keeps.
+#include "host/runtime/FolderItem.hpp"
 #include "plugin/bridge/Registry.hpp"
 #include "plugin/bridge/Startup.hpp"
 #include "plugin/bridge/Wrappers.hpp"
+#include "plugin/objc/ClassBuilder.hpp"
 #include "plugin/objc/Ownership.hpp"
 #include "tests/plugin/Companion.hpp"
 #include "tests/plugin/Drives.hpp"
@@ -121,6 +123,11 @@ TEST_F(TrackArguments, SoundIsFoundByItsPathAndWhatIsNoneGivesNil) {
         Ref::adopt(call<REALobject>(className, ofPath, String((drives.scratch / "two.wav").string()).get()));
     ASSERT_TRUE(track);
     EXPECT_EQ(FindInstance(frame::slot(track.get())), track.get());
+    const Ref item = host::newFolderItem((drives.scratch / "two.wav").string());
+    const Ref ofItem = Ref::adopt(call<REALobject>(className, ofFile, item.get()));
+    ASSERT_TRUE(ofItem);
+    for (const Ref* each : {&track, &ofItem})
+        EXPECT_EQ((call<uint64_t>(className, "estimateLength as UInt64", each->get())), 1u);
     EXPECT_EQ((call<REALobject>(className, ofPath,
                                 String((drives.scratch / "content/read me.txt").string()).get())),
               nullptr);
@@ -177,6 +184,7 @@ TEST_F(TrackArguments, WhatInitialisingAnswersIsTheTrack) {
     replaceMethod<"initWithProducer:", answersAnother>("DRTrack");
     Ref second = constructed();
     EXPECT_EQ(frame::slot(second.get()), otherTrack);
+    EXPECT_EQ(*objc::ivar<REALobject>(otherTrack, "host"), second.get()) << "and asks this object's events";
     otherTrack = nullptr;
     const Ref none = constructed();
     EXPECT_EQ(frame::slot(none.get()), nullptr) << "no track, and a later call may make one";

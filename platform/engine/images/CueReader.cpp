@@ -5,6 +5,7 @@
 #include "images/ReadImage.hpp"
 
 #include <algorithm>
+#include <optional>
 
 namespace engine {
 namespace {
@@ -47,6 +48,7 @@ class CueDisc {
     struct Draft {
         PieceTrack pieces;
         std::vector<uint64_t> indexPoints;
+        std::optional<uint64_t> startBlock;
     };
 
     const CueTrack& trackOf(const Place& place) const { return told_.tracks[place.index.track]; }
@@ -102,10 +104,37 @@ class CueDisc {
             draft.indexPoints.push_back(blocksIn(draft, place));
         const bool isLastOfFile =
             number + 1 == places_.size() || places_[number + 1].index.file != place.index.file;
-        const uint64_t end = isLastOfFile ? file.length : places_[number + 1].at;
+        uint64_t end = isLastOfFile ? file.length : places_[number + 1].at;
+        if (const auto leadOut = leadOutBehind(number); leadOut && *leadOut < end) {
+            end = *leadOut;
+            if (!isLastOfFile) requirePlace(places_[number + 1].index.track);
+        }
         if (end == place.at) return;
         auto& row = place.index.number == 0 ? draft.pieces.preGap : draft.pieces.body;
         row.push_back(pieceOf(place, end - place.at));
+    }
+    // The end of a session, behind its last index. Other programs count from the disc's start, also in a file that begins
+    // later: such a time lies behind the file's end, and the file's end it is.
+    std::optional<uint64_t> leadOutBehind(size_t number) const {
+        const Place& place = places_[number];
+        const bool isLastOfSession =
+            number + 1 == places_.size() || trackOf(places_[number + 1]).session != trackOf(place).session;
+        if (!isLastOfSession) return std::nullopt;
+        for (const CueLeadOut& each : told_.leadOuts)
+            if (each.track == place.index.track && each.file == place.index.file &&
+                each.block > place.index.block)
+                return place.at + (each.block - place.index.block) * unitOf(place);
+        return std::nullopt;
+    }
+    // A file that keeps the gap between two sessions is the disc block for block, so it says where the later one must
+    // begin. Sound may begin anywhere.
+    void requirePlace(size_t track) {
+        const auto isMore = [](const CueTrack& each) { return each.preGap > 0 || each.postGap > 0; };
+        const auto upTo = told_.tracks.begin() + static_cast<std::ptrdiff_t>(track) + 1;
+        if (told_.tracks[track].isSound() || std::any_of(told_.tracks.begin(), upTo, isMore)) return;
+        for (const CueIndex& index : told_.indexes)
+            if (index.track == track && index.number == 1 && index.file == 0)
+                drafts_[track].startBlock = index.block;
     }
     // The front of a file goes on with the index that the file before it ended in.
     bool isAdded(const Draft& draft, const Place& place) const {
@@ -160,6 +189,7 @@ class CueDisc {
         ProducedTrack produced = producedTrack(std::move(draft.pieces));
         produced.volumeName = volumeNameIn(produced);
         track.content = std::move(produced);
+        track.startBlock = draft.startBlock;
         track.preGapBlocks = silent + kept;
         track.isrc = told.isrc;
         track.sessionFormat = told.format;

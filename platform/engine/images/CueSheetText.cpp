@@ -2,6 +2,7 @@
 #include "images/CueSheetText.hpp"
 
 #include "BlockForm.hpp"
+#include "RecordingCode.hpp"
 #include "audio/AudioReader.hpp"
 
 #include <algorithm>
@@ -98,11 +99,20 @@ class CueParser {
         if (!(words >> word)) return;
         if (std::string format; word == "SESSION-FORMAT" && words >> format && format == "CD-I")
             format_ = SessionFormat::CDI;
+        if (word == "LEAD-OUT") return takeLeadOut(words);
         if (word != "SESSION" || !(words >> number)) return;
         if (number != session_ && number != session_ + 1)
             refuse("session " + std::to_string(number) + " is out of order.");
         if (number != session_) format_ = SessionFormat::Plain;
         session_ = number;
+    }
+
+    // A remark that says nothing that can be read is still a remark.
+    void takeLeadOut(std::istringstream& words) {
+        std::string time;
+        uint64_t block = 0;
+        if (!(words >> time) || !blocksOfTime(time, block) || told_.indexes.empty()) return;
+        told_.leadOuts.push_back({told_.indexes.back().file, told_.indexes.back().track, block});
     }
 
     void takeFile(std::string_view rest) {
@@ -214,10 +224,10 @@ class CueParser {
     }
 
     void takeISRC(std::string_view text) {
-        const auto code = isrcOf(text);
-        if (!code)
-            refuse(inQuotes(text) + " is no recording code: it has 12 characters, as in USRC17607839.");
-        track("ISRC").isrc = *code;
+        const std::string code = isrcIn(text);
+        if (const auto wrong = wrongInRecordingCode(code); wrong && !code.empty())
+            refuse(inQuotes(text) + " is no recording code: " + *wrong + ", as in USRC17607839.");
+        track("ISRC").isrc = code;
     }
     void takeCatalog(std::string_view text) {
         const auto number = catalogNumberOf(text);

@@ -34,6 +34,12 @@ struct CueIndex {
     size_t line;
 };
 
+// Where a session ends in the file of its last track.
+struct CueLeadOut {
+    size_t file, track;
+    uint64_t block;
+};
+
 struct CueTrack {
     size_t line;
     const CueMode* mode;
@@ -50,6 +56,7 @@ struct CueSheetText {
     std::vector<CueFile> files;
     std::vector<CueTrack> tracks;
     std::vector<CueIndex> indexes; // as they stand in the sheet
+    std::vector<CueLeadOut> leadOuts;
     std::string catalogNumber;
     std::vector<uint8_t> packs; // of the file that the sheet names
     DiscTexts texts{0x09};      // English

@@ -65,17 +65,9 @@ std::vector<uint8_t> packsOf(const std::vector<DiscTexts>& languages, size_t tra
     return std::move(*packs);
 }
 
-std::optional<std::string> isrcOf(std::string_view text) {
-    constexpr size_t characters = 12, digitsFrom = 5;
+std::string isrcIn(std::string_view text) {
     std::string code = inCapitals(text);
     std::erase(code, '-');
-    if (code.empty()) return code;
-    if (code.size() != characters) return std::nullopt;
-    for (size_t at = 0; at < characters; ++at) {
-        const bool isDigit = code[at] >= '0' && code[at] <= '9';
-        const bool isLetter = code[at] >= 'A' && code[at] <= 'Z';
-        if (!isDigit && !(isLetter && at < digitsFrom)) return std::nullopt;
-    }
     return code;
 }
 

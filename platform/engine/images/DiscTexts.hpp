@@ -33,9 +33,8 @@ class DiscTexts {
 /// Packs of the texts that aren't empty. Throws Failure.
 std::vector<uint8_t> packsOf(const std::vector<DiscTexts>& languages, size_t tracks);
 
-/// Twelve characters without hyphens and in capitals: two of the country, three of the owner, two digits of the year,
-/// five of the number. Empty text stays; other texts give none.
-std::optional<std::string> isrcOf(std::string_view text);
+/// A recording code as people write it, without hyphens and in capitals. Right or wrong: wrongInRecordingCode() tells.
+std::string isrcIn(std::string_view text);
 
 /// Thirteen digits; the twelve of an American code get the 0 that stands before them. Other texts give none.
 std::optional<std::string> catalogNumberOf(std::string_view text);

@@ -160,7 +160,7 @@ bool blocksOfTime(std::string_view time, uint64_t& blocks) {
             if (digits == 0 || ++part > 2) return false;
             digits = 0;
         } else if (each >= '0' && each <= '9') {
-            if (++digits > (part == 0 ? 3 : 2)) return false;
+            if (++digits > (part == 0 ? 4 : 2)) return false;
             parts[part] = parts[part] * 10 + static_cast<uint64_t>(each - '0');
         } else {
             return false;

@@ -36,7 +36,7 @@ class Sheet {
 /// Text for CD-Text.
 std::u16string utf16Of(std::string_view bytes);
 
-/// Blocks of "mm:ss:ff"; minutes may have three digits. Empty text or other figures give false.
+/// Blocks of "mm:ss:ff"; minutes may have four digits, for the largest discs. Empty text or other figures give false.
 bool blocksOfTime(std::string_view time, uint64_t& blocks);
 
 /// Blocks as a time, for sentences.

@@ -1,6 +1,7 @@
 // What the statements of a track put together.
 #include "images/TocTrack.hpp"
 
+#include "RecordingCode.hpp"
 #include "audio/AudioReader.hpp"
 #include "images/ReadImage.hpp"
 
@@ -132,10 +133,10 @@ void TocTrack::takeSubchannel() {
 
 void TocTrack::takeISRC() {
     const std::string text = words_.takeText("the recording code");
-    const auto code = isrcOf(text);
-    if (!code)
-        words_.refuse(inQuotes(text) + " is no recording code: it has 12 characters, as in USRC17607839.");
-    isrc_ = *code;
+    const std::string code = isrcIn(text);
+    if (const auto wrong = wrongInRecordingCode(code); wrong && !code.empty())
+        words_.refuse(inQuotes(text) + " is no recording code: " + *wrong + ", as in USRC17607839.");
+    isrc_ = code;
 }
 
 // A time counts blocks, a plain number samples or bytes.

@@ -40,7 +40,11 @@ TEST_F(CueBadInput, IsToldWithItsLine) {
         {head + "SHUFFLE\n", "\"disc.cue\", line 4: the word \"SHUFFLE\" is not known."},
         {head + "FLAGS LOUD\n", "\"disc.cue\", line 4: the flag \"LOUD\" is not known."},
         {head + "ISRC 123\n",
-         "\"disc.cue\", line 4: \"123\" is no recording code: it has 12 characters, as in USRC17607839."},
+         "\"disc.cue\", line 4: \"123\" is no recording code: an ISRC has 12 characters, not 3, as in "
+         "USRC17607839."},
+        {head + "ISRC 12-ABC-99-00001\n",
+         "\"disc.cue\", line 4: \"12-ABC-99-00001\" is no recording code: character 1 of "
+         "an ISRC is a capital letter, as in USRC17607839."},
         {"CATALOG 123\n", "\"disc.cue\", line 1: \"123\" is no catalog number: it has 13 digits."},
         {"ISRC USRC17607839\n", "\"disc.cue\", line 1: ISRC stands before the first track."},
         {"PREGAP 00:02:00\n", "\"disc.cue\", line 1: PREGAP stands before the first track."},

@@ -1,6 +1,7 @@
 // Cue sheets: which bytes become which track, and what stands about them.
 #include "CDText.hpp"
 #include "ImageFixture.hpp"
+#include "images/Sheet.hpp"
 
 namespace {
 
@@ -240,6 +241,66 @@ TEST_F(Cue, SessionsAreThoseThatTheRemarksSay) {
     EXPECT_EQ(image.layout.sessions[0].tracks[1].preGapBlocks, 0u);
     EXPECT_EQ(image.layout.sessions[1].tracks[0].preGapBlocks, 150u);
     EXPECT_TRUE(areSame(burned(image.layout.sessions[1].tracks[0]).body, user));
+}
+
+// What lies between the sessions is neither's, and says that the file is the disc, block for block.
+TEST_F(Cue, ALeadOutEndsASessionInItsFile) {
+    const std::string blocks = noise(1000 * 2048);
+    write("disc.iso", blocks);
+    const std::string first = "REM SESSION 01\nFILE disc.iso BINARY\nTRACK 1 MODE1/2048\nINDEX 1 00:00:00\n",
+                      second = "REM SESSION 02\nTRACK 2 MODE1/2048\nINDEX 1 00:08:00\n";
+    const auto startOf = [](const ImageLayout& image) {
+        return image.layout.sessions.at(1).tracks.at(0).startBlock;
+    };
+    const auto image =
+        readText("disc.cue", first + "REM LEAD-OUT 00:04:10\n" + second + "REM LEAD-OUT 00:13:20\n");
+    auto tracks = burned(image);
+    ASSERT_EQ(tracks.size(), 2u);
+    EXPECT_TRUE(areSame(tracks[0].body, blocks.substr(0, 310 * 2048)));
+    EXPECT_TRUE(areSame(tracks[1].body, blocks.substr(600 * 2048, 395 * 2048)));
+    EXPECT_EQ(startOf(image), 600u);
+    EXPECT_EQ(tracks[0].track.startBlock, std::nullopt);
+
+    // Without a gap, and with times that can't be of the file, everything is somebody's.
+    for (const char* remark : {"REM LEAD-OUT 00:08:00\n", "REM LEAD-OUT 00:00:00\n",
+                               "REM LEAD-OUT 09:00:00\n", "REM LEAD-OUT soon\n", "REM LEAD-OUT\n", ""}) {
+        const auto joined = readText("disc.cue", first + remark + second);
+        tracks = burned(joined);
+        EXPECT_EQ(tracks[0].blocks(), 600u) << remark;
+        EXPECT_EQ(startOf(joined), std::nullopt) << remark;
+    }
+    // Silence that is in no file moves all that follows, and sound may begin anywhere.
+    const auto moved = readText("disc.cue", "FILE disc.iso BINARY\nTRACK 1 MODE1/2048\nPREGAP 00:00:10\n"
+                                            "INDEX 1 00:00:00\nREM LEAD-OUT 00:04:10\n" +
+                                                second);
+    EXPECT_EQ(burned(moved)[0].blocks(), 310u);
+    EXPECT_EQ(startOf(moved), std::nullopt);
+    write("disc.iso", noise(525 * 2048 + 475 * cd));
+    const auto sound = readText("disc.cue", first + "REM LEAD-OUT 00:04:10\nREM SESSION 02\nTRACK 2 AUDIO\n"
+                                                    "INDEX 0 00:07:00\nINDEX 1 00:08:00\n");
+    EXPECT_EQ(burned(sound)[0].blocks(), 310u);
+    EXPECT_EQ(startOf(sound), std::nullopt);
+}
+
+// As programs that read discs leave it: in a file for each track, the lead-out counts from the disc's start.
+TEST_F(Cue, ALeadOutBehindTheEndOfAFileIsItsEnd) {
+    write("one.bin", noise(300 * cd));
+    write("two.bin", noise(200 * cd));
+    const auto tracks =
+        burned(readText("disc.cue", "REM SESSION 01\nFILE one.bin BINARY\nTRACK 1 AUDIO\nINDEX 1 00:00:00\n"
+                                    "FILE two.bin BINARY\nTRACK 2 AUDIO\nINDEX 1 00:00:00\n"
+                                    "REM LEAD-OUT 00:06:50\nREM SESSION 02\nREM LEAD-IN 01:00:00\n"
+                                    "FILE one.bin BINARY\nTRACK 3 AUDIO\nINDEX 1 00:00:00\n"));
+    ASSERT_EQ(tracks.size(), 3u);
+    EXPECT_EQ(tracks[1].blocks(), 200u);
+}
+
+// The largest discs are 2716 "minutes" long.
+TEST_F(Cue, TimesHaveFourDigitsOfMinutes) {
+    uint64_t blocks = 0;
+    EXPECT_TRUE(blocksOfTime("2715:28:67", blocks));
+    EXPECT_EQ(blocks, 12219667u);
+    EXPECT_FALSE(blocksOfTime("12345:00:00", blocks));
 }
 
 // ---- as it is found in the world --------------------------------------------------------------------------

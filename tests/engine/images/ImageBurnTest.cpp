@@ -59,6 +59,67 @@ TEST_F(ImageBurn, AMixedDiscIsBurnedFromItsSheetAndCopied) {
         EXPECT_NE(sheet.find(part), std::string::npos) << part << " is not in\n" << sheet;
 }
 
+// A medium's own sheet tells its sessions apart also where they share a file.
+TEST_F(ImageBurn, SessionsOfDataBeforeMusicComeWhereTheyWere) {
+    const auto drive = makeDrive(MediumKind::CDR);
+    BurnOptions open;
+    open.appendable = true;
+    for (const char* name : {"one.txt", "two.txt"}) {
+        write(name, noise(300'000));
+        EXPECT_DONE(burn(drive, layout("DATA"), open));
+    }
+    write("music.bin", noise(500 * sectorBytes));
+    write("music.cue", "FILE music.bin BINARY\nTRACK 1 AUDIO\nINDEX 1 00:00:00\n");
+    EXPECT_DONE(burn(drive, read(source / "music.cue").layout));
+    const std::string sheet = bytesOf(drivePath() / "medium.cue");
+    EXPECT_NE(sheet.find("INDEX 01 00:00:00\nREM LEAD-OUT 00:"), std::string::npos) << sheet;
+    const fs::path copy = burnTo("drive-2", MediumKind::CDRW, read(drivePath() / "medium.cue"));
+    for (const char* name : {"medium.iso", "medium.3.bin", "medium.cue"})
+        EXPECT_TRUE(bytesOf(copy / name) == bytesOf(drivePath() / name)) << name;
+}
+
+// What counts from the disc's first block is burned where it was, or not at all.
+TEST_F(ImageBurn, ALaterSessionElsewhereIsRefused) {
+    write("disc.iso", noise(20'000 * 2048));
+    write("disc.cue", "FILE disc.iso BINARY\nTRACK 1 MODE1/2048\nINDEX 1 00:00:00\nREM LEAD-OUT 00:04:00\n"
+                      "REM SESSION 02\nTRACK 2 MODE1/2048\nINDEX 1 02:36:00\n"); // 300 blocks and 11400
+    const ImageLayout image = read(source / "disc.cue");
+    EXPECT_EQ(VirtualDrive::open(burnTo("drive-2", MediumKind::CDR, image).string())
+                  ->mediumInfo()
+                  ->sessions.at(1)
+                  .tracks.at(0)
+                  .startBlock,
+              11'700u);
+    const std::pair<MediumKind, std::string> others[] = {
+        {MediumKind::DVDPlusR,
+         "Track 2 is data that counts from block 11700 on, but on the DVD+R in \"Virtual Disc "
+         "Drive 1\" it would begin at block 2352"},
+        {MediumKind::DVDR,
+         "Track 2 is data that counts from block 11700 on, but on the DVD-R in \"Virtual Disc "
+         "Drive 1\" it would begin at block 16688"},
+        {MediumKind::DVDPlusRW,
+         "Track 2 is of a later session, which nobody would find on the DVD+RW in \"Virtual "
+         "Disc Drive 1\""}};
+    for (const auto& [kind, sentence] : others) {
+        fs::remove_all(drivePath());
+        const auto drive = makeDrive(kind);
+        EXPECT_FAILED(burn(drive, image.layout), BadLayout,
+                      sentence + "; put in a disc of the kind that the image was made from.");
+        EXPECT_TRUE(drive->mediumInfo()->blank);
+    }
+}
+
+// Deliberate: no medium here keeps what stands in the subchannel, and a disc of songs whose words are gone must not look
+// like a copy.
+TEST_F(ImageBurn, SubchannelDataIsRefusedAndNotDropped) {
+    write("songs.bin", noise(400 * 2448));
+    write("songs.cue", "FILE songs.bin BINARY\nTRACK 1 CDG\nINDEX 1 00:00:00\n");
+    const auto drive = makeDrive(MediumKind::CDR);
+    EXPECT_FAILED(burn(drive, read(source / "songs.cue").layout), FunctionNotSupported,
+                  "Track 1 brings subchannel data, which the drive can't write; burn it without.");
+    EXPECT_TRUE(drive->mediumInfo()->blank);
+}
+
 TEST_F(ImageBurn, AHiddenPreGapComesThrough) {
     const std::string sound = noise(500 * sectorBytes);
     write("disc.bin", sound);

@@ -200,7 +200,8 @@ TEST_F(Toc, WhatMakesNoSenseIsToldWithItsLine) {
         {track + "NO MORE\n",
          "\"disc.toc\", line 4: \"MORE\" stands where COPY or PRE_EMPHASIS should stand."},
         {track + "ISRC \"1\"\n",
-         "\"disc.toc\", line 4: \"1\" is no recording code: it has 12 characters, as in USRC17607839."},
+         "\"disc.toc\", line 4: \"1\" is no recording code: an ISRC has 12 characters, not 1, as in "
+         "USRC17607839."},
         {track + "FILE \"b.cdr\" 0\n", "\"disc.toc\", line 4: the file \"b.cdr\" is not there; put it beside "
                                        "the sheet, or correct its name."},
         {track + "FILE \"a.cdr\"\n",

@@ -68,8 +68,8 @@ Class Produced Inherits DRTrackQRX
     End Event
 End Class
 
-Function NewBurn() As DRBurnQRX
-    Dim drive As DRDeviceQRX = DRDeviceQRX.device(0)
+Function NewBurn(Optional index As Integer = 0) As DRBurnQRX
+    Dim drive As DRDeviceQRX = DRDeviceQRX.device(index)
     Dim burn As New DRBurnQRX(drive)
     burn.Overwrite = Not drive.mediaIsBlank
     burn.completionAction = DRBurnQRX.DRBurnCompletionActionMount
@@ -117,7 +117,7 @@ Call BurnOf("unprepared", DRTrackQRX.DRVerificationTypeNone) ' expect: 80020062:
 Call BurnOf("nothing", DRTrackQRX.DRVerificationTypeNone)    ' expect: 80020062: prepare produce cleanup
 Call BurnOf("too much", DRTrackQRX.DRVerificationTypeNone)   ' expect: 80020062: prepare produce cleanup
 Call BurnOf("differs", DRTrackQRX.DRVerificationTypeReceiveData)
-' expect match: ^80020063: prepare produce verification verify (verified )?cleanup
+' expect: 80020063: prepare produce verification verify verified cleanup
 Call BurnOf("raises", DRTrackQRX.DRVerificationTypeNone)
 ' expect: raised: no bytes today
 ' expect: 80020062: prepare produce cleanup
@@ -130,21 +130,54 @@ Catch e As NilObjectException
     Print "gone"                                             ' expect: gone
 End Try
 
-' A track that goes away has no more data; the burn ends in order.
-Produced.Log = ""
-Dim track As Produced = New Produced(DRTrackQRX.DRVerificationTypeNone)
-track.Mode = "slow"
-Dim burn As DRBurnQRX = NewBurn
-burn.writeLayout(track)
-App.DoEvents(60)
-track = Nil
-WaitFor(burn)                                                ' expect: 80020062: prepare produce
-Print DRDeviceQRX.device(0).mediaIsBusy                      ' expect: False
+' A track that goes away has no more data; the burn ends in order. A disc that can be written again is as it was, and one
+' that is written once says that it isn't whole.
+Sub BurnAndDrop(index As Integer)
+    Produced.Log = ""
+    Dim track As New Produced(DRTrackQRX.DRVerificationTypeNone)
+    track.Mode = "slow"
+    Dim burn As DRBurnQRX = NewBurn(index)
+    burn.writeLayout(track)
+    Do
+        App.DoEvents(10)
+    Loop Until InStr(Produced.Log, "produce") > 0
+    track = Nil
+    WaitFor(burn)
+End Sub
+
+Sub ShowDisc(index As Integer)
+    Dim drive As DRDeviceQRX = DRDeviceQRX.device(index)
+    Print drive.mediaIsBusy, drive.mediaIsBlank
+    For Each onDisc As DRTrackQRX In drive.status.Value(DRDeviceQRX.DRDeviceTrackRefsKey)
+        Print onDisc.Length.sectors, onDisc.properties.Value(DRTrackQRX.DRTrackTypeKey)
+    Next
+End Sub
+
+Call BurnOf("ends", DRTrackQRX.DRVerificationTypeNone)       ' expect: done: prepare produce cleanup
+BurnAndDrop(0)                                               ' expect: 80020062: prepare produce
+ShowDisc(0)
+' expect: False False
+' expect: 1000 DRTrackTypeClosed
+
+Sub PutText(file As FolderItem, text As String)
+    Dim stream As TextOutputStream = TextOutputStream.Create(file)
+    stream.Write(text)
+    stream.Close
+End Sub
+Dim onceFolder As FolderItem = GetFolderItem("drives").Child("once")
+onceFolder.CreateAsFolder
+PutText(onceFolder.Child("medium.json"), "{""format"":1,""kind"":""DVD+R"",""capacityBlocks"":2295104,""state"":""blank"",""sessions"":[]}")
+PutText(onceFolder.Child("drive.json"), "{""format"":1,""vendor"":""Virtual"",""product"":""Once"",""firmwareRevision"":""1.00""}")
+BurnAndDrop(1)                                               ' expect: 80020062: prepare produce
+ShowDisc(1)
+' expect: False False
+' expect match: ^[0-9]+ DRTrackTypeIncomplete$
+onceFolder.Child("drive.json").Delete
 
 ' A burn that goes away ends, too, and the drive is free again.
-track = New Produced(DRTrackQRX.DRVerificationTypeNone)
+Dim track As New Produced(DRTrackQRX.DRVerificationTypeNone)
 track.Mode = "slow"
-burn = NewBurn
+Dim burn As DRBurnQRX = NewBurn
 burn.writeLayout(track)
 App.DoEvents(60)
 burn = Nil
@@ -154,5 +187,8 @@ While DRDeviceQRX.device(0).mediaIsBusy And waited < 500
     waited += 1
 Wend
 Print DRDeviceQRX.device(0).mediaIsBusy                      ' expect: False
-track = Nil ' its clean-up may come late, and is not the next burn's
+Do
+    App.DoEvents(10)
+Loop Until InStr(Produced.Log, "cleanup") > 0                ' it may come late, and is not the next burn's
+track = Nil
 Call BurnOf("", DRTrackQRX.DRVerificationTypeChecksum)       ' expect match: ^done: prepare produce .*cleanup
