@@ -43,7 +43,7 @@ struct DRDeviceInside;
 
 // The media questions answer NO, nil or zero with no medium.
 - (BOOL)mediaIsPresent;
-/** It is being made ready or unloaded: wait. */
+/** NO: a drive that is getting ready is waited for by whoever asks what is in it, and a virtual one is ready at once. */
 - (BOOL)mediaIsTransitioning;
 /** Some process uses the medium; this one counts. */
 - (BOOL)mediaIsBusy;

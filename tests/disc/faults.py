@@ -30,6 +30,7 @@ REWRITABLE = {"CD-RW": 359847, "DVD-RW": 2297888, "DVD-RAM": 2236704, "DVD+RW": 
 WRITE_ONCE = {"CD-R": 359847, "DVD-R": 2298496, "DVD-R DL": 4171712, "DVD+R": 2295104, "DVD+R DL": 4173824,
               "BD-R": 12219392}
 OVERWRITABLE = ("DVD-RAM", "DVD+RW", "BD-RE")
+FAULTS = ("kill", "append", "space", "limit", "readonly", "source", "producer")
 LIMIT = 120
 STEPS = 30  # calls that change something in a drive's folder while these sources are burned, and a few more
 
@@ -296,16 +297,31 @@ class Bench:
         self.counts[fault, "re-writable" if kind in REWRITABLE else "write-once", outcome, after] += 1
 
 
+    def table(self):
+        print(f"\n{'fault':10}{'medium':13}{'afterwards':19}{'and then':27}{'count':>6}")
+        for (fault, sort, outcome, after), count in sorted(self.counts.items()):
+            print(f"{fault:10}{sort:13}{outcome:19}{after:27}{count:6}")
+
+
 def main():
-    options = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    options.add_argument("--count", type=int, default=1000)
-    options.add_argument("--seed", type=int, default=random.SystemRandom().randrange(1 << 30))
-    options.add_argument("--fault", default="kill,append,space,limit,readonly,source,producer")
-    options.add_argument("--build", default=os.path.join(ROOT, "build/release"))
+    options = argparse.ArgumentParser(
+        description=__doc__.split("\n\n", 1)[0], formatter_class=argparse.RawDescriptionHelpFormatter,
+        epilog=__doc__.split("\n\n", 2)[2] + """
+examples:
+  faults.py --fault kill,append --count 1000   a thousand processes killed at random points of their burns
+  faults.py --fault kill --count 1000          the same, without second sessions
+  faults.py --count 70 --seed 4                some of every fault, the same ones each time""")
+    options.add_argument("--count", type=int, default=1000, help="faults in all (1000), in turn on every kind of medium")
+    options.add_argument("--seed", type=int, default=random.SystemRandom().randrange(1 << 30),
+                         help="of the random points; it is printed")
+    options.add_argument("--fault", default=",".join(FAULTS), help="which, with commas between them (all)")
+    options.add_argument("--build", default=os.path.join(ROOT, "build/release"), help="the build folder (build/release)")
     options = options.parse_args()
+    faults = options.fault.split(",")
+    if unknown := set(faults) - set(FAULTS):
+        sys.exit(f"faults.py: there is no fault {', '.join(sorted(unknown))}; there are {', '.join(FAULTS)}")
     scratch = tempfile.mkdtemp(prefix="disc-faults-")
     bench = Bench(scratch, options.build, options.seed)
-    faults = options.fault.split(",")
     kinds = [*REWRITABLE, *WRITE_ONCE]
     print(f"{options.count} faults, seed {options.seed}", flush=True)
     for number in range(options.count):
@@ -314,13 +330,12 @@ def main():
         try:
             bench.once(fault, kind)
         except (Wrong, subprocess.SubprocessError, OSError) as problem:
-            print(f"fault {number + 1}, {fault} on {kind}: {problem}\nthe drive is kept in {bench.drives}")
+            print(f"\nfault {number + 1}, {fault} on {kind}: {problem}\nthe drive is kept in {bench.drives}")
+            bench.table()
             return 1
         if sys.stdout.isatty():
             print(f"\r{number + 1}", end="", flush=True)
-    print(f"\n{'fault':10}{'medium':13}{'afterwards':19}{'and then':27}{'count':>6}")
-    for (fault, sort, outcome, after), count in sorted(bench.counts.items()):
-        print(f"{fault:10}{sort:13}{outcome:19}{after:27}{count:6}")
+    bench.table()
     print(f"{sum(bench.counts.values())} faults, no medium silently wrong")
     shutil.rmtree(scratch)
     return 0

@@ -173,11 +173,30 @@ TEST_F(Burn, ATrackIsBurnedAndTheMediumIsNoLongerBlank) {
 
 TEST_F(Burn, DroppingTheLastReferenceStopsARunningBurn) {
     const Ref drive = device();
+    const auto asks = [&](const char* declaration) {
+        return call<bool>("DRDeviceQRX", declaration, drive.get());
+    };
+    const auto untilIts = [](auto condition) {
+        for (int i = 0; i < 1000 && !condition(); ++i)
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        return condition();
+    };
+    writeFile(drives.scratch / "content/large", std::string(60'000'000, 'x'));
     {
         const Ref burn = burnFor(drive);
+        harness::setterOf<void(REALobject, float)>(className, "requestedBurnSpeed as single")(burn.get(),
+                                                                                              500);
+        harness::setterOf<void(REALobject, REALstring)>(className, "completionAction as string")(
+            burn.get(), String("DRBurnCompletionActionMount").get());
+        harness::setterOf<void(REALobject, REALstring)>(className, "BurnFailureAction as string")(
+            burn.get(), String("DRBurnFailureActionNone").get());
         call<void>(className, "writeLayout(track as DRTrackQRX)", burn.get(), track().get());
+        ASSERT_TRUE(untilIts([&] { return state(burn) == "DRStatusStateTrackWrite"; })) << state(burn);
+        EXPECT_TRUE(asks("mediaIsBusy as boolean"));
     }
-    EXPECT_FALSE((call<bool>("DRDeviceQRX", "mediaIsBusy as boolean", drive.get())));
+    // By itself it would take two minutes, and the medium would not be blank then.
+    EXPECT_TRUE(untilIts([&] { return !asks("mediaIsBusy as boolean"); }));
+    EXPECT_TRUE(asks("mediaIsBlank as boolean"));
 }
 
 TEST_F(Burn, AnArrayOfTracksIsBurnedWithoutItsNilAndEmptyElements) {

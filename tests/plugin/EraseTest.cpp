@@ -60,6 +60,28 @@ class Erase : public LoadedTest {
         }
         return "still " + state(erase);
     }
+    // The medium is written afterwards, and still in the drive.
+    void burnSomething(const Ref& drive) {
+        constexpr const char* burns = "DRBurnQRX";
+        writeFile(drives.scratch / "content/read me.txt", "burned by a test\n");
+        const Ref folder =
+            Ref::adopt(call<REALobject>("DRFolderQRX", "folderWithPath(path as string) as DRFolderQRX",
+                                        String((drives.scratch / "content").string()).get()));
+        const Ref track = Ref::adopt(call<REALobject>(
+            "DRTrackQRX", "trackForRootFolder(folder as DRFolderQRX) as DRTrackQRX", folder.get()));
+        const Ref burn = make(burns);
+        call<void>(burns, "Constructor(device as DRDeviceQRX)", burn.get(), drive.get());
+        harness::setterOf<void(REALobject, REALstring)>(burns, "completionAction as string")(
+            burn.get(), String("DRBurnCompletionActionMount").get());
+        call<void>(burns, "writeLayout(track as DRTrackQRX)", burn.get(), track.get());
+        const auto now = [&] {
+            return textIn(Ref::adopt(call<REALobject>(burns, "status as dictionary", burn.get())),
+                          "DRStatusStateKey");
+        };
+        for (int i = 0; i < 1000 && now() != "DRStatusStateDone" && now() != "DRStatusStateFailed"; ++i)
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        EXPECT_EQ(now(), "DRStatusStateDone");
+    }
     std::string type(const Ref& erase) {
         return textOf(call<REALstring>(className, "eraseType as string", erase.get()));
     }
@@ -185,12 +207,16 @@ TEST_F(Erase, StringConstantsReadAsTheirNames) {
     }
 }
 
-TEST_F(Erase, StartReturnsAtOnceAndTheMediumIsBlankInTheEnd) {
+TEST_F(Erase, AWrittenMediumIsBlankInTheEndAndAnEraseStartsOnce) {
     const Ref drive = device(), erase = eraseFor(drive);
+    const auto isBlank = [&] { return call<bool>("DRDeviceQRX", "mediaIsBlank as boolean", drive.get()); };
+    burnSomething(drive);
+    ASSERT_FALSE(isBlank());
+    EXPECT_EQ(state(erase), "DRStatusStateNone");
     call<void>(className, "start", erase.get());
     EXPECT_EQ(raised(), std::nullopt);
     EXPECT_EQ(finalState(erase), "DRStatusStateDone");
-    EXPECT_TRUE((call<bool>("DRDeviceQRX", "mediaIsBlank as boolean", drive.get())));
+    EXPECT_TRUE(isBlank());
     testing::internal::CaptureStderr();
     call<void>(className, "start", erase.get());
     testing::internal::GetCapturedStderr();
