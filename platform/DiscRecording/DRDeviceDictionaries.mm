@@ -216,7 +216,9 @@ NSString* DRMediaTypeOfKind(MediumKind kind) {
     const double most =
         medium && !medium->speeds.empty() ? medium->speeds.back() : fastest(drive->capabilities().writes);
     [status setObject:speed(most) forKey:DRDeviceMaximumWriteSpeedKey];
-    [status setObject:speed(most) forKey:DRDeviceCurrentWriteSpeedKey];
+    // A drive that doesn't say how fast it is set to write takes the fastest.
+    [status setObject:speed(medium && medium->currentSpeed > 0 ? medium->currentSpeed : most)
+               forKey:DRDeviceCurrentWriteSpeedKey];
     if (!medium)
         return [NSDictionary dictionaryWithDictionary:status];
 

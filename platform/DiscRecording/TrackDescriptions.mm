@@ -75,6 +75,12 @@ NSDictionary* propertiesOfTrack(const engine::MediumInfo& medium, const engine::
     [told setObject:number(session.number) forKey:DRSessionNumberKey];
     [told setObject:isClosed ? DRTrackTypeClosed : DRTrackTypeIncomplete forKey:DRTrackTypeKey];
     [told setObject:boolean(track.blocks == 0) forKey:DRTrackIsEmptyKey];
+    // A closed track has no room of its own: what can be appended goes behind the last one.
+    const bool isGoneOnWith = track.number == medium.trackCount() && medium.nextWritableBlock;
+    [told setObject:number(isGoneOnWith ? medium.blocksFree : 0) forKey:DRFreeBlocksKey];
+    if (isGoneOnWith) {
+        [told setObject:number(*medium.nextWritableBlock) forKey:DRNextWritableAddressKey];
+    }
     if (!isCD)
         return told;
     [told setObject:DRMSFOfBlocks(track.preGapBlocks) forKey:DRPreGapLengthKey];

@@ -114,6 +114,7 @@ struct MediumInfo {
     std::string mediaCatalogNumber;                      ///< 13 digits, or empty
     bool hasCDText = false;                              ///< see MediumReader::cdText()
     std::optional<uint64_t> doubleLayerL0DataZoneBlocks; ///< when it was set
+    double currentSpeed = 0;    ///< KB/s that the drive is set to; 0 when it isn't known
     std::vector<double> speeds; ///< KB/s, ascending; what this drive offers for this medium
     std::string
         path; ///< of the file that holds the medium's data, for people; empty when it has none (blank)

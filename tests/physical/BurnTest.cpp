@@ -327,6 +327,7 @@ TEST_F(PhysicalTest, SpeedIsTheDrivesOwn) {
     options.requestedSpeed = 16 * 176.4;
     EXPECT_DONE(burn(layout(), options));
     EXPECT_EQ(state()["writeSpeed"], 16 * 176);
+    EXPECT_EQ(medium().currentSpeed, 16 * 176);
 }
 
 TEST_F(PhysicalTest, DriveThatTakesItsTime) {

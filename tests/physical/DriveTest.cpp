@@ -1,5 +1,6 @@
 // A physical drive as a drive: who it is, what it can do, its tray, who has it.
 #include "Fixture.hpp"
+#include "physical/CapabilitiesPage.hpp"
 
 #include <chrono>
 #include <fcntl.h>
@@ -101,6 +102,65 @@ TEST_F(PhysicalTest, TrayOpensAndCloses) {
     EXPECT_TRUE(own->closeTray().ok());
     EXPECT_FALSE(own->isTrayOpen());
     EXPECT_TRUE(own->mediumInfo());
+}
+
+TEST_F(PhysicalTest, MechanismIsTheDrivesOwn) {
+    insert("CD-RW", {{"loadingMechanism", 0}});
+    const DriveRef slot = drive();
+    EXPECT_TRUE(slot->loadingMechanism().canEject);
+    EXPECT_FALSE(slot->loadingMechanism().canOpen || slot->loadingMechanism().canInject);
+    EXPECT_EQ(slot->openTray().error().code, ErrorCode::FunctionNotSupported);
+    EXPECT_EQ(slot->closeTray().error().code, ErrorCode::FunctionNotSupported);
+    EXPECT_TRUE(slot->mediumInfo());
+    EXPECT_TRUE(slot->eject().ok());
+    EXPECT_FALSE(slot->mediumInfo());
+}
+
+// A drive that is written to still lets go of it: whoever waited for the end of the burn has his tray.
+TEST_F(PhysicalTest, TrayWaitsForABurnThatIsOver) {
+    file("noise.bin", noise(3'000'000));
+    bool wasBusy = false;
+    for (int attempt = 0; attempt < 5 && !wasBusy; ++attempt) {
+        insert("DVD+RW", {{"faults", {{"slowWrites", 1000}}}});
+        ASSERT_TRUE(drive()->closeTray().ok());
+        const DriveRef own = drive();
+        BurnJob job(own);
+        ASSERT_TRUE(job.start(layout()).ok());
+        while (state().value("writes", 0) == 0 && !job.status().isFinal())
+            ::usleep(1000);
+        EXPECT_EQ(own->eject().error().code, ErrorCode::DeviceBusy) << "in the middle of a burn";
+        job.abort();
+        EXPECT_EQ(job.wait().error->code, ErrorCode::UserCanceled);
+        wasBusy = own->isBusy(); // the library is still at its last block
+        const auto ejected = own->eject();
+        EXPECT_TRUE(ejected.ok()) << ejected.error().message;
+        EXPECT_TRUE(own->isTrayOpen());
+        change("faults", Json::object());
+    }
+    EXPECT_TRUE(wasBusy);
+}
+
+TEST(PhysicalCapabilities, PageOfModeSense) {
+    std::vector<uint8_t> answer(8 + 32);
+    EXPECT_FALSE(capabilitiesIn(answer)) << "another page";
+    answer[8] = 0x2A;
+    answer[9] = 30;
+    answer[8 + 6] = 1 << 5 | 8;
+    answer[8 + 28] = 0x10;
+    answer[8 + 29] = 0x80;
+    const auto page = capabilitiesIn(answer);
+    ASSERT_TRUE(page);
+    EXPECT_TRUE(page->loading.canEject && page->loading.canOpen && page->loading.canInject);
+    EXPECT_EQ(page->writeSpeed, 4224);
+    answer[9] = 20; // of an older drive: the speed stands before
+    answer[8 + 20] = 0x01;
+    EXPECT_EQ(capabilitiesIn(answer)->writeSpeed, 256);
+    answer[7] = 8; // a descriptor of blocks that nobody asked for
+    EXPECT_FALSE(capabilitiesIn(answer));
+    answer.insert(answer.begin() + 8, 8, 0);
+    EXPECT_EQ(capabilitiesIn(answer)->writeSpeed, 256);
+    for (size_t size = 0; size < 8 + 8 + 7; ++size)
+        EXPECT_FALSE(capabilitiesIn(std::span(answer).first(size))) << size;
 }
 
 TEST_F(PhysicalTest, EmptyDrive) {

@@ -133,6 +133,7 @@ static void TestBlankStatus(DRDevice* device) {
                                        [[speeds lastObject] intValue] == 24 * 176);
     SAME("here as well", [media objectForKey:DRDeviceBurnSpeedsKey], speeds);
     SAME("the fastest", [status objectForKey:DRDeviceMaximumWriteSpeedKey], [speeds lastObject]);
+    PASS("the one that is set", [[status objectForKey:DRDeviceCurrentWriteSpeedKey] intValue] == 10 * 176);
     NSArray* tracks = [status objectForKey:DRDeviceTrackRefsKey];
     PASS("no tracks", tracks != nil && [tracks count] == 0 &&
                           [[media objectForKey:DRDeviceMediaTrackCountKey] intValue] == 0);
@@ -165,6 +166,11 @@ static void TestBurned(DRDevice* device, Listener* listener) {
     PASS("the track's own facts", [tracks count] == 1 &&
                                       [[facts objectForKey:DRTrackLengthKey] sectors] > 390 &&
                                       [[facts objectForKey:DRTrackModeKey] intValue] == kDRTrackMode1Data);
+    PASS("what goes on behind it", [[facts objectForKey:DRNextWritableAddressKey] intValue] > 11400 + 390 &&
+                                       [[facts objectForKey:DRFreeBlocksKey] intValue] ==
+                                           359847 - [[facts objectForKey:DRNextWritableAddressKey] intValue]);
+    SAME("as free as the medium", [facts objectForKey:DRFreeBlocksKey],
+         [media objectForKey:DRDeviceMediaBlocksFreeKey]);
 }
 
 static int Test(void) {
@@ -193,10 +199,15 @@ static int Test(void) {
     NSNotification* gone =
         HearOf(listener, DRDeviceDisappearedNotification, DRDeviceProductNameKey, @"MMC RECORDER");
     PASS("a drive that goes is told", [gone object] == device && ![device isValid]);
-    InsertMedium(@"{\"medium\": \"DVD+R DL\", \"product\": \"OTHER\"}");
+    InsertMedium(
+        @"{\"medium\": \"DVD+R DL\", \"product\": \"OTHER\", \"loadingMechanism\": 0, \"canEject\": false}");
     NSNotification* comes = HearOf(listener, DRDeviceAppearedNotification, DRDeviceProductNameKey, @"OTHER");
     DRDevice* other = [comes object];
     PASS("and another that comes", other != nil && ![other isEqualToDevice:device] && [other isValid]);
+    PASS("which has neither tray nor motor", !Says([other info], DRDeviceLoadingMechanismCanEjectKey) &&
+                                                 !Says([other info], DRDeviceLoadingMechanismCanInjectKey) &&
+                                                 !Says([other info], DRDeviceLoadingMechanismCanOpenKey) &&
+                                                 ![other openTray] && ![other closeTray]);
     SAME("with what is in it", [other mediaType], DRDeviceMediaTypeDVDPlusRDoubleLayer);
     [center removeObserver:listener name:nil object:nil];
     return Finish();
@@ -214,7 +225,7 @@ int main(int count, char** arguments) {
     folder = [place stringByAppendingPathComponent:@"sr0"];
     mkdir([folder UTF8String], 0700);
     mkdir([[place stringByAppendingPathComponent:@"drives"] UTF8String], 0700);
-    InsertMedium(@"{\"medium\": \"CD-RW\"}");
+    InsertMedium(@"{\"medium\": \"CD-RW\", \"writeSpeed\": 1760}");
     setenv("DISC_RECORDER", [folder UTF8String], 1);
     setenv("DISC_DRIVES", [[place stringByAppendingPathComponent:@"drives"] UTF8String], 1);
     setenv("DISC_PHYSICAL", "1", 1);

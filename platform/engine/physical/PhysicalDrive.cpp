@@ -2,6 +2,7 @@
 #include "PhysicalDrive.hpp"
 #include "../Failure.hpp"
 #include "BurnLibrary.hpp"
+#include "CapabilitiesPage.hpp"
 #include "PhysicalReader.hpp"
 #include "PhysicalTarget.hpp"
 
@@ -116,6 +117,9 @@ void PhysicalDrive::learn() {
     identity_.product = trimmed(info.product);
     identity_.firmwareRevision = trimmed(info.revision);
     describeConnection(identity_);
+    const Descriptor device = openForStatus(path());
+    if (const auto page = device ? readCapabilitiesPage(device.get()) : std::nullopt)
+        mechanism_ = page->loading;
 
     int count = 0;
     std::array<int, 64> profiles{};
@@ -287,10 +291,18 @@ void PhysicalDrive::mechanics(unsigned long request, const char* what) {
              systemText(errno));
 }
 
+void PhysicalDrive::requireTray() const {
+    requireValid();
+    if (!mechanism_.canOpen)
+        fail(ErrorCode::FunctionNotSupported, "The drive " + inQuotes(displayName()) +
+                                                  " has no tray; put discs in and take them out by hand.");
+}
+
 Result<void> PhysicalDrive::openTray() {
     return guarded([&] {
         const int now = status();
         if (now == CDS_TRAY_OPEN) return;
+        requireTray();
         if (now != CDS_NO_DISC)
             fail(ErrorCode::BurnNotAllowed,
                  "There is a disc in " + inQuotes(displayName()) + ": eject it instead.");
@@ -299,7 +311,10 @@ Result<void> PhysicalDrive::openTray() {
 }
 
 Result<void> PhysicalDrive::closeTray() {
-    return guarded([&] { mechanics(CDROMCLOSETRAY, "close"); });
+    return guarded([&] {
+        requireTray();
+        mechanics(CDROMCLOSETRAY, "close");
+    });
 }
 
 Result<void> PhysicalDrive::eject() {

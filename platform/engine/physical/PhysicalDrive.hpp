@@ -76,6 +76,7 @@ class PhysicalDrive final : public Drive, public std::enable_shared_from_this<Ph
     void attach();
     void learn();
     void requireValid() const;
+    void requireTray() const;
     void grab();
     void release();
     void beginJob();

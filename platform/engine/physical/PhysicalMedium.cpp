@@ -1,11 +1,13 @@
 // What a drive tells of the medium in it.
 #include "BurnLibrary.hpp"
+#include "CapabilitiesPage.hpp"
 #include "PhysicalDrive.hpp"
 #include "PhysicalTarget.hpp"
 
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <fcntl.h>
 #include <libburn/libburn.h>
 #include <memory>
 #include <set>
@@ -57,6 +59,12 @@ std::vector<double> speedsOf(burn_drive* drive) {
         burn_drive_free_speedlist(&list);
     }
     return {speeds.begin(), speeds.end()};
+}
+
+double currentSpeedOf(const std::string& path) {
+    const Descriptor device(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    const auto page = device ? readCapabilitiesPage(device.get()) : std::nullopt;
+    return page ? page->writeSpeed : 0;
 }
 
 // The two blocks behind a track written at once belong to nobody.
@@ -291,6 +299,7 @@ std::optional<MediumInfo> describeMedium(burn_drive* drive, const std::string& p
     medium.kind = *kind;
     medium.capacityBlocks = factsOf(*kind).capacityBlocks;
     medium.speeds = speedsOf(drive);
+    medium.currentSpeed = currentSpeedOf(path);
     medium.path = path;
     medium.takesTests = takesTestWriting(drive, factsOf(*kind).mediumClass == MediumClass::CD);
     if (takesBlocksInAnyOrder(drive))
