@@ -242,6 +242,7 @@ class ContentReader {
                 return content.error();
             children.push_back(std::move(*content));
         }
+        [folder childNamesChanged]; // so that what it kept of them isn't in memory while the disc is written
         return Content::folder(std::move(name), std::move(children));
     }
 
