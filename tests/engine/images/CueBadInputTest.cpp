@@ -158,7 +158,8 @@ TEST_F(CueBadInput, AnyTextDoesNoHarm) {
         "CATALOG 0123456789012\nTITLE \"A\"\nFILE \"mixed.bin\" BINARY\n"
         "TRACK 01 MODE1/2048\nINDEX 01 00:00:00\nTRACK 02 AUDIO\nFLAGS DCP\nISRC USRC17607839\nPREGAP "
         "00:00:10\n"
-        "INDEX 00 00:00:20\nINDEX 01 00:00:40\nINDEX 02 00:00:50\nREM SESSION 02\nTRACK 03 "
+        "INDEX 00 00:00:20\nINDEX 01 00:00:40\nINDEX 02 00:00:50\nREM LEAD-OUT 00:00:58\nREM SESSION "
+        "02\nTRACK 03 "
         "MODE2/2336\nPOSTGAP 00:00:02\nINDEX 01 00:01:00\n";
     write("mixed.bin", noise(20 * 2048 + 55 * cd + 30 * 2336));
     uint64_t seed = 5;
