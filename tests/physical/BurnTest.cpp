@@ -171,6 +171,38 @@ TEST_F(PhysicalTest, SoundWithCodesAndCatalogue) {
     EXPECT_TRUE(samples == noise(350 * 2352, 1) + std::string(150 * 2352, '\0') + noise(350 * 2352, 2));
 }
 
+// The disc has the length that was announced, and what didn't come is zeros: the drive was told before.
+TEST_F(PhysicalTest, TrackThatEndsEarly) {
+    class Short final : public TrackProducer {
+      public:
+        size_t produce(uint64_t block, std::span<std::byte> buffer, ProduceFlags& flags) override {
+            const uint64_t count = std::min<uint64_t>(buffer.size() / blockSize, 400 - block);
+            std::fill_n(buffer.begin(), count * blockSize, std::byte{'x'});
+            flags.noMoreData = block + count == 400;
+            return static_cast<size_t>(count * blockSize);
+        }
+    };
+    for (const char* kind : {"CD-R", "DVD-R", "DVD+R", "BD-RE"}) {
+        insert(kind);
+        drive()->closeTray().ok();
+        Track track;
+        ProducedTrack data;
+        data.blocks = 640;
+        data.producer = std::make_shared<Short>();
+        track.content = data;
+        track.verification = Verification::Checksum;
+        EXPECT_DONE(burn(Layout::ofTrack(track)));
+        auto reader = drive()->openMedium();
+        ASSERT_TRUE(reader.ok());
+        TrackInfo read;
+        read.blocks = 640;
+        std::string bytes(640 * blockSize, '\0');
+        const auto count = (*reader)->read(read, 0, std::as_writable_bytes(std::span(bytes)));
+        ASSERT_TRUE(count.ok()) << kind << count.error().message;
+        EXPECT_TRUE(bytes == std::string(400 * blockSize, 'x') + std::string(240 * blockSize, '\0')) << kind;
+    }
+}
+
 // The library tells no drive of a session's format, so the disc would be another one than was asked for.
 TEST_F(PhysicalTest, CDIIsRefused) {
     insert("CD-R");

@@ -125,8 +125,10 @@ class PhysicalTarget final : public BurnTarget {
     }
 
     void closeTrack(uint64_t blocks, uint64_t) override {
-        written_.back()[track_].blocks = blocks;
-        job_->endTrack(track_++);
+        TrackInfo& track = written_.back()[track_];
+        const uint64_t missing = track.blocks > blocks ? track.blocks - blocks : 0;
+        track.blocks = blocks;
+        job_->endTrack(track_++, missing * bytesPerBlock(track.form));
     }
 
     void closeSession() override {

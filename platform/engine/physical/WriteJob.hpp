@@ -19,7 +19,11 @@ class WriteJob {
 
     /// False when the library takes no more.
     bool give(size_t track, std::span<const std::byte> bytes, const Signal* signal);
-    void endTrack(size_t track) { feed_->end(track); }
+    /// No more comes for it. Bytes that were announced and don't come, the library fills with zeros.
+    void endTrack(size_t track, uint64_t missing) {
+        bytes_ -= missing;
+        feed_->end(track);
+    }
     /// Waits until the session is on the disc. Throws UserCanceled, and what went wrong.
     void finish(const Signal* signal);
     /// Makes the library stop and waits until it has.
