@@ -2,8 +2,8 @@
 #include "NameRules.hpp"
 
 #include <algorithm>
+#include <bit>
 #include <unordered_map>
-#include <unordered_set>
 
 namespace discrecording {
 namespace {
@@ -141,24 +141,50 @@ size_t powerOfTen(size_t exponent) {
     return power;
 }
 
-// Gives names out. The numbers tried so far are kept for each stem as it is when cut, so that none is tried
+// Which names of a list are taken, as a table of places in it: small, so that many names don't wait for memory.
+class Taken {
+  public:
+    Taken(NameRule rule, const std::vector<std::u16string>& names)
+        : rule_(rule), names_(names), slots_(std::bit_ceil(2 * names.size() + 1)) {}
+
+    // False when a name that is the same is taken already. The name must not change any more.
+    bool take(size_t index) {
+        const std::u16string key = keyOf(rule_, names_[index]);
+        const size_t hash = std::hash<std::u16string>()(key);
+        for (size_t at = hash & (slots_.size() - 1);; at = (at + 1) & (slots_.size() - 1)) {
+            Slot& slot = slots_[at];
+            if (slot.next == 0) {
+                slot = {static_cast<uint32_t>(hash), static_cast<uint32_t>(index + 1)};
+                return true;
+            }
+            if (slot.hash == static_cast<uint32_t>(hash) && keyOf(rule_, names_[slot.next - 1]) == key)
+                return false;
+        }
+    }
+
+  private:
+    struct Slot {
+        uint32_t hash = 0, next = 0; // the place behind it; 0 for none
+    };
+
+    NameRule rule_;
+    const std::vector<std::u16string>& names_;
+    std::vector<Slot> slots_; // half of them stay empty
+};
+
+// Gives names out that may be taken. The numbers tried so far are kept for each stem as it is when cut, so that none is tried
 // twice, whatever it was cut from; and where each name stands is kept, too, so that one more of it takes a step.
 class Names {
   public:
-    Names(NameRule rule, size_t expected) : rule_(rule) { taken_.reserve(expected); }
-
-    bool take(const std::u16string& name) { return taken_.insert(keyOf(rule_, name)).second; }
+    explicit Names(NameRule rule) : rule_(rule) {}
 
     std::u16string another(const Sibling& sibling) {
         Wanted& wanted = wanted_[sibling.isFolder ? sibling.name + u'/' : sibling.name];
-        while (true) {
-            while (wanted.number == nullptr || *wanted.number == wanted.end)
-                takeMoreDigits(wanted, sibling);
-            std::u16string name = wanted.stem;
-            appendNumber(name, (*wanted.number)++, wanted.digits);
-            name += wanted.extension;
-            if (take(name)) return name;
-        }
+        while (wanted.number == nullptr || *wanted.number == wanted.end)
+            takeMoreDigits(wanted, sibling);
+        std::u16string name = wanted.stem;
+        appendNumber(name, (*wanted.number)++, wanted.digits);
+        return name += wanted.extension;
     }
 
   private:
@@ -189,7 +215,6 @@ class Names {
     }
 
     NameRule rule_;
-    std::unordered_set<std::u16string> taken_;
     std::unordered_map<std::u16string, size_t> next_;
     std::unordered_map<std::u16string, Wanted> wanted_;
 };
@@ -208,17 +233,18 @@ std::u16string legalName(NameRule rule, std::u16string_view name, bool isFolder)
 }
 
 std::vector<std::u16string> mangledNames(NameRule rule, const std::vector<Sibling>& siblings) {
-    Names names(rule, siblings.size());
     std::vector<std::u16string> result(siblings.size());
+    Taken taken(rule, result);
     std::vector<size_t> others;
     for (size_t i = 0; i < siblings.size(); ++i) {
-        if (names.take(siblings[i].name))
-            result[i] = siblings[i].name;
-        else
-            others.push_back(i);
+        result[i] = siblings[i].name;
+        if (!taken.take(i)) others.push_back(i);
     }
+    Names names(rule);
     for (const size_t i : others)
-        result[i] = names.another(siblings[i]);
+        do
+            result[i] = names.another(siblings[i]);
+        while (!taken.take(i));
     return result;
 }
 
