@@ -184,8 +184,8 @@ int runCommandLine(int count, char** arguments) {
     const auto status = engine::guarded([&] {
         try {
             return set.run();
-        } catch (const Interrupted&) {
-            std::fprintf(stderr, "\ndisc-drives: interrupted; nothing was left half-done.\n");
+        } catch (const Interrupted& stopped) {
+            std::fprintf(stderr, "\ndisc-drives: interrupted; %s\n", stopped.left);
             return interruptedStatus;
         }
     });

@@ -13,8 +13,10 @@ bool isInterrupted() noexcept;
 /// Throws Interrupted.
 void checkInterruption();
 
-/// Thrown once a person has asked to stop; whoever made something half-done takes it back on the way out.
-struct Interrupted {};
+/// Thrown once a person has asked to stop; whoever made something half-done takes it back on the way out, or says what is left.
+struct Interrupted {
+    const char* left = "nothing was left half-done.";
+};
 
 /// Asks a question that is answered with y or n; anything but yes is no. Only on a terminal: see mayAsk().
 bool confirm(const std::string& question);

@@ -22,7 +22,8 @@ int eraseMedium(const Common& common, const std::string& name, bool complete) {
             const double percent = job.status().percent;
             if (percent >= 0)
                 progress.show(bytes / whole * static_cast<uint64_t>(percent * static_cast<double>(whole)));
-            checkInterruption(); // the drive goes on, or leaves the medium openly incomplete
+            if (isInterrupted()) // a recorder goes on by itself, a virtual drive leaves the medium openly incomplete
+                throw Interrupted{"the medium may be erased in part; erase it again before it is used."};
         }
     }
     const engine::EraseStatus status = job.wait();

@@ -89,11 +89,11 @@ class DrivesCase(unittest.TestCase):
         """Runs the command on a terminal of its own, answers its question, and gives status and screen."""
         return self.on_screen(arguments, lambda process, main: answer and os.write(main, answer))
 
-    def interrupted(self, *arguments):
-        """The same, with Ctrl-C for an answer."""
-        return self.on_screen(arguments, lambda process, main: process.send_signal(signal.SIGINT))
+    def interrupted(self, *arguments, at=b"[y/N] "):
+        """The same, with Ctrl-C for an answer, or as soon as that is shown."""
+        return self.on_screen(arguments, lambda process, main: process.send_signal(signal.SIGINT), at)
 
-    def on_screen(self, arguments, answer):
+    def on_screen(self, arguments, answer, at=b"[y/N] "):
         main, side = pty.openpty()
         process = subprocess.Popen([COMMAND, *arguments], stdin=side, stdout=side, stderr=side, close_fds=True,
                                    env=self.environment(TERM="xterm"), start_new_session=True)
@@ -110,7 +110,7 @@ class DrivesCase(unittest.TestCase):
             if not part:
                 break
             shown += part
-            if answer and shown.endswith(b"[y/N] "):
+            if answer and at in shown:
                 answer(process, main)
                 answer = None
         os.close(main)

@@ -445,6 +445,17 @@ class Media(DrivesCase):
             medium = self.shown(kind)["medium"]
             self.assertEqual((medium["state"], medium["usedBlocks"]), ("blank", 0))
 
+    def test_an_erase_that_is_interrupted_says_what_it_leaves(self):
+        self.used("one", "DVD+RW")
+        with open(self.drive("one", "medium.iso"), "ab") as image:
+            for _ in range(600):
+                image.write(b"old" * 350_000)
+        status, screen = self.interrupted("erase", "one", "--complete", "--force", at=b"Erasing")
+        self.assertEqual(status, 130, screen)
+        self.assertIn("interrupted; the medium may be erased in part; erase it again", screen)
+        self.assertEqual(self.shown("one")["medium"]["state"], "incomplete")
+        self.assertIn("is blank", self.succeed("erase", "one", "--force"))
+
     def test_media_that_cannot_be_erased(self):
         self.used("once", "CD-R")
         self.refuse("(?i)can't be erased", "erase", "once", "--force")
