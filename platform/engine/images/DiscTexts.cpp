@@ -1,6 +1,7 @@
 // Texts and codes of discs.
 #include "images/DiscTexts.hpp"
 
+#include "Layout.hpp"
 #include "images/Sheet.hpp"
 
 #include <algorithm>
@@ -68,6 +69,7 @@ std::vector<uint8_t> packsOf(const std::vector<DiscTexts>& languages, size_t tra
 std::string isrcIn(std::string_view text) {
     std::string code = inCapitals(text);
     std::erase(code, '-');
+    if (code == std::string(isrcCharacters, '0')) return {};
     return code;
 }
 

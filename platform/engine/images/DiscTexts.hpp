@@ -34,6 +34,7 @@ class DiscTexts {
 std::vector<uint8_t> packsOf(const std::vector<DiscTexts>& languages, size_t tracks);
 
 /// A recording code as people write it, without hyphens and in capitals. Right or wrong: wrongInRecordingCode() tells.
+/// Nothing but zeros is deliberately no code: it is what a drive reads and rippers write where a track has none.
 std::string isrcIn(std::string_view text);
 
 /// Thirteen digits; the twelve of an American code get the 0 that stands before them. Other texts give none.

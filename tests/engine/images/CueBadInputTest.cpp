@@ -42,6 +42,9 @@ TEST_F(CueBadInput, IsToldWithItsLine) {
         {head + "ISRC 123\n",
          "\"disc.cue\", line 4: \"123\" is no recording code: an ISRC has 12 characters, not 3, as in "
          "USRC17607839."},
+        {head + "ISRC 00000000000\n", "\"disc.cue\", line 4: \"00000000000\" is no recording code: an ISRC "
+                                      "has 12 characters, not 11, as in "
+                                      "USRC17607839."},
         {head + "ISRC 12-ABC-99-00001\n",
          "\"disc.cue\", line 4: \"12-ABC-99-00001\" is no recording code: character 1 of "
          "an ISRC is a capital letter, as in USRC17607839."},

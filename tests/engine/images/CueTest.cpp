@@ -67,6 +67,20 @@ TEST_F(Cue, OneFileWithTheTracksOfAnAudioDisc) {
 }
 
 // Another reader must find the tracks in the same places, and cut out the same bytes.
+// It is what rippers write for a track that has none.
+TEST_F(Cue, ARecordingCodeOfZerosIsNoCode) {
+    write("disc.bin", noise(1000 * cd));
+    const auto tracks =
+        burned(readText("disc.cue", "FILE disc.bin BINARY\nTRACK 01 AUDIO\nISRC 000000000000\n"
+                                    "INDEX 01 00:00:00\nTRACK 02 AUDIO\n"
+                                    "ISRC \"00-000-00-00000\"\nINDEX 01 00:05:00\n"
+                                    "TRACK 03 AUDIO\nISRC USRC17607839\nINDEX 01 00:10:00\n"));
+    ASSERT_EQ(tracks.size(), 3u);
+    EXPECT_EQ(tracks[0].track.isrc, "");
+    EXPECT_EQ(tracks[1].track.isrc, "");
+    EXPECT_EQ(tracks[2].track.isrc, "USRC17607839");
+}
+
 TEST_F(Cue, OtherProgramsFindTheSameTracks) {
     std::string user;
     const std::string data = mode1Sectors(400, 0, user), sound = noise(900 * cd, 3);

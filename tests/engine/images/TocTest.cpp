@@ -72,6 +72,18 @@ TEST_F(Toc, TracksArePutTogether) {
 }
 
 // What another program says of the same file, address by address.
+TEST_F(Toc, ARecordingCodeOfZerosIsNoCode) {
+    write("a.raw", std::string(400 * cd, '\0'));
+    const std::string track = "TRACK AUDIO\nISRC \"", file = "\"\nFILE \"a.raw\" 0\n";
+    const auto tracks =
+        burned(readText("disc.toc", "CD_DA\n" + track + "000000000000" + file + track + "00-000-00-00000" +
+                                        file + track + "USRC17607839" + file));
+    ASSERT_EQ(tracks.size(), 3u);
+    EXPECT_EQ(tracks[0].track.isrc, "");
+    EXPECT_EQ(tracks[1].track.isrc, "");
+    EXPECT_EQ(tracks[2].track.isrc, "USRC17607839");
+}
+
 TEST_F(Toc, AnotherProgramSeesTheSameTracks) {
     write("d.iso", noise(1000 * 2048));
     write("a.cdr", noise(600 * cd, 5));
