@@ -7,7 +7,8 @@
 
 namespace discrecording {
 
-/// Reads texts, dates, DRISOLevel and DRISORockRidgeExtensions into the track. BadLayout for values of a wrong type.
+/// Reads texts, dates, DRISOLevel, DRISORockRidgeExtensions and DRISOMacExtensions into the track. BadLayout for values
+/// of a wrong type.
 engine::Result<void> readVolumeProperties(NSDictionary* properties, engine::DataTrack& track);
 
 } // namespace discrecording
