@@ -236,7 +236,11 @@ class ContentReader {
             std::string childName = pathnames::encode(names[i]);
             names_[members[i]] = childName;
             way_.push_back(i);
+            // What an item's names and properties leave behind goes with it, not with the whole tree. An exception that
+            // passes is left to the caller's pool, since it may lie in this one.
+            NSAutoreleasePool* left = [NSAutoreleasePool new];
             auto content = contentOf(members[i], std::move(childName), masks_[members[i]], depth + 1);
+            [left release];
             way_.pop_back();
             if (!content.ok())
                 return content.error();
