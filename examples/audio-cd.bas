@@ -50,6 +50,22 @@ Class Tags
         Return Join(parts, ".")
     End Function
 
+    ' Where a name has several values, as a song of two artists, all of them count; a code can be one only.
+    Private Sub Add(values As Dictionary, name As String, value As String)
+        If value = "" Then Return
+        If Not values.HasKey(name) Then
+            values.Value(name) = value
+        ElseIf name <> "ISRC" And name <> "TSRC" Then
+            values.Value(name) = values.Value(name) + ", " + value
+        End If
+    End Sub
+
+    Private Sub TakeAll(values As Dictionary)
+        For Each name As Variant In values.Keys
+            Take(name, values.Value(name))
+        Next
+    End Sub
+
     Private Sub Take(name As String, value As String)
         If value = "" Then Return
         Select Case name
@@ -93,19 +109,24 @@ Class Tags
         Loop Until kind >= 128
     End Sub
 
-    ' Texts of the form NAME=value, each behind its length; in front of them who wrote them, and how many there are.
+    ' Texts of the form NAME=value, each behind its length; in front of them who wrote them, and how many there are. A length
+    ' that leads behind the end, or is negative because it doesn't fit, ends the search.
     Private Sub TakeComments(body As String)
-        Dim at As Integer = 5 + LittleNumber(LeftB(body, 4))
-        Dim count As Integer = LittleNumber(MidB(body, at, 4))
-        at += 4
+        Dim values As New Dictionary
+        Dim length As Integer = LittleNumber(LeftB(body, 4))
+        If length < 0 Or length > LenB(body) - 8 Then Return
+        Dim at As Integer = 9 + length
+        Dim count As Integer = LittleNumber(MidB(body, at - 4, 4))
         For i As Integer = 1 To count
-            If at + 3 > LenB(body) Then Return
-            Dim length As Integer = LittleNumber(MidB(body, at, 4))
+            If at + 3 > LenB(body) Then Exit For
+            length = LittleNumber(MidB(body, at, 4))
+            If length < 0 Or length > LenB(body) - at - 3 Then Exit For
             Dim text As String = DefineEncoding(MidB(body, at + 4, length), Encodings.UTF8)
             Dim name As String = NthField(text, "=", 1)
-            Take(Uppercase(name), Mid(text, Len(name) + 2))
+            Add(values, Uppercase(name), Mid(text, Len(name) + 2))
             at += 4 + length
         Next
+        TakeAll(values)
     End Sub
 
     ' Pages of at most 255 pieces, whose sizes stand in front; a piece of less than 255 bytes ends a packet, which may have
@@ -141,8 +162,8 @@ Class Tags
     ' to be even. WAV has its texts in one more row of chunks; what the ISRC says there is where the sound came from. An ID3
     ' tag, which knows more, comes last.
     Private Sub ReadChunks(stream As BinaryStream, isAIFF As Boolean)
-        Dim tagAt As Integer
-        Dim at As Integer = 12
+        Dim tagAt As Int64
+        Dim at As Int64 = 12
         While at + 8 <= stream.Length
             stream.Position = at
             Dim name As String = Uppercase(DefineEncoding(stream.Read(4), Encodings.ASCII))
@@ -185,31 +206,66 @@ Class Tags
         Return ConvertEncoding(DefineEncoding(bytes, Encodings.ISOLatin1), Encodings.UTF8)
     End Function
 
-    ' Frames: four letters, four bytes of length, two of flags; the text behind a byte for its encoding.
-    Private Sub ReadID3(stream As BinaryStream, start As Integer)
+    ' Frames: four letters, four bytes of length, two of flags; the text behind a byte for its encoding. A tag may have a zero
+    ' behind each byte 255, so that no player takes it for sound: the whole tag, since version 4 each frame, which then may
+    ' have four bytes more in front. A length that leads behind the end, or is negative because it doesn't fit, ends the search.
+    Private Sub ReadID3(stream As BinaryStream, start As Int64)
         stream.Position = start
         Dim head As String = stream.Read(10)
         If LeftB(head, 3) <> "ID3" Or LenB(head) < 10 Then Return
-        Dim body As String = stream.Read(SafeNumber(MidB(head, 7, 4)))
+        Dim size As Integer = SafeNumber(MidB(head, 7, 4))
+        If size < 0 Then Return
+        Dim body As String = stream.Read(size)
+        Dim isFour As Boolean = AscB(MidB(head, 4, 1)) >= 4
+        Dim hasZeros As Boolean = (AscB(MidB(head, 6, 1)) And 128) <> 0
+        If hasZeros And Not isFour Then body = WithoutZeros(body)
+        Dim values As New Dictionary
         Dim at As Integer = 1
         While at + 10 <= LenB(body) And AscB(MidB(body, at, 1)) <> 0
             Dim length As Integer = Number(MidB(body, at + 4, 4))
-            If AscB(MidB(head, 4, 1)) >= 4 Then length = SafeNumber(MidB(body, at + 4, 4))
-            Dim text As String = MidB(body, at + 11, length - 1)
-            Select Case AscB(MidB(body, at + 10, 1))
-            Case 0
-                text = DefineEncoding(text, Encodings.ISOLatin1)
-            Case 1
-                text = MarkedText(text)
-            Case 2
-                text = DefineEncoding(Swapped(text), Encodings.UTF16)
-            Case 3
-                text = DefineEncoding(text, Encodings.UTF8)
-            End Select
-            Take(LeftB(MidB(body, at, 4), 4), ReplaceAll(ConvertEncoding(text, Encodings.UTF8), Chr(0), ""))
+            If isFour Then length = SafeNumber(MidB(body, at + 4, 4))
+            If length < 0 Or length > LenB(body) - at - 9 Then Exit While
+            Dim text As String = MidB(body, at + 10, length)
+            If isFour Then
+                Dim flags As Integer = AscB(MidB(body, at + 9, 1))
+                If (flags And 1) <> 0 Then text = MidB(text, 5)
+                If hasZeros Or (flags And 2) <> 0 Then text = WithoutZeros(text)
+            End If
+            If text <> "" Then AddTexts(values, LeftB(MidB(body, at, 4), 4), AscB(text), MidB(text, 2))
             at += 10 + length
         Wend
+        TakeAll(values)
     End Sub
+
+    ' A zero stands between texts and may stand behind the last; in UTF-16 each may have a mark of its own.
+    Private Sub AddTexts(values As Dictionary, name As String, kind As Integer, text As String)
+        Select Case kind
+        Case 0
+            text = DefineEncoding(text, Encodings.ISOLatin1)
+        Case 1
+            text = MarkedText(text)
+        Case 2
+            text = DefineEncoding(Swapped(text), Encodings.UTF16)
+        Case 3
+            text = DefineEncoding(text, Encodings.UTF8)
+        Else
+            Return
+        End Select
+        For Each part As String In Split(ConvertEncoding(text, Encodings.UTF8), Chr(0))
+            If part <> "" And Asc(part) = 65279 Then part = Mid(part, 2)
+            Add(values, name, part)
+        Next
+    End Sub
+
+    Private Function WithoutZeros(bytes As String) As String
+        Dim result As String
+        Do
+            Dim found As Integer = InStrB(bytes, ChrB(255) + ChrB(0))
+            If found = 0 Then Return result + bytes
+            result = result + LeftB(bytes, found)
+            bytes = MidB(bytes, found + 2)
+        Loop
+    End Function
 
     ' UTF-16 behind a mark that tells which byte of a character stands first.
     Private Function MarkedText(bytes As String) As String
@@ -281,6 +337,7 @@ If files.LastIndex < 0 Then
     StdErr.WriteLine(Usage)
     Quit(2)
 End If
+If files.LastIndex > 98 Then Fail("a CD has at most 99 tracks, and here are " + Str(files.LastIndex + 1) + " files")
 
 ' A text of the sheet ends with its line and may hold quotation marks. Characters that are no text, like ends of
 ' lines, become blanks.

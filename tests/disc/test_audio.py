@@ -154,13 +154,17 @@ class Audio(ExamplesCase):
 
     # An MP3 file whose tag of version 2.4 holds these frames, each with the byte for its encoding.
     def tagged(self, name, **frames):
-        body = b"".join(kind.encode() + struct.pack(">IH", len(text), 0) + text for kind, text in frames.items())
+        return self.tagged_by(name, b"".join(
+            kind.encode() + struct.pack(">IH", len(text), 0) + text for kind, text in frames.items()))
+
+    # An MP3 file whose tag has this body.
+    def tagged_by(self, name, body, version=4, flags=0):
         self.assertLess(len(body), 128, "lengths of one byte")
         sound, plain, path = self.sound("plain.wav", 4), os.path.join(self.scratch, "plain.mp3"), \
             os.path.join(self.scratch, name)
         subprocess.run(["lame", "--quiet", "-t", sound, plain], check=True)
         with open(plain, "rb") as file, open(path, "wb") as made:
-            made.write(b"ID3\x04\0\0" + struct.pack(">I", len(body)) + body + file.read())
+            made.write(b"ID3" + bytes((version, 0, flags)) + struct.pack(">I", len(body)) + body + file.read())
         return path
 
     # Files that others tag, and what is on their disc then. "Žába" is in no character set of one byte that is tried.
@@ -257,6 +261,86 @@ class Audio(ExamplesCase):
             with open(path, "ab") as file:
                 file.write(b"LIST" + struct.pack("<I", length) + b"INFOINAM" + struct.pack("<I", length))
             self.assertIn("  song\n", self.tagged_disc(path)[0], length)
+
+    # The same in ID3, where 0xfffffff6 is -10, as long as what stands before a frame's text.
+    def test_frames_of_lengths_that_none_can_have_end_the_tag(self):
+        first = b"TIT2" + struct.pack(">IH", 6, 0) + b"\3Ended"
+        for version, length in ((3, b"\xff\xff\xff\xf6"), (3, b"\x7f\xff\xff\xff"), (3, b"\x80\0\0\0"),
+                                (3, b"\0\0\0\x40"), (4, b"\0\0\x7f\x7f"), (4, b"\xff\xff\xff\xff"),
+                                (4, b"\x0f\x7f\x7f\x76")):
+            body = first + b"TPE1" + length + bytes(2) + b"\3Cut off"
+            said, sheet = self.tagged_disc(self.tagged_by("song.mp3", body, version))
+            self.assertIn("  Ended\n", said, length)
+            self.assertFalse([line for line in sheet if line.startswith("PERFORMER")], length)
+        empty = b"TPE1" + bytes(6) + first
+        self.assertIn("  Ended\n", self.tagged_disc(self.tagged_by("song.mp3", empty))[0])
+
+    # A FLAC file with these comments, whose number and lengths may be wrong.
+    def commented(self, comments, count=None):
+        body = struct.pack("<II", 0, len(comments) if count is None else count) + \
+            b"".join((struct.pack("<I", len(text)) if length is None else length) + text for length, text in comments)
+        path = self.sound("song.flac", 4)
+        subprocess.run(["metaflac", "--remove-all", path], check=True)
+        with open(path, "rb") as file:
+            head, kind, rest = file.read(4), file.read(1), file.read()
+        self.assertEqual((head, kind[0] & 127), (b"fLaC", 0))
+        info, rest = rest[:37], rest[37:]
+        while not kind[0] & 128:
+            kind, length, rest = rest[:1], int.from_bytes(rest[1:4], "big"), rest[4:]
+            rest = rest[length:]
+        with open(path, "wb") as file:
+            file.write(head + b"\0" + info + b"\x84" + len(body).to_bytes(3, "big") + body + rest)
+        return path
+
+    # 100,000 comments are as many as FLAC's own library believes.
+    def test_comments_of_lengths_that_none_can_have_end_the_search(self):
+        title = (None, b"TITLE=Ended")
+        for length in (b"\xfc\xff\xff\xff", b"\xff\xff\xff\x7f", b"\0\0\0\x80", b"\x40\0\0\0"):
+            path = self.commented([title, (length, b"ARTIST=Cut off")], count=100_000)
+            said, sheet = self.tagged_disc(path)
+            self.assertIn("  Ended\n", said, length)
+            self.assertFalse([line for line in sheet if line.startswith("PERFORMER")], length)
+
+    def test_several_artists_are_all_named(self):
+        for number, text in enumerate((b"\3Queen\0David Bowie\0", b"\0Queen\0David Bowie",
+                                       b"\1" + 2 * b"\xff\xfe%s" % ("Queen\0".encode("utf-16-le"),
+                                                                   "David Bowie".encode("utf-16-le")),
+                                       b"\1\xfe\xff" + "Queen\0David Bowie\0".encode("utf-16-be"),
+                                       b"\2" + "Queen\0David Bowie".encode("utf-16-be"))):
+            sheet = self.tagged_disc(self.tagged("song.mp3", TIT2=b"\3Song", TPE1=text))[1]
+            self.assertIn('PERFORMER "Queen, David Bowie"', sheet, number)
+        path = self.commented([(None, text) for text in (b"ARTIST=Queen", b"TITLE=Song", b"artist=David Bowie", b"ARTIST=",
+                                                         b"ISRC=DEABC2612345", b"ISRC=DEABC2612346")])
+        sheet = self.tagged_disc(path)[1]
+        self.assertIn('PERFORMER "Queen, David Bowie"', sheet)
+        self.assertIn("ISRC DEABC2612345", sheet)
+
+    # Of 2.4 each frame tells, too, and may say how long it was.
+    def test_zeros_that_keep_players_from_a_tag_are_taken_out(self):
+        def frame(kind, text, flags=0, length=None):
+            return kind + struct.pack(">IH", len(text) if length is None else length, flags) + text
+        title = b"\1\xff\xfe" + "ÿ Žába".encode("utf-16-le")
+        marked = title.replace(b"\xff", b"\xff\0")
+        self.assertEqual(len(marked), len(title) + 2)
+        long = struct.pack(">I", len(title))
+        artist = b"\3J\xc3\xb6rg"
+        for number, (version, flags, frames) in enumerate((
+                (3, 128, frame(b"TIT2", marked, length=len(title)) + frame(b"TPE1", artist)),
+                (4, 128, frame(b"TIT2", marked) + frame(b"TPE1", artist)),
+                (4, 128, frame(b"TIT2", long + marked, 3) + frame(b"TPE1", artist, 2)),
+                (4, 0, frame(b"TIT2", long + marked, 3) + frame(b"TPE1", artist)),
+                (4, 0, frame(b"TIT2", title) + frame(b"TPE1", artist)),
+                (3, 0, frame(b"TIT2", title) + frame(b"TPE1", artist)))):
+            said, sheet = self.tagged_disc(self.tagged_by("song.mp3", frames, version, flags))
+            self.assertIn("  ÿ Žába\n", said, number)
+            self.assertIn('PERFORMER "Jörg"', sheet, number)
+
+    def test_more_files_than_a_disc_has_tracks_are_refused_before_they_are_read(self):
+        self.cd()
+        song = self.sound("a.wav", 4)
+        self.assertEqual(self.refuse("^audio-cd: a CD has at most 99 tracks, and here are 100 files$", "audio-cd.bas",
+                                     *[song] * 100), "")
+        self.assertEqual(self.medium()["state"], "blank")
 
     def test_tags_in_every_encoding(self):
         title = "Grün – Žába"
