@@ -53,6 +53,9 @@ Result<Content> realContent(DRFSObject* object, std::string name) {
     if (!wantsFolder && ::lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode)) {
         return conflict(object, "is a folder; add it as a folder.");
     }
+    // Where the folder's path is a link, the folder that it leads to is meant.
+    if (wantsFolder && ::lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode))
+        path += '/';
     return Content::real(std::move(path), std::move(name));
 }
 

@@ -51,8 +51,8 @@ struct VirtualFolder {
 };
 
 /// Whatever is at `path` on disk when the image is planned: a file, a symbolic link (stays a link), or a
-/// folder with everything in it. Links inside are never followed; only when this is the root, a link to a
-/// folder is.
+/// folder with everything in it. Links inside are never followed; only when this is the root, or the path ends
+/// in "/", a link to a folder is.
 struct RealItem {
     std::string path;
 };

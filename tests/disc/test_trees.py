@@ -152,6 +152,18 @@ class Trees(ExamplesCase):
         self.assertEqual(bytes_on_disc.count(b"only once!!"), 1)
         self.assertEqual(bytes_on_disc.count(b"really once"), 1)
 
+    def test_a_folder_whose_path_is_a_link_is_the_folder_there(self):
+        away = os.path.join(self.scratch, "Away")
+        self.write("deep/real.txt", b"not lost", away)
+        os.symlink("deep", os.path.join(away, "shortcut"))
+        path = os.path.join(self.scratch, "Pictures")
+        os.symlink(away, path)
+        said = self.burn_tree([f'root.addChild(DRFolderQRX.folderWithPath("{path}"))'])
+        self.assertEqual(said, ["DRStatusStateDone"])
+        listed = subprocess.run(["bsdtar", "-tvf", self.image()], capture_output=True, text=True, check=True).stdout
+        self.assertIn(" Pictures/shortcut -> deep\n", listed)
+        self.assertEqual(self.files_on(self.image())["Pictures/deep/real.txt"], b"not lost")
+
     def test_names_may_cross(self):
         said = self.burn_tree([
             'Dim one As DRFileQRX = DRFileQRX.virtualFileWithName("one", Nil)',

@@ -36,6 +36,12 @@ std::string readLink(int folder, const std::string& name, const std::string& pat
     return target;
 }
 
+std::string withoutSlash(std::string path) {
+    while (path.size() > 1 && path.back() == '/')
+        path.pop_back();
+    return path;
+}
+
 } // namespace
 
 void checkName(std::string_view name) {
@@ -64,12 +70,13 @@ void FolderWalker::addRoot(const std::string& path, uint8_t filesystems) {
         fail(ErrorCode::FileLocationConflict,
              inQuotes(path) + " is not a folder; only a folder can become a disc.", path);
     describe(tree_.nodes[0], status);
-    pending_.push_back({0, path, Fingerprint::of(status), filesystems});
+    pending_.push_back({0, withoutSlash(path), Fingerprint::of(status), filesystems});
 }
 
 uint32_t FolderWalker::addItem(const std::string& path, uint8_t filesystems, uint32_t oldFolder,
                                bool isItsOwn) {
     struct stat status {};
+    // A link whose path ends in "/" is the folder that it leads to.
     if (::lstat(path.c_str(), &status) != 0) missing(path, errno);
     if (!S_ISDIR(status.st_mode))
         return addLeaf({AT_FDCWD, SourceList::noFolder, path, path}, status, isItsOwn);
@@ -77,7 +84,7 @@ uint32_t FolderWalker::addItem(const std::string& path, uint8_t filesystems, uin
     folder.kind = NodeKind::Folder;
     const uint32_t node = oldFolder == none ? tree_.addNode(folder) : oldFolder;
     describe(tree_.nodes[node], status);
-    pending_.push_back({node, path, Fingerprint::of(status), filesystems});
+    pending_.push_back({node, withoutSlash(path), Fingerprint::of(status), filesystems});
     return node;
 }
 

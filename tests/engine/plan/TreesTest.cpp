@@ -50,6 +50,28 @@ TEST_F(PlanTrees, NamesMayCrossBetweenSiblings) {
     EXPECT_EQ(shown("hfsplus"), "a=c's b=d's c/ c/in a=a's d/ d/in b=b's ");
 }
 
+// The path of a folder that is added is followed, whatever depth it is added at; links in it stay links.
+TEST_F(PlanTrees, AFolderWhosePathIsALinkIsThatFolder) {
+    fs::create_directories(base / "elsewhere/inner");
+    std::ofstream(base / "elsewhere/inner/file") << "bytes";
+    fs::create_directory_symlink("inner", base / "elsewhere/to inner");
+    fs::create_directory_symlink("elsewhere", base / "way");
+    fs::create_directory_symlink("nowhere", base / "lost");
+    const auto tree = [&](Content item) {
+        return discOf(Content::folder("Disc", {std::move(item)}), filesystem::iso9660);
+    };
+    EXPECT_DONE(burn(makeDrive(), tree(Content::real((base / "way").string() + '/'))));
+    extractRockRidge(image());
+    EXPECT_EQ(shown("rr"), "way/ way/inner/ way/inner/file=bytes way/to inner->inner ");
+    run("rm -r rr");
+    EXPECT_DONE(burn(freshDrive(), tree(Content::real((base / "way").string()))));
+    extractRockRidge(image());
+    EXPECT_EQ(shown("rr"), "way->elsewhere ");
+    const std::string lost = (base / "lost").string() + '/';
+    EXPECT_FAILED(burn(freshDrive(), tree(Content::real(lost))), FileLocationConflict,
+                  "\"" + lost + "\" does not exist.");
+}
+
 TEST_F(PlanTrees, SymbolicLinksNeedAFileSystemThatHasThem) {
     std::vector<Content> children;
     children.push_back(Content::link("link", "file"));
