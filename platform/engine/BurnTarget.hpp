@@ -50,7 +50,8 @@ struct BurnPlan {
 /// A medium that a job has for itself; the drive is free again when it is destroyed. Functions are called on
 /// the job's thread, in the order below, and throw Failure. Destroyed before commit() has returned, a target
 /// leaves a medium that can be written again as it was (an appended session on a sequential one excepted), and
-/// any other, as soon as openSession() was called, openly incomplete.
+/// any other, as soon as openSession() was called, openly incomplete. Of physical media see README.md: what is
+/// overwritten there is gone, and those that take blocks in any order look blank.
 class BurnTarget {
   public:
     BurnTarget() = default;

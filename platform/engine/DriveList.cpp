@@ -56,7 +56,8 @@ Result<std::vector<DriveRef>> drives() {
         if (!wantsNone)
             for (auto& drive : physicalDrives())
                 found.push_back(std::move(drive));
-        if (paths.empty() && found.empty() && !wantsNone) {
+        // Deliberate: a drive that is attached but in use is not replaced. A burn would end in a file, and be called good.
+        if (paths.empty() && found.empty() && !wantsNone && !isPhysicalDriveAttached()) {
             const auto made = makeVirtualDrive((folder / "drive-1").string(), {});
             paths = drivePaths(folder); // not empty either when another process was faster
             if (!made && paths.empty()) throw Failure(made.error());

@@ -371,9 +371,13 @@ TEST_F(PhysicalTest, DriveThatTakesItsTime) {
 
 TEST_F(PhysicalTest, AbortIsQuickAndTheDriveComesBack) {
     insert("DVD+RW");
+    file("old.txt", "Good day,\n");
+    EXPECT_DONE(burn(layout("OLD")));
     file("noise.bin", noise(60'000'000));
+    BurnOptions options;
+    options.overwrite = true;
     BurnJob job(drive());
-    ASSERT_TRUE(job.start(layout()).ok());
+    ASSERT_TRUE(job.start(layout(), options).ok());
     while (job.status().state != BurnState::TrackWrite || job.status().bytesDone == 0)
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     const auto began = std::chrono::steady_clock::now();
@@ -383,10 +387,9 @@ TEST_F(PhysicalTest, AbortIsQuickAndTheDriveComesBack) {
     ASSERT_TRUE(status.error.has_value());
     EXPECT_EQ(status.error->code, ErrorCode::UserCanceled);
     waitUntilFree();
+    EXPECT_EQ(medium().state, MediumState::Blank) << "neither the old disc nor half of the new one";
     fs::remove(source / "noise.bin");
     file("letter.txt", "Dear reader,\n");
-    BurnOptions options;
-    options.overwrite = true;
     EXPECT_DONE(burn(layout(), options));
     EXPECT_EQ(extracted("letter.txt"), "Dear reader,\n");
 }

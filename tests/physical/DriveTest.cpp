@@ -91,6 +91,32 @@ TEST_F(PhysicalTest, NoPseudoDrive) {
         EXPECT_TRUE(each->identity().isVirtual);
 }
 
+// A drive that is in use when it is first seen is waited for; no virtual one takes the burns that are meant for it.
+TEST_F(PhysicalTest, NoVirtualDriveInPlaceOfABusyOne) {
+    setGone(first);
+    ASSERT_TRUE(drives().ok()); // what was known is forgotten
+    const fs::path own = first.parent_path() / "drives-of-a-busy-one";
+    ::setenv("DISC_DRIVES", own.c_str(), 1);
+    insert("DVD+RW");
+    const int other = ::open("/dev/sr0", O_RDWR | O_EXCL);
+    ASSERT_GE(other, 0);
+    const auto none = drives();
+    ASSERT_TRUE(none.ok());
+    EXPECT_TRUE(none->empty()) << none->front()->displayName();
+    EXPECT_FALSE(fs::exists(own / "drive-1"));
+    ::close(other);
+    for (int attempt = 0; attempt < 1000 && drives()->empty(); ++attempt)
+        ::usleep(10000);
+    EXPECT_EQ(drive()->identity().id, "/dev/sr0");
+    EXPECT_EQ(drives()->size(), 1u);
+    // With none attached there is one.
+    setGone(first);
+    const auto virtualOne = drives();
+    ASSERT_EQ(virtualOne->size(), 1u);
+    EXPECT_TRUE(virtualOne->front()->identity().isVirtual);
+    EXPECT_TRUE(fs::exists(own / "drive-1"));
+}
+
 TEST_F(PhysicalTest, TrayOpensAndCloses) {
     insert("CD-RW");
     const DriveRef own = drive();

@@ -1,4 +1,6 @@
 // Starts the tests in a process that sees the recorder, and clears its folder away afterwards.
+#include "BurnJob.hpp"
+
 #include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -33,11 +35,26 @@ int runWithRecorder(char** arguments) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : 1;
 }
 
+// A burn over whatever is there, in a process of its own: for tests that kill it.
+int burnFolder(int count, char** arguments) {
+    const auto all = engine::drives();
+    if (!all || all->empty()) return 2;
+    engine::DataTrack track;
+    track.root = engine::Content::real(arguments[2], "NEW");
+    engine::BurnOptions options;
+    options.overwrite = true;
+    options.appendable = count > 3;
+    engine::BurnJob job(all->front());
+    if (!job.start(engine::Layout::ofData(std::move(track)), options).ok()) return 3;
+    return job.wait().error ? 4 : 0;
+}
+
 } // namespace
 
 int main(int count, char** arguments) {
     const bool isList = count > 1 && std::string(arguments[1]).starts_with("--gtest_list_tests");
     if (std::getenv("DISC_RECORDER") == nullptr && !isList) return runWithRecorder(arguments);
+    if (count > 2 && std::string(arguments[1]) == "--burn") return burnFolder(count, arguments);
     ::testing::InitGoogleTest(&count, arguments);
     return RUN_ALL_TESTS();
 }

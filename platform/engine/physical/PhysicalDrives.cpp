@@ -44,12 +44,21 @@ void leave(Attached& all, const std::string& path) {
     all.drives.erase(known);
 }
 
+std::string pathOf(int number) { return "/dev/sr" + std::to_string(number); }
+
 bool isThere(const std::string& path) {
     struct stat found {};
     return ::stat(path.c_str(), &found) == 0 && S_ISBLK(found.st_mode);
 }
 
 } // namespace
+
+bool isPhysicalDriveAttached() {
+    if (!isWanted()) return false;
+    for (int number = 0; number < mostDrives; ++number)
+        if (isThere(pathOf(number))) return true;
+    return false;
+}
 
 std::vector<std::shared_ptr<PhysicalDrive>> physicalDrives() {
     std::vector<std::shared_ptr<PhysicalDrive>> found;
@@ -58,7 +67,7 @@ std::vector<std::shared_ptr<PhysicalDrive>> physicalDrives() {
     const std::lock_guard lock(all.mutex);
     std::erase_if(all.leaving, [](const auto& drive) { return drive->forget(); });
     for (int number = 0; number < mostDrives; ++number) {
-        const std::string path = "/dev/sr" + std::to_string(number);
+        const std::string path = pathOf(number);
         if (!isThere(path)) {
             leave(all, path);
             all.refused.erase(path);

@@ -4,6 +4,7 @@
 #include "../Failure.hpp"
 #include "../SessionPlaces.hpp"
 #include "BurnLibrary.hpp"
+#include "MediumStart.hpp"
 #include "PhysicalReader.hpp"
 #include "WriteJob.hpp"
 
@@ -13,17 +14,14 @@
 namespace engine {
 namespace {
 
-constexpr uint64_t startBlocks =
-    32; // in front of the first session of an overwritable medium that stays open
 constexpr uint64_t runOutBlocks = 2; // behind a track that is written at once
 constexpr uint64_t leastTrack = 300; // blocks of a CD's track
-constexpr int flushAfter = 1;
 
 class PhysicalTarget final : public BurnTarget {
   public:
     PhysicalTarget(std::shared_ptr<PhysicalDrive::Hold> hold, const MediumInfo& medium)
         : hold_(std::move(hold)), medium_(medium), isCD_(factsOf(medium.kind).mediumClass == MediumClass::CD),
-          anyOrder_(takesBlocksInAnyOrder(hold_->get())) {}
+          anyOrder_(takesBlocksInAnyOrder(hold_->get())), start_(hold_) {}
 
     // The library may need long to let go of a drive. Nobody waits for it, but the drive is busy until then.
     ~PhysicalTarget() override {
@@ -53,6 +51,7 @@ class PhysicalTarget final : public BurnTarget {
     void begin(const BurnPlan& plan) override {
         const bool isFirst = medium_.blank || plan.startsAgain;
         renewsStart_ = anyOrder_ && (plan.appendable || !isFirst);
+        clearsStart_ = anyOrder_ && plan.startsAgain && !medium_.blank;
         erases_ = plan.startsAgain && !medium_.blank && !anyOrder_;
         if (!isFirst) before_ = medium_.sessions;
         // Deliberate: between the sessions of a DVD or BD lies what the drive chooses, and is known only when the first
@@ -80,7 +79,7 @@ class PhysicalTarget final : public BurnTarget {
     }
 
     void place(BurnPlan& plan, size_t session, size_t track) override {
-        placeTrack(plan, session, track, medium_.kind, before_, renewsStart_ ? startBlocks : 0);
+        placeTrack(plan, session, track, medium_.kind, before_, renewsStart_ ? MediumStart::blocks : 0);
         TrackInfo& info = plan.sessions[session][track].info;
         // The drive knows best where it goes on.
         if (session == 0 && track == 0 && !before_.empty() && medium_.nextWritableBlock)
@@ -105,6 +104,7 @@ class PhysicalTarget final : public BurnTarget {
         for (const PlannedTrack& each : plan.sessions[session])
             tracks.push_back(each.info);
         written_.push_back(std::move(tracks));
+        position_ = written_.back().front().startBlock;
         job_ = std::make_shared<WriteJob>(hold_, plan, session, anyOrder_, atOnce_);
         track_ = 0;
     }
@@ -119,6 +119,8 @@ class PhysicalTarget final : public BurnTarget {
     }
 
     void write(std::span<std::byte> buffer) override {
+        if (anyOrder_ && !isTest_) start_.holdBack(buffer, position_);
+        position_ += buffer.size() / blockSize;
         if (job_->give(track_, buffer, signal_.get())) return;
         job_->finish(signal_.get());
         throw Failure(job_->problem());
@@ -136,7 +138,7 @@ class PhysicalTarget final : public BurnTarget {
         job_ = nullptr;
     }
 
-    void writeStart(std::vector<std::byte> bytes) override { start_ = std::move(bytes); }
+    void writeStart(std::vector<std::byte> bytes) override { start_.set(std::move(bytes)); }
 
     // The drive has closed what it wrote. What it shows now is where the tracks really are.
     void flush(const SignalRef& signal) override {
@@ -150,35 +152,21 @@ class PhysicalTarget final : public BurnTarget {
                 findTrack(medium, track);
     }
 
-    std::shared_ptr<MediumReader> reader() override { return std::make_shared<PhysicalReader>(hold_); }
+    std::shared_ptr<MediumReader> reader() override {
+        return start_.readerThrough(std::make_shared<PhysicalReader>(hold_));
+    }
     std::vector<std::vector<TrackInfo>> written() const override { return written_; }
     uint64_t keptPreGap(const TrackInfo& track, bool isFirst) const override {
         return isFirst || !atOnce_ ? 0 : track.preGapBlocks;
     }
 
-    // A drive has no mark for a disc that turned out to be wrong. What readers look at first is left as it was, when that
-    // leads to sessions that are good.
+    // A drive has no mark for a disc that is wrong. Where the start is written last it was the old one, or none, until now:
+    // aborted, failed or killed before, the medium leads to earlier sessions that are good, or to nothing.
     void commit(bool intact) override {
-        if (!intact && !isTest_ && anyOrder_ && before_.empty()) clearStart();
-        if (!intact || isTest_ || start_.empty()) return;
-        const std::lock_guard commands(hold_->drive().commands());
-        dropLibraryMessages();
-        if (burn_random_access_write(hold_->get(), 0, reinterpret_cast<char*>(start_.data()),
-                                     static_cast<off_t>(start_.size()), flushAfter) <= 0)
-            throw Failure(libraryError(ErrorCode::MediaWriteFailure,
-                                       "The start of the disc in " + name() + " can't be made new."));
+        if (intact && !isTest_) start_.write();
     }
 
   private:
-    // Deliberate: without its start nobody takes the disc for a good one. Where even that can't be written nothing more
-    // can be done; that the burn failed is told in any case.
-    void clearStart() {
-        const std::lock_guard commands(hold_->drive().commands());
-        std::vector<char> zeros(startBlocks * blockSize);
-        burn_random_access_write(hold_->get(), 0, zeros.data(), static_cast<off_t>(zeros.size()), flushAfter);
-        dropLibraryMessages();
-    }
-
     std::string name() const { return inQuotes(hold_->drive().displayName()); }
 
     void checkForms(const std::vector<PlannedTrack>& tracks) {
@@ -252,6 +240,13 @@ class PhysicalTarget final : public BurnTarget {
             });
             hold_->drive().reassess();
         }
+        formatMedium();
+        // Before anything else is overwritten: the old descriptors must not lead into what is new.
+        if (clearsStart_ && !isTest_) start_.clear();
+    }
+
+    void formatMedium() {
+        burn_drive* drive = hold_->get();
         int status = 0, formats = 0;
         off_t size = 0;
         unsigned more = 0;
@@ -284,13 +279,14 @@ class PhysicalTarget final : public BurnTarget {
     MediumInfo medium_;
     const bool isCD_, anyOrder_;
     std::vector<SessionInfo> before_;
-    bool renewsStart_ = false, erases_ = false, erasesAll_ = false, atOnce_ = false, isTest_ = false,
-         takesPreGap_ = false;
+    MediumStart start_;
+    bool renewsStart_ = false, clearsStart_ = false, erases_ = false, erasesAll_ = false, atOnce_ = false,
+         isTest_ = false, takesPreGap_ = false;
     SignalRef signal_;
     std::shared_ptr<WriteJob> job_;
-    size_t track_ = 0; ///< of the session
+    size_t track_ = 0;      ///< of the session
+    uint64_t position_ = 0; ///< of the block that is written next; on media that take them in any order
     std::vector<std::vector<TrackInfo>> written_;
-    std::vector<std::byte> start_;
 };
 
 } // namespace
