@@ -106,6 +106,8 @@ Result<engine::DataTrack> dataTrackOf(DRTrack* track, bool estimating) {
         return content.error();
     data.root = std::move(content->root);
     data.filesystems = content->filesystems;
+    if (const auto read = readVolumeFiles(properties, root, data); !read.ok())
+        return read.error();
     id version = [root propertyForKey:DRUDFWriteVersion inFilesystem:DRUDF mergeWithOtherFilesystems:YES];
     if ([version isEqual:DRUDFVersion150])
         data.udfRevision = engine::udf::Revision::V150;

@@ -1,5 +1,7 @@
 // VolumeProperties: what a track's properties say of the volume on it.
 #include "VolumeProperties.hpp"
+#import "DRFile.h"
+#import "DRFolderPrivate.h"
 #include "PathStrings.hpp"
 
 namespace discrecording {
@@ -14,6 +16,25 @@ Error wrongType(NSString* key, NSString* wanted) {
             {}};
 }
 
+std::string textOf(NSString* value) {
+    NSString* composed = [value precomposedStringWithCanonicalMapping];
+    return pathnames::bytesOf([composed length] == 0 ? value : composed);
+}
+
+// As the folder's record has it: with a dot, and with the version.
+std::string isoIdentifierOf(DRFile* file, uint8_t level) {
+    std::string name = pathnames::bytesOf(
+        [file mangledNameForFilesystem:level == 1 ? DRISO9660LevelOne : DRISO9660LevelTwo]);
+    if (name.find('.') == name.npos)
+        name += '.';
+    return name + ";1";
+}
+
+bool isInISO9660(DRFSObject* object) {
+    const uint32_t mask = [object explicitFilesystemMask];
+    return mask == 0 || (mask & DRFilesystemInclusionMaskISO9660) != 0;
+}
+
 } // namespace
 
 engine::Result<void> readVolumeProperties(NSDictionary* properties, engine::DataTrack& track) {
@@ -24,18 +45,14 @@ engine::Result<void> readVolumeProperties(NSDictionary* properties, engine::Data
                  {DRDataPreparer, track.dataPreparer},
                  {DRApplicationIdentifier, track.application},
                  {DRVolumeSet, track.volumeSet},
-                 {DRSystemIdentifier, track.system},
-                 {DRCopyrightFile, track.copyrightFile},
-                 {DRAbstractFile, track.abstractFile},
-                 {DRBibliographicFile, track.bibliographicFile}};
+                 {DRSystemIdentifier, track.system}};
     for (const auto& row : texts) {
         id value = [properties objectForKey:row.key];
         if (value == nil)
             continue;
         if (![value isKindOfClass:[NSString class]])
             return wrongType(row.key, @"a text");
-        NSString* composed = [value precomposedStringWithCanonicalMapping];
-        row.place = pathnames::bytesOf([composed length] == 0 ? value : composed);
+        row.place = textOf(value);
     }
     const struct {
         NSString* key;
@@ -68,6 +85,33 @@ engine::Result<void> readVolumeProperties(NSDictionary* properties, engine::Data
             return wrongType(row.key, @"a boolean");
         row.place = [value boolValue];
     }
+    return {};
+}
+
+engine::Result<void> readVolumeFiles(NSDictionary* properties, DRFolder* root, engine::DataTrack& track) {
+    const struct {
+        NSString* key;
+        std::string& place;
+    } files[] = {{DRCopyrightFile, track.copyrightFile},
+                 {DRAbstractFile, track.abstractFile},
+                 {DRBibliographicFile, track.bibliographicFile}};
+    bool isNamed = false;
+    for (const auto& row : files) {
+        id value = [properties objectForKey:row.key];
+        if (value == nil)
+            continue;
+        if ([value isKindOfClass:[NSString class]]) {
+            row.place = textOf(value);
+            continue;
+        }
+        if (![value isKindOfClass:[DRFile class]] || [static_cast<DRFile*>(value) parent] != root ||
+            !isInISO9660(value) || (track.filesystems & engine::filesystem::iso9660) == 0)
+            return wrongType(row.key, @"a text, or a file in the root that is in ISO 9660");
+        row.place = isoIdentifierOf(value, track.isoLevel);
+        isNamed = true;
+    }
+    if (isNamed)
+        [root childNamesChanged]; // what it keeps of them isn't in memory while the disc is written
     return {};
 }
 
