@@ -106,12 +106,13 @@ std::string jolietFaultOf(std::string_view name, bool isFolder, const Rules& rul
         plain = name.substr(0, at);
     }
     if (plain.empty() || plain == "." || plain == "..") return "in Joliet no item has that name";
+    // Deliberate: the standard forbids ":", too, which programs are told that a name keeps.
     const auto forbidden = [](char c) {
         return static_cast<unsigned char>(c) < ' ' ||
-               std::string_view("*/:;?\\").find(c) != std::string_view::npos;
+               std::string_view("*/;?\\").find(c) != std::string_view::npos;
     };
     if (std::ranges::any_of(plain, forbidden))
-        return "in Joliet names have no control characters, and none of * / : ; ? \\";
+        return "in Joliet names have no control characters, and none of * / ; ? \\";
     const size_t most = rules.longJoliet ? 103 : 64;
     if (wideOf(plain).size() / 2 > most)
         return "in Joliet names have up to " + std::to_string(most) + " UTF-16 units";

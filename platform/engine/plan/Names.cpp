@@ -194,7 +194,8 @@ bool IsoForm::fits(std::string_view legal, bool) const {
 std::string JolietForm::legal(std::string_view name, bool isFolder) const {
     std::string result;
     forEachCharacter(name, [&](char32_t c, std::string_view bytes) {
-        constexpr std::u32string_view others = U"*/:;?\\\uFFFF";
+        // Deliberate: the standard forbids ":", which programs are told that a name keeps; readers take it.
+        constexpr std::u32string_view others = U"*/;?\\\uFFFF";
         const bool stays = c >= 0x20 && others.find(c) == others.npos;
         result += stays ? bytes : "_";
     });

@@ -61,7 +61,7 @@ TEST(IsoNames, AnyCharacterWhereAskedFor) {
 }
 
 TEST(IsoNames, Joliet) {
-    for (const char* name : {"read me.txt", "read me.txt;1", ".hidden", "a.b.c", "漢字", "'\"<>|+,=[]"})
+    for (const char* name : {"read me.txt", "read me.txt;1", ".hidden", "a.b.c", "漢字", "'\"<>|+,=[]:"})
         EXPECT_EQ(joliet(name), "") << name;
     const std::string clef = "\xF0\x9D\x84\x9E"; // two UTF-16 units
     EXPECT_EQ(joliet(std::string(64, 'a')), "");
@@ -72,9 +72,8 @@ TEST(IsoNames, Joliet) {
     EXPECT_EQ(joliet(std::string(103, 'a'), true), "");
     EXPECT_EQ(joliet(std::string(104, 'a'), true), "in Joliet names have up to 103 UTF-16 units");
     EXPECT_EQ(joliet("\xFF"), "in Joliet names are text, in UTF-8");
-    for (const char* name : {"a*b", "a/b", "a:b", "a?b", "a\\b", "a\tb"})
-        EXPECT_EQ(joliet(name), "in Joliet names have no control characters, and none of * / : ; ? \\")
-            << name;
+    for (const char* name : {"a*b", "a/b", "a?b", "a\\b", "a\tb"})
+        EXPECT_EQ(joliet(name), "in Joliet names have no control characters, and none of * / ; ? \\") << name;
     for (const char* name : {"", ".", "..", ";1", "a;x"})
         EXPECT_NE(joliet(name), "") << name;
     EXPECT_NE(iso::faultOf("a;1", true, Form::Joliet, {}), "") << "folders have no version";

@@ -120,18 +120,18 @@ TEST_F(PlanSessions, NamesThatJolietMadeLegalAreTheSameAgain) {
     const std::string large(80, 'n');
     const auto added = [&](const std::string& bytes) {
         std::vector<Content> children;
-        children.push_back(Content::folder("Meeting 12:30", {Content::file("in " + bytes, bytes)}));
+        children.push_back(Content::folder("Meeting 12*30", {Content::file("in " + bytes, bytes)}));
         children.push_back(Content::folder(large, {Content::file("in " + bytes, bytes)}));
-        children.push_back(Content::file("ab:c", bytes));
+        children.push_back(Content::file("ab*c", bytes));
         children.push_back(Content::file("ab?c", bytes + '?')); // ab_c_001 in Joliet
-        children.push_back(named(Content::file("own", bytes + " own"), "12:45"));
+        children.push_back(named(Content::file("own", bytes + " own"), "12?45"));
         return discOf(Content::folder("Disc", std::move(children)), isoAndJoliet);
     };
     const auto drive = makeDrive(MediumKind::DVDPlusRW);
     EXPECT_DONE(burn(drive, added("1"), open()));
     EXPECT_DONE(burn(drive, added("2"), open()));
     extractAll(image(), isoAndJoliet, "Disc");
-    EXPECT_EQ(shown("rr"), "Meeting 12:30/ Meeting 12:30/in 1=1 Meeting 12:30/in 2=2 ab:c=2 ab?c=2? " +
+    EXPECT_EQ(shown("rr"), "Meeting 12*30/ Meeting 12*30/in 1=1 Meeting 12*30/in 2=2 ab*c=2 ab?c=2? " +
                                large + "/ " + large + "/in 1=1 " + large + "/in 2=2 own=2 own ");
     const std::string cut(64, 'n');
     EXPECT_EQ(shown("joliet"), "12_45=2 own Meeting 12_30/ Meeting 12_30/in 1=1 Meeting 12_30/in 2=2 ab_c=2 "
@@ -143,11 +143,11 @@ TEST_F(PlanSessions, NamesThatJolietMadeLegalAreTheSameAgain) {
 TEST_F(PlanSessions, AnotherNameThatJolietMakesTheSameIsAnotherItem) {
     const auto drive = makeDrive(MediumKind::DVDPlusRW);
     EXPECT_DONE(
-        burn(drive, discOf(Content::folder("Disc", {Content::file("ab:c", "1")}), isoAndJoliet), open()));
+        burn(drive, discOf(Content::folder("Disc", {Content::file("ab*c", "1")}), isoAndJoliet), open()));
     EXPECT_DONE(
         burn(drive, discOf(Content::folder("Disc", {Content::file("ab?c", "2")}), isoAndJoliet), open()));
     extractAll(image(), isoAndJoliet, "Disc");
-    EXPECT_EQ(shown("rr"), "ab:c=1 ab?c=2 ");
+    EXPECT_EQ(shown("rr"), "ab*c=1 ab?c=2 ");
     EXPECT_EQ(shown("joliet"), "ab_c=1 ab_c_001=2 ");
 }
 
@@ -164,7 +164,7 @@ TEST_F(PlanSessions, WithoutRockRidgeNamesInJolietAreTheSameAgain) {
     EXPECT_DONE(burn(drive, plain("1", isoAndJoliet), open()));
     EXPECT_DONE(burn(drive, plain("2", isoAndJoliet), open()));
     run("7zz x -y -tiso -oplain '" + image().string() + "'");
-    EXPECT_EQ(shown("plain"), "Folder_/ Folder_/in 1=1 Folder_/in 2=2 readme.txt=2 ");
+    EXPECT_EQ(shown("plain"), "Folder:/ Folder:/in 1=1 Folder:/in 2=2 readme.txt=2 ");
     EXPECT_EQ(run("isoinfo -f -i '" + image().string() + "' | sort"),
               "/FOLDER:\n/FOLDER:/IN 1.;1\n/FOLDER:/IN 2.;1\n/README.TXT;1\n");
 }
