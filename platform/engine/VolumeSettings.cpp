@@ -33,8 +33,8 @@ iso::VolumeSettings isoSettings(const DataTrack& track, uint32_t start, std::tim
     settings.abstractFile = track.abstractFile;
     settings.bibliographicFile = track.bibliographicFile;
     settings.recorded = now;
-    settings.created = track.created;
-    settings.modified = track.modified;
+    settings.created = track.created ? track.created : track.defaultDate;
+    settings.modified = track.modified ? track.modified : track.defaultDate;
     settings.expires = track.expires;
     settings.effective = track.effective;
     settings.sessionStart = start;
@@ -54,8 +54,8 @@ udf::VolumeSettings udfSettings(const DataTrack& track, uint32_t start, std::tim
 hfsplus::VolumeSettings hfsPlusSettings(const DataTrack& track, std::time_t now) {
     hfsplus::VolumeSettings settings;
     settings.volumeName = track.root.name;
-    settings.created = track.created.value_or(now);
-    settings.checked = track.checked;
+    settings.created = track.created.value_or(track.defaultDate.value_or(now));
+    settings.checked = track.checked ? track.checked : track.defaultDate;
     std::tm local{};
     if (localtime_r(&settings.created, &local)) settings.secondsEast = static_cast<int32_t>(local.tm_gmtoff);
     std::random_device source;

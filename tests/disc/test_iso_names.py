@@ -20,6 +20,7 @@ Dim settings As Dictionary = track.properties
 settings.Value(DRTrackQRX.DRISOLevel) = {level}
 settings.Value(DRTrackQRX.DRISORockRidgeExtensions) = {rock_ridge}
 settings.Value(DRTrackQRX.DRISOMacExtensions) = {mac}
+{more}
 track.properties = settings
 Dim burn As New DRBurnQRX(DRDeviceQRX.device(0))
 burn.completionAction = DRBurnQRX.DRBurnCompletionActionMount
@@ -34,10 +35,10 @@ Loop Until state = DRBurnQRX.DRStatusStateDone Or state = DRBurnQRX.DRStatusStat
 Print state
 """
 
-    def burn(self, lines, level=2, rock_ridge=True, how="Overwrite", mac="False"):
+    def burn(self, lines, level=2, rock_ridge=True, how="Overwrite", mac="False", more=""):
         """Burns root, which the lines fill; answers what the program printed before the burn."""
         text = "\n".join(['Dim root As DRFolderQRX = DRFolderQRX.virtualFolderWithName("Names")', *lines,
-                          self.BURN.format(level=level, rock_ridge=rock_ridge, how=how, mac=mac)])
+                          self.BURN.format(level=level, rock_ridge=rock_ridge, how=how, mac=mac, more=more)])
         said = self.succeed(self.write("names.bas", text.encode(), self.scratch)).splitlines()
         self.assertEqual(said[-1], "DRStatusStateDone")
         return said[:-1]
@@ -106,6 +107,67 @@ Print state
         self.assertEqual(self.on_disc(), sorted([*told, "LATER", "LATER_001", "ABC_002.TXT"]))
         self.burn(self.children(2), how="appendable")
         self.assertEqual(self.on_disc(), sorted([*told, "LATER", "LATER_001", "ABC_002.TXT"]))
+
+    def test_what_a_program_is_told_of_joliet_is_on_the_disc(self):
+        names = ["Meeting 12:30", "this: is an unusual$ filename.with_extension", "a,b;c.txt", 'a*b/c?d<e>f|g.txt',
+                 "tar.tar.gz", "Ä:Ö", "ä:ö", "x" * 80 + ":.txt", "x" * 80 + ":a.txt", "12:45:59"]
+        lines = ["Dim item As DRFSObjectQRX"]
+        for number, name in enumerate(names):
+            plain = name.replace("/", "-")  # no item on a disc has a "/" in its name
+            kind = ('DRFolderQRX.virtualFolderWithName("{}")' if number % 3 == 0 else
+                    'DRFileQRX.virtualFileWithName("{}", Nil)').format(plain)
+            lines += [f"item = {kind}", f'item.specificNameForFilesystem(DRFSObjectQRX.DRJoliet) = "{name}"', "root.addChild(item)"]
+        told = self.burn([*lines, "For Each item In root.children",
+                          "Print item.mangledNameForFilesystem(DRFSObjectQRX.DRJoliet)", "Next"])
+        iso = pycdlib.PyCdlib()
+        iso.open(self.image())
+        found = [name for _, folders, files in iso.walk(joliet_path="/") for name in folders + files]
+        iso.close()
+        self.assertEqual(sorted(name.removesuffix(";1").removesuffix(".") for name in found), sorted(told))
+        for name in ("Meeting 12:30", "this: is an unusual filename.with_extension", "12:45:59", "a,bc.txt"):
+            self.assertIn(name, told)
+
+    def test_what_a_track_says_of_its_volume_is_on_the_disc(self):
+        texts = {"DRPublisher": "Harbour Press", "DRDataPreparer": "The Night Shift", "DRVolumeSet": "Tides 1 to 3",
+                 "DRApplicationIdentifier": "Tide tables", "DRSystemIdentifier": "Any", "DRCopyrightFile": "README.;1"}
+        dates = {"DRVolumeCreationDate": 2001, "DRVolumeModificationDate": 2002, "DRVolumeExpirationDate": 2003,
+                 "DRVolumeEffectiveDate": 2004}
+        lines = ['root.addChild(DRFileQRX.virtualFileWithName("readme", Nil))', "Dim said As New Dictionary"]
+        lines += [f'said.Value(DRTrackQRX.{key}) = "{text}"' for key, text in texts.items()]
+        lines += [f"said.Value(DRTrackQRX.{key}) = New Date({year}, 2, 3, 4, 5, 6)" for key, year in dates.items()]
+        told = self.volume(lines)
+        self.assertEqual([told.system_identifier, told.volume_identifier, told.volume_set_identifier,
+                          told.publisher_identifier.text, told.preparer_identifier.text, told.application_identifier.text,
+                          told.copyright_file_identifier], [text.encode().ljust(size) for text, size in (
+                              ("Any", 32), ("Names", 32), ("Tides 1 to 3", 128), ("Harbour Press", 128),
+                              ("The Night Shift", 128), ("Tide tables", 128), ("README.;1", 37))])
+        self.assertEqual(self.dates(told), [2001, 2002, 2003, 2004])
+        listed = subprocess.run(["isoinfo", "-d", "-i", self.image()], capture_output=True, text=True, check=True).stdout
+        for line in ("Publisher id: Harbour Press", "Data preparer id: The Night Shift", "Volume set id: Tides 1 to 3"):
+            self.assertIn(line + "\n", listed)
+
+        # What has no date of its own has the track's.
+        told = self.volume(["Dim said As New Dictionary",
+                            "said.Value(DRTrackQRX.DRDefaultDate) = New Date(2005, 2, 3, 4, 5, 6)"])
+        self.assertEqual(self.dates(told), [2005, 2005, 0, 0])
+
+    def volume(self, lines):
+        """The descriptor of a disc whose track says what the lines put into the dictionary `said`."""
+        os.environ["TZ"] = os.environ["GNUSTEP_TZ"] = "UTC"  # the disc's dates are
+        self.burn(lines + ["Dim key As Variant"], more="For Each key In said.Keys\nsettings.Value(key) = said.Value(key)\nNext")
+        iso = pycdlib.PyCdlib()
+        iso.open(self.image())
+        self.addCleanup(iso.close)
+        return iso.pvd
+
+    def dates(self, told):
+        """Years; the rest, which is the same in all that are set, is looked at here."""
+        dates = (told.volume_creation_date, told.volume_modification_date, told.volume_expiration_date,
+                 told.volume_effective_date)
+        for date in dates:
+            if date.year:
+                self.assertEqual((date.month, date.dayofmonth, date.hour, date.minute, date.second), (2, 3, 4, 5, 6))
+        return [date.year for date in dates]
 
     def test_types_and_creators_are_in_iso9660_where_the_track_says_so(self):
         lines = ['Dim f As DRFileQRX = DRFileQRX.virtualFileWithName("f", Nil)', "Dim code As New MemoryBlock(4)",
