@@ -4,8 +4,8 @@
     benchmarks/decode.py [--rounds 7] [--seconds 240] [--build DIR] [--kinds wav,flac,mp3,ogg]
 
 The sound is noise of two channels and 16 bits at 48,000 samples a second, the same at every run. Ours is decode-bench, which
-does what a burn does: opens and measures the file twice (when the track is made, and when it is prepared), resamples at
-libsoxr's high quality and rounds with dither. sox is asked for 44,100 samples a second, 16 bits and 2 channels, which
+does what a burn does: opens and measures the file three times (when the program makes the track, when the burn begins, and
+when the track is prepared), resamples at libsoxr's high quality and rounds with dither. sox is asked for 44,100 samples a second, 16 bits and 2 channels, which
 makes it resample at its own default, `rate -h`, and dither, too. Whole processes by turns; quoted are the shortest wall time
 of each and the least processor time. Needs sox with its formats, flac, lame and ffmpeg (tools/setup --tests).
 """
