@@ -69,75 +69,64 @@ int32_t terminalWidth() {
     return 80;
 }
 
-#define CONSOLE_FUNCTION [](Context&, Arguments a) -> Value
-constexpr NativeEntry kEntries[] = {{"Print(...)", CONSOLE_FUNCTION{writeShown(a, true, false);
-return {};
-} // namespace
-} // namespace host::basic
-, {"StdOut.Write(...)", CONSOLE_FUNCTION{writeShown(a, false, false);
-flushOut();
-return {};
-}
-}
-, {"StdOut.WriteLine(...)", CONSOLE_FUNCTION{writeShown(a, true, false);
-return {};
-}
-}
-, {"StdOut.Flush()", CONSOLE_FUNCTION{(void)a;
-flushOut();
-return {};
-}
-}
-, {"StdOut.IsTerminal As Boolean", CONSOLE_FUNCTION{(void)a;
-return Value(::isatty(STDOUT_FILENO) == 1);
-}
-}
-, {"StdErr.Write(...)", CONSOLE_FUNCTION{writeShown(a, false, true);
-return {};
-}
-}
-, {"StdErr.WriteLine(...)", CONSOLE_FUNCTION{writeShown(a, true, true);
-return {};
-}
-}
-, {"System.DebugLog(...)", CONSOLE_FUNCTION{writeShown(a, true, true);
-return {};
-}
-}
-, {"StdIn.ReadLine As String", CONSOLE_FUNCTION{(void)a;
-return readLine();
-}
-}
-, {"StdIn.ReadAll As String", CONSOLE_FUNCTION{(void)a;
-while (readMore()) {
-}
-return Value(std::exchange(inputBuffer, {}));
-}
-}
-, {"StdIn.EOF As Boolean", CONSOLE_FUNCTION{(void)a;
-return Value(inputBuffer.empty() && !readMore() && inputEnded);
-}
-}
-, {"Input As String", CONSOLE_FUNCTION{(void)a;
-return readLine();
-}
-}
-, {"Input(prompt As String) As String", CONSOLE_FUNCTION{writeOut(a[0].toText());
-return readLine();
-}
-}
-, {"System.IsTerminal As Boolean", CONSOLE_FUNCTION{(void)a;
-return Value(::isatty(STDOUT_FILENO) == 1);
-}
-}
-, {"System.TerminalWidth As Integer", CONSOLE_FUNCTION{(void)a;
-return Value(terminalWidth());
-}
-}
-,
-}
-;
-#undef CONSOLE_FUNCTION
+constexpr NativeEntry kEntries[] = {
+    {"Print(...)",
+     [](Context&, Arguments a) -> Value {
+         writeShown(a, true, false);
+         return {};
+     }},
+    {"StdOut.Write(...)",
+     [](Context&, Arguments a) -> Value {
+         writeShown(a, false, false);
+         flushOut();
+         return {};
+     }},
+    {"StdOut.WriteLine(...)",
+     [](Context&, Arguments a) -> Value {
+         writeShown(a, true, false);
+         return {};
+     }},
+    {"StdOut.Flush()",
+     [](Context&, Arguments) -> Value {
+         flushOut();
+         return {};
+     }},
+    {"StdOut.IsTerminal As Boolean",
+     [](Context&, Arguments) -> Value { return Value(::isatty(STDOUT_FILENO) == 1); }},
+    {"StdErr.Write(...)",
+     [](Context&, Arguments a) -> Value {
+         writeShown(a, false, true);
+         return {};
+     }},
+    {"StdErr.WriteLine(...)",
+     [](Context&, Arguments a) -> Value {
+         writeShown(a, true, true);
+         return {};
+     }},
+    {"System.DebugLog(...)",
+     [](Context&, Arguments a) -> Value {
+         writeShown(a, true, true);
+         return {};
+     }},
+    {"StdIn.ReadLine As String", [](Context&, Arguments) -> Value { return readLine(); }},
+    {"StdIn.ReadAll As String",
+     [](Context&, Arguments) -> Value {
+         while (readMore()) {
+         }
+         return Value(std::exchange(inputBuffer, {}));
+     }},
+    {"StdIn.EOF As Boolean",
+     [](Context&, Arguments) -> Value { return Value(inputBuffer.empty() && !readMore() && inputEnded); }},
+    {"Input As String", [](Context&, Arguments) -> Value { return readLine(); }},
+    {"Input(prompt As String) As String",
+     [](Context&, Arguments a) -> Value {
+         writeOut(a[0].toText());
+         return readLine();
+     }},
+    {"System.IsTerminal As Boolean",
+     [](Context&, Arguments) -> Value { return Value(::isatty(STDOUT_FILENO) == 1); }},
+    {"System.TerminalWidth As Integer", [](Context&, Arguments) -> Value { return Value(terminalWidth()); }},
+};
 
 } // namespace
 

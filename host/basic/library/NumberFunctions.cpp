@@ -41,13 +41,13 @@ Value largest(Context&, Arguments a) {
     return Value(best);
 }
 
-#define NUMBER_FUNCTION [](Context&, Arguments a) -> Value
 constexpr NativeEntry kEntries[] = {
-    {"Abs(value As Int64) As Int64", NUMBER_FUNCTION{const int64_t value = a[0].toInt64();
-return Value(value < 0 ? static_cast<int64_t>(0 - static_cast<uint64_t>(value)) : value);
-} // namespace
-} // namespace host::basic
-, {"Abs(value As Double) As Double", real<std::fabs>},
+    {"Abs(value As Int64) As Int64",
+     [](Context&, Arguments a) -> Value {
+         const int64_t value = a[0].toInt64();
+         return Value(value < 0 ? static_cast<int64_t>(0 - static_cast<uint64_t>(value)) : value);
+     }},
+    {"Abs(value As Double) As Double", real<std::fabs>},
     {"Min(first As Int64, second As Int64) As Int64", smallest<int64_t>},
     {"Min(first As Double, second As Double) As Double", smallest<double>},
     {"Min(first As Int64, second As Int64, third As Int64) As Int64", smallest<int64_t>},
@@ -56,72 +56,52 @@ return Value(value < 0 ? static_cast<int64_t>(0 - static_cast<uint64_t>(value)) 
     {"Max(first As Double, second As Double) As Double", largest<double>},
     {"Max(first As Int64, second As Int64, third As Int64) As Int64", largest<int64_t>},
     {"Max(first As Double, second As Double, third As Double) As Double", largest<double>},
-    {"Sign(value As Double) As Integer", NUMBER_FUNCTION{const double v = a[0].toDouble();
-return Value(int32_t{v > 0 ? 1 : v < 0 ? -1 : 0});
-}
-}
-, {"Round(value As Double) As Double", real<std::round>},
+    {"Sign(value As Double) As Integer",
+     [](Context&, Arguments a) -> Value {
+         const double v = a[0].toDouble();
+         return Value(int32_t{v > 0 ? 1 : v < 0 ? -1 : 0});
+     }},
+    {"Round(value As Double) As Double", real<std::round>},
     {"Floor(value As Double) As Double", real<std::floor>},
     {"Ceil(value As Double) As Double", real<std::ceil>},
     {"Ceiling(value As Double) As Double", real<std::ceil>},
-    {"Sqrt(value As Double) As Double", real<std::sqrt>}, {"Sin(value As Double) As Double", real<std::sin>},
-    {"Cos(value As Double) As Double", real<std::cos>}, {"Tan(value As Double) As Double", real<std::tan>},
+    {"Sqrt(value As Double) As Double", real<std::sqrt>},
+    {"Sin(value As Double) As Double", real<std::sin>},
+    {"Cos(value As Double) As Double", real<std::cos>},
+    {"Tan(value As Double) As Double", real<std::tan>},
     {"Asin(value As Double) As Double", real<std::asin>},
-    {"Acos(value As Double) As Double", real<std::acos>}, {"Atn(value As Double) As Double", real<std::atan>},
+    {"Acos(value As Double) As Double", real<std::acos>},
+    {"Atn(value As Double) As Double", real<std::atan>},
     {"Atan(value As Double) As Double", real<std::atan>},
     {"Atan2(y As Double, x As Double) As Double",
-     NUMBER_FUNCTION{return Value(std::atan2(a[0].toDouble(), a[1].toDouble()));
-}
-}
-, {"Exp(value As Double) As Double", real<std::exp>}, {"Log(value As Double) As Double", real<std::log>},
+     [](Context&, Arguments a) -> Value { return Value(std::atan2(a[0].toDouble(), a[1].toDouble())); }},
+    {"Exp(value As Double) As Double", real<std::exp>},
+    {"Log(value As Double) As Double", real<std::log>},
     {"Pow(base As Double, exponent As Double) As Double",
-     NUMBER_FUNCTION{return Value(std::pow(a[0].toDouble(), a[1].toDouble()));
-}
-}
-, {"Rnd As Double", NUMBER_FUNCTION{(void)a;
-return Value(std::uniform_real_distribution<double>(0, 1)(generator()));
-}
-}
-, {"Hex(value As Int32) As String",
-   NUMBER_FUNCTION{return Value(inBase(static_cast<uint32_t>(a[0].toInt64()), 16));
-}
-}
-, {"Hex(value As Int64) As String",
-   NUMBER_FUNCTION{return Value(inBase(static_cast<uint64_t>(a[0].toInt64()), 16));
-}
-}
-, {"Hex(value As UInt64) As String",
-   NUMBER_FUNCTION{return Value(inBase(static_cast<uint64_t>(a[0].toInt64()), 16));
-}
-}
-, {"Oct(value As Int32) As String",
-   NUMBER_FUNCTION{return Value(inBase(static_cast<uint32_t>(a[0].toInt64()), 8));
-}
-}
-, {"Oct(value As Int64) As String",
-   NUMBER_FUNCTION{return Value(inBase(static_cast<uint64_t>(a[0].toInt64()), 8));
-}
-}
-, {"Oct(value As UInt64) As String",
-   NUMBER_FUNCTION{return Value(inBase(static_cast<uint64_t>(a[0].toInt64()), 8));
-}
-}
-, {"Bin(value As Int32) As String",
-   NUMBER_FUNCTION{return Value(inBase(static_cast<uint32_t>(a[0].toInt64()), 2));
-}
-}
-, {"Bin(value As Int64) As String",
-   NUMBER_FUNCTION{return Value(inBase(static_cast<uint64_t>(a[0].toInt64()), 2));
-}
-}
-, {"Bin(value As UInt64) As String",
-   NUMBER_FUNCTION{return Value(inBase(static_cast<uint64_t>(a[0].toInt64()), 2));
-}
-}
-,
-}
-;
-#undef NUMBER_FUNCTION
+     [](Context&, Arguments a) -> Value { return Value(std::pow(a[0].toDouble(), a[1].toDouble())); }},
+    {"Rnd As Double",
+     [](Context&, Arguments) -> Value {
+         return Value(std::uniform_real_distribution<double>(0, 1)(generator()));
+     }},
+    {"Hex(value As Int32) As String",
+     [](Context&, Arguments a) -> Value { return Value(inBase(static_cast<uint32_t>(a[0].toInt64()), 16)); }},
+    {"Hex(value As Int64) As String",
+     [](Context&, Arguments a) -> Value { return Value(inBase(static_cast<uint64_t>(a[0].toInt64()), 16)); }},
+    {"Hex(value As UInt64) As String",
+     [](Context&, Arguments a) -> Value { return Value(inBase(static_cast<uint64_t>(a[0].toInt64()), 16)); }},
+    {"Oct(value As Int32) As String",
+     [](Context&, Arguments a) -> Value { return Value(inBase(static_cast<uint32_t>(a[0].toInt64()), 8)); }},
+    {"Oct(value As Int64) As String",
+     [](Context&, Arguments a) -> Value { return Value(inBase(static_cast<uint64_t>(a[0].toInt64()), 8)); }},
+    {"Oct(value As UInt64) As String",
+     [](Context&, Arguments a) -> Value { return Value(inBase(static_cast<uint64_t>(a[0].toInt64()), 8)); }},
+    {"Bin(value As Int32) As String",
+     [](Context&, Arguments a) -> Value { return Value(inBase(static_cast<uint32_t>(a[0].toInt64()), 2)); }},
+    {"Bin(value As Int64) As String",
+     [](Context&, Arguments a) -> Value { return Value(inBase(static_cast<uint64_t>(a[0].toInt64()), 2)); }},
+    {"Bin(value As UInt64) As String",
+     [](Context&, Arguments a) -> Value { return Value(inBase(static_cast<uint64_t>(a[0].toInt64()), 2)); }},
+};
 
 } // namespace
 

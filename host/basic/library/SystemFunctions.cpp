@@ -46,69 +46,60 @@ Value environment(const Value& name) {
     return Value(value ? value : "");
 }
 
-#define SYSTEM_FUNCTION [](Context & context, Arguments a) -> Value
-constexpr NativeEntry kEntries[] = {{"Ticks As Integer", SYSTEM_FUNCTION{(void)context, (void)a;
-return Value(static_cast<int32_t>(static_cast<int64_t>(secondsSinceStart() * 60)));
-} // namespace
-} // namespace host::basic
-, {"Microseconds As Double", SYSTEM_FUNCTION{(void)context, (void)a;
-return Value(secondsSinceStart() * 1e6);
-}
-}
-, {"Sleep(milliseconds As Double)", SYSTEM_FUNCTION{waitFor(context, a[0].toDouble());
-return {};
-}
-}
-, {"App.DoEvents()", SYSTEM_FUNCTION{(void)a;
-waitFor(context, 0);
-return {};
-}
-}
-, {"App.DoEvents(milliseconds As Double)", SYSTEM_FUNCTION{waitFor(context, a[0].toDouble());
-return {};
-}
-}
-, {"App.Arguments As String()", SYSTEM_FUNCTION{(void)context, (void)a;
-const Ref made = newArray({Kind::String, {}, false});
-for (const std::string& argument : programArguments)
-    arrayAppend(made.get(), Value(argument));
-return Value::borrow(made.get());
-}
-}
-, {"App.ExecutableFile As FolderItem", SYSTEM_FUNCTION{(void)context, (void)a;
-return Value(newFolderItem(programFile));
-}
-}
-, {"Quit()", SYSTEM_FUNCTION{(void)a;
-stop::quit(0);
-context.pollNow();
-return {};
-}
-}
-, {"Quit(code As Integer)", SYSTEM_FUNCTION{stop::quit(a[0].toInt32());
-context.pollNow();
-return {};
-}
-}
-, {"GetFolderItem(path As String) As FolderItem", SYSTEM_FUNCTION{(void)context;
-return Value(newFolderItem(a[0].toText()));
-}
-}
-, {"System.EnvironmentVariable(name As String) As String", SYSTEM_FUNCTION{(void)context;
-return environment(a[0]);
-}
-}
-, {"System.EnvironmentVariable(name As String, Assigns value As String)", SYSTEM_FUNCTION{(void)context;
-const std::string name = a[0].toText();
-if (::setenv(name.c_str(), a[1].toText().c_str(), 1) != 0)
-    raise("InvalidArgumentException", "'" + name + "' can't be the name of an environment variable");
-return {};
-}
-}
-,
-}
-;
-#undef SYSTEM_FUNCTION
+constexpr NativeEntry kEntries[] = {
+    {"Ticks As Integer",
+     [](Context&, Arguments) -> Value {
+         return Value(static_cast<int32_t>(static_cast<int64_t>(secondsSinceStart() * 60)));
+     }},
+    {"Microseconds As Double", [](Context&, Arguments) -> Value { return Value(secondsSinceStart() * 1e6); }},
+    {"Sleep(milliseconds As Double)",
+     [](Context& context, Arguments a) -> Value {
+         waitFor(context, a[0].toDouble());
+         return {};
+     }},
+    {"App.DoEvents()",
+     [](Context& context, Arguments) -> Value {
+         waitFor(context, 0);
+         return {};
+     }},
+    {"App.DoEvents(milliseconds As Double)",
+     [](Context& context, Arguments a) -> Value {
+         waitFor(context, a[0].toDouble());
+         return {};
+     }},
+    {"App.Arguments As String()",
+     [](Context&, Arguments) -> Value {
+         const Ref made = newArray({Kind::String, {}, false});
+         for (const std::string& argument : programArguments)
+             arrayAppend(made.get(), Value(argument));
+         return Value::borrow(made.get());
+     }},
+    {"App.ExecutableFile As FolderItem",
+     [](Context&, Arguments) -> Value { return Value(newFolderItem(programFile)); }},
+    {"Quit()",
+     [](Context& context, Arguments) -> Value {
+         stop::quit(0);
+         context.pollNow();
+         return {};
+     }},
+    {"Quit(code As Integer)",
+     [](Context& context, Arguments a) -> Value {
+         stop::quit(a[0].toInt32());
+         context.pollNow();
+         return {};
+     }},
+    {"GetFolderItem(path As String) As FolderItem",
+     [](Context&, Arguments a) -> Value { return Value(newFolderItem(a[0].toText())); }},
+    {"System.EnvironmentVariable(name As String) As String",
+     [](Context&, Arguments a) -> Value { return environment(a[0]); }},
+    {"System.EnvironmentVariable(name As String, Assigns value As String)",
+     [](Context&, Arguments a) -> Value {
+         const std::string name = a[0].toText();
+         if (::setenv(name.c_str(), a[1].toText().c_str(), 1) != 0)
+             raise("InvalidArgumentException", "'" + name + "' can't be the name of an environment variable");
+         return {};
+     }},
+};
 
 } // namespace
 
