@@ -214,8 +214,9 @@ void describeSequential(burn_drive* drive, MediumInfo& medium, burn_disc_status 
     // Documented: re-writable media are always overwritable, and so are blank ones that are written once.
     medium.overwritable = medium.blank || medium.erasable;
     medium.blocksOverwritable = medium.overwritable ? medium.capacityBlocks : 0;
-    // A track that a burn left open can't be trusted.
-    if (!medium.blank && burn_disc_next_track_is_damaged(drive, 0) != 0) {
+    // A track that a burn left open can't be trusted. Of a CD's that nobody closed, no table tells.
+    const bool isLeftOpen = status == BURN_DISC_UNSUITABLE && facts.writable && medium.sessions.empty();
+    if (!medium.blank && (isLeftOpen || burn_disc_next_track_is_damaged(drive, 0) != 0)) {
         medium.state = MediumState::Incomplete;
         medium.appendable = false;
         medium.blocksFree = 0;
