@@ -117,7 +117,7 @@ void eraseMedium(burn_drive* drive, const MediumInfo& medium, EraseType type, co
 /// Empty where physical drives are not wanted (README.md).
 std::vector<std::shared_ptr<PhysicalDrive>> physicalDrives();
 
-/// Whether the computer has a drive, one that can't be used now included. False where physical drives are not wanted.
-bool isPhysicalDriveAttached();
+/// Whether a drive was left out of physicalDrives() because another program had it. False where physical drives are not wanted.
+bool isPhysicalDriveInUse();
 
 } // namespace engine

@@ -2,7 +2,10 @@
 #include "../Failure.hpp"
 #include "PhysicalDrive.hpp"
 
+#include <algorithm>
+#include <cerrno>
 #include <cstdlib>
+#include <fcntl.h>
 #include <map>
 #include <string_view>
 #include <sys/stat.h>
@@ -15,11 +18,16 @@ using Clock = std::chrono::steady_clock;
 constexpr int mostDrives = 32;
 constexpr auto patience = std::chrono::seconds(2);
 
+struct Refusal {
+    Clock::time_point when;
+    bool isInUse = false; ///< else of no use
+};
+
 struct Attached {
     std::mutex mutex;
     std::map<std::string, std::shared_ptr<PhysicalDrive>> drives;
     std::vector<std::shared_ptr<PhysicalDrive>> leaving; ///< gone, but the library still has them
-    std::map<std::string, Clock::time_point> refused;    ///< busy, or of no use: not asked again at once
+    std::map<std::string, Refusal> refused;              ///< not asked again at once
 };
 
 // Never destroyed: jobs may still use drives while the process exits.
@@ -51,13 +59,20 @@ bool isThere(const std::string& path) {
     return ::stat(path.c_str(), &found) == 0 && S_ISBLK(found.st_mode);
 }
 
+// Another program has it to itself, or it is mounted.
+bool isInUse(const std::string& path) {
+    const Descriptor node(::open(path.c_str(), O_RDWR | O_NONBLOCK | O_EXCL | O_CLOEXEC));
+    return !node && errno == EBUSY;
+}
+
 } // namespace
 
-bool isPhysicalDriveAttached() {
+bool isPhysicalDriveInUse() {
     if (!isWanted()) return false;
-    for (int number = 0; number < mostDrives; ++number)
-        if (isThere(pathOf(number))) return true;
-    return false;
+    Attached& all = attached();
+    const std::lock_guard lock(all.mutex);
+    return std::any_of(all.refused.begin(), all.refused.end(),
+                       [](const auto& each) { return each.second.isInUse; });
 }
 
 std::vector<std::shared_ptr<PhysicalDrive>> physicalDrives() {
@@ -81,10 +96,14 @@ std::vector<std::shared_ptr<PhysicalDrive>> physicalDrives() {
         }
         if (known == all.drives.end()) {
             const auto refused = all.refused.find(path);
-            if (refused != all.refused.end() && Clock::now() - refused->second < patience) continue;
+            if (refused != all.refused.end() && Clock::now() - refused->second.when < patience) continue;
+            if (isInUse(path)) {
+                all.refused[path] = {Clock::now(), true};
+                continue;
+            }
             const auto opened = guarded([&] { return PhysicalDrive::open(path); });
             if (!opened) {
-                all.refused[path] = Clock::now();
+                all.refused[path] = {Clock::now(), isInUse(path)}; // by now
                 continue;
             }
             all.refused.erase(path);
