@@ -8,7 +8,10 @@
 #include <atomic>
 #include <chrono>
 #include <cmath>
+#include <cstdlib>
 #include <dlfcn.h>
+#include <filesystem>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -81,6 +84,19 @@ CFStringRef fromBytes(std::string_view bytes, uint32_t encoding) {
 }
 
 } // namespace
+
+void givePlatformTheTimeZone() {
+    const char* const given = std::getenv("TZ");
+    if (!given) return;
+    std::string zone = given;
+    if (zone.starts_with(':')) zone.erase(0, 1);
+    constexpr std::string_view folder = "/usr/share/zoneinfo/";
+    if (zone.starts_with(folder)) zone.erase(0, folder.size());
+    if (zone.empty()) zone = "UTC"; // as the C library has it
+    std::error_code error;
+    if (zone[0] == '/' || !std::filesystem::is_regular_file(std::string(folder) + zone, error)) return;
+    setenv("GNUSTEP_TZ", zone.c_str(), 0); // whoever has set it means it
+}
 
 bool hasPlatform() { return classNamed("NSAutoreleasePool") != nullptr; }
 

@@ -11,6 +11,11 @@ namespace host {
 
 bool hasPlatform();
 
+// Tells the platform the time zone that TZ names: its own classes don't look there, so a program's dates and theirs would
+// differ. Before the platform is loaded, since it reads its own variable once, and before there are threads. Zones by name
+// only; what else TZ may say (CET-1CEST) the platform doesn't know.
+void givePlatformTheTimeZone();
+
 // An autorelease pool around a top-level statement, or around an event handler on a thread of the platform's.
 class Pool {
   public:

@@ -10,6 +10,7 @@
 #include "PathStrings.hpp"
 #include "plan/Names.hpp"
 
+#include <algorithm>
 #include <optional>
 #include <unordered_map>
 #include <unordered_set>
@@ -36,7 +37,8 @@ std::string composedBytes(NSString* name) {
 }
 
 Error conflict(DRFSObject* object, const char* problem) {
-    const std::string path = pathnames::bytesOf([object sourcePath]);
+    std::string path = pathnames::bytesOf([object sourcePath]);
+    std::ranges::replace(path, '\0', '?'); // which would end the sentence
     return {ErrorCode::FileLocationConflict, "\"" + path + "\" " + problem, path};
 }
 

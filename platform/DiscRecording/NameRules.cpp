@@ -35,6 +35,9 @@ std::u16string cut(std::u16string text, size_t limit) {
 
 bool isControl(char16_t unit) { return unit < 0x20 || (unit >= 0x7F && unit < 0xA0); }
 
+// Stands for a byte of a name on disk that is no text. Rock Ridge holds the byte itself.
+bool isNoText(char16_t unit) { return unit >= 0xEF80 && unit <= 0xEFFF; }
+
 char16_t upper(char16_t unit) {
     return unit >= u'a' && unit <= u'z' ? static_cast<char16_t>(unit - u'a' + u'A') : unit;
 }
@@ -51,11 +54,11 @@ char16_t legalUnit(NameRule rule, char16_t unit) {
         return rule == NameRule::ISOLevelTwo && levelTwo.find(big) != levelTwo.npos ? big : u'\0';
     }
     case NameRule::Joliet:
-        return isControl(unit) || notInJoliet.find(unit) != notInJoliet.npos ? u'\0' : unit;
+        return isControl(unit) || isNoText(unit) || notInJoliet.find(unit) != notInJoliet.npos ? u'\0' : unit;
     case NameRule::HFSPlus:
-        return unit == u'/' ? u':' : unit;
+        return unit == u'/' ? u':' : isNoText(unit) ? u'_' : unit;
     case NameRule::UDF:
-        return unit == u'/' ? u'_' : unit;
+        return unit == u'/' || isNoText(unit) ? u'_' : unit;
     case NameRule::RockRidge:
         return unit;
     }

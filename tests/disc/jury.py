@@ -1,4 +1,5 @@
 """Programs that are not ours, asked what they find on a disc: each answers paths, and of every item what it tells."""
+import calendar
 import io
 import os
 import re
@@ -9,6 +10,7 @@ import tempfile
 import unicodedata
 
 import pycdlib
+import pycdlib.udf
 
 ENVIRONMENT = dict(os.environ, LC_ALL="C.UTF-8", TZ="UTC")
 
@@ -155,7 +157,42 @@ def udf_7zz(image):
     return sevenzip(image, "udf")
 
 
-def udf_pycdlib(image):
+def udf_mode(entry):
+    """Five bits for each of others, group and owner, of which the lower three are those of a mode (ECMA-167 4/14.9.5)."""
+    low = sum((entry.perms >> 5 * who & 7) << 3 * who for who in range(3))
+    return low | sum(bit for flag, bit in ((6, 0o4000), (7, 0o2000), (8, 0o1000)) if entry.icb_tag.flags >> flag & 1)
+
+
+def udf_time(stamp):
+    """Seconds since 1970 of a local time; its zone is minutes east of Greenwich, and -2047 where it doesn't say."""
+    clock = calendar.timegm((stamp.year, stamp.month, stamp.day, stamp.hour, stamp.minute, stamp.second))
+    return clock - 60 * (stamp.tz if stamp.timetype == 1 and stamp.tz != -2047 else 0)
+
+
+def udf_target(image, disc, entry):
+    """A link's path components (ECMA-167 4/14.16), as a path."""
+    data = b""
+    for place in entry.alloc_descs:
+        inside = isinstance(place, pycdlib.udf.UDFInlineAD)
+        start = 0 if inside else disc.udf_main_descs.partitions[0].part_start_location
+        with open(image, "rb") as file:
+            file.seek((start + place.log_block_num) * 2048 + (place.offset if inside else 0))
+            data += file.read(place.extent_length)
+    parts = []
+    while data:
+        kind, length = data[0], data[1]
+        parts.append({2: "", 3: "..", 4: "."}[kind] if kind != 5 else
+                     data[5:4 + length].decode({8: "latin-1", 16: "utf-16-be"}[data[4]]))
+        data = data[4 + length:]
+    return "/".join(parts) or "/"
+
+
+def udf_entries(image):
+    """What stands in the block of each item: mode, owner, group, and times; of a link the target."""
+    return udf_pycdlib(image, more=True)
+
+
+def udf_pycdlib(image, more=False):
     disc = pycdlib.PyCdlib()
     disc.open(image)
     found, waiting = {}, [""]
@@ -166,8 +203,15 @@ def udf_pycdlib(image):
                 continue
             path = folder + "/" + child.file_ident.fi.decode(child.file_ident.encoding)
             entry = {"kind": "d" if child.is_dir() else "l" if child.is_symlink() else "f"}
+            if more:
+                entry |= {"owner": child.uid, "group": child.gid, "accessed": udf_time(child.access_time),
+                          "changed": udf_time(child.attr_time), "permissions": child.perms, "more": child.extended_attrs}
+            if more or entry["kind"] != "l":
+                entry |= {"mode": udf_mode(child), "time": udf_time(child.mod_time)}
             if child.is_dir():
                 waiting.append(path)
+            elif entry["kind"] == "l":
+                entry["target"] = composed(udf_target(image, disc, child))
             elif entry["kind"] == "f":
                 data = io.BytesIO()
                 disc.get_file_from_iso_fp(data, udf_path=path)

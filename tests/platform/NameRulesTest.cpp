@@ -1,5 +1,6 @@
 // NameRulesTest: what becomes of a name in each file system, and of names that collide.
 #include "NameRules.hpp"
+#include "PathNames.hpp"
 #include "plan/Names.hpp"
 
 #include <gtest/gtest.h>
@@ -55,6 +56,14 @@ TEST(NameRules, SeparatorsAndControlCharacters) {
     EXPECT_EQ(file(Joliet, u"a/b\\c*d?e\u0001f"), u"abcdef");
     EXPECT_EQ(file(HFSPlus, u"a/b"), u"a:b");
     EXPECT_EQ(file(UDF, u"a/b"), u"a_b");
+}
+
+// Such a character stands for a byte of a name on disk.
+TEST(NameRules, BytesThatAreNoText) {
+    EXPECT_EQ(file(Joliet, u"a\uEFFFb"), u"ab");
+    EXPECT_EQ(file(HFSPlus, u"a\uEFFFb"), u"a_b");
+    EXPECT_EQ(file(UDF, u"a\uEF80b"), u"a_b");
+    EXPECT_EQ(file(RockRidge, u"a\uEFFFb"), u"a\uEFFFb") << "the byte itself";
 }
 
 TEST(NameRules, LengthsAndTheExtensionThatIsKept) {
@@ -172,6 +181,56 @@ TEST(NameRules, TheEngineMakesTheSameOfNamesInIso9660) {
         const auto told = mangledNames(rule, all);
         for (size_t i = 0; i < names.size(); ++i)
             ASSERT_EQ(made[i], plain(told[i])) << names[i];
+    }
+}
+
+TEST(NameRules, TheEngineMakesTheSameOfNamesInJoliet) {
+    const std::pair<std::u16string, std::string> letters[] = {{u"a", "a"},
+                                                              {u"A", "A"},
+                                                              {u".", "."},
+                                                              {u" ", " "},
+                                                              {u"_", "_"},
+                                                              {u"_001", "_001"},
+                                                              {u"?", "?"},
+                                                              {u"*", "*"},
+                                                              {u"$", "$"},
+                                                              {u":", ":"},
+                                                              {u"\u0439", "\u0439"},
+                                                              {u"\u0419", "\u0419"},
+                                                              {u"\u0085", "\u0085"},
+                                                              {u"\u6F22", "\u6F22"},
+                                                              {u"\U0001F4BF", "\U0001F4BF"},
+                                                              {u"\uEF93", "\x93"},
+                                                              {u"\t", "\t"},
+                                                              {u".text", ".text"},
+                                                              {u"thirteen more", "thirteen more"}};
+    std::mt19937 random(2);
+    const auto upTo = [&](size_t most) { return std::uniform_int_distribution<size_t>(0, most)(random); };
+    const engine::plan::JolietForm form;
+    for (int round = 0; round < 400; ++round) {
+        std::set<std::string> known;
+        std::vector<std::string> names;
+        std::vector<Sibling> all;
+        for (size_t count = upTo(60); count > 0; --count) {
+            std::u16string wide;
+            std::string name;
+            for (size_t length = 1 + upTo(round % 5 == 0 ? 40 : 3); length > 0; --length) {
+                const auto& letter = letters[upTo(std::size(letters) - 1)];
+                wide += letter.first;
+                name += letter.second;
+            }
+            if (!known.insert(name).second) continue;
+            names.push_back(name);
+            const bool isFolder = upTo(4) == 0;
+            all.push_back({legalName(Joliet, wide, isFolder), isFolder});
+        }
+        std::vector<engine::plan::GivenName> given;
+        for (size_t i = 0; i < names.size(); ++i)
+            given.push_back({names[i], all[i].isFolder});
+        const auto made = engine::plan::distinctNames(given, form);
+        const auto told = mangledNames(Joliet, all);
+        for (size_t i = 0; i < names.size(); ++i)
+            ASSERT_EQ(made[i], pathnames::encode(told[i])) << names[i];
     }
 }
 

@@ -3,6 +3,7 @@
 #include "host/plugin/PluginLoader.hpp"
 #include "host/runtime/Exceptions.hpp"
 #include "host/runtime/Lock.hpp"
+#include "host/services/Platform.hpp"
 
 #if defined(__SANITIZE_ADDRESS__)
 #include <sanitizer/lsan_interface.h>
@@ -187,6 +188,7 @@ int main(int count, char** words) {
     }
     if (options.help) return std::fputs(kHelp, stdout) < 0 ? 1 : 0;
     if (options.version) return std::puts("disc-basic " DISC_VERSION) < 0 ? 1 : 0;
+    givePlatformTheTimeZone();
     try {
         return start(options);
     } catch (const PluginError& error) {

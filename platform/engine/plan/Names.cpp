@@ -14,6 +14,8 @@ namespace engine::plan {
 namespace {
 
 constexpr size_t isoNameLimit = 30; // of level 2 and up, with the dot
+constexpr size_t jolietNameLimit = 64;
+constexpr char32_t noText = 0xFFFFFFFF;
 
 // A dot in front of a name, or at its end, begins no extension.
 size_t extensionOf(std::string_view name, bool isFolder) {
@@ -55,7 +57,7 @@ void forEachCharacter(std::string_view text, const Put& put) {
     while (!text.empty()) {
         const auto character = firstCharacter(text);
         const size_t bytes = character ? character->bytes : 1;
-        put(character ? character->value : U'\uFFFF', text.substr(0, bytes));
+        put(character ? character->value : noText, text.substr(0, bytes));
         text.remove_prefix(bytes);
     }
 }
@@ -104,8 +106,33 @@ std::string isoText(std::string_view text, uint8_t level) {
 
 size_t unitsOf(std::string_view utf8) {
     size_t units = 0;
-    forEachCharacter(utf8, [&](char32_t c, std::string_view) { units += c > 0xFFFF ? 2 : 1; });
+    forEachCharacter(utf8, [&](char32_t c, std::string_view) { units += c > 0xFFFF && c != noText ? 2 : 1; });
     return units;
+}
+
+// Never between the two halves of a character.
+void cutToUnits(std::string& utf8, size_t limit) {
+    if (utf8.size() <= limit) return;
+    size_t bytes = 0, units = 0;
+    forEachCharacter(utf8, [&](char32_t c, std::string_view character) {
+        units += c > 0xFFFF && c != noText ? 2 : 1;
+        if (units <= limit) bytes += character.size();
+    });
+    utf8.resize(bytes);
+}
+
+// Without what can't stand in Joliet; dots are seen to before. Deliberate: the standard forbids ":", which programs are told
+// that a name keeps; readers take it.
+std::string jolietText(std::string_view text) {
+    constexpr std::u32string_view others = U".\"$*/;<>?\\|";
+    std::string result;
+    forEachCharacter(text, [&](char32_t c, std::string_view bytes) {
+        const bool isControl = c < 0x20 || (c >= 0x7F && c < 0xA0);
+        // Programs know bytes that are no text by these characters.
+        const bool isNoText = c == noText || (c >= 0xEF80 && c <= 0xEFFF);
+        if (!isControl && !isNoText && others.find(c) == others.npos) result += bytes;
+    });
+    return result;
 }
 
 // Gives numbers out: what a name is cut to for its number goes on where the last such one stopped. Where each name stands
@@ -191,18 +218,30 @@ bool IsoForm::fits(std::string_view legal, bool) const {
     return dot <= 8 && legal.size() - std::min(dot + 1, legal.size()) <= 3;
 }
 
-std::string JolietForm::legal(std::string_view name, bool isFolder) const {
-    std::string result;
-    forEachCharacter(name, [&](char32_t c, std::string_view bytes) {
-        // Deliberate: the standard forbids ":", which programs are told that a name keeps; readers take it.
-        constexpr std::u32string_view others = U"*/;?\\\uFFFF";
-        const bool stays = c >= 0x20 && others.find(c) == others.npos;
-        result += stays ? bytes : "_";
-    });
-    return withSuffix(result, isFolder, {}, *this);
+// A folder's name has an extension, too.
+std::string JolietForm::legal(std::string_view name, bool) const {
+    const size_t dot = extensionOf(name, false);
+    std::string stem = jolietText(name.substr(0, dot));
+    std::string extension = dot < name.size() ? jolietText(name.substr(dot + 1)) : std::string();
+    if (stem.empty()) stem += '_';
+    cutToUnits(extension, jolietNameLimit - 2);
+    const size_t behind = extension.empty() ? 0 : unitsOf(extension) + 1;
+    cutToUnits(stem, jolietNameLimit - behind);
+    return extension.empty() ? stem : stem + '.' + extension;
 }
 
-bool JolietForm::fits(std::string_view legal, bool) const { return unitsOf(legal) <= 64; }
+// Those who read it don't tell capitals from small letters.
+std::string JolietForm::keyOf(std::string_view legal) const {
+    std::u32string key;
+    forEachCharacter(legal, [&key](char32_t c, std::string_view) {
+        const bool isBig = (c >= U'A' && c <= U'Z') || (c >= 0xC0 && c <= 0xDE && c != 0xD7) ||
+                           (c >= 0x391 && c <= 0x3A9) || (c >= 0x410 && c <= 0x42F);
+        key += isBig ? c + 32 : c >= 0x400 && c <= 0x40F ? c + 80 : c;
+    });
+    return {reinterpret_cast<const char*>(key.data()), key.size() * sizeof(char32_t)};
+}
+
+bool JolietForm::fits(std::string_view legal, bool) const { return unitsOf(legal) <= jolietNameLimit; }
 
 std::string UdfForm::keyOf(std::string_view legal) const { return udf::compressed(legal, udf::nameLimit); }
 bool UdfForm::fits(std::string_view legal, bool) const {

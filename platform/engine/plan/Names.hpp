@@ -12,7 +12,7 @@ namespace engine::plan {
 class NameForm {
   public:
     virtual ~NameForm() = default;
-    /// The name with what can't stand in it replaced, and cut to what fits.
+    /// The name without what can't stand in it, or with that replaced, and cut to what fits.
     virtual std::string legal(std::string_view name, bool isFolder) const = 0;
     /// The same for two names that can't stand beside each other.
     virtual std::string keyOf(std::string_view legal) const = 0;
@@ -33,11 +33,12 @@ class IsoForm final : public NameForm {
     uint8_t level_;
 };
 
-/// 64 UTF-16 units; '_' for * / : ; ? \ and control characters.
+/// 64 UTF-16 units with the extension, whose dot is the only one, in names of folders, too. What can't stand there is left
+/// out: " $ * / ; < > ? \ | and control characters, and bytes that are no text.
 class JolietForm final : public NameForm {
   public:
     std::string legal(std::string_view name, bool isFolder) const override;
-    std::string keyOf(std::string_view legal) const override { return std::string(legal); }
+    std::string keyOf(std::string_view legal) const override;
     bool fits(std::string_view legal, bool isFolder) const override;
 };
 

@@ -124,13 +124,34 @@ uint32_t Tree::findOld(uint32_t folder, uint8_t filesystem, const ItemNames& nam
     });
 }
 
-uint32_t Tree::oldFolder(uint32_t folder, const ItemNames& names, uint8_t filesystems) const {
+uint32_t Tree::oldFolder(uint32_t folder, const ItemNames& names, uint8_t filesystems) {
+    uint32_t result = none;
     for (uint8_t bit = 1; !old_.empty() && bit <= filesystem::all; bit = static_cast<uint8_t>(bit << 1)) {
         if ((filesystems & bit) == 0) continue;
         const uint32_t old = findOld(folder, bit, names, true);
-        if (old != none && nodes[entries[old].node].kind == NodeKind::Folder) return entries[old].node;
+        if (old == none || nodes[entries[old].node].kind != NodeKind::Folder) continue;
+        const uint32_t node = entries[old].node;
+        if (result == none)
+            result = node;
+        else if (node != result && (entries[old].filesystems & oldRead_) == bit)
+            moveOldEntries(node, result);
     }
-    return none;
+    return result;
+}
+
+void Tree::moveOldEntries(uint32_t from, uint32_t to) {
+    for (uint32_t i = nodes[from].first; i != none; i = entries[i].next) {
+        const Entry old = entries[i];
+        std::array<std::string, 4> own; // the store of texts grows meanwhile
+        for (uint8_t bit = 0; bit < own.size(); ++bit)
+            if (const auto filesystem = static_cast<uint8_t>(1 << bit); hasOwnName(old, filesystem))
+                own[bit] = nameIn(old, filesystem);
+        const std::string name(nameOf(old));
+        entries[i].filesystems = 0;
+        oldFolders_.erase(old.node);
+        addOldEntry(to, old.node, {name, {own[0], own[1], own[2], own[3]}}, old.filesystems,
+                    old.isJolietsMade);
+    }
 }
 
 void Tree::setTarget(Node& link, std::string_view target) {

@@ -84,8 +84,9 @@ class Tree {
     void setOld(uint8_t read, std::unique_ptr<const NameForm> form, bool areIsos);
     void addOldEntry(uint32_t folder, uint32_t node, const ItemNames& names, uint8_t filesystems,
                      bool isJolietsMade = false);
-    /// The old folder that one of that name goes on with; `none` when there is none.
-    uint32_t oldFolder(uint32_t folder, const ItemNames& names, uint8_t filesystems) const;
+    /// The old folder that one of that name goes on with; `none` when there is none. Where it is another one in a file system
+    /// that alone shows that, all in it is moved to the first.
+    uint32_t oldFolder(uint32_t folder, const ItemNames& names, uint8_t filesystems);
     void setTarget(Node& link, std::string_view target);
 
     std::string_view nameOf(const Entry& entry) const {
@@ -125,6 +126,7 @@ class Tree {
 
     uint32_t keep(std::string_view text);
     uint32_t append(uint32_t folder, uint32_t node, const ItemNames& names, uint8_t filesystems);
+    void moveOldEntries(uint32_t from, uint32_t to);
     /// The old entry of that name; `none` when there is none.
     uint32_t findOld(uint32_t folder, uint8_t filesystem, const ItemNames& names, bool isFolder) const;
     std::string wholeKey(std::string_view name, bool isFolder) const;

@@ -55,17 +55,24 @@ TEST(PlanNames, SiblingsGetNumbersInsideOfTheLimit) {
               "README|README_001|README  _001|R .MD|R_001.MD |");
 }
 
-TEST(PlanNames, JolietReplacesWhatItCannotHold) {
+TEST(PlanNames, JolietLeavesOutWhatItCannotHold) {
     const JolietForm form;
-    EXPECT_EQ(form.legal("a:b*c?d\\e;f", false), "a:b_c_d_e_f") << "the colon stays";
-    EXPECT_EQ(form.legal("tab\tbad\xff", false), "tab_bad_");
+    EXPECT_EQ(form.legal("a:b*c?d\\e;f\"$<>|/g", false), "a:bcdefg") << "the colon stays";
+    EXPECT_EQ(form.legal("tab\tbad\xff\x7F\u0085\uEF85!", false), "tabbad!");
+    EXPECT_EQ(form.legal("archive.tar.gz", false), "archivetar.gz") << "one dot";
+    EXPECT_EQ(form.legal("site.old.d", true), "siteold.d") << "in names of folders, too";
+    EXPECT_EQ(form.legal(".profile", false), "profile");
+    EXPECT_EQ(form.legal("what?.???", false), "what");
+    EXPECT_EQ(form.legal("***", false), "_");
     std::string notes;
     for (int i = 0; i < 40; ++i)
         notes += "𝄞"; // two units each
     EXPECT_EQ(form.legal(notes + ".txt", false), notes.substr(0, size_t{30} * 4) + ".txt");
     const std::string longName(70, 'n');
-    EXPECT_EQ(namesOf({{longName + "a.txt"}, {longName + "b.txt"}, {"N"}, {"n"}}, form),
-              longName.substr(0, 60) + ".txt|" + longName.substr(0, 56) + "_001.txt|N|n|");
+    EXPECT_EQ(
+        namesOf({{longName + "a.txt"}, {longName + "b.txt"}, {"M"}, {"m"}, {"Äж"}, {"äЖ"}, {"×"}, {"÷"}},
+                form),
+        longName.substr(0, 60) + ".txt|" + longName.substr(0, 56) + "_001.txt|M|m_001|Äж|äЖ_001|×|÷|");
 }
 
 TEST(PlanNames, HFSPlusTellsNoCapitalsFromSmallLetters) {

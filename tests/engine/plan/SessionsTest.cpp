@@ -123,7 +123,7 @@ TEST_F(PlanSessions, NamesThatJolietMadeLegalAreTheSameAgain) {
         children.push_back(Content::folder("Meeting 12*30", {Content::file("in " + bytes, bytes)}));
         children.push_back(Content::folder(large, {Content::file("in " + bytes, bytes)}));
         children.push_back(Content::file("ab*c", bytes));
-        children.push_back(Content::file("ab?c", bytes + '?')); // ab_c_001 in Joliet
+        children.push_back(Content::file("ab?c", bytes + '?')); // abc_001 in Joliet
         children.push_back(named(Content::file("own", bytes + " own"), "12?45"));
         return discOf(Content::folder("Disc", std::move(children)), isoAndJoliet);
     };
@@ -134,8 +134,8 @@ TEST_F(PlanSessions, NamesThatJolietMadeLegalAreTheSameAgain) {
     EXPECT_EQ(shown("rr"), "Meeting 12*30/ Meeting 12*30/in 1=1 Meeting 12*30/in 2=2 ab*c=2 ab?c=2? " +
                                large + "/ " + large + "/in 1=1 " + large + "/in 2=2 own=2 own ");
     const std::string cut(64, 'n');
-    EXPECT_EQ(shown("joliet"), "12_45=2 own Meeting 12_30/ Meeting 12_30/in 1=1 Meeting 12_30/in 2=2 ab_c=2 "
-                               "ab_c_001=2? " +
+    EXPECT_EQ(shown("joliet"), "1245=2 own Meeting 1230/ Meeting 1230/in 1=1 Meeting 1230/in 2=2 abc=2 "
+                               "abc_001=2? " +
                                    cut + "/ " + cut + "/in 1=1 " + cut + "/in 2=2 ");
 }
 
@@ -148,7 +148,32 @@ TEST_F(PlanSessions, AnotherNameThatJolietMakesTheSameIsAnotherItem) {
         burn(drive, discOf(Content::folder("Disc", {Content::file("ab?c", "2")}), isoAndJoliet), open()));
     extractAll(image(), isoAndJoliet, "Disc");
     EXPECT_EQ(shown("rr"), "ab*c=1 ab?c=2 ");
-    EXPECT_EQ(shown("joliet"), "ab_c=1 ab_c_001=2 ");
+    EXPECT_EQ(shown("joliet"), "abc=1 abc_001=2 ");
+}
+
+// Nothing tells that the folder of one name in ISO 9660 and of another in Joliet was one: there are no bytes in it.
+TEST_F(PlanSessions, FoldersOfEmptyFilesKeepThemInEachFileSystem) {
+    const auto drive = makeDrive(MediumKind::DVDPlusRW);
+    for (const char* number : {"1", "2", "3"}) {
+        std::vector<Content> deeper, inner;
+        deeper.push_back(Content::file(std::string("deep? ") + number, ""));
+        inner.push_back(Content::folder("de*per", std::move(deeper)));
+        inner.push_back(
+            named(Content::file(std::string("empty ") + number, ""), std::string("void ") + number));
+        std::vector<Content> children;
+        children.push_back(named(Content::folder("folder", std::move(inner)), "Folder with another name"));
+        children.push_back(Content::folder("site.old.d", {Content::file(number, "")}));
+        EXPECT_DONE(burn(drive, discOf(Content::folder("Disc", std::move(children)), isoAndJoliet), open()));
+    }
+    extractAll(image(), isoAndJoliet, "Disc");
+    EXPECT_EQ(shown("rr"), "folder/ folder/de*per/ folder/de*per/deep? 1= folder/de*per/deep? 2= "
+                           "folder/de*per/deep? 3= folder/empty 1= folder/empty 2= folder/empty 3= "
+                           "site.old.d/ site.old.d/1= site.old.d/2= site.old.d/3= ");
+    const std::string other = "Folder with another name/";
+    EXPECT_EQ(shown("joliet"), other + ' ' + other + "deper/ " + other + "deper/deep 1= " + other +
+                                   "deper/deep 2= " + other + "deper/deep 3= " + other + "void 1= " + other +
+                                   "void 2= " + other +
+                                   "void 3= siteold.d/ siteold.d/1= siteold.d/2= siteold.d/3= ");
 }
 
 TEST_F(PlanSessions, WithoutRockRidgeNamesAreTheSameAgain) {
