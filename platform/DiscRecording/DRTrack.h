@@ -66,8 +66,9 @@
 
 /**
  * How fast the track's data comes at best, in KB/s, without burning it: for so many seconds, or bytes. A producer is
- * prepared and cleaned up as for a burn, with neither burn nor medium. 0 when the data can't be made; the reason
- * goes to the log.
+ * prepared and cleaned up as for a burn, with neither burn nor medium. 0 when the data can't be made, and while the
+ * producer works for a burn or for another test of the track's speed, because it is asked for one thing at a time; the
+ * reason goes to the log. A burn that begins while its track is tested fails with 0x80020068.
  */
 - (float)testProductionSpeedForInterval:(NSTimeInterval)interval;
 - (float)testProductionSpeedForLength:(uint32_t)length;

@@ -10,7 +10,7 @@ namespace discrecording {
 
 /// What a track is produced for.
 struct ProducedFor {
-    uint64_t burn = 0; ///< number of a living object; 0 for none
+    uint64_t burn = 0; ///< number of a living object; 0 for a test of the speed
     engine::DriveRef drive;
 };
 

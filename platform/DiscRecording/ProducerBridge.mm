@@ -5,6 +5,7 @@
 #include "LivingObjects.hpp"
 #include "PathStrings.hpp"
 #import "Raised.h"
+#include "TrackUse.hpp"
 
 #include <stdexcept>
 #include <utility>
@@ -95,6 +96,8 @@ class ProducerBridge final : public engine::TrackProducer {
     }
 
     void cleanupAfterBurn() override {
+        if (!isKept_)
+            return; // it never began, because the producer is at work for somebody else
         struct Last {
             ProducerBridge& bridge;
             ~Last() { bridge.letGo(); }
@@ -109,20 +112,25 @@ class ProducerBridge final : public engine::TrackProducer {
     // From preparing to the end of cleaning up: the engine walks away from a producer that sleeps, and cleans up when
     // the burn that keeps the track may be gone.
     void keep() {
-        if (std::exchange(isKept_, true))
+        if (isKept_)
             return;
+        beginTrackWork(track_, work());
+        isKept_ = true;
         [track_ retain];
         [producer_ retain];
     }
     void letGo() {
         if (!std::exchange(isKept_, false))
             return;
+        endTrackWork(track_, work());
         const EngineThread thread;
         raisedBy([&] {
             [producer_ release];
             [track_ release];
         });
     }
+
+    TrackWork work() const noexcept { return for_.burn == 0 ? TrackWork::SpeedTest : TrackWork::Burn; }
 
     bool responds(SEL selector) const {
         const EngineThread thread;

@@ -44,6 +44,39 @@ static int ownTracks;
 }
 @end
 
+// Asks for its speed, and to be burned, while it is asked for its first bytes.
+@interface Impatient : Producer {
+  @public
+    DRDevice* device; // to burn on; nil: not to burn
+    float speed;
+    NSDictionary* burned;
+}
+@end
+@implementation Impatient
+- (void)dealloc {
+    [burned release];
+    [super dealloc];
+}
+- (uint32_t)produceDataForTrack:(DRTrack*)track
+                     intoBuffer:(char*)buffer
+                         length:(uint32_t)length
+                      atAddress:(uint64_t)address
+                      blockSize:(uint32_t)blockSize
+                        ioFlags:(uint32_t*)flags {
+    if (address == 0) {
+        speed = [track testProductionSpeedForLength:1 << 20];
+        if (device != nil)
+            burned = [BurnOn(device, track, nil) retain];
+    }
+    return [super produceDataForTrack:track
+                           intoBuffer:buffer
+                               length:length
+                            atAddress:address
+                            blockSize:blockSize
+                              ioFlags:flags];
+}
+@end
+
 static void TestOrder(void) {
     DRDevice* device = Device("DVD+RW");
     Producer* producer = [[Producer new] autorelease];
@@ -172,6 +205,32 @@ static void TestSpeed(void) {
     PASS("of a folder, too", [folder testProductionSpeedForLength:1 << 20] > 0);
 }
 
+// A producer is asked for one thing at a time.
+static void TestSpeedOfABusyTrack(void) {
+    Impatient* producer = [[Impatient new] autorelease];
+    producer->speed = -1;
+    DRTrack* track = DataTrack(producer, 1500);
+    DRDevice* device = Device("DVD+RW");
+    ExpectDone("its speed is asked for in a burn", BurnOn(device, track, nil));
+    PASS("there is none", producer->speed == 0);
+    SAME("and nothing more was asked", producer->calls, Words(@"prepare produce cleanup"));
+    PASS("nor was the burn disturbed", IsProduced(Image(device, @"medium.iso"), 0, 1500 * 2048, 0));
+
+    [producer->calls removeAllObjects];
+    producer->expected = 0;
+    producer->speed = -1;
+    producer->device = Device("DVD+RW");
+    PASS("after the burn there is one", [track testProductionSpeedForLength:1 << 20] > 0);
+    PASS("but one at a time", producer->speed == 0);
+    ExpectError("a burn meanwhile", producer->burned, 0x80020068, @"is being tested");
+    PASS("writes nothing", [producer->device mediaIsBlank]);
+    SAME("and asks nothing", producer->calls, Words(@"prepare produce cleanup"));
+    device = producer->device;
+    producer->device = nil;
+    producer->expected = 0;
+    ExpectDone("after the test it can be burned", BurnOn(device, track, nil));
+}
+
 int main(void) {
     NSAutoreleasePool* pool = [NSAutoreleasePool new];
     NSString* place = BeginBurning();
@@ -180,5 +239,6 @@ int main(void) {
     TestAnswers();
     TestOwnProducer();
     TestSpeed();
+    TestSpeedOfABusyTrack();
     return EndBurning(place, pool);
 }
