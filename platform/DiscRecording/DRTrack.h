@@ -19,6 +19,7 @@
     id _producer; // retained, unless the track is its own
     DRFolder* _rootFolder;
     NSString* _audioPath;
+    uint64_t _audioBlocks; // that its sound file had
 }
 
 /**
@@ -37,7 +38,9 @@
 /**
  * An audio track from a sound file: WAV, AIFF, FLAC, Ogg, MP3 and what else is known. What is not in a CD's form is
  * mixed to two channels and resampled. Nil for a file that can't be read as sound; the reason goes to the log. All
- * required properties are set, the length to the exact one.
+ * required properties are set, the length to the exact one. A shorter DRTrackLengthKey leaves the file's end out; a longer
+ * one fails the burn with 0x80020065. A file that has another length when it is burned fails it with 0x80020100, and one
+ * that is no sound then with 0x8002006C; the disc is untouched.
  */
 + (DRTrack*)trackForAudioFile:(NSString*)path;
 

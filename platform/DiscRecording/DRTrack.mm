@@ -87,6 +87,7 @@ float speedOf(DRTrack* track, const engine::SpeedTestEnd& end) {
     }
     DRTrack* track = [[[self alloc] initWithProducer:nil] autorelease];
     track->_audioPath = [path copy];
+    track->_audioBlocks = audio->blocks;
     [track setProperties:audioProperties(DRMSFOfBlocks(audio->blocks))];
     return track;
 }
@@ -186,6 +187,10 @@ float speedOf(DRTrack* track, const engine::SpeedTestEnd& end) {
 
 - (NSString*)audioPath {
     return _audioPath;
+}
+
+- (uint64_t)audioBlocks {
+    return _audioBlocks;
 }
 
 - (id)producer {

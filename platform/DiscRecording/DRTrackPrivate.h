@@ -9,6 +9,8 @@
 - (DRFolder*)rootFolder;
 /// Nil for a track that is not made from a sound file.
 - (NSString*)audioPath;
+/// How long the sound file was when the track was made.
+- (uint64_t)audioBlocks;
 /// Nil for those two.
 - (id)producer;
 @end

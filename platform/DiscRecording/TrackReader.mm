@@ -194,6 +194,35 @@ Result<engine::ProducedTrack> producedTrackOf(DRTrack* track, const ProducedFor&
     return produced;
 }
 
+// The sound file as it is now must be the one that the track was made for: programs lay their discs out by its length.
+Result<engine::ProducedTrack> soundTrackOf(DRTrack* track) {
+    auto sound = engine::trackForAudioFile(pathnames::bytesOf([track audioPath]));
+    if (!sound.ok())
+        return sound.error();
+    if (sound->blocks != [track audioBlocks]) {
+        return error(
+            ErrorCode::FileModifiedDuringBurn,
+            [NSString
+                stringWithFormat:@"The sound file \"%@\" has another length than when its track was made; "
+                                 @"make the track again.",
+                                 [track audioPath]]);
+    }
+    id length = [[track properties] objectForKey:DRTrackLengthKey];
+    if (!isNumber(length)) // the file is as long as it is
+        return sound;
+    if ([length unsignedIntValue] > sound -> blocks) {
+        return error(
+            ErrorCode::BadLayout,
+            [NSString
+                stringWithFormat:@"The track is to have %u blocks, but its sound file \"%@\" has only %llu; "
+                                 @"set a length that it has.",
+                                 [length unsignedIntValue], [track audioPath],
+                                 static_cast<unsigned long long>(sound->blocks)]);
+    }
+    sound->blocks = [length unsignedIntValue];
+    return sound;
+}
+
 } // namespace
 
 Result<BlockForm> blockFormOf(NSDictionary* properties) {
@@ -239,9 +268,7 @@ Result<engine::Track> trackOf(DRTrack* track, const ProducedFor& producedFor) {
         made.content = std::move(*data);
         return made;
     }
-    auto produced = [track audioPath] != nil
-                        ? engine::trackForAudioFile(pathnames::bytesOf([track audioPath]))
-                        : producedTrackOf(track, producedFor);
+    auto produced = [track audioPath] != nil ? soundTrackOf(track) : producedTrackOf(track, producedFor);
     if (!produced.ok())
         return produced.error();
     made.content = std::move(*produced);

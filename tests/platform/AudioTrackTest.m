@@ -1,4 +1,4 @@
-// AudioTrackTest: audio tracks: codes, index points, pre-gaps, sound files, discs of several tracks and sessions.
+// AudioTrackTest: audio tracks: codes, index points, pre-gaps, discs of several tracks and sessions.
 #import "Producers.h"
 
 static void TestAudio(void) {
@@ -217,36 +217,6 @@ static void TestLayouts(void) {
     PASS("nothing was written", [dvd mediaIsBlank]);
 }
 
-static void TestAudioFiles(NSString* place) {
-    PASS("nil for nil", [DRTrack trackForAudioFile:nil] == nil);
-    NSString* none = [place stringByAppendingPathComponent:@"none.wav"];
-    PASS("nil for no file", [DRTrack trackForAudioFile:none] == nil);
-    [@"this is no sound" writeToFile:none atomically:NO];
-    PASS("nil for no sound", [DRTrack trackForAudioFile:none] == nil);
-
-    // 3 blocks of samples in a WAV file; the header is that of 44.1 kHz, stereo, 16 bits.
-    unsigned char wav[44 + 3 * 2352] =
-        "RIFF\0\0\0\0WAVEfmt \x10\0\0\0\x01\0\x02\0\x44\xAC\0\0\x10\xB1\x02\0\x04\0"
-        "\x10\0data";
-    unsigned bytes = 3 * 2352, whole = bytes + 36;
-    for (int i = 0; i < 4; i++) {
-        wav[4 + i] = (unsigned char)(whole >> 8 * i);
-        wav[40 + i] = (unsigned char)(bytes >> 8 * i);
-    }
-    for (unsigned i = 0; i < bytes; i++)
-        wav[44 + i] = ByteAt(i);
-    NSString* path = [place stringByAppendingPathComponent:@"sound.wav"];
-    [[NSData dataWithBytes:wav length:sizeof wav] writeToFile:path atomically:NO];
-    DRTrack* track = [DRTrack trackForAudioFile:path];
-    SAME("its exact length", [track length], [DRMSF msfWithFrames:3]);
-    PASS("which is the estimate", [track estimateLength] == 3);
-    Set(track, DRVerificationTypeKey, DRVerificationTypeProduceAgain);
-    DRDevice* device = Device("CD-R");
-    ExpectDone("a sound file", BurnOn(device, track, nil));
-    NSData* bin = Image(device, @"medium.bin");
-    PASS("bit by bit", [bin length] >= bytes && memcmp([bin bytes], wav + 44, bytes) == 0);
-}
-
 int main(void) {
     NSAutoreleasePool* pool = [NSAutoreleasePool new];
     NSString* place = BeginBurning();
@@ -255,6 +225,5 @@ int main(void) {
     TestRequiredPreGaps();
     TestVerifiedPreGap();
     TestLayouts();
-    TestAudioFiles(place);
     return EndBurning(place, pool);
 }

@@ -4,6 +4,7 @@
 #include "Failure.hpp"
 #include "audio/AudioReader.hpp"
 
+#include <algorithm>
 #include <cstring>
 
 namespace engine {
@@ -23,7 +24,7 @@ class AudioProducer final : public TrackProducer {
                  "The sound file " + inQuotes(path_) + " has another length than when its track was made.");
         reader_ = std::move(*reader);
         next_ = 0;
-        blocks = blocksOf(samples_);
+        blocks = std::min(blocks, blocksOf(samples_));
         return true;
     }
 

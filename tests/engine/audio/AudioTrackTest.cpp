@@ -40,7 +40,7 @@ TEST_F(AudioTrack, IsTheSoundAndThenSilenceToTheEndOfTheBlock) {
     const ProducedTrack made = track("a.wav");
     EXPECT_EQ(made.form, BlockForm::Audio);
     EXPECT_EQ(made.blocks, 171u); // 170.07
-    uint64_t blocks = 0;
+    uint64_t blocks = made.blocks;
     ASSERT_TRUE(made.producer->prepare(blocks, medium));
     EXPECT_EQ(blocks, 171u);
     EXPECT_FALSE(made.producer->producesPreGap());
