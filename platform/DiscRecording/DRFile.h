@@ -68,7 +68,10 @@
                  length:(uint32_t)length
               atAddress:(uint64_t)address
               blockSize:(uint32_t)blockSize;
-/** Before bytes are asked for a second time, to be compared. NO fails the burn. */
+/**
+ * Before bytes are asked for a second time, from the start, to be compared with the disc: once, where the burn verifies and its
+ * track has DRVerificationTypeProduceAgain. Not for an empty file. NO fails the burn.
+ */
 - (BOOL)prepareFileForVerification:(DRFile*)file;
 /** After success and failure, once for each file that was prepared. */
 - (void)cleanupFileAfterBurn:(DRFile*)file;

@@ -68,6 +68,13 @@ class ObjectProducer final : public engine::FileProducer {
         return count;
     }
 
+    bool prepareAgain() override {
+        bool isPrepared = true;
+        if ([producer_ respondsToSelector:@selector(prepareFileForVerification:)])
+            call([&] { isPrepared = [producer_ prepareFileForVerification:file_]; });
+        return isPrepared;
+    }
+
     void cleanup() noexcept override {
         if (estimating_ || ![producer_ respondsToSelector:@selector(cleanupFileAfterBurn:)])
             return;

@@ -33,6 +33,8 @@ class FileProducer {
     /// Fills the front of `buffer` from `offset` and answers how many bytes; 0 means failure, as long as
     /// bytes are due. The engine asks on after a short answer. Exceptions count as failure.
     virtual size_t read(uint64_t offset, std::span<std::byte> buffer) = 0;
+    /// Before the data is asked for a second time; false fails the burn.
+    virtual bool prepareAgain() { return true; }
     /// After success and failure, once for each prepare(). Must not throw.
     virtual void cleanup() noexcept {}
 };

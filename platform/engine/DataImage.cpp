@@ -51,6 +51,18 @@ size_t DataImage::read(std::span<std::byte> buffer) {
     return filled;
 }
 
+std::optional<Difference> DataImage::compareAgain(std::span<const std::byte> bytes) {
+    const uint64_t first = compared_, end = first + bytes.size() / blockSize;
+    compared_ = end;
+    const auto offsetOf = [&](uint64_t block) {
+        return static_cast<size_t>((std::clamp(block, first, end) - first) * blockSize);
+    };
+    const size_t from = offsetOf(volumes_->contentsStart()), to = offsetOf(volumes_->contentsEnd());
+    auto difference = again_.compare(bytes.subspan(from, to - from));
+    if (difference) difference->byte += from;
+    return difference;
+}
+
 Result<void> checkVolumeName(std::string_view name) {
     const auto wrong = [&](const std::string& why) {
         return Error{ErrorCode::BadLayout, "The volume name " + inQuotes(name) + " " + why,

@@ -2,12 +2,14 @@
 #pragma once
 
 #include "Layout.hpp"
+#include "ProducedAgain.hpp"
 #include "Signal.hpp"
 #include "SourceList.hpp"
 
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -49,6 +51,10 @@ class DataImage {
     /// end of the image. Throws FileModifiedDuringBurn, DataProduction, Internal.
     size_t read(std::span<std::byte> buffer);
 
+    /// Compares what comes next of the image as it was read back, whole blocks, with what producers of files give when they are
+    /// asked again.
+    std::optional<Difference> compareAgain(std::span<const std::byte> bytes);
+
     /// What the first 32 blocks of the medium shall be, when the place wants them.
     const std::vector<std::byte>& start() const noexcept { return start_; }
 
@@ -63,9 +69,11 @@ class DataImage {
 
     SourceList sources_;
     SourceReader reader_{sources_};
+    ProducedAgain again_{sources_};
     std::unique_ptr<plan::Volumes> volumes_;
     std::vector<std::byte> start_;
     uint64_t position_ = 0; ///< blocks given so far
+    uint64_t compared_ = 0; ///< blocks
 };
 
 } // namespace engine

@@ -55,9 +55,10 @@ struct ProducedTrack {
 /// How a track is checked after a burn that verifies.
 enum class Verification : uint8_t {
     None,
-    Checksum,     ///< against sums that were kept while writing
-    ProduceAgain, ///< against what the producer gives when asked once more; a DataTrack takes Checksum instead
-    ReceiveData,  ///< the producer gets what was read; a DataTrack takes Checksum instead
+    Checksum, ///< against sums that were kept while writing
+    ProduceAgain, ///< against what the producer gives when asked once more; a DataTrack asks its files' producers, and takes
+    ///< Checksum for all else
+    ReceiveData, ///< the producer gets what was read; a DataTrack takes Checksum instead
 };
 
 /// The serial copy management state of an audio track.

@@ -40,6 +40,27 @@ void SourceList::setEmptyAside() {
     files.shrink_to_fit();
 }
 
+size_t askProducer(const SourceList& list, const SourceFile& file, uint64_t offset,
+                   std::span<std::byte> buffer) {
+    size_t count = 0;
+    std::string reason;
+    try {
+        count = file.producer->read(offset, buffer);
+    } catch (const std::exception& problem) {
+        reason = problem.what();
+    }
+    const std::string name = inQuotes(list.names.c_str() + file.nameAt);
+    if (count > buffer.size())
+        fail(ErrorCode::DataProduction,
+             "The producer of the file " + name + " says that it gave more than it was asked for.");
+    if (count == 0)
+        fail(ErrorCode::DataProduction,
+             "The producer of the file " + name + " gave " + std::to_string(offset) + " bytes of the " +
+                 std::to_string(file.fingerprint.size) + " that it had announced.",
+             reason);
+    return count;
+}
+
 size_t SourceReader::read(std::span<std::byte> buffer) {
     size_t filled = 0;
     while (filled < buffer.size() && next_ < list_.files.size()) {
@@ -97,25 +118,7 @@ size_t SourceReader::readSome(const SourceFile& file, std::span<std::byte> buffe
         std::memcpy(buffer.data(), file.data->data() + offset_, buffer.size());
         return buffer.size();
     }
-    if (file.producer != nullptr) {
-        size_t count = 0;
-        std::string reason;
-        try {
-            count = file.producer->read(offset_, buffer);
-        } catch (const std::exception& problem) {
-            reason = problem.what();
-        }
-        const std::string name = inQuotes(list_.names.c_str() + file.nameAt);
-        if (count > buffer.size())
-            fail(ErrorCode::DataProduction,
-                 "The producer of the file " + name + " says that it gave more than it was asked for.");
-        if (count == 0)
-            fail(ErrorCode::DataProduction,
-                 "The producer of the file " + name + " gave " + std::to_string(offset_) + " bytes of the " +
-                     std::to_string(file.fingerprint.size) + " that it had announced.",
-                 reason);
-        return count;
-    }
+    if (file.producer != nullptr) return askProducer(list_, file, offset_, buffer);
     while (true) {
         const ssize_t count = ::read(file_.get(), buffer.data(), buffer.size());
         if (count > 0) return static_cast<size_t>(count);

@@ -57,6 +57,11 @@ struct SourceList {
     void setEmptyAside();
 };
 
+/// Has the file's producer fill the front of `buffer` with what comes at `offset`; answers how many bytes, at least one. Throws
+/// DataProduction.
+size_t askProducer(const SourceList& list, const SourceFile& file, uint64_t offset,
+                   std::span<std::byte> buffer);
+
 /// Gives the contents of all files, each padded with zeros to whole blocks, in order and once. Throws
 /// FileModifiedDuringBurn and DataProduction, naming the file.
 class SourceReader {

@@ -13,8 +13,8 @@ namespace {
 
 class ImageSource final : public TrackSource {
   public:
-    ImageSource(std::shared_ptr<const Layout> layout, const DataTrack& track)
-        : layout_(std::move(layout)), track_(track) {}
+    ImageSource(std::shared_ptr<const Layout> layout, const DataTrack& track, Verification wanted)
+        : layout_(std::move(layout)), track_(track), asksAgain_(wanted == Verification::ProduceAgain) {}
 
     uint64_t prepare(const MediumInfo&, const ImagePlace& place, const Signal& signal) override {
         image_ = DataImage::plan(track_, signal, place);
@@ -27,13 +27,19 @@ class ImageSource final : public TrackSource {
         return count;
     }
     std::vector<std::byte> start() override { return image_->start(); }
+    // Folders and files from disk are not made twice: what was read and written has its sums. Producers of files are asked
+    // again beside them, and receive nothing.
     Verification verification(Verification wanted) const noexcept override {
         return wanted == Verification::None ? wanted : Verification::Checksum;
+    }
+    std::optional<Difference> compareAgain(std::span<const std::byte> bytes) override {
+        return asksAgain_ ? image_->compareAgain(bytes) : std::nullopt;
     }
 
   private:
     std::shared_ptr<const Layout> layout_;
     const DataTrack& track_;
+    bool asksAgain_;
     std::shared_ptr<DataImage> image_;
 };
 
@@ -181,7 +187,7 @@ class ProducerSource final : public TrackSource {
 std::shared_ptr<TrackSource> makeTrackSource(std::shared_ptr<const Layout> layout, const Track& track,
                                              const PlannedTrack& planned) {
     if (const auto* data = std::get_if<DataTrack>(&track.content))
-        return std::make_shared<ImageSource>(std::move(layout), *data);
+        return std::make_shared<ImageSource>(std::move(layout), *data, track.verification);
     return std::make_shared<ProducerSource>(std::move(layout), std::get<ProducedTrack>(track.content),
                                             planned);
 }

@@ -7,6 +7,7 @@
 #include "Signal.hpp"
 
 #include <memory>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -42,6 +43,12 @@ class TrackSource {
     virtual bool verify(uint64_t block, std::span<const std::byte> bytes) {
         (void)block, (void)bytes;
         return true;
+    }
+
+    /// Beside checksums: compares blocks that were read from the medium, in order, with what the source can give once more.
+    virtual std::optional<Difference> compareAgain(std::span<const std::byte> bytes) {
+        (void)bytes;
+        return std::nullopt;
     }
 
     /// After the burn, once, for a source that prepare() was called for.

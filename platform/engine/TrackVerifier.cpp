@@ -88,6 +88,11 @@ bool TrackVerifier::isRight(std::span<const std::byte> bytes) {
     case Verification::None:
         return true;
     case Verification::Checksum:
+        // First, for it knows whose bytes they are.
+        if (const auto difference = source_->compareAgain(bytes)) {
+            const uint64_t at = position_ + difference->byte;
+            differs(at, at, difference->how);
+        }
         return piece_ < checksums_.size() && XXH3_64bits(bytes.data(), bytes.size()) == checksums_[piece_];
     case Verification::ReceiveData:
         return source_->verify(position_ / blockBytes_, bytes);
