@@ -159,6 +159,16 @@ engine::Attributes attributesOf(DRFSObject* object, uint8_t mask) {
     return attributes;
 }
 
+// A folder that was made virtual is on the disc as the folder on disk would be, where its properties don't say otherwise.
+void keepSource(const struct stat& source, engine::Attributes& attributes) {
+    attributes.mode = attributes.mode.value_or(source.st_mode & 07777);
+    attributes.owner = attributes.owner.value_or(source.st_uid);
+    attributes.group = attributes.group.value_or(source.st_gid);
+    attributes.modified = attributes.modified.value_or(source.st_mtime);
+    attributes.accessed = attributes.accessed.value_or(source.st_atime);
+    attributes.changed = attributes.changed.value_or(source.st_ctime);
+}
+
 class ContentReader {
   public:
     ContentReader(DRFolder* root, const engine::DataTrack& track, bool estimating)
@@ -201,6 +211,9 @@ class ContentReader {
             return content;
         content->filesystems = mask;
         content->attributes = attributesOf(object, mask);
+        if ([object isKindOfClass:[DRFolder class]])
+            if (const struct stat* source = [static_cast<DRFolder*>(object) source])
+                keepSource(*source, content->attributes);
         if (hasMacExtensions_ && (mask & filesystem::iso9660) != 0 && [object isKindOfClass:[DRFile class]])
             content->attributes.isoMac = isoMacOf(object);
         if (depth > 0)

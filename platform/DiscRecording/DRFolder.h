@@ -14,6 +14,7 @@
 @interface DRFolder : DRFSObject {
   @private
     NSMutableArray* _children;    // nil while the folder is real
+    struct stat* _source;         // of the folder that this one was before makeVirtual
     struct DRFolderNames* _names; // of the children, as far as they were asked for
 }
 
@@ -29,7 +30,7 @@
 
 /**
  * Turns a real folder into a virtual one of the same name, with one real child for each item that is in it on
- * disk now. No effect on a virtual folder. Raises NSInternalInconsistencyException when the folder can't be
+ * disk now. Its mode, owner and dates stay those of the folder on disk, where its properties don't say otherwise. No effect on a virtual folder. Raises NSInternalInconsistencyException when the folder can't be
  * read; it stays real then.
  */
 - (void)makeVirtual;

@@ -26,12 +26,17 @@ struct Entry {
     bool isFolder;
 };
 
-// What a folder holds, in the order of the names' bytes so that equal folders make equal discs. The system's
+// What a folder is and holds, in the order of the names' bytes so that equal folders make equal discs. The system's
 // error number when it can't be read.
-int listFolder(const std::string& path, std::vector<Entry>& entries) {
+int listFolder(const std::string& path, struct stat& self, std::vector<Entry>& entries) {
     DIR* folder = ::opendir(path.c_str());
     if (folder == nullptr)
         return errno;
+    if (::fstat(::dirfd(folder), &self) != 0) {
+        const int error = errno;
+        ::closedir(folder);
+        return error;
+    }
     for (;;) {
         errno = 0;
         const dirent* entry = ::readdir(folder);
@@ -141,6 +146,7 @@ void endChildren(NSMutableArray* children) {
     }
     endChildren(_children);
     delete _names;
+    delete _source;
     [super dealloc];
 }
 
@@ -149,7 +155,8 @@ void endChildren(NSMutableArray* children) {
         return;
     std::vector<Entry> entries;
     const std::string path = pathnames::bytesOf([self sourcePath]);
-    const int error = listFolder(path, entries);
+    struct stat source {};
+    const int error = listFolder(path, source, entries);
     if (error != 0) {
         NSString* reason = [NSString
             stringWithFormat:@"The folder \"%@\" can't be made virtual, because it can't be read: %s.",
@@ -165,6 +172,7 @@ void endChildren(NSMutableArray* children) {
         [_children addObject:child];
         [child release];
     }
+    _source = new struct stat(source);
     [self forgetSource];
 }
 
@@ -221,6 +229,10 @@ void endChildren(NSMutableArray* children) {
 @end
 
 @implementation DRFolder (Private)
+
+- (const struct stat*)source {
+    return _source;
+}
 
 - (void)childNamesChanged {
     delete _names;

@@ -134,10 +134,17 @@ class Examples(ExamplesCase):
         for name in ("src/main.c", "src/main.o", "src/notes.old.txt", ".git/config", "empty.txt"):
             self.write(name, b"" if name == "empty.txt" else name.encode())
         os.symlink("src/main.c", os.path.join(self.source, "way"))
+        folder = os.path.join(self.source, "src")
+        os.chmod(folder, 0o2750)
+        os.utime(folder, (1000000000, 1000000000))
         words = ("--exclude=*.o", "--exclude=.git", "--exclude=n*.old.*t", self.source)
         said = self.succeed("backup.bas", *words).splitlines()
         self.assertRegex(said[0], r'^Backed up 4 files, \d+ bytes, as "\d{4}-\d\d-\d\d \d\d\.\d\d\.\d\d"\.$')
         self.assertEqual(said[1], "Left out: 3")
+        listed = subprocess.run(["bsdtar", "-tvf", self.image()], capture_output=True, text=True, check=True,
+                                env=dict(os.environ, TZ="UTC", LC_ALL="C.UTF-8")).stdout.splitlines()
+        line = next(line for line in listed if line.rstrip("/").endswith("/Holiday/src"))
+        self.assertRegex(line, r"^drwxr-s--- .* Sep +9 +2001 ")  # as the folder itself, not what a made one has
         self.write("src/main.c", b"changed")
         time.sleep(1.1)  # a copy is named after its second
         self.succeed("backup.bas", *words)

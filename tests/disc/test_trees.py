@@ -100,6 +100,36 @@ class Trees(ExamplesCase):
                 "Print problem.Value(DRBurnQRX.DRErrorStatusErrorStringKey)", "End If", ""]))
         return self.succeed(program).splitlines()
 
+    def test_a_folder_made_virtual_is_on_the_disc_as_it_is_on_disk(self):
+        inner = os.path.join(self.source, "inner")
+        said = os.path.join(inner, "said")
+        os.makedirs(said)
+        for mode, seconds, folder in ((0o750, 1100000000, said), (0o700, 1000000000, inner),
+                                      (0o1711, 1050000000, self.source)):
+            os.chmod(folder, mode)
+            os.utime(folder, (seconds + 5, seconds))
+        self.assertEqual(self.burn_tree([
+            f'Dim holiday As DRFolderQRX = DRFolderQRX.folderWithPath("{self.source}")', "root.addChild(holiday)",
+            "holiday.makeVirtual", "root.explicitFilesystemMask = 13", "Dim inner As DRFolderQRX",
+            "For Each child As DRFSObjectQRX In holiday.children", "If child IsA DRFolderQRX Then inner = DRFolderQRX(child)",
+            "Next", "inner.makeVirtual", "Dim said As DRFSObjectQRX = inner.children(0)", "DRFolderQRX(said).makeVirtual",
+            "said.setProperty(&o755, DRFSObjectQRX.DRPosixFileMode, DRFSObjectQRX.DRAllFilesystems)"]), ["DRStatusStateDone"])
+        done = subprocess.run(["bsdtar", "-tvf", self.image()], capture_output=True, text=True, check=True,
+                              env=dict(os.environ, TZ="UTC", LC_ALL="C.UTF-8"))
+        owner = os.stat(inner)
+        found = {words[8].rstrip("/"): words for words in (line.split(None, 8) for line in done.stdout.splitlines())}
+        for name, mode, day in (("Holiday", "drwx--x--t", "Apr 10 2003"), ("Holiday/inner", "drwx------", "Sep 9 2001"),
+                                ("Holiday/inner/said", "drwxr-xr-x", "Nov 9 2004")):
+            words = found["./" + name] if "./" + name in found else found[name]
+            self.assertEqual((words[0], " ".join(words[5:8])), (mode, day), name)
+            self.assertEqual(words[2:4], [str(owner.st_uid), str(owner.st_gid)])
+        iso = pycdlib.PyCdlib()
+        iso.open(self.image())
+        record = iso.get_record(udf_path="/Holiday/inner")
+        self.assertEqual(record.perms, 0b11111 << 10)
+        self.assertEqual((record.access_time.year, record.access_time.second, record.mod_time.second), (2001, 45, 40))
+        iso.close()
+
     # ---- one file system and another --------------------------------------------------------------------------
 
     def test_an_item_that_is_in_one_file_system_only_is_in_no_other(self):
