@@ -1,6 +1,7 @@
 // ContentReader: turns a tree of files and folders into the content that the engine burns.
 #include "ContentReader.hpp"
 
+#import "DRFSObjectPrivate.h"
 #import "DRFilePrivate.h"
 #import "DRFolderPrivate.h"
 #include "Elements.hpp"
@@ -186,6 +187,7 @@ class ContentReader {
         auto content = contentOf(root_, composedBytes([root_ baseName]), filesystems, 0);
         if (!content.ok())
             return content.error();
+        content->names = volumeNames();
         for (const Link& link : links_)
             if (const auto done = finish(link, *content); !done.ok())
                 return done.error();
@@ -245,7 +247,8 @@ class ContentReader {
             }
             masks_[child] = childMask;
             members.push_back(child);
-            siblings.push_back({unitsOf([child baseName]), bool([child isKindOfClass:[DRFolder class]])});
+            const bool isFolder = [child isKindOfClass:[DRFolder class]];
+            siblings.push_back({rockRidgeName(unitsOf([child baseName]), isFolder), isFolder});
         }
         const std::vector<std::u16string> names = mangledNames(NameRule::RockRidge, siblings);
         std::vector<Content> children;
@@ -379,6 +382,16 @@ class ContentReader {
         if (names.joliet.empty() && names.udf.empty() && names.hfsPlus.empty() && names.iso.empty())
             return nullptr;
         return std::make_shared<const engine::FilesystemNames>(std::move(names));
+    }
+
+    // The root's names are the volume's: those that were set, else the base name as it is.
+    std::shared_ptr<const engine::FilesystemNames> volumeNames() const {
+        const auto given = [this](NSString* filesystemName) {
+            NSString* name = [root_ ownNameForFilesystem:filesystemName];
+            return name == nil ? std::string() : composedBytes(name);
+        };
+        return std::make_shared<const engine::FilesystemNames>(
+            engine::FilesystemNames{given(DRJoliet), given(DRUDF), given(DRHFSPlus), given(isoNames_)});
     }
 
     static std::u16string unitsOf(NSString* text) { return pathnames::decode(composedBytes(text)); }

@@ -92,6 +92,10 @@ static NSString* LastPart(NSString* path) {
     _sourcePath = nil;
 }
 
+- (NSString*)ownNameForFilesystem:(NSString*)filesystem {
+    return [_specificNames objectForKey:filesystem];
+}
+
 - (void)forgetSpecificNames {
     [_specificNames release];
     _specificNames = nil;

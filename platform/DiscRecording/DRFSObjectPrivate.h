@@ -12,6 +12,8 @@
 - (void)setParent:(DRFolder*)parent;
 /** Turns a real object into a virtual one of the same name. */
 - (void)forgetSource;
+/** The specific name that was set; nil where none was. */
+- (NSString*)ownNameForFilesystem:(NSString*)filesystem;
 /** Takes all specific names away. */
 - (void)forgetSpecificNames;
 /** The names in the parent's listing are no longer what they were. */

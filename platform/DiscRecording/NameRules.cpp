@@ -8,6 +8,8 @@
 namespace discrecording {
 namespace {
 
+constexpr size_t rockRidgeLimit = 255; // bytes
+
 struct Parts {
     std::u16string stem;
     std::u16string extension; // without the "."
@@ -37,6 +39,26 @@ bool isControl(char16_t unit) { return unit < 0x20 || (unit >= 0x7F && unit < 0x
 
 // Stands for a byte of a name on disk that is no text. Rock Ridge holds the byte itself.
 bool isNoText(char16_t unit) { return unit >= 0xEF80 && unit <= 0xEFFF; }
+
+// Of UTF-8: a character of two units has four, one half each. A byte that is no text is itself.
+size_t bytesOf(char16_t unit) {
+    const bool isHalf = unit >= 0xD800 && unit < 0xE000;
+    return unit < 0x80 || isNoText(unit) ? 1 : unit < 0x800 || isHalf ? 2 : 3;
+}
+
+size_t bytesOf(std::u16string_view text) {
+    size_t bytes = 0;
+    for (const char16_t unit : text)
+        bytes += bytesOf(unit);
+    return bytes;
+}
+
+std::u16string cutToBytes(std::u16string text, size_t limit) {
+    size_t bytes = 0, units = 0;
+    while (units < text.size() && bytes + bytesOf(text[units]) <= limit)
+        bytes += bytesOf(text[units++]);
+    return cut(std::move(text), units);
+}
 
 char16_t upper(char16_t unit) {
     return unit >= u'a' && unit <= u'z' ? static_cast<char16_t>(unit - u'a' + u'A') : unit;
@@ -87,9 +109,9 @@ size_t limitOf(NameRule rule, const Parts& parts) {
     case NameRule::Joliet:
         return 64;
     case NameRule::HFSPlus:
-    case NameRule::RockRidge:
         return 255;
     case NameRule::UDF:
+    case NameRule::RockRidge: // counts bytes and is cut by them
         break;
     }
     const std::u16string whole = parts.stem + parts.extension;
@@ -98,6 +120,12 @@ size_t limitOf(NameRule rule, const Parts& parts) {
 
 // Cut to the limit with `reserved` units left for a suffix.
 Parts fitting(NameRule rule, Parts parts, size_t reserved) {
+    if (rule == NameRule::RockRidge) {
+        parts.extension = cutToBytes(std::move(parts.extension), rockRidgeLimit - 2 - reserved);
+        const size_t behind = parts.extension.empty() ? 0 : bytesOf(parts.extension) + 1;
+        parts.stem = cutToBytes(std::move(parts.stem), rockRidgeLimit - behind - reserved);
+        return parts;
+    }
     const size_t limit = limitOf(rule, parts);
     if (rule == NameRule::ISOLevelOne) {
         parts.extension = cut(std::move(parts.extension), 3);
@@ -233,6 +261,10 @@ std::u16string legalName(NameRule rule, std::u16string_view name, bool isFolder)
     if (parts.extension.empty() && (parts.stem == u"." || parts.stem == u".."))
         std::replace(parts.stem.begin(), parts.stem.end(), u'.', u'_');
     return joined(fitting(rule, std::move(parts), 0));
+}
+
+std::u16string rockRidgeName(std::u16string_view name, bool isFolder) {
+    return joined(fitting(NameRule::RockRidge, split(name, isFolder), 0));
 }
 
 std::vector<std::u16string> mangledNames(NameRule rule, const std::vector<Sibling>& siblings) {

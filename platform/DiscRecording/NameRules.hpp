@@ -26,8 +26,11 @@ inline constexpr size_t nameRules = 5; ///< of file systems
 ///   Joliet    64 UTF-16 units, one "."
 ///   HFS+      255 UTF-16 units; "/" becomes ":", as the two are each other's on that system
 ///   UDF       what 254 bytes hold; "/" becomes "_"
-///   Rock Ridge   whatever it is: the engine refuses what can't be
+///   Rock Ridge   whatever it is, see below
 std::u16string legalName(NameRule rule, std::u16string_view name, bool isFolder);
+
+/// Any name, cut to 255 bytes of UTF-8 with its extension kept. What no item can be called is left to be refused.
+std::u16string rockRidgeName(std::u16string_view name, bool isFolder);
 
 struct Sibling {
     std::u16string name; ///< legal

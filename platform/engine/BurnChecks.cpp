@@ -3,6 +3,7 @@
 #include "CDText.hpp"
 #include "Failure.hpp"
 #include "RecordingCode.hpp"
+#include "VolumeSettings.hpp"
 
 #include <algorithm>
 
@@ -46,7 +47,7 @@ PlannedTrack planned(const Track& track, uint32_t number) {
         plan.preGapIsProduced =
             track.preGapBlocks && *track.preGapBlocks > 0 && produced->producer->producesPreGap();
     } else {
-        info.volumeName = std::get<DataTrack>(track.content).root.name;
+        info.volumeName = nameOfVolume(std::get<DataTrack>(track.content), filesystem::iso9660);
     }
     plan.preGapIsRequired = track.preGapIsRequired;
     info.isrc = track.isrc;

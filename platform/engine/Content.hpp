@@ -81,7 +81,7 @@ struct FinderAlias {
     uint64_t identity;
 };
 
-/// Names that an item has in single file systems; an empty one is made of the item's name.
+/// Names that an item has in single file systems; an empty one is made of the item's name. The root's are the volume's.
 struct FilesystemNames {
     std::string joliet, udf, hfsPlus, iso = {};
 };

@@ -16,6 +16,16 @@ uint8_t writtenFilesystems(const DataTrack& track) {
     return track.filesystems | filesystem::iso9660;
 }
 
+const std::string& nameOfVolume(const DataTrack& track, uint8_t filesystem) {
+    const Content& root = track.root;
+    if (!root.names) return root.name;
+    const std::string& own = filesystem == filesystem::iso9660  ? root.names->iso
+                             : filesystem == filesystem::joliet ? root.names->joliet
+                             : filesystem == filesystem::udf    ? root.names->udf
+                                                                : root.names->hfsPlus;
+    return own.empty() ? root.name : own;
+}
+
 iso::VolumeSettings isoSettings(const DataTrack& track, uint32_t start, std::time_t now) {
     iso::VolumeSettings settings;
     settings.rules.level = track.isoLevel;
@@ -23,7 +33,8 @@ iso::VolumeSettings isoSettings(const DataTrack& track, uint32_t start, std::tim
     // Deliberate: the standard wants A to Z, 0 to 9 and _ in all levels; spaces and punctuation are what a program is told
     // that names of level 2 have, and what readers have long taken.
     settings.rules.anyCharacter = track.isoLevel > 1;
-    settings.volumeName = track.root.name;
+    settings.volumeName = nameOfVolume(track, filesystem::iso9660);
+    settings.jolietName = nameOfVolume(track, filesystem::joliet);
     settings.volumeSet = track.volumeSet.empty() ? track.root.name : track.volumeSet;
     settings.publisher = track.publisher;
     settings.dataPreparer = track.dataPreparer;
@@ -44,7 +55,7 @@ iso::VolumeSettings isoSettings(const DataTrack& track, uint32_t start, std::tim
 udf::VolumeSettings udfSettings(const DataTrack& track, uint32_t start, std::time_t now) {
     udf::VolumeSettings settings;
     settings.revision = track.udfRevision;
-    settings.volumeName = track.root.name;
+    settings.volumeName = nameOfVolume(track, filesystem::udf);
     settings.volumeSetName = track.volumeSet;
     settings.recorded = now;
     settings.sessionStart = start;
@@ -53,7 +64,7 @@ udf::VolumeSettings udfSettings(const DataTrack& track, uint32_t start, std::tim
 
 hfsplus::VolumeSettings hfsPlusSettings(const DataTrack& track, std::time_t now) {
     hfsplus::VolumeSettings settings;
-    settings.volumeName = track.root.name;
+    settings.volumeName = nameOfVolume(track, filesystem::hfsPlus);
     settings.created = track.created.value_or(track.defaultDate.value_or(now));
     settings.checked = track.checked ? track.checked : track.defaultDate;
     std::tm local{};

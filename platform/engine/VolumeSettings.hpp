@@ -14,6 +14,9 @@ namespace engine {
 /// can't be written, BadLayout for an ISO level that there is none of.
 uint8_t writtenFilesystems(const DataTrack& track);
 
+/// The volume's name in one of them.
+const std::string& nameOfVolume(const DataTrack& track, uint8_t filesystem);
+
 /// For a session that begins at `start`; `now` is when it is recorded.
 iso::VolumeSettings isoSettings(const DataTrack& track, uint32_t start, std::time_t now);
 udf::VolumeSettings udfSettings(const DataTrack& track, uint32_t start, std::time_t now);

@@ -6,6 +6,8 @@ import re
 import unittest
 import unittest.mock
 
+import pycdlib
+
 import jury
 from examples_case import ExamplesCase
 
@@ -33,6 +35,50 @@ class Properties(ExamplesCase):
         text = "\n".join(['Dim root As DRFolderQRX = DRFolderQRX.virtualFolderWithName("Disc")',
                           f"root.explicitFilesystemMask = {mask}", *lines]) + BURN
         return self.succeed(self.write("program.bas", text.encode(), self.scratch)).splitlines()
+
+    # ---- names --------------------------------------------------------------------------------------------------
+
+    def test_long_names_are_cut_where_a_file_system_wants_it(self):
+        names = ["漢" * 255, "漢" * 254 + "字", "漢" * 250 + ".text", "x" * 300, "Ä" * 126 + ".jpeg", "💿" * 127]
+        rock_ridge = ["漢" * 85, "漢" * 83 + "_001", "漢" * 83 + ".text", "x" * 255, "Ä" * 125 + ".jpeg", "💿" * 63]
+        joliet = ["漢" * 64, "漢" * 60 + "_001", "漢" * 59 + ".text", "x" * 64, "Ä" * 59 + ".jpeg", "💿" * 32]
+        udf = ["漢" * 126, "漢" * 122 + "_001", "漢" * 121 + ".text", "x" * 253, "Ä" * 126 + ".jpeg", "💿" * 63]
+        hfs = ["漢" * 255, "漢" * 254 + "字", "漢" * 250 + ".text", "x" * 255, "Ä" * 125 + ".jpeg", "💿" * 127]
+        lines = ["Dim item As DRFileQRX", "Dim bytes As New MemoryBlock(1)"]
+        for number, name in enumerate(names):
+            lines += [f'bytes.StringValue(0, 1) = "{number}"', f'item = DRFileQRX.virtualFileWithName("{name}", bytes)',
+                      "root.addChild(item)"]
+        for system in ("DRJoliet", "DRUDF", "DRHFSPlus"):
+            lines += [f"For Each item In root.children", f"Print item.mangledNameForFilesystem(DRFSObjectQRX.{system})", "Next"]
+        said = self.burn(*lines)
+        self.assertEqual([jury.composed(name) for name in said], joliet + udf + hfs + ["DRStatusStateDone"])
+        for wanted, found in ((rock_ridge, jury.rr_bsdtar), (rock_ridge, jury.rr_pycdlib), (joliet, jury.joliet_pycdlib),
+                              (udf, jury.udf_pycdlib)):
+            self.assertEqual(self.bytes_of(found(self.image())),
+                             {name: str(number).encode() for number, name in enumerate(wanted)}, found)
+        self.assertEqual(sorted(jury.hfs_fls(self.image())), sorted(hfs))
+
+    def volume_names(self):
+        disc = pycdlib.PyCdlib()
+        disc.open(self.image())
+        iso = disc.pvd.volume_identifier.decode().rstrip(" ")
+        joliet = disc.joliet_vd.volume_identifier.decode("utf-16-be").rstrip(" ")
+        disc.close()
+        udf = re.search("^label=(.*)$", jury.run("udfinfo", "--utf8", self.image()).decode(), re.M)[1]
+        listed = jury.run("7zz", "l", "-slt", "-thfs", self.image(), status=1).decode()
+        hfs = [line[7:] for line in listed.splitlines() if line.startswith("Path = ") and line[7:] != self.image()]
+        return iso, joliet, udf, jury.composed(hfs[0].partition("/")[0])
+
+    def test_the_roots_names_are_the_volumes(self):
+        names = {"DRISO9660LevelTwo": "as-iso", "DRJoliet": "In Jolïet", "DRUDF": "漢字 in UDF", "DRHFSPlus": "On a Mäc"}
+        lines = [f'root.specificNameForFilesystem(DRFSObjectQRX.{system}) = "{name}"' for system, name in names.items()]
+        inside = 'root.addChild(DRFileQRX.virtualFileWithName("f", Nil))'
+        self.assertEqual(self.burn(inside, *lines), ["DRStatusStateDone"])
+        self.assertEqual(self.volume_names(), ("AS-ISO", "In Jolïet", "漢字 in UDF", "On a Mäc"))
+        self.assertEqual(self.medium()["sessions"][0]["tracks"][0]["volumeName"], "AS-ISO")
+        self.fresh()
+        self.assertEqual(self.burn(inside, lines[1]), ["DRStatusStateDone"])
+        self.assertEqual(self.volume_names(), ("Disc", "In Jolïet", "Disc", "Disc"), "the others are the base name as it is")
 
     # ---- the time zone ----------------------------------------------------------------------------------------
 

@@ -80,6 +80,23 @@ TEST(NameRules, LengthsAndTheExtensionThatIsKept) {
     EXPECT_EQ(file(Joliet, std::u16string(63, u'x') + u"\U0001F4BF").size(), 63u);
 }
 
+TEST(NameRules, RockRidgeCountsBytes) {
+    EXPECT_EQ(rockRidgeName(std::u16string(300, u'x') + u".jpeg", false),
+              std::u16string(250, u'x') + u".jpeg");
+    EXPECT_EQ(rockRidgeName(std::u16string(300, u'x') + u".jpeg", true), std::u16string(255, u'x'));
+    EXPECT_EQ(rockRidgeName(std::u16string(100, u'\u65E5'), false).size(), 85u);
+    EXPECT_EQ(rockRidgeName(std::u16string(300, u'\uEFFF'), false).size(), 255u) << "single bytes";
+    std::u16string discs;
+    for (int i = 0; i < 100; ++i)
+        discs += u"\U0001F4BF";
+    EXPECT_EQ(rockRidgeName(discs, false).size(), 2u * 63);
+    for (const auto whole : {u"", u"..", u"a.", u".b", u"a\u0001/"})
+        EXPECT_EQ(rockRidgeName(whole, false), whole);
+    const auto names = mangledNames(
+        RockRidge, {{std::u16string(85, u'\u65E5'), false}, {std::u16string(85, u'\u65E5'), false}});
+    EXPECT_EQ(names[1], std::u16string(83, u'\u65E5') + u"_001");
+}
+
 std::vector<Sibling> siblings(size_t count, std::u16string_view name) {
     return std::vector<Sibling>(count, Sibling{std::u16string(name), false});
 }

@@ -94,6 +94,7 @@ struct VolumeSettings {
     Rules rules;
     /// UTF-8. Kept as far as the fields go: cut between characters.
     std::string volumeName, volumeSet, publisher, dataPreparer, application, system;
+    std::string jolietName; ///< the volume's in Joliet; empty: the same
     /// Names of files in the root.
     std::string copyrightFile, abstractFile, bibliographicFile;
     std::time_t recorded = 0; ///< of what has no time of its own

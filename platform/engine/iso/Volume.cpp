@@ -64,7 +64,7 @@ void Volume::descriptor(const Hierarchy& hierarchy, bool wide, std::span<std::by
     const int8_t zone = settings_.zone;
     fields.u8(wide ? supplementary : primary).raw("CD001").u8(1).u8(0);
     text(32, settings_.system);
-    text(32, settings_.volumeName);
+    text(32, wide && !settings_.jolietName.empty() ? settings_.jolietName : settings_.volumeName);
     fields.skip(8).both32(settings_.sessionStart + totalBlocks_);
     fields.raw(wide ? "%/E" : "").skip(wide ? 32 - 3 : 32); // UCS-2 level 3
     fields.both16(1).both16(1).both16(blockBytes).both32(hierarchy.pathTableBytes());

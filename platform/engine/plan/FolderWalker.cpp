@@ -44,13 +44,14 @@ std::string withoutSlash(std::string path) {
 
 } // namespace
 
-void checkName(std::string_view name) {
+void checkName(std::string_view name, size_t mostBytes) {
     if (name.empty() || name == "." || name == ".." ||
         name.find_first_of(std::string_view("/\0", 2)) != std::string_view::npos)
         fail(ErrorCode::FileLocationConflict, inQuotes(name) + " can't be the name of a file or folder.");
-    if (name.size() > 255)
-        fail(ErrorCode::FileLocationConflict,
-             "The name " + inQuotes(name) + " is longer than 255 bytes; give it a shorter one.");
+    if (name.size() > mostBytes)
+        fail(ErrorCode::FileLocationConflict, "The name " + inQuotes(name) + " is longer than " +
+                                                  std::to_string(mostBytes) +
+                                                  " bytes; give it a shorter one.");
 }
 
 void FolderWalker::describe(Node& node, const struct stat& status) {

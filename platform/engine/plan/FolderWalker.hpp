@@ -15,8 +15,8 @@
 
 namespace engine::plan {
 
-/// Throws FileLocationConflict unless an item can have that name.
-void checkName(std::string_view name);
+/// Throws FileLocationConflict unless an item can have that name: Rock Ridge's have 255 bytes.
+void checkName(std::string_view name, size_t mostBytes = 255);
 
 class FolderWalker {
   public:

@@ -106,7 +106,8 @@ class TreeBuilder {
         names.own = {item.names->iso, item.names->joliet, item.names->udf, item.names->hfsPlus};
         for (size_t i = 0; i < names.own.size(); ++i) {
             if ((filesystems >> i & 1) == 0) names.own[i] = {};
-            if (!names.own[i].empty()) checkName(names.own[i]);
+            // Cut where the file system has no room for it, HFS+ after 255 units.
+            if (!names.own[i].empty()) checkName(names.own[i], UINT16_MAX);
         }
         return names;
     }
