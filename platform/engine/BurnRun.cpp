@@ -5,6 +5,7 @@
 #include "Failure.hpp"
 #include "MediumBlocks.hpp"
 #include "Pipeline.hpp"
+#include "sectors/SectorCoding.hpp"
 
 #include <algorithm>
 #include <numeric>
@@ -179,7 +180,7 @@ void BurnRun::writeTrack(BurnTarget& target, Item& item) {
     if (auto start = item.source->start(); !start.empty()) target.writeStart(std::move(start));
     // A track that ends early makes room only when nothing follows it: the rest has its addresses already.
     if (written < total && !plan_.isLast(item.session, item.track)) {
-        fillUp(target, track, total - written, *sum);
+        fillUp(target, track, written / blockBytes, *sum);
         written = total;
     }
     status_.bytesTotal = written;
@@ -205,21 +206,24 @@ void BurnRun::writePreGap(BurnTarget& target, const Item& item) {
                                             " ended before the track's pre-gap was full.");
 }
 
-void BurnRun::fillUp(BurnTarget& target, const PlannedTrack& track, uint64_t bytes, TrackSum& sum) const {
-    const size_t most = wholeBlocks(track.blockBytes(), pieceBytes);
-    struct Free {
-        void operator()(std::byte* memory) const noexcept { std::free(memory); }
-    };
-    const std::unique_ptr<std::byte, Free> zeros(
+// The blocks of a track from that one on are empty ones.
+void BurnRun::fillUp(BurnTarget& target, const PlannedTrack& track, uint64_t from, TrackSum& sum) const {
+    const size_t blockBytes = track.blockBytes();
+    const size_t most = wholeBlocks(blockBytes, pieceBytes) / blockBytes;
+    const std::unique_ptr<std::byte, Piece::Free> memory(
         static_cast<std::byte*>(std::aligned_alloc(4096, pieceBytes)));
-    if (!zeros) throw std::bad_alloc();
-    while (bytes > 0) {
+    if (!memory) throw std::bad_alloc();
+    while (from < track.info.blocks) {
         signal_->check();
-        const auto count = static_cast<size_t>(std::min<uint64_t>(bytes, most));
-        std::fill_n(zeros.get(), count, std::byte{}); // a target may change what it is given
-        sum.add({zeros.get(), count});
-        target.write({zeros.get(), count});
-        bytes -= count;
+        const auto count = static_cast<size_t>(std::min<uint64_t>(track.info.blocks - from, most));
+        const std::span blocks(memory.get(), count * blockBytes);
+        std::fill(blocks.begin(), blocks.end(), std::byte{}); // a target may change what it is given
+        for (size_t each = 0; each < count; ++each)
+            makeEmptyBlock(track.info.form, static_cast<int64_t>(track.info.startBlock + from + each),
+                           blocks.subspan(each * blockBytes, bytesPerBlock(track.info.form)));
+        sum.add(blocks);
+        target.write(blocks);
+        from += count;
     }
 }
 

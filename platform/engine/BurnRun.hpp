@@ -45,7 +45,7 @@ class BurnRun {
     void writeSessions(BurnTarget& target);
     void writeTrack(BurnTarget& target, Item& item);
     void writePreGap(BurnTarget& target, const Item& item);
-    void fillUp(BurnTarget& target, const PlannedTrack& track, uint64_t bytes, TrackSum& sum) const;
+    void fillUp(BurnTarget& target, const PlannedTrack& track, uint64_t from, TrackSum& sum) const;
     void verify(BurnTarget& target);
     void verifyTrack(const Item& item, TrackVerifier& verifier, uint64_t before, BurnTarget& target);
     void enter(BurnState state, uint64_t bytesTotal = 0);

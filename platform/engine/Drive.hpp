@@ -217,7 +217,8 @@ using DriveRef = std::shared_ptr<Drive>;
 
 /// The drives attached now, in the order of their ids; the same object for the same drive at every call. When
 /// no drive is configured and none attached, one is made with a blank DVD+RW (see README.md for where, and for how
-/// to have none); a physical drive that another program uses is left out until it is free. An error is an unusable drives folder (DeviceAccess); single broken drives are left out.
+/// to have none); a physical drive that another program uses is left out until it is free. An error is an unusable
+/// drives folder (DeviceAccess); single broken drives are left out.
 Result<std::vector<DriveRef>> drives();
 
 } // namespace engine

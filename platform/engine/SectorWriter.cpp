@@ -40,13 +40,12 @@ void SectorWriter::fill(uint64_t blocks) {
     std::vector<std::byte> empty;
     while (blocks > 0) {
         const auto count = static_cast<size_t>(std::min<uint64_t>(blocks, sectorsAtOnce));
-        // Whole sectors that nobody produced are empty ones of their mode.
-        const BlockForm form = form_;
-        if (form == BlockForm::RawMode1) form_ = BlockForm::Data;
-        if (form == BlockForm::RawMode2) form_ = BlockForm::Mode2;
-        empty.assign(count * bytesPerBlock(form_), std::byte{});
+        const size_t bytes = bytesPerBlock(form_);
+        empty.resize(count * bytes);
+        for (size_t each = 0; each < count; ++each)
+            makeEmptyBlock(form_, address_ + static_cast<int64_t>(each),
+                           std::span(empty).subspan(each * bytes, bytes));
         write(empty);
-        form_ = form;
         blocks -= count;
     }
 }

@@ -149,6 +149,18 @@ void encodeSector(BlockForm form, int64_t address, std::span<const std::byte> us
     }
 }
 
+void makeEmptyBlock(BlockForm form, int64_t address, std::span<std::byte> block) noexcept {
+    constexpr std::array<std::byte, sectorBytes> zeros{};
+    if (!isRaw(form)) {
+        std::memset(block.data(), 0, block.size());
+        return;
+    }
+    // Mode 2 without a form: its zeros are right as an empty sector of form 1, too, codes included.
+    const BlockForm content = form == BlockForm::RawMode1 ? BlockForm::Data : BlockForm::Mode2;
+    encodeSector(content, address, std::span(zeros).first(bytesPerBlock(content)),
+                 block.first<sectorBytes>());
+}
+
 void clearPadding(BlockForm form, std::span<std::byte> blocks) noexcept {
     if (form != BlockForm::Mixed) return;
     constexpr size_t blockBytes = bytesPerBlock(BlockForm::Mixed), padding = form1CodeAt - subheaderAt;

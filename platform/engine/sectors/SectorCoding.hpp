@@ -15,6 +15,9 @@ namespace engine {
 void encodeSector(BlockForm form, int64_t address, std::span<const std::byte> user,
                   std::span<std::byte, sectorBytes> sector) noexcept;
 
+/// A block that nobody produced: zeros, and in a whole sector all that an empty one of its mode has at that address.
+void makeEmptyBlock(BlockForm form, int64_t address, std::span<std::byte> block) noexcept;
+
 /// Where the user data of a block begins in its sector.
 size_t userDataOffset(BlockForm form) noexcept;
 
