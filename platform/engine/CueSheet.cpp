@@ -79,6 +79,13 @@ const char* modeOf(const TrackInfo& track, bool isSectors) {
     }
 }
 
+// What the mode does not say: this engine's reader takes such a remark back, so that a copy's blocks are what the
+// original's were.
+std::string remarkOf(BlockForm form) {
+    if (form == BlockForm::Audio || form == BlockForm::Data || form == BlockForm::Mode2) return {};
+    return "    REM BLOCK-FORM " + std::string(nameOf(form)) + '\n';
+}
+
 std::string flagsOf(const TrackInfo& track) {
     std::string flags;
     if (track.copyPermitted) flags += " DCP";
@@ -95,6 +102,7 @@ void addTrack(std::string& sheet, const TrackInfo& track, bool isFirst, bool isS
     const uint64_t unkept = isFirst ? std::min(unkeptPreGap, track.preGapBlocks) : 0;
     const uint64_t preGap = isSectors ? track.preGapBlocks - unkept : 0;
     sheet += "  TRACK " + twoDigits(track.number) + ' ' + modeOf(track, isSectors) + '\n';
+    sheet += remarkOf(track.form);
     addTexts(sheet, texts, track.number, "    ");
     if (const std::string flags = flagsOf(track); !flags.empty()) sheet += "    FLAGS" + flags + '\n';
     if (!track.isrc.empty()) sheet += "    ISRC " + track.isrc + '\n';

@@ -168,6 +168,7 @@ class CueDisc {
         Units units{mode.unitBytes, mode.userAt, user};
         units.isMode1 = mode.form == BlockForm::Data;
         units.isMode2 = !units.isMode1;
+        if (units.isMode2 && mode.form != BlockForm::Mode2) units.form = mode.form;
         return partsOfFile(file.path, place.at, sectors, units);
     }
 

@@ -21,6 +21,13 @@ constexpr CueMode modes[] = {
     {"MODE2/2324", 2324, BlockForm::Mode2Form2, 0},
     {"MODE2/2336", 2336, BlockForm::Mode2, 0},
     {"MODE2/2352", 2352, BlockForm::Mode2, 16},
+    // Told by a remark that this engine writes; without one it is the first of that name.
+    {"MODE1/2352", 2352, BlockForm::RawMode1, 0},
+    {"MODE2/2352", 2352, BlockForm::Mode2Form1, 24},
+    {"MODE2/2352", 2352, BlockForm::Mode2Form2, 24},
+    {"MODE2/2352", 2352, BlockForm::XA, 16},
+    {"MODE2/2352", 2352, BlockForm::Mixed, 16},
+    {"MODE2/2352", 2352, BlockForm::RawMode2, 0},
     {"CDI/2336", 2336, BlockForm::Mode2, 0, SessionFormat::CDI},
     {"CDI/2352", 2352, BlockForm::Mode2, 16, SessionFormat::CDI},
 };
@@ -100,11 +107,23 @@ class CueParser {
         if (std::string format; word == "SESSION-FORMAT" && words >> format && format == "CD-I")
             format_ = SessionFormat::CDI;
         if (word == "LEAD-OUT") return takeLeadOut(words);
+        if (word == "BLOCK-FORM") return takeForm(trimmed(rest.substr(word.size())));
         if (word != "SESSION" || !(words >> number)) return;
         if (number != session_ && number != session_ + 1)
             refuse("session " + std::to_string(number) + " is out of order.");
         if (number != session_) format_ = SessionFormat::Plain;
         session_ = number;
+    }
+
+    // One that doesn't go with the track's mode, and one before any track, says nothing.
+    void takeForm(std::string_view name) {
+        const auto form = blockFormNamed(name);
+        if (!form || told_.tracks.empty()) return;
+        const CueMode*& mode = told_.tracks.back().mode;
+        const auto row = std::find_if(std::begin(modes), std::end(modes), [&](const CueMode& each) {
+            return each.name == mode->name && each.form == *form;
+        });
+        if (row != std::end(modes)) mode = row;
     }
 
     // A remark that says nothing that can be read is still a remark.

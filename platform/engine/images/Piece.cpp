@@ -118,6 +118,7 @@ class FileParts final : public FileBytes {
         const bool hasCodes = !std::all_of(sector.begin() + codesAt, sector.end(), isZero);
         bool isRight = isIntactSector(units_.isMode1 ? BlockForm::RawMode1 : BlockForm::RawMode2, 0, sector);
         if (!isRight && units_.isMode1 && !hasCodes) isRight = hasFrame(sector, 1);
+        if (isRight && units_.form) isRight = hasIntactCodes(*units_.form, sector);
         if (!isRight)
             fail(ErrorCode::DataProduction, "Sector " + std::to_string(offset() / units_.unitBytes + number) +
                                                 " of the file " + inQuotes(path()) +

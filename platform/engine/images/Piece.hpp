@@ -1,11 +1,13 @@
 // What the tracks of an image are put together from: stretches of files, of sound, and of nothing.
 #pragma once
 
+#include "BlockForm.hpp"
 #include "audio/AudioReader.hpp"
 
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 
@@ -45,8 +47,9 @@ PieceRef swappedBytesOfFile(std::string path, uint64_t offset, uint64_t bytes);
 struct Units {
     uint64_t unitBytes; ///< in the file
     uint64_t partAt, partBytes;
-    bool isMode1 = false; ///< units are mode 1 sectors, which must be right
-    bool isMode2 = false; ///< units are mode 2 sectors
+    bool isMode1 = false;            ///< units are mode 1 sectors, which must be right
+    bool isMode2 = false;            ///< units are mode 2 sectors
+    std::optional<BlockForm> form{}; ///< of mode 2 sectors whose codes must be right as well
 };
 PieceRef partsOfFile(std::string path, uint64_t offset, uint64_t count, const Units& units);
 

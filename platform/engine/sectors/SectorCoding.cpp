@@ -184,7 +184,11 @@ bool isIntactSector(BlockForm form, int64_t address, ConstSector sector) noexcep
     if (kind == Kind::Bare) return true;
     if (!has(sector, 0, sync) || sector[modeAt] != static_cast<std::byte>(modeOf(kind))) return false;
     if (!isRaw(form) && !has(sector, headerAt, headerOf(address, modeOf(kind)))) return false;
-    switch (kind) {
+    return hasIntactCodes(form, sector);
+}
+
+bool hasIntactCodes(BlockForm form, ConstSector sector) noexcept {
+    switch (kindOf(form, sector)) {
     case Kind::Mode1:
         return has(sector, mode1CodeAt, detectionCode(sector, 0, mode1CodeAt)) &&
                isZero(sector, mode1CodeAt + codeBytes, parityAt - mode1CodeAt - codeBytes) &&

@@ -33,4 +33,7 @@ void completeCodes(BlockForm form, std::span<std::byte> blocks) noexcept;
 /// always true for audio.
 bool isIntactSector(BlockForm form, int64_t address, std::span<const std::byte, sectorBytes> sector) noexcept;
 
+/// Whether the codes alone are those of a sector of that form, wherever on a disc it lies; true for what has none.
+bool hasIntactCodes(BlockForm form, std::span<const std::byte, sectorBytes> sector) noexcept;
+
 } // namespace engine
