@@ -32,9 +32,12 @@ constexpr int deepestTree = 1000;
 
 // The engine asks for composed text.
 std::string composedBytes(NSString* name) {
+    std::string bytes = pathnames::bytesOf(name);
+    if (std::all_of(bytes.begin(), bytes.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; }))
+        return bytes; // ASCII is composed
     NSString* composed = [name precomposedStringWithCanonicalMapping];
     // A name that is no proper text (a surrogate without its partner) can't be composed and goes as it is.
-    return pathnames::bytesOf([composed length] == 0 ? name : composed);
+    return [composed length] == 0 ? bytes : pathnames::bytesOf(composed);
 }
 
 Error conflict(DRFSObject* object, const char* problem) {

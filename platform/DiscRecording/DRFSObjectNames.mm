@@ -16,18 +16,21 @@ std::u16string unitsOf(NSString* text) {
     return units;
 }
 
-// A text that is no proper one (a surrogate without its partner) has no other form, and stays as it is.
-NSString* inFormOf(discrecording::NameRule rule, NSString* name) {
+// A text that is no proper one (a surrogate without its partner) has no other form, and stays as it is; ASCII has no other.
+std::u16string inFormOf(discrecording::NameRule rule, NSString* name) {
+    std::u16string units = unitsOf(name);
+    if (AreASCII(reinterpret_cast<const unichar*>(units.data()), units.size()))
+        return units;
     const bool composed = rule == discrecording::NameRule::Joliet || rule == discrecording::NameRule::UDF;
     NSString* form =
         composed ? [name precomposedStringWithCanonicalMapping] : [name decomposedStringWithCanonicalMapping];
-    return [form length] == 0 ? name : form;
+    return [form length] == 0 ? units : unitsOf(form);
 }
 
 NSString* legal(NSString* name, int rule, DRFSObject* object) {
     const auto names = static_cast<discrecording::NameRule>(rule);
-    const std::u16string found = discrecording::legalName(names, unitsOf(inFormOf(names, name)),
-                                                          [object isKindOfClass:[DRFolder class]]);
+    const std::u16string found =
+        discrecording::legalName(names, inFormOf(names, name), [object isKindOfClass:[DRFolder class]]);
     return [NewStringOfUnits(reinterpret_cast<const unichar*>(found.data()), found.size()) autorelease];
 }
 
