@@ -9,6 +9,7 @@
 #import "Filesystems.h"
 #include "NameRules.hpp"
 #include "PathStrings.hpp"
+#include "UdfProperties.hpp"
 #include "plan/Names.hpp"
 
 #include <algorithm>
@@ -219,6 +220,8 @@ class ContentReader {
         if ([object isKindOfClass:[DRFolder class]])
             if (const struct stat* source = [static_cast<DRFolder*>(object) source])
                 keepSource(*source, content->attributes);
+        if ((mask & filesystem::udf) != 0)
+            readUdfAttributes(object, content->attributes);
         if (hasMacExtensions_ && (mask & filesystem::iso9660) != 0 && [object isKindOfClass:[DRFile class]])
             content->attributes.isoMac = isoMacOf(object);
         if (depth > 0)

@@ -6,6 +6,7 @@
 #include "Elements.hpp"
 #include "PathStrings.hpp"
 #include "TrackReader.hpp"
+#include "UdfProperties.hpp"
 #include "VolumeProperties.hpp"
 
 #include <algorithm>
@@ -108,9 +109,9 @@ Result<engine::DataTrack> dataTrackOf(DRTrack* track, bool estimating) {
     data.filesystems = content->filesystems;
     if (const auto read = readVolumeFiles(properties, root, data); !read.ok())
         return read.error();
-    id version = [root propertyForKey:DRUDFWriteVersion inFilesystem:DRUDF mergeWithOtherFilesystems:YES];
-    if ([version isEqual:DRUDFVersion150])
-        data.udfRevision = engine::udf::Revision::V150;
+    if ((data.filesystems & engine::filesystem::udf) != 0)
+        if (const auto read = readUdfProperties(root, data); !read.ok())
+            return read.error();
     return data;
 }
 

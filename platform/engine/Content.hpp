@@ -104,6 +104,10 @@ struct Attributes {
     std::optional<std::time_t> modified;
     std::optional<std::time_t> accessed;
     std::optional<std::time_t> changed; ///< of the attributes
+    std::optional<bool> realTime;       ///< of a file, in UDF: its bytes are to be read at a constant speed
+    /// In UDF, who may change attributes and delete: bits 0 and 1 others, 2 and 3 the group, 4 and 5 the owner. Without it
+    /// those who may write.
+    std::optional<uint8_t> udfPermissions;
     std::optional<bool> invisible; ///< hidden in all file systems but Rock Ridge, which knows no such thing
     std::shared_ptr<const MacAttributes> mac = nullptr; ///< null for most
     /// Of a file, type, creator and flags that ISO 9660 is to show, too.

@@ -35,6 +35,7 @@ struct DataTrack {
     bool rockRidge = true;
     bool macExtensions = false; ///< the volume says so; items say what they have by isoMac
     udf::Revision udfRevision = udf::Revision::V102;
+    udf::VolumeIdentity udfIdentity;
     std::optional<std::time_t> defaultDate; ///< of volumes and items without one; else the burn's start
     std::optional<std::time_t> created, modified, expires, effective; ///< of the volume
     std::optional<std::time_t> checked;                               ///< HFS+ only

@@ -55,6 +55,7 @@ iso::VolumeSettings isoSettings(const DataTrack& track, uint32_t start, std::tim
 udf::VolumeSettings udfSettings(const DataTrack& track, uint32_t start, std::time_t now) {
     udf::VolumeSettings settings;
     settings.revision = track.udfRevision;
+    settings.identity = track.udfIdentity;
     settings.volumeName = nameOfVolume(track, filesystem::udf);
     settings.volumeSetName = track.volumeSet;
     settings.recorded = now;

@@ -4,6 +4,7 @@
 #include "Content.hpp"
 #include "Names.hpp"
 #include "iso/Tree.hpp"
+#include "udf/Tree.hpp"
 
 #include <array>
 #include <bit>
@@ -33,6 +34,10 @@ struct Node {
     uint16_t mode = 0; ///< permission bits, 07777
     NodeKind kind = NodeKind::File;
     bool invisible = false;
+    bool isRealTime = false;              ///< UDF says so
+    uint8_t udfPermissions = asWhoWrites; ///< for changing attributes and deleting, two bits each
+
+    static constexpr uint8_t asWhoWrites = udf::asWhoWrites;
 };
 
 /// A name in a folder. Several may lead to one node.

@@ -251,7 +251,8 @@ class TreeBuilder {
 
     static bool isChanged(const Attributes& given) {
         return given.mode || given.owner || given.group || given.modified || given.accessed ||
-               given.changed || given.invisible || given.mac || given.isoMac;
+               given.changed || given.invisible || given.realTime || given.udfPermissions || given.mac ||
+               given.isoMac;
     }
 
     // What is said of an item goes before what its source says.
@@ -264,6 +265,8 @@ class TreeBuilder {
         node.accessed = given.accessed.value_or(node.accessed);
         node.changed = given.changed.value_or(node.changed);
         node.invisible = given.invisible.value_or(node.invisible);
+        node.isRealTime = given.realTime.value_or(node.isRealTime);
+        node.udfPermissions = given.udfPermissions.value_or(node.udfPermissions);
         const auto lay = [index](const std::shared_ptr<const MacAttributes>& over, auto& all) {
             if (!over) return;
             std::shared_ptr<const MacAttributes>& mac = all[index];

@@ -39,6 +39,8 @@ udf::Node nodeOf(const Tree& tree, const Node& from) {
     node.accessed = from.accessed;
     node.modified = from.modified;
     node.changed = from.changed;
+    node.isRealTime = from.isRealTime;
+    node.permissions = from.udfPermissions;
     if (from.kind == NodeKind::Folder) {
         node.kind = udf::NodeKind::Folder;
     } else if (from.kind == NodeKind::SymbolicLink) {

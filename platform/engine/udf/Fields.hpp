@@ -32,6 +32,7 @@ enum class TagKind : uint16_t {
 uint16_t checksumOf(std::span<const std::byte> bytes) noexcept;
 
 inline constexpr size_t tagBytes = 16;
+inline constexpr std::string_view developerName = "*Disc Recording";
 
 class Fields {
   public:
@@ -62,7 +63,7 @@ class Fields {
     /// An entity identifier: 23 characters and 8 bytes of suffix.
     Fields& identifier(std::string_view name, std::string_view suffix = {});
     /// The identifier of the writer itself.
-    Fields& developer() { return identifier("*Disc Recording"); }
+    Fields& developer() { return identifier(developerName); }
     /// The domain that every descriptor of a UDF volume names, with the revision.
     Fields& domain(Revision revision);
     /// Local time with an offset of 0 minutes, that is UTC.

@@ -25,13 +25,13 @@ uint32_t identifierSize(size_t nameBytes) {
 }
 
 // rwx of owner, group and others, each with a bit for changing attributes and one for deleting, which go to who may
-// write (ECMA-167 4/14.9.5).
-uint32_t permissionsOf(uint16_t mode) {
+// write where nothing else is said (ECMA-167 4/14.9.5).
+uint32_t permissionsOf(uint16_t mode, uint8_t more) {
     uint32_t result = 0;
     for (int who = 0; who < 3; ++who) { // others, group, owner
         const uint32_t bits = mode >> (3 * who) & 7;
-        const uint32_t write = bits >> 1 & 1;
-        result |= (bits | write << 3 | write << 4) << (5 * who);
+        const uint32_t added = more == asWhoWrites ? (bits >> 1 & 1) * 3 : more >> (2 * who) & 3;
+        result |= (bits | added << 3) << (5 * who);
     }
     return result;
 }
@@ -127,13 +127,22 @@ void Volume::fileEntry(uint32_t index, std::span<std::byte> block) const {
     const std::string embedded =
         node.kind == NodeKind::SymbolicLink && !stream ? pathComponents(node.target) : std::string();
     const uint64_t bytes = node.kind == NodeKind::File ? node.size : stream ? stream->bytes : embedded.size();
-    constexpr std::array<uint8_t, 3> fileTypes = {4, 5, 12}; // folder, file, symbolic link
+    // Folder, file, symbolic link. A real-time file's type is one that writer and reader agree on (ECMA-167 4/14.6.6);
+    // later revisions of UDF give it this number.
+    constexpr std::array<uint8_t, 3> fileTypes = {4, 5, 12};
+    constexpr uint8_t realTimeFile = 249;
+    const uint8_t type = node.kind == NodeKind::File && node.isRealTime
+                             ? realTimeFile
+                             : fileTypes[static_cast<size_t>(node.kind)];
 
     Fields fields(block);
     // How the entry is kept: strategy 4, one entry, no parent entry (ECMA-167 4/14.6).
-    fields.u32(0).u16(4).u16(0).u16(1).u8(0).u8(fileTypes[static_cast<size_t>(node.kind)]).skip(6);
+    fields.u32(0).u16(4).u16(0).u16(1).u8(0).u8(type).skip(6);
     fields.u16(flagsOf(node.mode, !embedded.empty()));
-    fields.u32(node.owner).u32(node.group).u32(permissionsOf(node.mode)).u16(linkCounts_[index]);
+    fields.u32(node.owner)
+        .u32(node.group)
+        .u32(permissionsOf(node.mode, node.permissions))
+        .u16(linkCounts_[index]);
     fields.u8(0).u8(0).u32(0).u64(bytes).u64(embedded.empty() ? blocksOf(bytes) : 0);
     fields.time(node.accessed).time(node.modified).time(node.changed).u32(1).longAllocation(0, 0).developer();
     fields.u64(uniqueIdOf(index)).u32(0);

@@ -23,11 +23,21 @@ std::string revisionSuffix(Revision revision) {
     return {static_cast<char>(number & 0xFF), static_cast<char>(number >> 8)};
 }
 
-// 16 digits that differ from volume to volume, then the name (UDF 1.02, 2.2.2.5).
+// 16 characters that differ from volume to volume, 8 digits of a time and 8 for the program's use, then the name (UDF 1.02,
+// 2.2.2.5).
 std::string volumeSetIdentifier(const VolumeSettings& settings) {
-    char digits[17];
-    std::snprintf(digits, sizeof digits, "%016llX", static_cast<unsigned long long>(settings.recorded));
-    return digits + (settings.volumeSetName.empty() ? settings.volumeName : settings.volumeSetName);
+    const VolumeIdentity& identity = settings.identity;
+    char digits[9];
+    std::snprintf(digits, sizeof digits, "%08lX",
+                  static_cast<unsigned long>(identity.setTime.value_or(settings.recorded) & 0xFFFFFFFF));
+    std::string result = digits;
+    for (const uint8_t character : identity.setUse) { // as UTF-8
+        if (character >= 0x80) result += static_cast<char>(0xC0 | character >> 6);
+        result += static_cast<char>(character < 0x80 ? character : 0x80 | (character & 0x3F));
+    }
+    return result + (!identity.setName.empty()         ? identity.setName
+                     : !settings.volumeSetName.empty() ? settings.volumeSetName
+                                                       : settings.volumeName);
 }
 
 } // namespace
@@ -72,20 +82,18 @@ void Volume::anchor(uint32_t location, std::span<std::byte> block) const {
 }
 
 void Volume::volumeDescriptor(uint32_t index, uint32_t location, std::span<std::byte> block) const {
+    const VolumeIdentity& identity = settings_.identity;
     Fields fields(block);
     switch (index) {
     case primary:
-        fields.u32(index)
-            .u32(0)
-            .fixedText(32, settings_.volumeName)
-            .u16(1)
-            .u16(1)
-            .u16(2)
-            .u16(2)
-            .u32(1)
-            .u32(1);
+        fields.u32(index).u32(identity.primaryNumber).fixedText(32, settings_.volumeName);
+        fields.u16(identity.sequenceNumber).u16(identity.maximumSequenceNumber);
+        fields.u16(identity.interchangeLevel).u16(identity.maximumInterchangeLevel).u32(1).u32(1);
         fields.fixedText(128, volumeSetIdentifier(settings_)).characterSet().characterSet();
-        fields.extent(0, 0).extent(0, 0).identifier("").time(settings_.recorded).developer();
+        // An identifier without characters identifies nothing, whatever stands behind it.
+        fields.extent(0, 0).extent(0, 0).identifier(identity.applicationSuffix.empty() ? "" : developerName,
+                                                    identity.applicationSuffix);
+        fields.time(settings_.recorded).developer();
         return fields.skip(64).u32(0).u16(1).skip(22).finish(TagKind::PrimaryVolume, location);
     case implementationUse:
         fields.u32(index).identifier("*UDF LV Info", revisionSuffix(settings_.revision)).characterSet();
@@ -104,8 +112,12 @@ void Volume::volumeDescriptor(uint32_t index, uint32_t location, std::span<std::
             .u32(1)
             .developer();
         fields.skip(128).extent(integrityBlocks * blockBytes, settings_.sessionStart + integritySequence);
-        // One partition map of type 1: volume 1, partition 0.
-        return fields.u8(1).u8(6).u16(1).u16(0).finish(TagKind::LogicalVolume, location);
+        // One partition map of type 1: this volume, partition 0.
+        return fields.u8(1)
+            .u8(6)
+            .u16(identity.sequenceNumber)
+            .u16(0)
+            .finish(TagKind::LogicalVolume, location);
     case unallocatedSpace:
         return fields.u32(index).u32(0).finish(TagKind::UnallocatedSpace, location);
     case terminating:

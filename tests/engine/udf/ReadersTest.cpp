@@ -16,7 +16,8 @@ using namespace test;
 class UdfReaders : public Scratch {
   protected:
     std::string volumeOf(const Image& image, udf::Revision revision = udf::Revision::V102) {
-        image.write((base / "volume.udf").string(), {revision, "Holiday Übersee", "The set", 1'700'000'000});
+        image.write((base / "volume.udf").string(),
+                    {revision, "Holiday Übersee", "The set", {}, 1'700'000'000});
         return "volume.udf";
     }
     fs::path extract(const std::string& volume) {

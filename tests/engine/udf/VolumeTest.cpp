@@ -42,7 +42,7 @@ void expectTag(const Block& block, uint32_t kind, uint32_t location) {
 TEST(UdfVolume, EveryDescriptorsTagIsRight) {
     Image image;
     image.file(image.folder(0, "folder"), "file", "bytes");
-    udf::Volume volume(image.tree(), {udf::Revision::V102, "Volume", "", 1'700'000'000});
+    udf::Volume volume(image.tree(), {udf::Revision::V102, "Volume", "", {}, 1'700'000'000});
     volume.setTotalBlocks(1000);
     const uint32_t kinds[] = {1, 4, 5, 6, 7, 8};
     for (const uint32_t start : {32u, 48u})
@@ -78,7 +78,7 @@ TEST(UdfVolume, SaysWhichBlocksItMakes) {
 
 TEST(UdfVolume, StatesTheRevisionThatWasAskedFor) {
     for (const auto revision : {udf::Revision::V102, udf::Revision::V150}) {
-        udf::Volume volume(Image().tree(), {revision, "Volume", "", 0});
+        udf::Volume volume(Image().tree(), {revision, "Volume", "", {}, 0});
         volume.setTotalBlocks(500);
         const auto wanted = static_cast<uint32_t>(revision);
         EXPECT_EQ(number(blockOf(volume, 35), 240, 2), wanted) << "the logical volume's domain";
