@@ -80,6 +80,46 @@ static void TestRefusals(NSString* source) {
     [aliases addChild:[DRFile finderAliasPointingTo:elsewhere inFilesystem:DRHFSPlus]];
     CheckRefused("a Finder alias to what is not on the disc", BurnThatStays(device),
                  [DRTrack trackForRootFolder:aliases], 0x80020101, @"points at nothing");
+    NSString* filesystems[] = {DRISO9660, DRUDF, DRHFSPlus};
+    for (int i = 0; i < 3; i++) {
+        NSString* filesystem = filesystems[i];
+        DRFolder* links = [DRFolder virtualFolderWithName:@"links"];
+        [links setExplicitFilesystemMask:DRFilesystemInclusionMaskISO9660 | DRFilesystemInclusionMaskUDF |
+                                         DRFilesystemInclusionMaskHFSPlus];
+        DRFile* link = [DRFile symLinkPointingTo:elsewhere inFilesystem:filesystem];
+        [links addChild:link];
+        CheckRefused("a symbolic link to what is not on the disc", BurnThatStays(device),
+                     [DRTrack trackForRootFolder:links], 0x80020101, @"points at nothing");
+        [links addChild:elsewhere];
+        [elsewhere setExplicitFilesystemMask:[links explicitFilesystemMask] & ~[link explicitFilesystemMask]];
+        CheckRefused("a symbolic link to what is in other file systems only", BurnThatStays(device),
+                     [DRTrack trackForRootFolder:links], 0x80020101, @"points at nothing");
+        [links removeChild:elsewhere];
+        [elsewhere setExplicitFilesystemMask:0];
+        [links removeChild:link];
+        // Links do not keep what they point at.
+        NSAutoreleasePool* pool = [NSAutoreleasePool new];
+        DRFile* passing = [[DRFile alloc] initWithName:@"passing" data:nil];
+        [links addChild:[DRFile symLinkPointingTo:passing inFilesystem:filesystem]];
+        [links addChild:[DRFile hardLinkPointingTo:passing inFilesystem:filesystem]];
+        [passing release];
+        [pool release];
+        CheckRefused("links to what is gone", BurnThatStays(device), [DRTrack trackForRootFolder:links],
+                     0x80020101, @"points at nothing");
+    }
+    DRFolder* mac = [DRFolder virtualFolderWithName:@"mac"];
+    [mac setExplicitFilesystemMask:DRFilesystemInclusionMaskISO9660 | DRFilesystemInclusionMaskHFSPlus];
+    DRFile* elsewhereOnly = [DRFile virtualFileWithName:@"iso" data:nil];
+    [mac addChild:elsewhereOnly];
+    [mac addChild:[DRFile finderAliasPointingTo:elsewhereOnly inFilesystem:DRHFSPlus]];
+    [elsewhereOnly setExplicitFilesystemMask:DRFilesystemInclusionMaskISO9660];
+    CheckRefused("a Finder alias to what is not in HFS+", BurnThatStays(device),
+                 [DRTrack trackForRootFolder:mac], 0x80020101, @"not in HFS+");
+    const unichar zero[] = {'a', 0, 'b'};
+    DRFolder* named = [DRFolder virtualFolderWithName:@"named"];
+    [named addChild:[DRFile virtualFileWithName:[NSString stringWithCharacters:zero length:3] data:nil]];
+    CheckRefused("a zero character in a name", BurnThatStays(device), [DRTrack trackForRootFolder:named],
+                 0x80020101, @"can't be the name");
     // Deliberate: what a mask leaves out is left out in silence, but for links, which have their mask from their making.
     [aliases setExplicitFilesystemMask:DRFilesystemInclusionMaskISO9660 | DRFilesystemInclusionMaskUDF];
     CheckRefused("a Finder alias without HFS+", BurnThatStays(device), [DRTrack trackForRootFolder:aliases],
@@ -122,8 +162,8 @@ static void TestRefusals(NSString* source) {
         NSMutableDictionary* properties = [NSMutableDictionary dictionaryWithDictionary:[asking properties]];
         [properties setObject:trackAsks[i].value forKey:trackAsks[i].key];
         [asking setProperties:properties];
-        CheckRefused("what a track can't have yet", BurnThatStays(device), asking, trackAsks[i].code,
-                     @"The track");
+        CheckRefused("what has a wrong type, or is no level", BurnThatStays(device), asking,
+                     trackAsks[i].code, @"The track");
     }
     PASS("after all that the medium is blank", [device mediaIsBlank] && ![device trayIsOpen]);
 

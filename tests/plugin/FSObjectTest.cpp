@@ -3,6 +3,8 @@
 #include "tests/plugin/FSObjects.hpp"
 #include "tests/plugin/PlatformObjects.hpp"
 
+#include <functional>
+
 namespace {
 
 using namespace test;
@@ -176,14 +178,58 @@ TEST_F(FSObject, AnEmptyOneAnswersEmptyAndItsSettersDoNothing) {
     EXPECT_EQ(raised(), std::nullopt);
 }
 
-// A value of a variant that only the host could convert would be asked for its parts.
+// Each of the seven that name a file system. What converts an argument is looked up at its first use: texts, the parts of
+// a dictionary, what a variant is.
 TEST_F(FSObject, WithoutAPlatformObjectNoArgumentIsConverted) {
-    const Ref empty = make("DRFileQRX");
-    const std::size_t before = harness::lookups().size();
-    setSpecificName(empty, "DRJoliet", "name");
-    EXPECT_EQ(specificName(empty, "DRJoliet"), "");
-    for (std::size_t i = before; i < harness::lookups().size(); ++i)
-        EXPECT_EQ(harness::lookups()[i].find("String"), std::string::npos) << harness::lookups()[i];
+    const Ref empty = make("DRFileQRX"), set = host::newDictionary();
+    host::dictionarySet(set.get(), Value("key"), Value("value"));
+    const String key("key"), filesystem("DRJoliet"), name("name");
+    const Ref value = variant(Value("value"));
+    const auto lookedUpBy = [](const auto& action) {
+        const std::size_t before = harness::lookups().size();
+        action();
+        const std::vector<std::string> all = harness::lookups();
+        return std::vector<std::string>(all.begin() + static_cast<std::ptrdiff_t>(before), all.end());
+    };
+    const std::vector<std::function<void()>> members = {
+        [&] {
+            harness::setterOf<void(REALobject, REALstring, REALstring)>(
+                "DRFSObjectQRX", "specificNameForFilesystem(filesystem as string) as string")(
+                empty.get(), filesystem.get(), name.get());
+        },
+        [&] {
+            call<REALstring>("DRFSObjectQRX", "specificNameForFilesystem(filesystem as string) as string",
+                             empty.get(), filesystem.get());
+        },
+        [&] {
+            call<REALstring>("DRFSObjectQRX", "mangledNameForFilesystem(filesystem as string) as string",
+                             empty.get(), filesystem.get());
+        },
+        [&] {
+            call<REALvariant>("DRFSObjectQRX",
+                              "propertyForKey(key as string, filesystem as string, "
+                              "mergeWithOtherFilesystems as boolean) as variant",
+                              empty.get(), key.get(), filesystem.get(), REALboolean{1});
+        },
+        [&] {
+            call<void>("DRFSObjectQRX", "setProperty(Value as variant, key as string, filesystem as string)",
+                       empty.get(), value.get(), key.get(), filesystem.get());
+        },
+        [&] {
+            call<REALdictionary>("DRFSObjectQRX",
+                                 "propertiesForFilesystem(filesystem as string, "
+                                 "mergeWithOtherFilesystems as boolean) as dictionary",
+                                 empty.get(), filesystem.get(), REALboolean{1});
+        },
+        [&] {
+            call<void>("DRFSObjectQRX", "setProperties(Value as dictionary, filesystem as string)",
+                       empty.get(), set.get(), filesystem.get());
+        }};
+    for (std::size_t i = 0; i < members.size(); ++i)
+        EXPECT_EQ(lookedUpBy(members[i]), std::vector<std::string>()) << "member " << i;
+    // With one the same calls do look things up.
+    const Ref file = virtualFile("f");
+    EXPECT_FALSE(lookedUpBy([&] { setProperty(file, "value", "key", "DRUDF"); }).empty());
 }
 
 TEST_F(FSObject, ConstantsOfThePlatformNeedNoObject) {

@@ -162,6 +162,8 @@ TEST_F(FileEvents, WithoutAHostObjectNothingIsDeniedAndEverythingHasItsDefault) 
     EXPECT_EQ(size(), 0u);
     char buffer[8];
     EXPECT_EQ(produce(buffer, 8, 0), 0u);
+    EXPECT_EQ((objc::send<"prepareFileForBurn:", objc::Boolean>(file(), file())), 0);
+    EXPECT_EQ((objc::send<"prepareFileForVerification:", objc::Boolean>(file(), file())), 0);
     objc::send<"cleanupFileAfterBurn:", void>(file(), file());
     field = kept;
 }

@@ -3,6 +3,7 @@
 #include "host/runtime/FolderItem.hpp"
 #include "host/runtime/MemoryBlock.hpp"
 #include "tests/plugin/FSObjects.hpp"
+#include "tests/plugin/Replaced.hpp"
 
 #include <cstring>
 
@@ -76,6 +77,67 @@ TEST_F(FileObjects, NilReachesThePlatformFromFilesAndNotFromFolders) {
     EXPECT_EQ(raised(), std::nullopt);
 }
 
+TEST_F(FileObjects, NilReachesThePlatformFromTheFilesFactoriesToo) {
+    const Ref produced = make("DRFileQRX");
+    call<void>("DRFileQRX", "Constructor(name as string)", produced.get(), REALstring{nullptr});
+    ASSERT_NE(frame::slot(produced.get()), nullptr);
+    EXPECT_EQ(text(produced, "baseName as string"), "");
+    objc::release(std::exchange(frame::slot(produced.get()), nullptr));
+    const Ref real = Ref::adopt(
+        call<REALobject>("DRFileQRX", "fileWithPath(path as string) as DRFileQRX", REALstring{nullptr}));
+    ASSERT_NE(real.get(), nullptr);
+    EXPECT_FALSE((call<bool>("DRFSObjectQRX", "isVirtual as boolean", real.get())));
+    const Ref made = Ref::adopt(
+        call<REALobject>("DRFileQRX", "virtualFileWithName(name as string, data as memoryblock) as DRFileQRX",
+                         REALstring{nullptr}, block("bytes").get()));
+    ASSERT_NE(made.get(), nullptr);
+    EXPECT_EQ(text(made, "baseName as string"), "");
+    // With a folder item it is the plug-in that answers nil.
+    EXPECT_EQ((call<REALobject>("DRFileQRX", "fileWithPath(path as folderitem) as DRFileQRX",
+                                REALfolderItem{nullptr})),
+              nullptr);
+    EXPECT_EQ(raised(), std::nullopt);
+}
+
+// Initialisers that give up what was allocated, as one does that fails.
+objc::Id refuseOne(objc::Id self, objc::Sel, objc::Id) {
+    objc::release(self);
+    raiseTestException();
+    return nullptr;
+}
+objc::Id refuseTwo(objc::Id self, objc::Sel selector, objc::Id first, objc::Id) {
+    return refuseOne(self, selector, first);
+}
+
+TEST_F(FileObjects, AConstructorThatFailsLeavesTheSlotAsItWas) {
+    const Ref file = make("DRFileQRX"), folder = make("DRFolderQRX");
+    constructWithData(file, "before", "bytes");
+    call<void>("DRFolderQRX", "Constructor(name as string)", folder.get(), String("before").get());
+    const objc::Id heldFile = frame::slot(file.get()), heldFolder = frame::slot(folder.get());
+    replaceMethod<"initWithName:data:", refuseTwo>("DRFile");
+    replaceMethod<"initWithName:dataProducer:", refuseTwo>("DRFile");
+    replaceMethod<"initWithPath:", refuseOne>("DRFile");
+    replaceMethod<"initWithName:", refuseOne>("DRFolder");
+    replaceMethod<"initWithPath:", refuseOne>("DRFolder");
+    const auto item = host::newFolderItem("/etc/passwd");
+    testing::internal::CaptureStderr();
+    constructWithData(file, "after", "more");
+    EXPECT_TRUE(raised());
+    call<void>("DRFileQRX", "Constructor(name as string)", file.get(), String("after").get());
+    EXPECT_TRUE(raised());
+    call<void>("DRFileQRX", "Constructor(path as folderitem)", file.get(), item.get());
+    EXPECT_TRUE(raised());
+    call<void>("DRFolderQRX", "Constructor(name as string)", folder.get(), String("after").get());
+    EXPECT_TRUE(raised());
+    call<void>("DRFolderQRX", "Constructor(path as folderitem)", folder.get(), item.get());
+    EXPECT_TRUE(raised());
+    testing::internal::GetCapturedStderr();
+    EXPECT_EQ(frame::slot(file.get()), heldFile);
+    EXPECT_EQ(frame::slot(folder.get()), heldFolder);
+    EXPECT_EQ(text(file, "baseName as string"), "before");
+    EXPECT_EQ(text(folder, "baseName as string"), "before");
+}
+
 TEST_F(FileObjects, ASecondConstructorCallOverwritesWithoutReleasingOrComplaining) {
     const Ref file = make("DRFileQRX");
     constructWithData(file, "first", "1");
@@ -100,6 +162,21 @@ TEST_F(FileObjects, ConstructedOnesComeBackAsNewObjectsAndFactorysAsThemselves) 
     EXPECT_TRUE(host::isA(first.object(), "DRFileQRX"));
     EXPECT_EQ(frame::slot(first.object()), frame::slot(made.get()));
     EXPECT_EQ(second.object(), fromFactory.get());
+}
+
+// Also one whose bytes come from the events of the very object that it was made with.
+TEST_F(FileObjects, AProducedFileComesBackAsANewObject) {
+    const Ref folder = virtualFolder("folder"), made = make("DRFileQRX");
+    call<void>("DRFileQRX", "Constructor(name as string)", made.get(), String("produced").get());
+    addChild(folder, made);
+    const Ref found = children(folder);
+    ASSERT_EQ(host::upperBound(found.get()), 0);
+    const auto child = host::arrayGet(found.get(), 0);
+    EXPECT_NE(child.object(), made.get());
+    EXPECT_TRUE(host::isA(child.object(), "DRFileQRX"));
+    EXPECT_EQ(frame::slot(child.object()), frame::slot(made.get()));
+    // The file holds the object that it was made with, so what that holds is let go here.
+    objc::release(std::exchange(frame::slot(made.get()), nullptr));
 }
 
 TEST_F(FileObjects, AConstructedFolderIsAnotherObjectAsAParent) {
@@ -138,6 +215,34 @@ TEST_F(FileObjects, ChildrenAreAnArrayAlsoWhenThePlatformRaises) {
     ASSERT_NE(found.get(), nullptr);
     EXPECT_EQ(host::upperBound(found.get()), -1);
     EXPECT_TRUE(raised());
+}
+
+unsigned long three(objc::Id, objc::Sel) { return 3; }
+objc::Id secondRaises(objc::Id, objc::Sel, unsigned long index) {
+    if (index > 0) raiseTestException();
+    return objc::sendClass<"DRFile", "fileWithPath:">(nsString("/first"));
+}
+objc::Id raisingList(objc::Id, objc::Sel) {
+    static const objc::Class cls = objc::ClassBuilder("NSArray", "TestList")
+                                       .method<"count", three>()
+                                       .method<"objectAtIndex:", secondRaises>()
+                                       .finish();
+    return objc::autoreleased(objc::send<"init">(objc::send<"alloc">(reinterpret_cast<objc::Id>(cls))));
+}
+
+TEST_F(FileObjects, ChildrenArePartlyFilledWhenThePlatformRaisesOnTheWay) {
+    const Ref folder = make("DRFolderQRX");
+    const objc::Class cls =
+        objc::ClassBuilder("DRFolder", "TestFolder").method<"children", raisingList>().finish();
+    frame::slot(folder.get()) = objc::send<"init">(objc::send<"alloc">(reinterpret_cast<objc::Id>(cls)));
+    testing::internal::CaptureStderr();
+    const Ref found = children(folder);
+    testing::internal::GetCapturedStderr();
+    EXPECT_TRUE(raised());
+    ASSERT_EQ(host::upperBound(found.get()), 0);
+    const auto first = host::arrayGet(found.get(), 0);
+    const Ref child = Ref::borrow(first.object());
+    EXPECT_EQ(text(child, "sourcePath as string"), "/first");
 }
 
 TEST_F(FileObjects, ChildrenAreAddedCountedAndTakenOut) {
