@@ -5,6 +5,7 @@
 #import "DRFilePrivate.h"
 #import "DRFolderPrivate.h"
 #include "Elements.hpp"
+#include "EngineThread.hpp"
 #include "FileProducers.hpp"
 #import "Filesystems.h"
 #include "NameRules.hpp"
@@ -144,35 +145,55 @@ std::shared_ptr<const engine::MacAttributes> isoMacOf(DRFSObject* object) {
 }
 
 // One set of attributes goes into all file systems: ISO 9660's where the item is in that.
-engine::Attributes attributesOf(DRFSObject* object, uint8_t mask) {
+engine::Rare<engine::Attributes> attributesOf(DRFSObject* object, uint8_t mask) {
     NSString* name = (mask & filesystem::iso9660)   ? DRISO9660
                      : (mask & filesystem::joliet)  ? DRJoliet
                      : (mask & filesystem::hfsPlus) ? DRHFSPlus
                                                     : DRUDF;
     NSDictionary* properties = [object propertiesForFilesystem:name mergeWithOtherFilesystems:YES];
-    engine::Attributes attributes;
-    attributes.mode = numberFor<uint32_t>(properties, DRPosixFileMode);
-    attributes.owner = numberFor<uint32_t>(properties, DRPosixUID);
-    attributes.group = numberFor<uint32_t>(properties, DRPosixGID);
-    attributes.modified = dateFor(properties, DRContentModificationDate);
-    attributes.accessed = dateFor(properties, DRAccessDate);
-    attributes.changed = dateFor(properties, DRAttributeModificationDate);
-    if (id invisible = [properties objectForKey:DRInvisible]; invisible != nil)
-        attributes.invisible = [invisible boolValue];
+    engine::Rare<engine::Attributes> attributes;
+    if ([properties count] > 0) {
+        attributes->mode = numberFor<uint32_t>(properties, DRPosixFileMode);
+        attributes->owner = numberFor<uint32_t>(properties, DRPosixUID);
+        attributes->group = numberFor<uint32_t>(properties, DRPosixGID);
+        attributes->modified = dateFor(properties, DRContentModificationDate);
+        attributes->accessed = dateFor(properties, DRAccessDate);
+        attributes->changed = dateFor(properties, DRAttributeModificationDate);
+        if (id invisible = [properties objectForKey:DRInvisible]; invisible != nil)
+            attributes->invisible = [invisible boolValue];
+    }
     if ((mask & filesystem::hfsPlus) != 0)
-        attributes.mac = macAttributesOf(object, DRHFSPlus);
+        if (auto mac = macAttributesOf(object, DRHFSPlus))
+            attributes->mac = std::move(mac);
     return attributes;
 }
 
 // A folder that was made virtual is on the disc as the folder on disk would be, where its properties don't say otherwise.
-void keepSource(const struct stat& source, engine::Attributes& attributes) {
-    attributes.mode = attributes.mode.value_or(source.st_mode & 07777);
-    attributes.owner = attributes.owner.value_or(source.st_uid);
-    attributes.group = attributes.group.value_or(source.st_gid);
-    attributes.modified = attributes.modified.value_or(source.st_mtime);
-    attributes.accessed = attributes.accessed.value_or(source.st_atime);
-    attributes.changed = attributes.changed.value_or(source.st_ctime);
+void keepSource(const struct stat& source, engine::Rare<engine::Attributes>& attributes) {
+    attributes->mode = attributes->mode.value_or(source.st_mode & 07777);
+    attributes->owner = attributes->owner.value_or(source.st_uid);
+    attributes->group = attributes->group.value_or(source.st_gid);
+    attributes->modified = attributes->modified.value_or(source.st_mtime);
+    attributes->accessed = attributes->accessed.value_or(source.st_atime);
+    attributes->changed = attributes->changed.value_or(source.st_ctime);
 }
+
+// Files whose bytes a burn reads where they are, kept for as long as it has the tree: one keeper for all of them.
+class KeptFiles {
+  public:
+    KeptFiles() = default;
+    KeptFiles(const KeptFiles&) = delete;
+    KeptFiles& operator=(const KeptFiles&) = delete;
+    ~KeptFiles() {
+        const EngineThread thread; // the last to use it may be a thread of the engine
+        for (DRFile* each : all_)
+            [each release];
+    }
+    void add(DRFile* file) { all_.push_back([file retain]); }
+
+  private:
+    std::vector<DRFile*> all_;
+};
 
 class ContentReader {
   public:
@@ -187,11 +208,12 @@ class ContentReader {
         if ((mask & filesystem::joliet) != 0)
             mask |= filesystem::iso9660;
         const auto filesystems = static_cast<uint8_t>(mask);
-        masks_[root_] = filesystems;
         auto content = contentOf(root_, composedBytes([root_ baseName]), filesystems, 0);
         if (!content.ok())
             return content.error();
         content->names = volumeNames();
+        if (!links_.empty())
+            list(*content);
         for (const Link& link : links_)
             if (const auto done = finish(link, *content); !done.ok())
                 return done.error();
@@ -203,6 +225,10 @@ class ContentReader {
     struct Link {
         DRFile* file;
         std::vector<size_t> way;
+    };
+    struct Member {
+        DRFSObject* object;
+        uint8_t mask;
     };
 
     Result<Content> contentOf(DRFSObject* object, std::string name, uint8_t mask, int depth) {
@@ -223,7 +249,8 @@ class ContentReader {
         if ((mask & filesystem::udf) != 0)
             readUdfAttributes(object, content->attributes);
         if (hasMacExtensions_ && (mask & filesystem::iso9660) != 0 && [object isKindOfClass:[DRFile class]])
-            content->attributes.isoMac = isoMacOf(object);
+            if (auto mac = isoMacOf(object))
+                content->attributes->isoMac = std::move(mac);
         if (depth > 0)
             content->names = namesOf(object, mask, content->name);
         content->identity = reinterpret_cast<uintptr_t>(object);
@@ -239,7 +266,7 @@ class ContentReader {
     }
 
     Result<Content> folderContent(DRFolder* folder, std::string name, uint8_t mask, int depth) {
-        std::vector<DRFSObject*> members;
+        std::vector<Member> members;
         std::vector<Sibling> siblings;
         members.reserve([folder count]);
         siblings.reserve([folder count]);
@@ -251,8 +278,7 @@ class ContentReader {
                     return leftOut(child);
                 continue; // its mask says so
             }
-            masks_[child] = childMask;
-            members.push_back(child);
+            members.push_back({child, childMask});
             const bool isFolder = [child isKindOfClass:[DRFolder class]];
             siblings.push_back({rockRidgeName(unitsOf([child baseName]), isFolder), isFolder});
         }
@@ -260,13 +286,12 @@ class ContentReader {
         std::vector<Content> children;
         children.reserve(members.size());
         for (size_t i = 0; i < members.size(); ++i) {
-            std::string childName = pathnames::encode(names[i]);
-            names_[members[i]] = childName;
             way_.push_back(i);
             // What an item's names and properties leave behind goes with it, not with the whole tree. An exception that
             // passes is left to the caller's pool, since it may lie in this one.
             NSAutoreleasePool* left = [NSAutoreleasePool new];
-            auto content = contentOf(members[i], std::move(childName), masks_[members[i]], depth + 1);
+            auto content =
+                contentOf(members[i].object, pathnames::encode(names[i]), members[i].mask, depth + 1);
             [left release];
             way_.pop_back();
             if (!content.ok())
@@ -282,14 +307,14 @@ class ContentReader {
             return linkContent(file, std::move(name));
         if ([file producer] != nil)
             return Content::produced(std::move(name), producerOfFile(file, estimating_));
-        NSData* data = [file data];
-        if (data == nil) {
+        if (![file hasData]) {
             return Error{ErrorCode::DataProduction,
                          "The file \"" + name + "\" has neither data nor a producer of it.",
                          {}};
         }
-        return Content::file(std::move(name),
-                             std::string(static_cast<const char*>([data bytes]), [data length]));
+        kept_->add(file);
+        return Content{std::move(name),
+                       engine::DataFile{{static_cast<const char*>([file bytes]), [file length]}, kept_}};
     }
 
     Result<Content> linkContent(DRFile* file, std::string name) {
@@ -300,9 +325,9 @@ class ContentReader {
         if (target == nil || top != root_)
             return lost(name);
         if ([[file linkType] isEqualToString:DRLinkTypeHardLink])
-            return Content{std::move(name), engine::HardLink{reinterpret_cast<uintptr_t>(target)}, {}};
+            return Content{std::move(name), engine::HardLink{reinterpret_cast<uintptr_t>(target)}};
         if ([[file linkType] isEqualToString:DRLinkTypeFinderAlias])
-            return Content{std::move(name), engine::FinderAlias{reinterpret_cast<uintptr_t>(target)}, {}};
+            return Content{std::move(name), engine::FinderAlias{reinterpret_cast<uintptr_t>(target)}};
         links_.push_back({file, way_});
         return Content::link(std::move(name), "."); // finished when all names are known
     }
@@ -332,6 +357,19 @@ class ContentReader {
                 {}};
     }
 
+    // What became of each object.
+    void list(const Content& root) {
+        std::vector<const Content*> waiting{&root};
+        while (!waiting.empty()) {
+            const Content* item = waiting.back();
+            waiting.pop_back();
+            items_[reinterpret_cast<DRFSObject*>(static_cast<uintptr_t>(item->identity))] = item;
+            if (const auto* folder = std::get_if<engine::VirtualFolder>(&item->source))
+                for (const Content& child : folder->children)
+                    waiting.push_back(&child);
+        }
+    }
+
     // From the link's folder up as far as it must be, and down to the target.
     Result<void> finish(const Link& link, Content& root) {
         const auto mask = static_cast<uint8_t>([link.file explicitFilesystemMask]);
@@ -341,9 +379,9 @@ class ContentReader {
         std::string down;
         DRFSObject* meeting = [link.file target];
         for (; !above.contains(meeting); meeting = [meeting parent]) {
-            const auto found = masks_.find(meeting);
-            if (found == masks_.end() || (found->second & mask) == 0)
-                return lost(names_[link.file]);
+            const auto found = items_.find(meeting);
+            if (found == items_.end() || (found->second->filesystems & mask) == 0)
+                return lost(items_.at(link.file)->name);
             down = down.empty() ? nameIn(mask, meeting) : nameIn(mask, meeting) + '/' + down;
         }
         std::string path;
@@ -361,7 +399,7 @@ class ContentReader {
     std::string nameIn(uint8_t mask, DRFSObject* object) {
         const NameRule rule = mask == filesystem::hfsPlus ? NameRule::HFSPlus : NameRule::UDF;
         return mask == filesystem::iso9660
-                   ? names_[object]
+                   ? items_.at(object)->name
                    : composedBytes(
                          [object mangledNameForFilesystem:DRFilesystems()[static_cast<int>(rule)].name]);
     }
@@ -409,8 +447,8 @@ class ContentReader {
     NSString* isoNames_;      ///< the file system that they are asked for
     std::vector<size_t> way_; ///< to the item that is read
     std::vector<Link> links_;
-    std::unordered_map<DRFSObject*, uint8_t> masks_;
-    std::unordered_map<DRFSObject*, std::string> names_; ///< in Rock Ridge
+    std::shared_ptr<KeptFiles> kept_ = std::make_shared<KeptFiles>();
+    std::unordered_map<DRFSObject*, const Content*> items_; ///< only where there are links to be finished
 };
 
 } // namespace

@@ -23,6 +23,8 @@
     NSMutableDictionary* _specificNames; // file system to legal name; nil while nothing is set
     NSMutableArray* _links;              // of NSValue: the links to this object, not retained
     uint32_t _explicitMask;
+  @protected
+    uint32_t _sort; // of a file: where its bytes come from, in the room that is left here
 }
 
 /** YES when the object stands for nothing on disk. */

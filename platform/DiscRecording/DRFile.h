@@ -4,16 +4,25 @@
 
 #import "DRFSObject.h"
 
+// Trees have very many files, so one costs little: it has only what is its sort's. See DRFile.m.
+union DRFileContent {
+    void* bytes;        // of data in memory
+    id producer;        // retained, unless the file is its own
+    NSString* linkType; // retained
+};
+union DRFileMore {
+    NSUInteger length;  // of the bytes
+    DRFSObject* target; // of a link, not retained: nil once it is gone
+};
+
 /**
  * A file on a disc: one that exists on disk, or one that exists only in the tree and has its data in memory,
  * has a producer that makes it, or is a link to something else in the tree.
  */
 @interface DRFile : DRFSObject {
   @private
-    NSData* _data;
-    id _producer; // retained, unless the file is its own
-    NSString* _linkType;
-    DRFSObject* _target; // not retained: nil once it is gone
+    union DRFileContent _content;
+    union DRFileMore _more;
 }
 
 /** A file on disk. A path where no file is fails when it is burned, not here. */

@@ -4,6 +4,9 @@
 #import "DRFilePrivate.h"
 #import "Filesystems.h"
 
+// What _sort says: nothing of that for a file on disk.
+enum { WithData = 1, WithProducer, Link };
+
 // The one file system that the link is for, if it can be.
 static uint32_t MaskOfLink(NSString* linkType, DRFSObject* original, NSString* filesystem) {
     const DRFilesystem* wanted = DRFilesystemNamed(filesystem);
@@ -47,8 +50,19 @@ static uint32_t MaskOfLink(NSString* linkType, DRFSObject* original, NSString* f
 
 - (id)initWithName:(NSString*)name data:(NSData*)data {
     self = [self initWithBaseName:name];
-    if (self != nil)
-        _data = data == nil ? [[NSData alloc] init] : [[NSData alloc] initWithData:data];
+    if (self == nil)
+        return nil;
+    const NSUInteger length = [data length];
+    _content.bytes = length == 0 ? NULL : malloc(length);
+    if (length > 0 && _content.bytes == NULL) {
+        [self release];
+        [NSException raise:NSMallocException
+                    format:@"There is no memory for the %lu bytes of a file.", (unsigned long)length];
+    }
+    if (length > 0)
+        memcpy(_content.bytes, [data bytes], length);
+    _more.length = length;
+    _sort = WithData;
     return self;
 }
 
@@ -59,8 +73,10 @@ static uint32_t MaskOfLink(NSString* linkType, DRFSObject* original, NSString* f
 - (id)initWithName:(NSString*)name dataProducer:(id)producer {
     self = [self initWithBaseName:name];
     // Keeping itself alive would keep it for ever.
-    if (self != nil)
-        _producer = producer == self ? producer : [producer retain];
+    if (self != nil && producer != nil) {
+        _content.producer = producer == self ? producer : [producer retain];
+        _sort = WithProducer;
+    }
     return self;
 }
 
@@ -92,19 +108,23 @@ static uint32_t MaskOfLink(NSString* linkType, DRFSObject* original, NSString* f
     self = [self initWithBaseName:[original baseName]];
     if (self == nil)
         return nil;
-    _linkType = [linkType copy];
-    _target = original;
+    _sort = Link;
+    _content.linkType = [linkType copy];
+    _more.target = original;
     [original addLink:self];
     [self setExplicitFilesystemMask:mask];
     return self;
 }
 
 - (void)dealloc {
-    [_target removeLink:self];
-    if (_producer != self)
-        [_producer release];
-    [_data release];
-    [_linkType release];
+    if (_sort == WithData)
+        free(_content.bytes);
+    if (_sort == WithProducer && _content.producer != self)
+        [_content.producer release];
+    if (_sort == Link) {
+        [_more.target removeLink:self];
+        [_content.linkType release];
+    }
     [super dealloc];
 }
 
@@ -112,24 +132,33 @@ static uint32_t MaskOfLink(NSString* linkType, DRFSObject* original, NSString* f
 
 @implementation DRFile (Private)
 
-- (NSData*)data {
-    return _data;
+- (BOOL)hasData {
+    return _sort == WithData;
+}
+
+- (const void*)bytes {
+    return _sort == WithData ? _content.bytes : NULL;
+}
+
+- (NSUInteger)length {
+    return _sort == WithData ? _more.length : 0;
 }
 
 - (id)producer {
-    return _producer;
+    return _sort == WithProducer ? _content.producer : nil;
 }
 
 - (NSString*)linkType {
-    return _linkType;
+    return _sort == Link ? _content.linkType : nil;
 }
 
 - (DRFSObject*)target {
-    return _target;
+    return _sort == Link ? _more.target : nil;
 }
 
 - (void)forgetTarget {
-    _target = nil;
+    if (_sort == Link)
+        _more.target = nil;
 }
 
 @end

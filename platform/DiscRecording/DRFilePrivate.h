@@ -5,8 +5,10 @@
 #import "DRFile.h"
 
 @interface DRFile (Private)
-/** The data of a virtual file; nil for any other. */
-- (NSData*)data;
+/** Whether it is a virtual file with data in memory, which stay where they are as long as the file. */
+- (BOOL)hasData;
+- (const void*)bytes;
+- (NSUInteger)length;
 /** Nil for a file without. */
 - (id)producer;
 /** Nil for a file that is no link. */

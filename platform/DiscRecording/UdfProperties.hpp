@@ -12,6 +12,6 @@ namespace discrecording {
 engine::Result<void> readUdfProperties(DRFolder* root, engine::DataTrack& track);
 
 /// Reads what UDF only keeps of an item.
-void readUdfAttributes(DRFSObject* object, engine::Attributes& attributes);
+void readUdfAttributes(DRFSObject* object, engine::Rare<engine::Attributes>& attributes);
 
 } // namespace discrecording

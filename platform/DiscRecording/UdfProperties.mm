@@ -91,11 +91,11 @@ engine::Result<void> readUdfProperties(DRFolder* root, engine::DataTrack& track)
     return {};
 }
 
-void readUdfAttributes(DRFSObject* object, engine::Attributes& attributes) {
+void readUdfAttributes(DRFSObject* object, engine::Rare<engine::Attributes>& attributes) {
     if (id realTime = propertyOf(object, DRUDFRealTimeFile); realTime != nil)
-        attributes.realTime = [realTime boolValue];
+        attributes->realTime = [realTime boolValue];
     if (id permissions = propertyOf(object, DRUDFExtendedFilePermissions); permissions != nil)
-        attributes.udfPermissions = static_cast<uint8_t>([permissions unsignedIntValue] & 63);
+        attributes->udfPermissions = static_cast<uint8_t>([permissions unsignedIntValue] & 63);
 }
 
 } // namespace discrecording

@@ -1,6 +1,8 @@
 // What is to be put on a disc: a tree of folders and files, from disk, from memory, or produced on demand.
 #pragma once
 
+#include "Rare.hpp"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -9,6 +11,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -59,8 +62,10 @@ struct RealItem {
     std::string path;
 };
 
+/// Bytes in memory, for as long as `keeper` lives: a tree of many small files has one of those, and copies none.
 struct DataFile {
-    std::string bytes;
+    std::string_view bytes;
+    std::shared_ptr<const void> keeper = nullptr;
 };
 
 struct ProducedFile {
@@ -122,26 +127,28 @@ struct Content {
 
     std::string name;
     Source source;
-    Attributes attributes;
+    Rare<Attributes> attributes = {};
     /// Where the item appears; what a folder lacks, all in it lacks. Left off the disc when nothing is left.
     uint8_t filesystems = filesystem::all;
     std::shared_ptr<const FilesystemNames> names = nullptr; ///< null for most
     uint64_t identity = 0;                                  ///< for links to it; 0 for none
 
     static Content folder(std::string name, std::vector<Content> children = {}) {
-        return {std::move(name), VirtualFolder{std::move(children)}, {}};
+        return {std::move(name), VirtualFolder{std::move(children)}};
     }
     static Content real(std::string path, std::string name = {}) {
-        return {std::move(name), RealItem{std::move(path)}, {}};
+        return {std::move(name), RealItem{std::move(path)}};
     }
     static Content file(std::string name, std::string bytes) {
-        return {std::move(name), DataFile{std::move(bytes)}, {}};
+        auto kept = std::make_shared<const std::string>(std::move(bytes));
+        const std::string_view all = *kept;
+        return {std::move(name), DataFile{all, std::move(kept)}};
     }
     static Content produced(std::string name, std::shared_ptr<FileProducer> producer) {
-        return {std::move(name), ProducedFile{std::move(producer)}, {}};
+        return {std::move(name), ProducedFile{std::move(producer)}};
     }
     static Content link(std::string name, std::string target) {
-        return {std::move(name), SymbolicLink{std::move(target)}, {}};
+        return {std::move(name), SymbolicLink{std::move(target)}};
     }
 };
 

@@ -115,7 +115,7 @@ void SourceReader::begin(const SourceFile& file) {
 
 size_t SourceReader::readSome(const SourceFile& file, std::span<std::byte> buffer) {
     if (file.data != nullptr) {
-        std::memcpy(buffer.data(), file.data->data() + offset_, buffer.size());
+        std::memcpy(buffer.data(), file.data + offset_, buffer.size());
         return buffer.size();
     }
     if (file.producer != nullptr) return askProducer(list_, file, offset_, buffer);

@@ -36,7 +36,7 @@ struct SourceFolder {
 /// A file's contents. Exactly one of data, producer and a file on disk.
 struct SourceFile {
     Fingerprint fingerprint; ///< size is the planned size, for every sort of file
-    const std::string* data = nullptr;
+    const char* data = nullptr;
     FileProducer* producer = nullptr;
     uint32_t folder = 0; ///< index of the SourceFolder, or noFolder when nameAt is a whole path
     uint32_t nameAt = 0; ///< in SourceList::names, ends with a zero byte

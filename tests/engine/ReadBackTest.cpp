@@ -145,8 +145,8 @@ TEST_F(ReadBackTest, virtualItemsLieBesideRealOnes) {
                   Content::folder("inner", {Content::real((source / "real.txt").string(), "renamed.txt")}),
                   Content::link("link", "data.txt")});
     auto& children = std::get<VirtualFolder>(root.source).children;
-    children[0].attributes.mode = 0600;
-    children[0].attributes.modified = 1'234'567'890;
+    children[0].attributes->mode = 0600;
+    children[0].attributes->modified = 1'234'567'890;
     EXPECT_DONE(burn(makeDrive(), layoutOf(std::move(root))));
     // The readers compare with a folder: the same tree, made on disk.
     write("data.txt", "from memory");

@@ -18,6 +18,7 @@ Hierarchy::Hierarchy(Tree tree, Form form, const Rules& rules, int8_t zone)
     check();
     if (form_ == Form::Joliet) { // stored names from now on, so that comparing them is comparing bytes
         std::string wide;
+        wide.reserve(2 * tree_.text.size());
         for (Entry& entry : tree_.entries) {
             const std::string name = wideOf(tree_.nameOf(entry));
             entry = {entry.node, static_cast<uint32_t>(wide.size()), static_cast<uint16_t>(name.size()), 0,

@@ -78,6 +78,9 @@ void addMacFiles(const Tree& tree, View<iso::Tree>& view) {
 template <typename MakeEntries>
 View<iso::Tree> viewOf(const Tree& tree, uint8_t filesystem, bool hasLinks, const MakeEntries& makeEntries) {
     View<iso::Tree> view;
+    view.tree.nodes.reserve(tree.nodes.size());
+    view.tree.entries.reserve(tree.entries.size());
+    view.tree.sections.reserve(tree.extents.size());
     view.nodeOf = makeView(
         tree, filesystem, hasLinks, view.tree.firstEntry,
         [&](uint32_t node) { addNode(view.tree, tree, node); },

@@ -18,6 +18,7 @@ class TreeBuilder {
           now_(track.defaultDate.value_or(std::time(nullptr))) {}
 
     void build(const Content& root, uint8_t filesystems) {
+        reserve(root);
         if (const auto* folder = std::get_if<VirtualFolder>(&root.source)) {
             tree_.nodes[0] = virtualNode(tree_.nodes[0], 0755);
             pending_.push_back({0, folder, filesystems});
@@ -27,7 +28,7 @@ class TreeBuilder {
             fail(ErrorCode::BadLayout,
                  "The root of a disc must be a folder; " + inQuotes(root.name) + " is none.");
         }
-        apply(0, root.attributes);
+        apply(0, *root.attributes);
         if (root.identity != 0) identities_.emplace_back(root.identity, 0);
         while (!pending_.empty()) {
             const Pending folder = pending_.back();
@@ -54,6 +55,34 @@ class TreeBuilder {
     };
 
     using Identity = std::pair<uint64_t, uint32_t>;
+
+    // For all that is in memory: a list that grows needs twice its room on the way.
+    void reserve(const Content& root) {
+        size_t items = 0, files = 0, nameBytes = 0;
+        std::vector<const VirtualFolder*> waiting;
+        const auto count = [&](const Content& item) {
+            ++items;
+            if (const auto* folder = std::get_if<VirtualFolder>(&item.source)) waiting.push_back(folder);
+            if (!std::holds_alternative<DataFile>(item.source) &&
+                !std::holds_alternative<ProducedFile>(item.source))
+                return;
+            ++files;
+            nameBytes += item.name.size() + 1;
+        };
+        count(root);
+        while (!waiting.empty()) {
+            const VirtualFolder* folder = waiting.back();
+            waiting.pop_back();
+            for (const Content& child : folder->children)
+                count(child);
+        }
+        tree_.nodes.reserve(tree_.nodes.size() + items);
+        tree_.entries.reserve(tree_.entries.size() + items);
+        tree_.extents.reserve(tree_.extents.size() + files);
+        sources_.files.reserve(files);
+        sources_.names.reserve(nameBytes);
+        identities_.reserve(items);
+    }
 
     uint32_t nodeOf(uint64_t identity) const {
         const auto found = std::ranges::lower_bound(identities_, identity, {}, &Identity::first);
@@ -130,7 +159,7 @@ class TreeBuilder {
                 continue;
             }
             const uint32_t node = add(folder.node, *child, names, filesystems);
-            apply(node, child->attributes);
+            apply(node, *child->attributes);
             tree_.addEntry(folder.node, node, names, filesystems);
             if (child->identity != 0) identities_.emplace_back(child->identity, node);
         }
@@ -148,7 +177,7 @@ class TreeBuilder {
         }
         if (const auto* real = std::get_if<RealItem>(&item.source))
             return walker_.addItem(real->path, filesystems, tree_.oldFolder(parent, names, filesystems),
-                                   isChanged(item.attributes));
+                                   isChanged(*item.attributes));
         if (const auto* link = std::get_if<SymbolicLink>(&item.source)) {
             if (link->target.empty() || link->target.find('\0') != std::string::npos)
                 fail(ErrorCode::FileLocationConflict,
@@ -161,7 +190,7 @@ class TreeBuilder {
         Node node = virtualNode({}, 0644);
         SourceFile file;
         if (const auto* data = std::get_if<DataFile>(&item.source)) {
-            file.data = &data->bytes;
+            file.data = data->bytes.empty() ? "" : data->bytes.data();
             file.fingerprint.size = data->bytes.size();
         } else {
             prepare(std::get<ProducedFile>(item.source), file, names.name);
@@ -205,7 +234,7 @@ class TreeBuilder {
             fail(ErrorCode::FileLocationConflict,
                  "The hard link " + inQuotes(names.name) +
                      " points at what is no file; a hard link is one more name of a file.");
-        if (isChanged(link.item->attributes)) {
+        if (isChanged(*link.item->attributes)) {
             const uint32_t original = node;
             node = tree_.addNode(Node(tree_.nodes[original]));
             for (auto* const all : {&tree_.mac, &tree_.isoMac})
@@ -213,7 +242,7 @@ class TreeBuilder {
                     const auto mac = found->second;
                     (*all)[node] = mac;
                 }
-            apply(node, link.item->attributes);
+            apply(node, *link.item->attributes);
         }
         tree_.addEntry(link.folder, node, names, link.filesystems);
         return node;
@@ -236,7 +265,7 @@ class TreeBuilder {
         node.kind = NodeKind::Alias;
         node.first = target;
         const uint32_t index = tree_.addNode(node);
-        apply(index, link.item->attributes);
+        apply(index, *link.item->attributes);
         tree_.addEntry(link.folder, index, names, filesystems);
         return index;
     }

@@ -15,7 +15,10 @@ template <typename MakeNode, typename MakeEntries>
 std::vector<uint32_t> makeView(const Tree& tree, uint8_t filesystem, bool hasSymbolicLinks,
                                std::vector<uint32_t>& firstEntry, const MakeNode& makeNode,
                                const MakeEntries& makeEntries) {
-    std::vector<uint32_t> numbers(tree.nodes.size(), none), order{0};
+    std::vector<uint32_t> numbers(tree.nodes.size(), none), order;
+    order.reserve(tree.nodes.size());
+    firstEntry.reserve(tree.nodes.size() + 1);
+    order.push_back(0);
     std::vector<const Entry*> shown;
     uint32_t count = 0;
     numbers[0] = 0;

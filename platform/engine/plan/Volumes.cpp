@@ -83,6 +83,7 @@ Volumes::Volumes(Tree& tree, const DataTrack& track, uint8_t filesystems, const 
     View<iso::Tree> view = isoView(tree, settings.rules);
     std::optional<View<iso::Tree>> joliet;
     if (hasJoliet) joliet = jolietView(tree);
+    tree.entries = {}; // from here on it is about contents; the names have gone where they are needed
     iso_.emplace(std::move(view.tree), joliet ? std::optional(std::move(joliet->tree)) : std::nullopt,
                  settings);
 

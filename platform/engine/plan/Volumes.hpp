@@ -28,7 +28,7 @@ namespace engine::plan {
 
 class Volumes {
   public:
-    /// Places the tree's new extents. Throws what the views and the file systems throw.
+    /// Places the tree's new extents, and takes its names away. Throws what the views and the file systems throw.
     Volumes(Tree& tree, const DataTrack& track, uint8_t filesystems, const ImagePlace& place);
 
     uint64_t blocks() const noexcept { return blocks_; }

@@ -80,13 +80,13 @@ TEST_F(PlanForMacintosh, AHardLinkWithValuesOfItsOwnKeepsTheOthers) {
     std::vector<Content> children;
     children.push_back(Content::file("file", "bytes"));
     children[0].identity = 1;
-    children[0].attributes.mac = std::make_shared<const MacAttributes>(mac);
+    children[0].attributes->mac = std::make_shared<const MacAttributes>(mac);
     mac = {};
     mac.creator = {'o', 't', 'h', 'r'};
     children.push_back({"other creator", HardLink{1}, {}});
-    children[1].attributes.mac = std::make_shared<const MacAttributes>(mac);
+    children[1].attributes->mac = std::make_shared<const MacAttributes>(mac);
     children.push_back({"other mode", HardLink{1}, {}});
-    children[2].attributes.mode = 0600;
+    children[2].attributes->mode = 0600;
     EXPECT_DONE(burn(makeDrive(), discOf(Content::folder("Disc", std::move(children)), both)));
     const std::string listed = look("fls", "");
     const auto valuesOf = [&](const std::string& name) {
@@ -127,17 +127,17 @@ TEST_F(PlanForMacintosh, TypesAndCreatorsAreInIso9660WhereTheyAreGivenForIt) {
     for (const bool rockRidge : {true, false}) {
         std::vector<Content> children;
         children.push_back(Content::file("file.txt", "bytes"));
-        children[0].attributes.isoMac = forIso;
+        children[0].attributes->isoMac = forIso;
         children[0].identity = 1;
         children.push_back({"link", HardLink{1}, {}});
-        children[1].attributes.isoMac = flagsOnly;
+        children[1].attributes->isoMac = flagsOnly;
         children.push_back(Content::file("plain.txt", "plain"));
         children.push_back(Content::folder("folder"));
         std::string names = "file.txt=bytes folder/ ";
         for (char letter = 'a'; letter < 'z'; ++letter) { // names that go on elsewhere
             const std::string name = "g" + std::string(150, letter);
             children.push_back(Content::file(name, "x"));
-            children.back().attributes.isoMac = forIso;
+            children.back().attributes->isoMac = forIso;
             names += name + "=x ";
         }
         Layout what = discOf(Content::folder("Disc", std::move(children)), filesystem::iso9660);
@@ -210,14 +210,14 @@ TEST_F(PlanForMacintosh, DatesAndTheFindersValuesAreKept) {
     mac.iconLocation = {{0x1234, 0x0567}};
     std::vector<Content> children;
     children.push_back(Content::file("file", "bytes"));
-    children[0].attributes.mac = std::make_shared<const MacAttributes>(mac);
-    children[0].attributes.modified = 1'100'000'000;
+    children[0].attributes->mac = std::make_shared<const MacAttributes>(mac);
+    children[0].attributes->modified = 1'100'000'000;
     mac = {};
     mac.windowBounds = {{0x0102, 0x0304, 0x0506, 0x0708}};
     mac.view = 0x0a0b;
     mac.scrollPosition = {{0x0c0d, 0x0e0f}};
     children.push_back(Content::folder("folder"));
-    children[1].attributes.mac = std::make_shared<const MacAttributes>(mac);
+    children[1].attributes->mac = std::make_shared<const MacAttributes>(mac);
     Layout what = discOf(Content::folder("Disc", std::move(children)), both);
     std::get<DataTrack>(what.sessions[0].tracks[0].content).checked = 978'307'200 + 5; // 2001
     EXPECT_DONE(burn(makeDrive(), what));
@@ -240,7 +240,7 @@ TEST_F(PlanForMacintosh, DatesAndTheFindersValuesAreKept) {
 TEST_F(PlanForMacintosh, WhatIsInvisibleIsHiddenInEveryFileSystem) {
     std::vector<Content> children;
     children.push_back(Content::file("hidden", "h"));
-    children[0].attributes.invisible = true;
+    children[0].attributes->invisible = true;
     children.push_back(Content::file("shown", "s"));
     EXPECT_DONE(burn(makeDrive(), discOf(Content::folder("Disc", std::move(children)), filesystem::all)));
     const std::string disc = bytesOf(image());

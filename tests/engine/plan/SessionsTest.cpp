@@ -245,7 +245,7 @@ TEST_F(PlanSessions, WhatIsInvisibleStaysSoUntilItIsAddedAgain) {
     std::vector<Content> children;
     for (const char* name : {"hidden", "shown again"}) {
         children.push_back(Content::folder(name, {Content::file("x", "x")}));
-        children.back().attributes.invisible = true;
+        children.back().attributes->invisible = true;
     }
     EXPECT_DONE(burn(drive, discOf(Content::folder("Disc", std::move(children)), isoAndJoliet), open()));
     EXPECT_DONE(

@@ -26,6 +26,23 @@ TEST(PlanContent, ATreeEndsHoweverDeepItIs) {
     EXPECT_EQ(ends.use_count(), 1);
 }
 
+// A tree is copied and its pieces go: what a burn has is whole all the same.
+TEST_F(PlanTrees, ACopyHasTheBytesAndAttributesOfItsOwn) {
+    Content file = Content::file("file", std::string(5000, 'b'));
+    file.attributes->mode = 0600;
+    Content copy = file;
+    file.attributes->mode = 0644;
+    file = Content::file("another", "bytes");
+    EXPECT_FALSE(file.attributes.isSet());
+    EXPECT_EQ(file.attributes->mode, std::nullopt);
+    std::vector<Content> children{copy, Content::file("empty", "")};
+    copy = Content::folder("nothing");
+    EXPECT_DONE(burn(makeDrive(), discOf(Content::folder("Disc", std::move(children)), filesystem::iso9660)));
+    extractAll(image(), filesystem::iso9660, "Disc");
+    EXPECT_EQ(shown("rr"), "empty= file=" + std::string(5000, 'b') + " ");
+    EXPECT_EQ(run("stat -c '%a %n' rr/*"), "644 rr/empty\n600 rr/file\n");
+}
+
 TEST_F(PlanTrees, NamesMayCrossBetweenSiblings) {
     std::vector<Content> inner;
     inner.push_back(Content::file("in a", "a's"));
@@ -140,10 +157,10 @@ TEST_F(PlanTrees, AHardLinkWithAttributesOfItsOwnHasTheSameBytes) {
     std::vector<Content> children;
     children.push_back(Content::file("file", "only once"));
     children[0].identity = 7;
-    children[0].attributes.mode = 0600;
+    children[0].attributes->mode = 0600;
     children.push_back({"same", HardLink{7}, {}});
     children.push_back({"other", HardLink{7}, {}});
-    children[2].attributes.mode = 0755;
+    children[2].attributes->mode = 0755;
     EXPECT_DONE(burn(makeDrive(), discOf(Content::folder("Disc", std::move(children)), filesystem::iso9660)));
     extractAll(image(), filesystem::iso9660, "Disc");
     EXPECT_EQ(shown("rr"), "file=only once other=only once same=only once ");
