@@ -36,6 +36,12 @@ For Each drive As DRDeviceQRX In Array(source, target)
     If Not drive.mediaIsPresent Then Fail("there is no disc in " + drive.displayName + "; insert one and try again")
 Next
 If source.mediaIsBlank Then Fail("the disc in " + source.displayName + " is blank; there is nothing to copy")
+' What a burn left behind that didn't end well would look like a good disc, copied.
+For Each track As DRTrackQRX In source.status.Value(DRDeviceQRX.DRDeviceTrackRefsKey)
+    If track.properties.Value(DRTrackQRX.DRTrackTypeKey) = DRTrackQRX.DRTrackTypeIncomplete Then
+        Fail("the disc in " + source.displayName + " isn't whole: its burn was stopped or failed; burn it again")
+    End If
+Next
 
 Function Clock(blocks As Integer) As String
     Return Format(blocks \ 4500, "00") + ":" + Format((blocks \ 75) Mod 60, "00") + ":" + Format(blocks Mod 75, "00")

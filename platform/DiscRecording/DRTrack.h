@@ -97,7 +97,8 @@
  * data with the subchannel behind it. DRBlockSizeKey may count those 96 bytes or leave them out. What a burn begins with
  * holds to its end, but for the length that preparing sets.
  *
- * A method that raises fails the burn with 0x80020062; the detail says what was raised.
+ * A method that raises fails the burn with 0x80020062, also while it verifies; the detail says what was raised. The disc is
+ * whole all the same when cleanupTrackAfterBurn: raises.
  */
 @interface NSObject (DRTrackDataProduction)
 

@@ -19,37 +19,6 @@ using engine::Error;
 using engine::ErrorCode;
 using engine::Result;
 
-Error notSupported(NSString* what) {
-    return {
-        ErrorCode::FunctionNotSupported,
-        pathnames::bytesOf([NSString stringWithFormat:@"The track asks for %@, which can't be burned yet; "
-                                                      @"leave it out.",
-                                                      what]),
-        {}};
-}
-
-// Properties that would change what is on the disc, and that the engine does not know: leaving them out in
-// silence would burn something else than was asked for.
-Result<void> checkProperties(NSDictionary* properties) {
-    struct Unknown {
-        NSString* key;
-        ErrorCode code;
-        NSString* harmless; // the one value that asks for nothing; nil when there is none
-    };
-    const Unknown unknown[] = {
-        {DRSubchannelDataFormKey, ErrorCode::FunctionNotSupported, DRSubchannelDataFormNone},
-    };
-    for (const Unknown& row : unknown) {
-        id value = [properties objectForKey:row.key];
-        if (value == nil || (row.harmless != nil && [[value description] isEqualToString:row.harmless]))
-            continue;
-        Error error = notSupported(row.key);
-        error.code = row.code;
-        return error;
-    }
-    return {};
-}
-
 bool isSession(id candidate) {
     if (![candidate isKindOfClass:[NSArray class]] || [static_cast<NSArray*>(candidate) count] == 0)
         return false;
@@ -97,8 +66,6 @@ Result<engine::DataTrack> dataTrackOf(DRTrack* track, bool estimating) {
         return Error{ErrorCode::BadLayout, "The track has no root folder; make it for one.", {}};
     }
     NSDictionary* properties = [track properties];
-    if (const auto allowed = checkProperties(properties); !allowed.ok())
-        return allowed.error();
     engine::DataTrack data;
     if (const auto read = readVolumeProperties(properties, data); !read.ok())
         return read.error();

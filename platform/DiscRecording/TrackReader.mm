@@ -165,6 +165,10 @@ Result<engine::SubchannelForm> subchannelOf(NSDictionary* properties) {
                                    form]);
 }
 
+Error noLength() {
+    return error(ErrorCode::BadLayout, @"The track has no DRTrackLengthKey; set its length in blocks.");
+}
+
 Result<engine::ProducedTrack> producedTrackOf(DRTrack* track, const ProducedFor& producedFor) {
     id producer = [track producer];
     if (producer == nil) {
@@ -185,7 +189,7 @@ Result<engine::ProducedTrack> producedTrackOf(DRTrack* track, const ProducedFor&
         return subchannel.error();
     id length = [properties objectForKey:DRTrackLengthKey];
     if (!isNumber(length))
-        return error(ErrorCode::BadLayout, @"The track has no DRTrackLengthKey; set its length in blocks.");
+        return noLength();
     engine::ProducedTrack produced;
     produced.form = *form;
     produced.blocks = [length unsignedIntValue];
@@ -194,8 +198,38 @@ Result<engine::ProducedTrack> producedTrackOf(DRTrack* track, const ProducedFor&
     return produced;
 }
 
+// A track that brings its own data has properties, too, and what they say is not left out in silence. The six that a track
+// needs must be there.
+Result<void> checkBlocks(NSDictionary* properties, BlockForm burned, NSString* what) {
+    const auto form = blockFormOf(properties);
+    if (!form.ok())
+        return form.error();
+    if (*form != burned) {
+        return error(
+            ErrorCode::BadLayout,
+            [NSString stringWithFormat:@"The track is to have blocks of the form \"%@\", but %@ is burned "
+                                       @"in blocks of the form \"%@\" only; use their constants.",
+                                       pathnames::textOf(nameOf(*form)), what,
+                                       pathnames::textOf(nameOf(burned))]);
+    }
+    const auto subchannel = subchannelOf(properties);
+    if (!subchannel.ok())
+        return subchannel.error();
+    if (*subchannel != engine::SubchannelForm::None) {
+        return error(
+            ErrorCode::FunctionNotSupported,
+            [NSString stringWithFormat:@"The track asks for subchannel data, which %@ doesn't bring; leave "
+                                       @"DRSubchannelDataFormKey out.",
+                                       what]);
+    }
+    return {};
+}
+
 // The sound file as it is now must be the one that the track was made for: programs lay their discs out by its length.
 Result<engine::ProducedTrack> soundTrackOf(DRTrack* track) {
+    if (const auto checked = checkBlocks([track properties], BlockForm::Audio, @"a sound file");
+        !checked.ok())
+        return checked.error();
     auto sound = engine::trackForAudioFile(pathnames::bytesOf([track audioPath]));
     if (!sound.ok())
         return sound.error();
@@ -208,8 +242,8 @@ Result<engine::ProducedTrack> soundTrackOf(DRTrack* track) {
                                  [track audioPath]]);
     }
     id length = [[track properties] objectForKey:DRTrackLengthKey];
-    if (!isNumber(length)) // the file is as long as it is
-        return sound;
+    if (!isNumber(length))
+        return noLength();
     if ([length unsignedIntValue] > sound -> blocks) {
         return error(
             ErrorCode::BadLayout,
@@ -262,6 +296,9 @@ Result<engine::Track> trackOf(DRTrack* track, const ProducedFor& producedFor) {
     if (const auto read = readProperties(made, [track properties]); !read.ok())
         return read.error();
     if ([track rootFolder] != nil) {
+        // It finds its length itself.
+        if (const auto checked = checkBlocks([track properties], BlockForm::Data, @"a folder"); !checked.ok())
+            return checked.error();
         auto data = dataTrackOf(track);
         if (!data.ok())
             return data.error();

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <utility>
 
 namespace engine {
 namespace {
@@ -31,21 +32,29 @@ BurnRun::BurnRun(DriveRef drive, std::shared_ptr<const Layout> layout, const Bur
     : drive_(std::move(drive)), layout_(std::move(layout)), options_(options), signal_(std::move(signal)),
       report_(std::move(report)) {}
 
-// Every source that was prepared is cleaned up, in order; a producer's call that sleeps is not waited for after
-// an abort.
-BurnRun::~BurnRun() {
+BurnRun::~BurnRun() { cleanUp(); }
+
+// Every source that was prepared is cleaned up, once and in order; a producer's call that sleeps is not waited for
+// after an abort. Answers what went wrong first.
+std::optional<Error> BurnRun::cleanUp() noexcept {
     struct Done {
         std::mutex mutex;
         std::condition_variable changed;
         bool done = false;
+        std::optional<Error> problem;
     };
+    if (items_.empty()) return std::nullopt;
     const auto state = std::make_shared<Done>();
     try {
-        runInBackground("disc-clean", [state, items = std::move(items_)]() mutable {
-            for (const Item& item : items)
-                item.source->cleanUp();
+        runInBackground("disc-clean", [state, items = std::exchange(items_, {})]() mutable {
+            std::optional<Error> first;
+            for (const Item& item : items) {
+                auto problem = item.source->cleanUp();
+                if (!first) first = std::move(problem);
+            }
             items.clear();
             const std::lock_guard lock(state->mutex);
+            state->problem = std::move(first);
             state->done = true;
             state->changed.notify_all();
         });
@@ -54,12 +63,21 @@ BurnRun::~BurnRun() {
         while (!signal_->isCanceled() && !isDone())
             state->changed.wait_for(lock, cleanUpAfterAbort, isDone);
         state->changed.wait_for(lock, cleanUpAfterAbort, isDone);
+        return state->problem;
     } catch (...) {
         // Without a thread there is no one to wait for.
+        return std::nullopt;
     }
 }
 
+// Deliberate: what a producer throws when it is to clean up fails a burn, as anywhere else, though the medium is whole by
+// then and stays so: whoever asks is told that the program went wrong.
 void BurnRun::run() {
+    burn();
+    if (auto problem = cleanUp()) throw Failure(std::move(*problem));
+}
+
+void BurnRun::burn() {
     enter(BurnState::Preparing);
     signal_->check();
     if (!drive_) fail(ErrorCode::DeviceInvalid, "There is no drive to burn with; choose one.");

@@ -11,6 +11,7 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace engine {
@@ -24,8 +25,8 @@ class BurnRun {
             SignalRef signal, Report report);
     ~BurnRun();
 
-    /// The whole burn; returns when the medium is durable and the drive is free. Throws Failure; the drive is
-    /// free then, too, and the medium consistent.
+    /// The whole burn; returns when the medium is durable, the drive is free and the producers have cleaned up. Throws
+    /// Failure; the drive is free then, too, and the medium consistent.
     void run();
 
   private:
@@ -39,6 +40,8 @@ class BurnRun {
     };
     PlannedTrack& planned(const Item& item) { return plan_.sessions[item.session][item.track]; }
 
+    void burn();
+    std::optional<Error> cleanUp() noexcept;
     void prepare(BurnTarget& target);
     void prepareTrack(BurnTarget& target, Item& item, const ImagePlace& wanted);
     ImagePlace previousFileSystem(const MediumInfo& medium) const;

@@ -18,8 +18,8 @@ struct ProduceFlags {
     bool subchannelDataRequested = false; ///< the engine sets it: 96 bytes stand behind each block's bytes
 };
 
-/// Called on the engine's threads, one call at a time, in the order below. What a member throws counts as its
-/// failure. After an abort no new call begins but cleanupAfterBurn(), which waits for a call that sleeps.
+/// Called on the engine's threads, one call at a time, in the order below. What a member throws fails the burn with
+/// DataProduction, a Failure with its own code. After an abort no new call begins but cleanupAfterBurn(), which waits for a call that sleeps.
 ///
 ///     prepare, [producePreGap...], produce..., and when the burn verifies:
 ///     prepareForVerification, [verifyPreGap...], verify... or produce..., cleanupAfterVerification;

@@ -54,20 +54,19 @@ class ProducerSource final : public TrackSource {
         } catch (const Failure&) {
             throw;
         } catch (const std::exception& problem) {
-            fail(ErrorCode::DataProduction, who() + ' ' + what + "; nothing more was asked of it.",
-                 problem.what());
+            fail(ErrorCode::DataProduction, who() + ' ' + what + '.', problem.what());
         } catch (...) {
-            fail(ErrorCode::DataProduction, who() + ' ' + what + "; nothing more was asked of it.");
+            fail(ErrorCode::DataProduction, who() + ' ' + what + '.');
         }
     }
 
+    // What a producer throws is a failure of its own, not a disc that differs.
+    static constexpr const char* whileVerifying =
+        "failed while the disc was verified; mend it, and burn again";
+
     template <typename Call>
-    static bool attempt(const Call& call) noexcept {
-        try {
-            return call();
-        } catch (...) {
-            return false;
-        }
+    bool attempt(const Call& call) const {
+        return guard(whileVerifying, call);
     }
 
   public:
@@ -79,7 +78,10 @@ class ProducerSource final : public TrackSource {
 
     uint64_t prepare(const MediumInfo& medium, const ImagePlace&, const Signal&) override {
         const std::lock_guard lock(mutex_);
-        if (!guard("can't prepare its data", [&] { return producer_->prepare(blocks_, medium); }))
+        if (!guard("can't prepare its data; nothing more was asked of it", [&] {
+                wasToPrepare_ = true;
+                return producer_->prepare(blocks_, medium);
+            }))
             fail(ErrorCode::DataProduction, who() + " could not prepare its data; the disc is untouched.");
         if (blocks_ == 0)
             fail(ErrorCode::BadLayout, "Track " + std::to_string(number_) + " has no length; give it one.");
@@ -89,8 +91,8 @@ class ProducerSource final : public TrackSource {
 
     size_t readPreGap(std::span<std::byte> buffer, uint64_t blocks) override {
         const std::lock_guard lock(mutex_);
-        uint64_t bytes = blocks * blockBytes_;
-        return fill(buffer, preGapGiven_, bytes, [&](uint64_t block, auto part, ProduceFlags& flags) {
+        if (!preGapBytes_) preGapBytes_ = blocks * blockBytes_;
+        return fill(buffer, preGapGiven_, *preGapBytes_, [&](uint64_t block, auto part, ProduceFlags& flags) {
             return producer_->producePreGap(block, part, flags);
         });
     }
@@ -105,6 +107,7 @@ class ProducerSource final : public TrackSource {
     bool beginVerification() override {
         const std::lock_guard lock(mutex_);
         given_ = 0;
+        isVerifying_ = true;
         return attempt([&] { return producer_->prepareForVerification(); });
     }
     bool endVerification() override {
@@ -120,13 +123,21 @@ class ProducerSource final : public TrackSource {
         return attempt([&] { return producer_->verify(block, bytes); });
     }
 
-    void cleanUp() noexcept override {
+    std::optional<Error> cleanUp() noexcept override {
         ended_ = true;
         const std::lock_guard lock(mutex_); // a call that sleeps is waited for
-        attempt([&] {
+        if (!wasToPrepare_) return std::nullopt;
+        Error error{ErrorCode::DataProduction,
+                    who() + " failed when it was to clean up; the burn itself was over.",
+                    {}};
+        try {
             producer_->cleanupAfterBurn();
-            return true;
-        });
+            return std::nullopt;
+        } catch (const std::exception& problem) {
+            error.info = problem.what();
+        } catch (...) {
+        }
+        return error;
     }
 
   private:
@@ -137,8 +148,9 @@ class ProducerSource final : public TrackSource {
             const auto room = static_cast<size_t>(std::min<uint64_t>(buffer.size() - filled, total - given));
             ProduceFlags flags;
             flags.subchannelDataRequested = withSubchannel_;
-            const size_t count = guard(
-                "failed", [&] { return call(given / blockBytes_, buffer.subspan(filled, room), flags); });
+            const size_t count =
+                guard(isVerifying_ ? whileVerifying : "failed; nothing more was asked of it",
+                      [&] { return call(given / blockBytes_, buffer.subspan(filled, room), flags); });
             if (count > room)
                 fail(ErrorCode::DataProduction,
                      who() + " gave more data than it was asked for; nothing of the rest was written.",
@@ -179,7 +191,9 @@ class ProducerSource final : public TrackSource {
     bool withSubchannel_;
     std::mutex mutex_; // held while the producer is called
     std::atomic<bool> ended_{false};
+    bool wasToPrepare_ = false, isVerifying_ = false;
     uint64_t bytes_ = 0, given_ = 0, preGapGiven_ = 0;
+    std::optional<uint64_t> preGapBytes_; // fewer after the producer said that there is no more
 };
 
 } // namespace

@@ -32,10 +32,11 @@ class TrackSource {
 
     /// The way of verification that is possible: Checksum for what can't be asked.
     virtual Verification verification(Verification wanted) const noexcept { return wanted; }
-    /// Whether the source is content with being verified, before and after it is.
+    /// Whether the source is content with being verified, before and after it is. What its producer throws is a Failure,
+    /// here and when it is asked again or shown what was read.
     virtual bool beginVerification() { return true; }
     virtual bool endVerification() { return true; }
-    /// Whether these blocks, read from the medium, are right; in order, the pre-gap first. Throws nothing.
+    /// Whether these blocks, read from the medium, are right; in order, the pre-gap first.
     virtual bool verifyPreGap(uint64_t block, std::span<const std::byte> bytes) {
         (void)block, (void)bytes;
         return true;
@@ -51,8 +52,8 @@ class TrackSource {
         return std::nullopt;
     }
 
-    /// After the burn, once, for a source that prepare() was called for.
-    virtual void cleanUp() noexcept {}
+    /// After the burn, once. Tells a producer that was asked to prepare, and answers what went wrong in it.
+    virtual std::optional<Error> cleanUp() noexcept { return std::nullopt; }
 };
 
 /// `layout` holds the track and is kept as long as the source.

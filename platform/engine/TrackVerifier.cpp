@@ -22,8 +22,20 @@ size_t TrackVerifier::next(std::span<std::byte> buffer) {
     try {
         return check(buffer);
     } catch (const Mismatch&) {
-        if (!std::exchange(ended_, true) && way_ != Verification::Checksum) source_->endVerification();
+        cleanUp();
         throw;
+    } catch (const Failure& failure) {
+        if (failure.error().code != ErrorCode::UserCanceled) cleanUp();
+        throw;
+    }
+}
+
+// What was found first is told; what goes wrong after it is not.
+void TrackVerifier::cleanUp() noexcept {
+    if (std::exchange(ended_, true) || way_ == Verification::Checksum) return;
+    try {
+        source_->endVerification();
+    } catch (...) {
     }
 }
 
@@ -101,16 +113,10 @@ bool TrackVerifier::isRight(std::span<const std::byte> bytes) {
     }
     again_.resize(std::max(again_.size(), bytes.size()));
     const std::span<std::byte> produced(again_.data(), bytes.size());
-    try {
-        size_t filled = 0;
-        while (filled < produced.size()) {
-            const size_t count = source_->read(produced.subspan(filled));
-            if (count == 0) return false;
-            filled += count;
-        }
-    } catch (const Failure& failure) {
-        if (failure.error().code == ErrorCode::UserCanceled) throw;
-        differs(position_, position_, failure.error().message + ' ' + failure.error().info);
+    for (size_t filled = 0; filled < produced.size();) {
+        const size_t count = source_->read(produced.subspan(filled));
+        if (count == 0) return false;
+        filled += count;
     }
     return std::memcmp(produced.data(), bytes.data(), bytes.size()) == 0;
 }

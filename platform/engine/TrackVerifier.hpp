@@ -25,14 +25,15 @@ class TrackVerifier {
     TrackVerifier(std::shared_ptr<MediumReader> reader, TrackInfo track, std::shared_ptr<TrackSource> source,
                   Verification way, std::vector<uint64_t> checksums, uint64_t bytes, uint64_t preGapBlocks);
 
-    /// Reads the next piece into `buffer` and checks it; answers the bytes, 0 at the end. Throws Mismatch, after which
-    /// nothing more is asked.
+    /// Reads the next piece into `buffer` and checks it; answers the bytes, 0 at the end. Throws Mismatch, or Failure
+    /// when the producer fails by itself; nothing more is asked after that.
     size_t next(std::span<std::byte> buffer);
 
   private:
     size_t check(std::span<std::byte> buffer);
     void begin(std::span<std::byte> buffer);
     void end();
+    void cleanUp() noexcept;
     size_t readFull(int64_t block, std::span<std::byte> buffer);
     bool isRight(std::span<const std::byte> bytes);
     [[noreturn]] void differs(uint64_t fromByte, uint64_t toByte, const std::string& how) const;

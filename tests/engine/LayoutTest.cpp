@@ -41,6 +41,26 @@ class LayoutTest : public EngineTest {
     }
 };
 
+// Tracks are counted through all sessions of a disc.
+TEST_F(LayoutTest, aDiscHas99TracksAndNotOneMore) {
+    const auto cd = drive(MediumKind::CDR);
+    BurnOptions appendable;
+    appendable.appendable = true;
+    EXPECT_DONE(burn(cd, of(std::vector<Track>(1, song())), appendable));
+    EXPECT_FAILED(burn(cd, of(std::vector<Track>(99, song(4))), appendable), BadLayout,
+                  "The disc would have 100 tracks; it can't have more than 99.");
+    std::vector<Track> many;
+    for (uint64_t number = 2; number <= 99; ++number)
+        many.push_back(song(4, number));
+    EXPECT_DONE(burn(cd, of(std::move(many)), appendable));
+    const auto medium = cd->mediumInfo();
+    ASSERT_EQ(medium->sessions.size(), 2u);
+    ASSERT_EQ(medium->sessions[1].tracks.size(), 98u);
+    EXPECT_EQ(medium->sessions[1].tracks.back().number, 99u);
+    EXPECT_FAILED(burn(cd, of({song(4)}), appendable), BadLayout,
+                  "The disc would have 100 tracks; it can't have more than 99.");
+}
+
 TEST_F(LayoutTest, tracksThatAMediumCannotTake) {
     refuses(drive(MediumKind::DVDR), of({data(), data()}), ErrorCode::TooManyTracksForDVD,
             "A session has 2 tracks, but the DVD-R in \"Virtual Disc Drive 1\" holds one in each; put in a "

@@ -7,6 +7,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -39,10 +40,11 @@ class TestProducer : public engine::TrackProducer {
         return preparing;
     }
     bool producesPreGap() override { return preGap; }
-    size_t producePreGap(uint64_t, std::span<std::byte> buffer, engine::ProduceFlags&) override {
+    size_t producePreGap(uint64_t block, std::span<std::byte> buffer, engine::ProduceFlags& flags) override {
         note("producePreGap");
+        ++preGapCalls;
         std::fill(buffer.begin(), buffer.end(), std::byte{0x55});
-        return buffer.size();
+        return gapFault ? gapFault(block * bytesPerBlock, buffer, flags) : buffer.size();
     }
     size_t produce(uint64_t block, std::span<std::byte> buffer, engine::ProduceFlags& flags) override {
         note("produce");
@@ -96,12 +98,20 @@ class TestProducer : public engine::TrackProducer {
     size_t largest = 0;
     /// What produce() answers, or throws.
     std::function<size_t(uint64_t given, std::span<std::byte>, engine::ProduceFlags&)> fault;
+    /// The same of the pre-gap.
+    std::function<size_t(uint64_t from, std::span<std::byte>, engine::ProduceFlags&)> gapFault;
+    int preGapCalls = 0;
+    /// Calls that throw: "produce again" is a second one, for verification.
+    std::set<std::string, std::less<>> throwsIn;
 
   private:
     void note(std::string_view call) {
-        const std::lock_guard lock(mutex_);
-        if (calls_.ends_with(std::string(call) + ' ')) return;
-        calls_ += std::string(call) + ' ';
+        {
+            const std::lock_guard lock(mutex_);
+            if (!calls_.ends_with(std::string(call) + ' ')) calls_ += std::string(call) + ' ';
+        }
+        if (throwsIn.contains(std::string(call) + (again && call == "produce" ? " again" : "")))
+            throw std::runtime_error(std::string(call) + " is torn");
     }
     mutable std::mutex mutex_;
     std::string calls_;

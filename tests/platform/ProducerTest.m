@@ -172,9 +172,19 @@ static void TestAnswers(void) {
 
     Producer* raising = [[Producer new] autorelease];
     raising->raisesAt = 1 << 20;
-    ExpectError("raises", BurnOn(Device("DVD+RW"), DataTrack(raising, 1500), nil), 0x80020062,
+    device = Device("DVD+RW");
+    ExpectError("raises", BurnOn(device, DataTrack(raising, 1500), nil), 0x80020062,
                 @"OutOfPaper: at byte 1048576");
     SAME("cleaned up", [raising->calls lastObject], @"cleanup");
+    PASS("and blank still", [device mediaIsBlank]);
+    raising->expected = 0;
+    device = Device("DVD+R");
+    ExpectError("raises on what is written once", BurnOn(device, DataTrack(raising, 1500), nil), 0x80020062,
+                @"OutOfPaper: at byte 1048576");
+    NSArray* onDisc = [[device status] objectForKey:DRDeviceTrackRefsKey];
+    PASS("a track was begun", [onDisc count] == 1);
+    SAME("which says so", [[[onDisc lastObject] properties] objectForKey:DRTrackTypeKey],
+         DRTrackTypeIncomplete);
 }
 
 static void TestOwnProducer(void) {

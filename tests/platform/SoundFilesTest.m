@@ -113,10 +113,54 @@ static void TestReplacedAudioFiles(NSString* place) {
                               memcmp([bin bytes], (const char*)[other bytes] + 44, [bin length]) == 0);
 }
 
+// Tracks that bring their data themselves have properties, too: what they ask for is burned, or refused.
+static void TestPropertiesOfOwnData(NSString* place) {
+    NSString* path = [place stringByAppendingPathComponent:@"own.wav"];
+    [Sound(300 * 588) writeToFile:path atomically:NO];
+    NSString* keys[] = {DRBlockSizeKey,     DRBlockTypeKey, DRDataFormKey,
+                        DRSessionFormatKey, DRTrackModeKey, DRTrackLengthKey};
+    DRDevice* device = Device("CD-R");
+    for (int folder = 0; folder < 2; folder++) {
+        DRTrack* track = folder ? [DRTrack trackForRootFolder:[DRFolder virtualFolderWithName:@"x"]]
+                                : [DRTrack trackForAudioFile:path];
+        NSDictionary* whole = [track properties];
+        // A folder's length is what it needs.
+        for (size_t i = 0; i < sizeof keys / sizeof *keys - (folder ? 1 : 0); i++) {
+            NSMutableDictionary* properties = [NSMutableDictionary dictionaryWithDictionary:whole];
+            [properties removeObjectForKey:keys[i]];
+            [track setProperties:properties];
+            ExpectError("a missing key is named", BurnOn(device, track, nil), 0x80020065, keys[i]);
+        }
+        [track setProperties:whole];
+        SetNumber(track, DRBlockSizeKey, folder ? 2352 : 2048);
+        ExpectError("blocks that are none", BurnOn(device, track, nil), 0x80020065, @"don't go together");
+        if (folder)
+            SetKind(track, kDRBlockSizeMode2Form1Data, kDRBlockTypeMode2Form1Data, kDRDataFormMode2Form1Data,
+                    kDRSessionFormatCDXA, kDRTrackMode2Form1Data);
+        else
+            SetKind(track, kDRBlockSizeMode1Data, kDRBlockTypeMode1Data, kDRDataFormMode1Data,
+                    kDRSessionFormatMode1Data, kDRTrackMode1Data);
+        ExpectError("blocks of others", BurnOn(device, track, nil), 0x80020065,
+                    folder ? @"but a folder is burned in blocks" : @"but a sound file is burned in blocks");
+        [track setProperties:whole];
+        Set(track, DRSubchannelDataFormKey, DRSubchannelDataFormRaw);
+        ExpectError("subchannel data", BurnOn(device, track, nil), 0x80020067, @"asks for subchannel data");
+        PASS("nothing was written", [device mediaIsBlank]);
+        Set(track, DRSubchannelDataFormKey, DRSubchannelDataFormNone);
+        ExpectDone("none of them", BurnOn(Device("CD-R"), track, nil));
+        device = Device("CD-R");
+    }
+    DRTrack* onDVD = [DRTrack trackForRootFolder:[DRFolder virtualFolderWithName:@"x"]];
+    SetKind(onDVD, kDRBlockSizeDVDData, kDRBlockTypeDVDData, kDRDataFormDVDData, kDRSessionFormatDVDData,
+            kDRTrackModeDVDData);
+    ExpectDone("a folder in a DVD's blocks", BurnOn(Device("DVD+R"), onDVD, nil));
+}
+
 int main(void) {
     NSAutoreleasePool* pool = [NSAutoreleasePool new];
     NSString* place = BeginBurning();
     TestAudioFiles(place);
+    TestPropertiesOfOwnData(place);
     TestReplacedAudioFiles(place);
     return EndBurning(place, pool);
 }

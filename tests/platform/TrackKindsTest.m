@@ -22,20 +22,27 @@ static void TestRequiredKeys(void) {
 static void TestKinds(void) {
     struct {
         int size, type, form, session, mode;
-    } kinds[] = {{kDRBlockSizeMode1Data, kDRBlockTypeMode1Data, kDRDataFormMode1Data,
-                  kDRSessionFormatMode1Data, kDRTrackMode1Data},
-                 {kDRBlockSizeMode2Data, kDRBlockTypeMode2Data, kDRDataFormMode2Data, kDRSessionFormatCDXA,
-                  kDRTrackMode2Data},
-                 {kDRBlockSizeMode2Form1Data, kDRBlockTypeMode2Form1Data, kDRDataFormMode2Form1Data,
-                  kDRSessionFormatCDXA, kDRTrackMode2Form1Data},
-                 {kDRBlockSizeMode2Form2Data, kDRBlockTypeMode2Form2Data, kDRDataFormMode2Form2Data,
-                  kDRSessionFormatCDXA, kDRTrackMode2Form2Data},
-                 {kDRBlockSizeMode2Data, kDRBlockTypeMode2Data, kDRDataFormMode2Data, kDRSessionFormatCDI,
-                  kDRTrackMode2Data},
-                 {kDRBlockSizeMode2Form1Data, kDRBlockTypeMode2Form1Data, kDRDataFormMode2Form1Data,
-                  kDRSessionFormatCDI, kDRTrackMode2Form1Data}};
+    } kinds[] = {
+        {kDRBlockSizeAudio, kDRBlockTypeAudio, kDRDataFormAudio, kDRSessionFormatAudio, kDRTrackModeAudio},
+        {kDRBlockSizeDVDData, kDRBlockTypeDVDData, kDRDataFormDVDData, kDRSessionFormatDVDData,
+         kDRTrackModeDVDData},
+        {kDRBlockSizeMode1Data, kDRBlockTypeMode1Data, kDRDataFormMode1Data, kDRSessionFormatMode1Data,
+         kDRTrackMode1Data},
+        {kDRBlockSizeMode2Data, kDRBlockTypeMode2Data, kDRDataFormMode2Data, kDRSessionFormatCDXA,
+         kDRTrackMode2Data},
+        {kDRBlockSizeMode2Form1Data, kDRBlockTypeMode2Form1Data, kDRDataFormMode2Form1Data,
+         kDRSessionFormatCDXA, kDRTrackMode2Form1Data},
+        {kDRBlockSizeMode2Form2Data, kDRBlockTypeMode2Form2Data, kDRDataFormMode2Form2Data,
+         kDRSessionFormatCDXA, kDRTrackMode2Form2Data},
+        {kDRBlockSizeMode2Data, kDRBlockTypeMode2Data, kDRDataFormMode2Data, kDRSessionFormatCDI,
+         kDRTrackMode2Data},
+        {kDRBlockSizeMode2Form1Data, kDRBlockTypeMode2Form1Data, kDRDataFormMode2Form1Data,
+         kDRSessionFormatCDI, kDRTrackMode2Form1Data},
+        {kDRBlockSizeMode2Form2Data, kDRBlockTypeMode2Form2Data, kDRDataFormMode2Form2Data,
+         kDRSessionFormatCDI, kDRTrackMode2Form2Data}};
     for (size_t i = 0; i < sizeof kinds / sizeof *kinds; i++) {
-        DRDevice* device = Device("CD-R");
+        const char* kind = kinds[i].mode == kDRTrackModeDVDData ? "DVD-R" : "CD-R";
+        DRDevice* device = Device(kind);
         DRTrack* track = DataTrack([[Filler new] autorelease], 320);
         SetKind(track, kinds[i].size, kinds[i].type, kinds[i].form, kinds[i].session, kinds[i].mode);
         Set(track, DRVerificationTypeKey, DRVerificationTypeChecksum);
@@ -48,8 +55,9 @@ static void TestKinds(void) {
         SAME("its form", [told objectForKey:DRDataFormKey], [NSNumber numberWithInt:kinds[i].form]);
         SAME("its session", [told objectForKey:DRSessionFormatKey],
              [NSNumber numberWithInt:kinds[i].session]);
+        SAME("its mode", [told objectForKey:DRTrackModeKey], [NSNumber numberWithInt:kinds[i].mode]);
         // Of one constant's row with a size of another's.
-        DRDevice* blank = Device("CD-R");
+        DRDevice* blank = Device(kind);
         SetNumber(track, DRBlockSizeKey, kinds[i].size + 4);
         ExpectError("a size that does not fit", BurnOn(blank, track, nil), 0x80020065, @"don't go together");
         PASS("nothing was written", [blank mediaIsBlank]);

@@ -121,6 +121,7 @@ Call BurnOf("differs", DRTrackQRX.DRVerificationTypeReceiveData)
 Call BurnOf("raises", DRTrackQRX.DRVerificationTypeNone)
 ' expect: raised: no bytes today
 ' expect: 80020062: prepare produce cleanup
+Print DRDeviceQRX.device(0).mediaSpaceUsed.sectors           ' expect: 2000
 
 ' A buffer is the event's for as long as it runs.
 Dim keeper As Produced = BurnOf("keeps", DRTrackQRX.DRVerificationTypeNone) ' expect: done: prepare produce cleanup
