@@ -130,6 +130,18 @@ class Trees(ExamplesCase):
         self.assertEqual((record.access_time.year, record.access_time.second, record.mod_time.second), (2001, 45, 40))
         iso.close()
 
+    def test_names_from_texts_in_any_encoding(self):
+        lines = ["Dim bytes As New MemoryBlock(4)", *(f"bytes.UInt8Value({at}) = {byte}" for at, byte in enumerate(b"G\xf6\xdfe"))]
+        for number, text in enumerate(("DefineEncoding(bytes.StringValue(0, 4), Encodings.ISOLatin1)",
+                                       'ConvertEncoding("Gr" + Chr(252) + "n", Encodings.UTF16)',
+                                       'ConvertEncoding(Chr(196) + "ra", Encodings.MacRoman)', "bytes.StringValue(0, 4)",
+                                       "DefineEncoding(bytes.StringValue(0, 4), Encodings.UTF8)")):
+            lines += [f"Dim f{number} As DRFileQRX = DRFileQRX.virtualFileWithName({text}, Nil)", f"root.addChild(f{number})"]
+        self.assertEqual(self.burn_tree(lines), ["DRStatusStateDone"])
+        names = ["Göße", "Grün", "Ära", "Gˆﬂe", "G\ufffd\ufffde"]
+        self.assertEqual(sorted(self.files_on(self.image())), sorted(names))
+        self.assertEqual(self.joliet(self.image()), sorted("/" + name for name in names))
+
     # ---- one file system and another --------------------------------------------------------------------------
 
     def test_an_item_that_is_in_one_file_system_only_is_in_no_other(self):
