@@ -531,6 +531,15 @@ class Audio(ExamplesCase):
             file.write(b"".join(sectors[at + 16:at + 2064] for at in range(0, len(sectors), 2352)))
         self.assertEqual(self.told("isoinfo", "-R", "-N", str(start), "-i", user, "-x", "/letter.txt"),
                          "Dear reader,\n")
+        # Readers of sheets see both tracks, whole. (cd-info counts a second file's track from 0.)
+        there = os.path.join(self.drives, "b")
+        toc = self.told("cdrdao", "show-toc", "medium.cue", cwd=there)
+        self.assertRegex(toc, r"TRACK  1  Mode AUDIO:[^:]*START  00:00:00\( +0\)\s+END +\S+\( +800\)")
+        self.assertRegex(toc, r"TRACK  2  Mode MODE1_RAW:[^:]*START  00:10:50\( +800\)\s+END +\S+\( *%d\)"
+                         % (800 + len(sectors) // 2352))
+        info = self.told("cd-info", "--no-header", "--no-device-info", "--no-cddb", "--cue-file",
+                         os.path.join(there, "medium.cue"))
+        self.assertRegex(info, r"(?m)^  1: 00:02:00  000000 audio .*\n  2: \S+  \d+ data ")
 
     def test_all_tracks_of_all_sessions_of_a_sheet_are_copied_and_counted(self):
         self.cd("a", "First")
