@@ -43,8 +43,8 @@ Class Produced Inherits DRTrackQRX
         If Mode = "zero" And address > 0 Then Return 0
         If Mode = "too much" And address > 0 Then Return Bufferlen + 1
         Dim bytes As Integer = Bufferlen
-        If Mode = "little" And bytes > 5000 Then bytes = 5000
-        If bytes > Len(Produced.Pattern) Then bytes = Len(Produced.Pattern)
+        If Mode = "little" And bytes > 20000 Then bytes = 20000 ' an end inside a block
+        If bytes > 65536 Then bytes = 65536
         buffer.StringValue(0, bytes) = Left(Produced.Pattern, bytes)
         If Mode = "changes" And Again And address > 0 Then buffer.UInt8Value(0) = 120
         Return bytes
@@ -99,29 +99,29 @@ Sub TellTrack(track As DRTrackQRX)
 End Sub
 
 ' What the producer answers.
-TellTrack(New Produced("zero", 2000))     ' expect: 80020062 True
-TellTrack(New Produced("too much", 2000)) ' expect: 80020062 True
+TellTrack(New Produced("zero", 400))     ' expect: 80020062 True
+TellTrack(New Produced("too much", 400)) ' expect: 80020062 True
 ' A verification that finds a difference leaves a disc that openly can't be trusted.
-TellTrack(New Produced("changes", 2000))  ' expect: 80020063 False
+TellTrack(New Produced("changes", 400))  ' expect: 80020063 False
 For Each onDisc As DRTrackQRX In DRDeviceQRX.device(0).status.Value(DRDeviceQRX.DRDeviceTrackRefsKey)
     Print onDisc.properties.Value(DRTrackQRX.DRTrackTypeKey) ' expect: DRTrackTypeIncomplete
 Next
-TellTrack(New Produced("little", 2000))   ' expect: DRStatusStateDone False
-Print DRDeviceQRX.device(0).mediaSpaceUsed.sectors ' expect: 2000
+TellTrack(New Produced("little", 400))   ' expect: DRStatusStateDone False
+Print DRDeviceQRX.device(0).mediaSpaceUsed.sectors ' expect: 400
 
-' What comes after a burn that failed finds the disc as it was: 2000 blocks.
+' What comes after a burn that failed finds the disc as it was.
 ' An object that lets itself go in its own event ends when the event does, and its burn in order.
 Dim before As Integer = Produced.Ended
-Produced.Current = New Produced("drops itself", 2000)
+Produced.Current = New Produced("drops itself", 400)
 Dim dropped As DRBurnQRX = NewBurn
 dropped.writeLayout(Produced.Current)
 Tell(dropped)                             ' expect: 80020062 False
 Print Produced.Ended - before             ' expect: 1
-Print DRDeviceQRX.device(0).mediaSpaceUsed.sectors ' expect: 2000
+Print DRDeviceQRX.device(0).mediaSpaceUsed.sectors ' expect: 400
 Print DRDeviceQRX.device(0).mediaIsBusy   ' expect: False
 
 ' A producer is asked for one thing at a time.
-Dim tested As New Produced("speed", 2000)
+Dim tested As New Produced("speed", 400)
 tested.Speed = -1
 TellTrack(tested)                         ' expect: DRStatusStateDone False
 ' expect stderr: The speed of a track can't be tested: The track is being burned
@@ -187,4 +187,4 @@ Next
 ' expect stderr: cut.wav" is no sound
 
 ' After all of it the disc is what the last good burn made.
-Print DRDeviceQRX.device(0).mediaSpaceUsed.sectors ' expect: 2000
+Print DRDeviceQRX.device(0).mediaSpaceUsed.sectors ' expect: 400
