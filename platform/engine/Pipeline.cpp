@@ -1,8 +1,7 @@
 // One thread fills buffers while another uses them.
 #include "Pipeline.hpp"
 #include "Background.hpp"
-
-#include <xxhash.h>
+#include "XXH3.hpp"
 
 namespace engine {
 namespace {

@@ -1,8 +1,8 @@
 // The sum over all bytes of a track, which a virtual medium keeps.
 #include "TrackSum.hpp"
+#include "XXH3.hpp"
 
 #include <new>
-#include <xxhash.h>
 
 namespace engine {
 

@@ -1,11 +1,11 @@
 // Reads a track back and compares it.
 #include "TrackVerifier.hpp"
 #include "Failure.hpp"
+#include "XXH3.hpp"
 
 #include <algorithm>
 #include <cstring>
 #include <utility>
-#include <xxhash.h>
 
 namespace engine {
 

@@ -1,7 +1,9 @@
 // Verification reads the medium, not memory, and finds a single byte.
 #include "Fixture.hpp"
+#include "TrackSum.hpp"
 
 #include <functional>
+#include <xxhash.h>
 
 using namespace engine;
 
@@ -73,6 +75,17 @@ TEST_F(VerifyTest, marksAWriteOnceMedium) {
     EXPECT_EQ(nameOf(status.state), "Failed");
     EXPECT_EQ(openDrive()->mediumInfo()->state, MediumState::Incomplete);
     EXPECT_FALSE(openDrive()->mediumInfo()->overwritable);
+}
+
+// Media keep sums, and go to computers with other processors.
+TEST_F(VerifyTest, aTracksSumIsThatOfItsBytesOnEveryProcessor) {
+    for (const size_t bytes : {0u, 1u, 240u, 241u, 5'000u, 3'000'001u}) {
+        const std::string all = noise(bytes);
+        TrackSum sum;
+        for (size_t at = 0; at < bytes; at += 1'000'000)
+            sum.add(std::as_bytes(std::span(all).subspan(at, std::min<size_t>(1'000'000, bytes - at))));
+        EXPECT_EQ(sum.value(), XXH3_64bits(all.data(), all.size())) << bytes;
+    }
 }
 
 TEST_F(VerifyTest, isLeftOutWhenTheBurnOrTheTrackSaysSo) {

@@ -26,6 +26,8 @@ TEST(PlanContent, ATreeEndsHoweverDeepItIs) {
     EXPECT_EQ(ends.use_count(), 1);
 }
 
+TEST(PlanContent, AnItemCostsLittle) { EXPECT_LE(sizeof(Content), 128u) << "trees have 100,000 of them"; }
+
 // A tree is copied and its pieces go: what a burn has is whole all the same.
 TEST_F(PlanTrees, ACopyHasTheBytesAndAttributesOfItsOwn) {
     Content file = Content::file("file", std::string(5000, 'b'));
