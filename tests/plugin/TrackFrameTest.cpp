@@ -3,6 +3,7 @@
 #include "plugin/bridge/Wrappers.hpp"
 #include "tests/plugin/OwnResolver.hpp"
 #include "tests/plugin/ProgramsTracks.hpp"
+#include "tests/plugin/Replaced.hpp"
 
 #include <algorithm>
 #include <array>
@@ -203,15 +204,54 @@ TEST_F(TrackFrame, NothingThatTheHostAnsweredIsKept) {
 }
 
 REALboolean answersOddly(REALobject) { return REALboolean{0x80}; }
+REALboolean preparesOddly(REALobject, REALobject) { return REALboolean{0x80}; }
+REALboolean verifiesOddly(REALobject, REALmemoryBlock, uint32_t, uint64_t, uint32_t, uint32_t*) {
+    return REALboolean{0x80};
+}
 
 TEST_F(TrackFrame, ABooleanIsTheByteThatTheEventAnswers) {
     const Ref track = trackWith({});
-    substitute = reinterpret_cast<REALproc>(&answersOddly);
     const objc::Id id = platform(track);
     const auto oddly = static_cast<objc::Boolean>(0x80);
+    substitute = reinterpret_cast<REALproc>(&answersOddly);
     EXPECT_EQ((objc::send<"prepareTrackForVerification:", objc::Boolean>(id, id)), oddly);
     EXPECT_EQ((objc::send<"cleanupTrackAfterVerification:", objc::Boolean>(id, id)), oddly);
+    substitute = reinterpret_cast<REALproc>(&preparesOddly);
+    EXPECT_EQ((objc::send<"prepareTrack:forBurn:toMedia:", objc::Boolean>(id, id, objc::Id(), objc::Id())),
+              oddly);
+    substitute = reinterpret_cast<REALproc>(&verifiesOddly);
+    char buffer[16] = {};
+    uint32_t flags = 0;
+    EXPECT_EQ((objc::send<"verifyPreGapForTrack:inBuffer:length:atAddress:blockSize:ioFlags:", objc::Boolean>(
+                  id, id, static_cast<void*>(buffer), uint32_t{16}, uint64_t{0}, uint32_t{16}, &flags)),
+              oddly);
+    EXPECT_EQ((objc::send<"verifyDataForTrack:inBuffer:length:atAddress:blockSize:ioFlags:", objc::Boolean>(
+                  id, id, static_cast<void*>(buffer), uint32_t{16}, uint64_t{0}, uint32_t{16}, &flags)),
+              oddly);
     substitute = nullptr;
+}
+
+objc::Imp platformsInit = nullptr;
+bool wasAnsweredFor = false;
+
+// The platform may ask its producer things while it initialises.
+objc::Id askingInit(objc::Id self, objc::Sel selector, objc::Id producer) {
+    wasAnsweredFor = responds(producer, "produceDataForTrack:intoBuffer:length:atAddress:blockSize:ioFlags:");
+    return reinterpret_cast<objc::Id (*)(objc::Id, objc::Sel, objc::Id)>(platformsInit)(self, selector,
+                                                                                        producer);
+}
+
+TEST_F(TrackFrame, TheHostObjectIsThereWhileThePlatformsTrackIsInitialised) {
+    const Ref first = make("DRTrackQRX"); // brings the platform
+    construct(first);
+    platformsInit = class_replaceMethod(objc_getClass("DRTrack"), objc::selector<"initWithProducer:">(),
+                                        reinterpret_cast<objc::Imp>(&askingInit),
+                                        objc::MethodTypes<decltype(&askingInit)>::text.data());
+    ASSERT_NE(platformsInit, nullptr);
+    const Ref track = trackWith({on(produceData, [](REALobject, Arguments) -> Value { return 0u; })});
+    EXPECT_TRUE(wasAnsweredFor);
+    const Ref without = trackWith({});
+    EXPECT_FALSE(wasAnsweredFor);
 }
 
 TEST_F(TrackFrame, AHostThatMakesNoBlocksCallsTheEventWithoutOne) {
