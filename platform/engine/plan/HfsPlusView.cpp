@@ -1,8 +1,11 @@
 // HFS+'s tree.
 #include "Failure.hpp"
+#include "LinkTargets.hpp"
 #include "Names.hpp"
 #include "ViewMaker.hpp"
 #include "Views.hpp"
+
+#include <algorithm>
 
 namespace engine::plan {
 namespace {
@@ -108,6 +111,7 @@ void check(const Tree& tree, const Extent& extent, std::string_view name, uint32
 
 View<hfsplus::Tree> hfsPlusView(const Tree& tree, uint32_t volumeStart) {
     View<hfsplus::Tree> view;
+    LinkTargets links(tree);
     view.nodeOf = makeView(
         tree, filesystem::hfsPlus, true, view.tree.firstEntry,
         [&](uint32_t node) { addNode(view.tree, tree, node); },
@@ -121,9 +125,13 @@ View<hfsplus::Tree> hfsPlusView(const Tree& tree, uint32_t volumeStart) {
                 given.push_back({name, node.kind == NodeKind::Folder});
             }
             std::vector<std::string> names = distinctNames(given, HfsPlusForm());
+            links.addFolder(static_cast<uint32_t>(view.tree.firstEntry.size() - 1), shown, names, numbers);
             for (size_t i = 0; i < shown.size(); ++i)
                 view.tree.entries.push_back({std::move(names[i]), numbers[shown[i]->node]});
         });
+    for (auto& [node, target] : links.changed())
+        std::ranges::lower_bound(view.tree.ownForks, node, {}, &hfsplus::OwnFork::node)->bytes =
+            std::move(target);
     pointAliases(tree, view);
     return view;
 }

@@ -34,7 +34,8 @@ struct Node {
     uint16_t mode = 0; ///< permission bits, 07777
     NodeKind kind = NodeKind::File;
     bool invisible = false;
-    bool isRealTime = false;              ///< UDF says so
+    bool isLinkOnDisk = false; ///< a symbolic link whose target has the names that items have on disk
+    bool isRealTime = false;   ///< UDF says so
     uint8_t udfPermissions = asWhoWrites; ///< for changing attributes and deleting, two bits each
 
     static constexpr uint8_t asWhoWrites = udf::asWhoWrites;

@@ -1,5 +1,6 @@
 // UDF's tree.
 #include "Failure.hpp"
+#include "LinkTargets.hpp"
 #include "MediumKind.hpp"
 #include "Names.hpp"
 #include "ViewMaker.hpp"
@@ -56,6 +57,7 @@ udf::Node nodeOf(const Tree& tree, const Node& from) {
 
 View<udf::Tree> udfView(const Tree& tree) {
     View<udf::Tree> view;
+    LinkTargets links(tree);
     view.nodeOf = makeView(
         tree, filesystem::udf, true, view.tree.firstEntry,
         [&](uint32_t node) { view.tree.nodes.push_back(nodeOf(tree, tree.nodes[node])); },
@@ -69,10 +71,13 @@ View<udf::Tree> udfView(const Tree& tree) {
                 given.push_back({name, node.kind == NodeKind::Folder});
             }
             std::vector<std::string> names = distinctNames(given, UdfForm());
+            links.addFolder(static_cast<uint32_t>(view.tree.firstEntry.size() - 1), shown, names, numbers);
             for (size_t i = 0; i < shown.size(); ++i)
                 view.tree.entries.push_back(
                     {std::move(names[i]), numbers[shown[i]->node], tree.nodes[shown[i]->node].invisible});
         });
+    for (auto& [node, target] : links.changed())
+        view.tree.nodes[node].target = std::move(target);
     return view;
 }
 
