@@ -142,6 +142,12 @@ class Trees(ExamplesCase):
         self.assertEqual(sorted(self.files_on(self.image())), sorted(names))
         self.assertEqual(self.joliet(self.image()), sorted("/" + name for name in names))
 
+    def test_a_file_larger_than_any_disc_is_refused(self):
+        path = self.write("large", b"")
+        os.truncate(path, 200_000_000_001)  # a hole
+        said = self.burn_tree([f'root.addChild(DRFileQRX.fileWithPath("{path}"))'])
+        self.assertEqual(said, ["DRStatusStateFailed", f'The file "{path}" of 200000.0 MB is larger than any disc.'])
+
     # ---- one file system and another --------------------------------------------------------------------------
 
     def test_an_item_that_is_in_one_file_system_only_is_in_no_other(self):
