@@ -33,8 +33,10 @@ Do
 Loop Until state = DRBurnQRX.DRStatusStateDone Or state = DRBurnQRX.DRStatusStateFailed
 
 If stopped > 0 Then
-    While drive.mediaIsBusy
-    Wend
+    Dim isBusy As Boolean
+    Do ' of the drive: the disc is out, and no medium is busy
+        isBusy = drive.status.Value(DRDeviceQRX.DRDeviceIsBusyKey)
+    Loop Until Not isBusy
     Print Format((Microseconds - stopped) / 1000, "0.0")
     Quit(0)
 End If

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """burn.py: burns side by side with the programs that people use for it, whole processes, one run.
 
-    benchmarks/burn.py [--rounds 5] [--scale 1.0] [--folder DIR] [--only sets,kinds,memory,drives,abort]
+    benchmarks/burn.py [--rounds 5] [--scale 1.0] [--folder DIR] [--only sets,kinds,memory,drives,abort] [--all-kinds]
 
 Three sets: one file of 1 GiB, 20,000 files of 4 KiB in 200 folders, 200 files of 5 MiB. In every round each command
 runs once, in random order, on files that are in the page cache. Every figure is durable: the peers are followed by a
@@ -105,8 +105,8 @@ class Bench:
     def ours(self, source, how, measure=run):
         return measure([HOST, "run", PROGRAM, source, how], self.environment())
 
-    def memory(self, source):
-        self.fresh()
+    def memory(self, source, kind):
+        self.insert(kind)
         return self.ours(source, "plain", peak_memory)
 
     def commands(self, source):
@@ -157,14 +157,14 @@ def every_kind(bench, source, rounds):
                 lambda command, kind=kind: bench.insert(kind) if command.startswith(kind) else None)
 
 
-def memory(bench, sets):
-    empty = bench.memory(sets["empty"])
+def memory(bench, sets, kind):
+    empty = bench.memory(sets["empty"], kind)
     for name in ("20,000 small", "100,000 small"):
-        ours = bench.memory(sets[name])
+        ours = bench.memory(sets[name], kind)
         bench.fresh()
         peer = peak_memory(["xorriso", "-as", "mkisofs", "-quiet", "-R", "-J", "-o", os.path.join(bench.out, "peer.iso"),
                             sets[name]], None)
-        print(f"\npeak memory, {name}: {ours:.1f} MiB ({empty:.1f} MiB for an empty disc); xorriso {peer:.1f} MiB")
+        print(f"\npeak memory, {name} on {kind}: {ours:.1f} MiB ({empty:.1f} MiB for an empty disc); xorriso {peer:.1f} MiB")
 
 
 def listing(bench, rounds):
@@ -180,9 +180,9 @@ def listing(bench, rounds):
           f"the command alone {statistics.median(times['--help']):.1f} ms")
 
 
-def abort(bench, sets, rounds):
+def abort(bench, sets, rounds, kinds):
     """From a program's abort to an idle drive that has ejected the disc, a third into the burn."""
-    for kind in ("DVD+RW", "BD-R"):  # one that stays as it was, and one that is then incomplete
+    for kind in kinds or ("DVD+RW", "BD-R"):  # one that stays as it was, and one that is then incomplete
         idle = []
         for _ in range(rounds):
             bench.insert(kind)
@@ -198,7 +198,9 @@ def main():
     options.add_argument("--folder", help="where to work; needs about 9 GiB (default: the system's temporary folder)")
     options.add_argument("--only", default="sets,kinds,memory,drives,abort", help="which parts, of all")
     options.add_argument("--build", help="where what is measured was built (default: build/release)")
+    options.add_argument("--all-kinds", action="store_true", help="abort and memory with every kind of medium")
     options = options.parse_args()
+    kinds = KINDS if options.all_kinds else ()
     options.only = options.only.split(",")
     if options.build:
         global HOST, TOOL
@@ -217,11 +219,12 @@ def main():
         if "kinds" in options.only:
             every_kind(bench, sets["600 MB"], options.rounds)
         if "memory" in options.only:
-            memory(bench, sets)
+            for kind in kinds or ("DVD+RW",):
+                memory(bench, sets, kind)
         if "drives" in options.only:
             listing(bench, options.rounds)
         if "abort" in options.only:
-            abort(bench, sets, options.rounds)
+            abort(bench, sets, options.rounds, kinds)
 
 
 if __name__ == "__main__":

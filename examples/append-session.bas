@@ -25,7 +25,7 @@ Dim source As FolderItem = GetFolderItem(App.Arguments(0))
 If source Is Nil Or Not source.Exists Then Fail("there is no folder " + App.Arguments(0))
 If Not source.Directory Then Fail(App.Arguments(0) + " is not a folder; give the folder that it is in")
 
-If DRDeviceQRX.deviceCount = 0 Then Fail("there is no drive that can write discs")
+If DRDeviceQRX.deviceCount = 0 Then Fail("there is no drive that can write discs; disc-drives list names those in use")
 Dim drive As DRDeviceQRX = DRDeviceQRX.device(0)
 If drive.trayIsOpen Then Call drive.closeTray
 If Not drive.mediaIsPresent Then Fail("there is no disc in " + drive.displayName + "; insert one and try again")
@@ -44,10 +44,21 @@ burn.writeLayout(track)
 
 Dim status As Dictionary
 Dim state As String
+Dim shown As String
 Do
     App.DoEvents(50)
     status = burn.status
     state = status.Value(DRBurnQRX.DRStatusStateKey)
+    Dim now As String
+    If state = DRBurnQRX.DRStatusStateTrackWrite Then
+        now = "Writing"
+    ElseIf state = DRBurnQRX.DRStatusStateSessionClose Then
+        now = "Closing the session"
+    ElseIf state = DRBurnQRX.DRStatusStateVerifying Then
+        now = "Verifying"
+    End If
+    If now <> "" And now <> shown Then Print now + " …"
+    If now <> "" Then shown = now
 Loop Until state = DRBurnQRX.DRStatusStateDone Or state = DRBurnQRX.DRStatusStateFailed
 
 If state = DRBurnQRX.DRStatusStateFailed Then

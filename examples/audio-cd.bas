@@ -386,7 +386,7 @@ If discPerformer <> "" Then lines.Insert(0, "PERFORMER " + Quoted(discPerformer)
 
 ' ---- where to -----------------------------------------------------------------------------------------------
 
-If DRDeviceQRX.deviceCount = 0 Then Fail("there is no drive that can write discs")
+If DRDeviceQRX.deviceCount = 0 Then Fail("there is no drive that can write discs; disc-drives list names those in use")
 Dim drive As DRDeviceQRX = DRDeviceQRX.device(0)
 If drive.trayIsOpen Then Call drive.closeTray
 If Not drive.mediaIsPresent Then Fail("there is no disc in " + drive.displayName + "; insert one and try again")

@@ -103,7 +103,7 @@ If Not source.Directory Then Fail(path + " is not a folder; give the folder that
 
 ' ---- where to ---------------------------------------------------------------------------------------------
 
-If DRDeviceQRX.deviceCount = 0 Then Fail("there is no drive that can write discs")
+If DRDeviceQRX.deviceCount = 0 Then Fail("there is no drive that can write discs; disc-drives list names those in use")
 Dim drive As DRDeviceQRX = DRDeviceQRX.device(0)
 If driveName <> "" Then
     drive = Nil

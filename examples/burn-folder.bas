@@ -140,7 +140,7 @@ If names.LastIndex = 1 Then root.baseName = names(1)
 
 ' ---- where to ---------------------------------------------------------------------------------------------
 
-If DRDeviceQRX.deviceCount = 0 Then Fail("there is no drive that can write discs")
+If DRDeviceQRX.deviceCount = 0 Then Fail("there is no drive that can write discs; disc-drives list names those in use")
 Dim drive As DRDeviceQRX = DRDeviceQRX.device(0)
 If driveName <> "" Then
     drive = Nil

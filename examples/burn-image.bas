@@ -19,7 +19,7 @@ Dim image As FolderItem = GetFolderItem(App.Arguments(0))
 If image Is Nil Or Not image.Exists Then Fail("there is no file " + App.Arguments(0))
 If image.Directory Then Fail(App.Arguments(0) + " is a folder; burn-folder.bas burns folders")
 
-If DRDeviceQRX.deviceCount = 0 Then Fail("there is no drive that can write discs")
+If DRDeviceQRX.deviceCount = 0 Then Fail("there is no drive that can write discs; disc-drives list names those in use")
 Dim drive As DRDeviceQRX = DRDeviceQRX.device(0)
 If drive.trayIsOpen Then Call drive.closeTray
 If Not drive.mediaIsPresent Then Fail("there is no disc in " + drive.displayName + "; insert one and try again")

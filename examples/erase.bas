@@ -35,7 +35,7 @@ For Each candidate As DRDeviceQRX In DRDeviceQRX.devices
     If drive Is Nil And (name = "" Or candidate.displayName = name) Then drive = candidate
 Next
 If drive Is Nil And name <> "" Then Fail("there is no drive " + name + "; list-drives.bas shows which there are")
-If drive Is Nil Then Fail("there is no drive that can write discs")
+If drive Is Nil Then Fail("there is no drive that can write discs; disc-drives list names those in use")
 If Not drive.mediaIsPresent Then Fail("there is no disc in " + drive.displayName + "; insert one and try again")
 
 If Not drive.mediaIsBlank And Not isSure Then

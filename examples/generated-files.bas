@@ -66,7 +66,7 @@ If rows < 1 Or rows > 1000000 Then
     Quit(2)
 End If
 
-If DRDeviceQRX.deviceCount = 0 Then Fail("there is no drive that can write discs")
+If DRDeviceQRX.deviceCount = 0 Then Fail("there is no drive that can write discs; disc-drives list names those in use")
 Dim drive As DRDeviceQRX = DRDeviceQRX.device(0)
 
 Dim root As DRFolderQRX = DRFolderQRX.virtualFolderWithName("Generated")

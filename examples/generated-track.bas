@@ -83,7 +83,7 @@ If App.Arguments.LastIndex >= 0 Then seconds = Val(App.Arguments(0))
 If App.Arguments.LastIndex >= 1 Then hertz = Val(App.Arguments(1))
 If seconds < 4 Then seconds = 4
 
-If DRDeviceQRX.deviceCount = 0 Then Fail("there is no drive that can write discs")
+If DRDeviceQRX.deviceCount = 0 Then Fail("there is no drive that can write discs; disc-drives list names those in use")
 Dim drive As DRDeviceQRX = DRDeviceQRX.device(0)
 If drive.trayIsOpen Then Call drive.closeTray
 If Not drive.mediaIsPresent Then Fail("there is no disc in " + drive.displayName + "; insert one and try again")

@@ -72,7 +72,7 @@ Sub ShowMedium(drive As DRDeviceQRX)
 End Sub
 
 Dim drives() As DRDeviceQRX = DRDeviceQRX.devices
-If drives.Count = 0 Then Print "There is no drive that can write discs."
+If drives.Count = 0 Then Print "There is no drive that can write discs; disc-drives list names those in use."
 For Each drive As DRDeviceQRX In drives
     Print drive.displayName
     Fact("Revision", TextOf(drive.info, DRDeviceQRX.DRDeviceFirmwareRevisionKey))

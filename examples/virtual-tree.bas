@@ -15,7 +15,7 @@ Function TextFile(name As String, text As String) As DRFileQRX
     Return DRFileQRX.virtualFileWithName(name, bytes)
 End Function
 
-If DRDeviceQRX.deviceCount = 0 Then Fail("there is no drive that can write discs")
+If DRDeviceQRX.deviceCount = 0 Then Fail("there is no drive that can write discs; disc-drives list names those in use")
 Dim drive As DRDeviceQRX = DRDeviceQRX.device(0)
 
 Dim root As DRFolderQRX = DRFolderQRX.virtualFolderWithName("Virtual Tree")

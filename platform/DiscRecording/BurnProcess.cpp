@@ -4,11 +4,13 @@
 namespace discrecording {
 namespace {
 
+constexpr std::chrono::milliseconds ejectPatience{3000}, ejectStep{20};
+
 // Whether the burn failed because the drive was not its own.
 bool isForLackOfDrive(engine::ErrorCode code) noexcept {
     using engine::ErrorCode;
-    return code == ErrorCode::DeviceBusy || code == ErrorCode::MediaBusy ||
-           code == ErrorCode::DeviceInvalid || code == ErrorCode::MediaNotPresent;
+    return code == ErrorCode::DeviceBusy || code == ErrorCode::DeviceInvalid ||
+           code == ErrorCode::MediaNotPresent;
 }
 
 } // namespace
@@ -41,12 +43,22 @@ void BurnProcess::finish() {
         end.state = engine::BurnState::Failed;
         end.error = refused_;
     }
-    // A medium that can't be ejected (someone else keeps the drive) stays inside: the burn itself went as it
-    // went.
-    if (ejectsAfter(end)) (void)job_.drive()->eject();
+    if (ejectsAfter(end)) eject();
     settled_ = true;
     if (observer_) observer_(status());
     settled_.notify_all();
+}
+
+// Another program may be looking at the disc just now, and will be done in a moment. A medium that can't be ejected
+// (someone else keeps the drive) stays inside: the burn itself went as it went.
+void BurnProcess::eject() const {
+    const auto until = std::chrono::steady_clock::now() + ejectPatience;
+    for (;;) {
+        const auto ejected = job_.drive()->eject();
+        if (ejected.ok() || ejected.error().code != engine::ErrorCode::DeviceBusy) return;
+        if (std::chrono::steady_clock::now() >= until) return;
+        std::this_thread::sleep_for(ejectStep);
+    }
 }
 
 // Deliberate: a burn that was begun and failed does what it was told to do then, however early it failed; what is in the

@@ -4,6 +4,7 @@
 #include "BurnJob.hpp"
 
 #include <atomic>
+#include <chrono>
 #include <optional>
 #include <thread>
 
@@ -37,6 +38,7 @@ class BurnProcess {
 
   private:
     void finish();
+    void eject() const;
     bool ejectsAfter(const engine::BurnStatus& end) const;
 
     engine::BurnJob::Observer observer_;

@@ -156,7 +156,7 @@ bool canWriteAtAll(const engine::Drive& drive) { return !drive.capabilities().wr
 }
 
 - (BOOL)mediaIsPresent {
-    return [self medium].has_value();
+    return _inside->drive != nullptr && _inside->drive->hasMedium();
 }
 
 // Both virtual drives and those that the engine waits for answer only when they are ready.
@@ -165,7 +165,7 @@ bool canWriteAtAll(const engine::Drive& drive) { return !drive.capabilities().wr
 }
 
 - (BOOL)mediaIsBusy {
-    return [self mediaIsPresent] && _inside->drive->isBusy();
+    return _inside->drive != nullptr && _inside->drive->isBusy() && [self mediaIsPresent];
 }
 
 - (BOOL)mediaIsBlank {

@@ -211,7 +211,8 @@ NSString* DRMediaTypeOfKind(MediumKind kind) {
     NSMutableDictionary* status = [NSMutableDictionary dictionary];
     [status setObject:boolean(drive->isBusy()) forKey:DRDeviceIsBusyKey];
     [status setObject:boolean(drive->isTrayOpen()) forKey:DRDeviceIsTrayOpenKey];
-    [status setObject:medium ? DRDeviceMediaStateMediaPresent : DRDeviceMediaStateNone
+    const bool isPresent = medium || drive->hasMedium();
+    [status setObject:isPresent ? DRDeviceMediaStateMediaPresent : DRDeviceMediaStateNone
                forKey:DRDeviceMediaStateKey];
     const double most =
         medium && !medium->speeds.empty() ? medium->speeds.back() : fastest(drive->capabilities().writes);

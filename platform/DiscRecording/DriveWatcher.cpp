@@ -49,6 +49,8 @@ DriveWatcher::Snapshot DriveWatcher::snapshotOf(engine::Drive& drive) {
         now.free = medium->blocksFree;
         now.sessions = medium->sessions.size();
         now.tracks = medium->trackCount();
+    } else {
+        now.present = drive.hasMedium();
     }
     return now;
 }

@@ -230,10 +230,10 @@ static NSTextField* OptionLabel(NSString* text) {
         text = DRTextPromptNoDrive;
     } else if ([[status objectForKey:DRDeviceIsTrayOpenKey] boolValue]) {
         text = DRTextPromptTrayOpen;
-    } else if (media == nil) {
-        text = DRTextPromptNoMedia;
     } else if ([[status objectForKey:DRDeviceIsBusyKey] boolValue]) {
         text = DRTextPromptBusy;
+    } else if (media == nil) {
+        text = DRTextPromptNoMedia;
     } else if ([[media objectForKey:DRDeviceMediaIsBlankKey] boolValue]) {
         text = DRTextPromptBlank;
         suitable = YES;

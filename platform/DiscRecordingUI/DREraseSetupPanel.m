@@ -94,10 +94,10 @@ struct DREraseSetupPanelInside {
         text = DRTextPromptNoDrive;
     } else if ([[status objectForKey:DRDeviceIsTrayOpenKey] boolValue]) {
         text = DRTextPromptTrayOpen;
-    } else if (media == nil) {
-        text = DRTextPromptNoMedia;
     } else if ([[status objectForKey:DRDeviceIsBusyKey] boolValue]) {
         text = DRTextPromptBusy;
+    } else if (media == nil) {
+        text = DRTextPromptNoMedia;
     } else if ([[media objectForKey:DRDeviceMediaIsErasableKey] boolValue]) {
         text = [[media objectForKey:DRDeviceMediaIsBlankKey] boolValue] ? DRTextPromptBlankErasable
                                                                         : DRTextPromptErasable;

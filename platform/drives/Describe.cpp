@@ -41,8 +41,11 @@ std::string nameOf(engine::MediumState state) {
 std::string nameOf(const engine::TrackInfo& track) { return std::string(engine::nameOf(track.form)); }
 
 std::string whatItHolds(const engine::MediumInfo& medium, const std::string& drive) {
-    return "The " + std::string(engine::factsOf(medium.kind).name) + " in " + engine::inQuotes(drive) +
-           " holds " + sizeText(medium.blocksUsed * engine::blockSize) + '.';
+    const std::string which =
+        "The " + std::string(engine::factsOf(medium.kind).name) + " in " + engine::inQuotes(drive);
+    // Of a session that nobody closed the disc doesn't tell how much it holds.
+    if (medium.blocksUsed == 0) return which + " is not blank.";
+    return which + " holds " + sizeText(medium.blocksUsed * engine::blockSize) + '.';
 }
 
 Json jsonOf(const engine::Error& error) {

@@ -10,7 +10,7 @@ int eraseMedium(const Common& common, const std::string& name, bool complete) {
     const Found found = driveNamed(name);
     if (!found.drive) throw engine::Failure(found.problem);
     const auto medium = take(found.drive->readMedium());
-    if (medium && medium->erasable && medium->blocksUsed > 0)
+    if (medium && medium->erasable && !medium->blank)
         requireConsent(common.force, whatItHolds(*medium, found.name), "Erase it");
     engine::EraseJob job(found.drive);
     take(job.start(complete ? engine::EraseType::Complete : engine::EraseType::Quick));

@@ -20,7 +20,8 @@ std::string stateText(const engine::Drive& drive, const PresentMedium& medium) {
 }
 
 std::vector<std::string> rowOf(const Found& found) {
-    if (!found.drive) return {found.name, "", "", "unusable", "", ""};
+    const bool isInUse = found.problem.code == engine::ErrorCode::DeviceBusy;
+    if (!found.drive) return {found.name, "", "", isInUse ? "in use" : "unusable", "", ""};
     const PresentMedium medium = mediumIn(*found.drive);
     std::vector<std::string> row = {found.name, found.drive->displayName(), "",
                                     stateText(*found.drive, medium)};

@@ -2,6 +2,7 @@
 #include "Lookup.hpp"
 #include "DrivesFolder.hpp"
 #include "Utf8.hpp"
+#include "physical/PhysicalDrive.hpp"
 
 #include <algorithm>
 #include <filesystem>
@@ -14,6 +15,18 @@ namespace fs = std::filesystem;
 std::string nameOf(const engine::Drive& drive) {
     return drive.identity().isVirtual ? fs::path(drive.identity().id).filename().string()
                                       : drive.identity().id;
+}
+
+// Programs don't see them: a drive is asked who it is when it is free.
+void addInUse(std::vector<Found>& found) {
+    for (const std::string& path : engine::physicalDrivesInUse())
+        found.push_back({path,
+                         nullptr,
+                         {engine::ErrorCode::DeviceBusy,
+                          "The drive " + engine::inQuotes(path) +
+                              " is in use by another program, or its disc is mounted; try again later.",
+                          path,
+                          {}}});
 }
 
 void addBroken(std::vector<Found>& found) {
@@ -39,6 +52,7 @@ std::vector<Found> allDrives() {
         std::string name = nameOf(*drive);
         found.push_back({std::move(name), std::move(drive), {}});
     }
+    addInUse(found);
     addBroken(found);
     return found;
 }

@@ -10,14 +10,14 @@
 
 namespace drives {
 
-/// A drive that programs see, or one that is broken and left out for them.
+/// A drive that programs see, or one that is left out for them: broken, or another program has it.
 struct Found {
     std::string name;       ///< what the commands take: a virtual drive's folder, a physical one's id
-    engine::DriveRef drive; ///< null for a broken one
-    engine::Error problem;  ///< of a broken one
+    engine::DriveRef drive; ///< null for one that is left out
+    engine::Error problem;  ///< why it is left out
 };
 
-/// All drives in the order that programs see them, the broken ones behind.
+/// All drives in the order that programs see them, those that are left out behind.
 std::vector<Found> allDrives();
 
 /// By name, id, or the name that programs show when only one has it. Throws Failure, naming what there is.

@@ -44,6 +44,11 @@ std::optional<MediumInfo> Drive::mediumInfo() const {
     return medium ? *std::move(medium) : std::nullopt;
 }
 
+bool Drive::hasMedium() const {
+    const auto medium = readMedium();
+    return medium ? medium->has_value() : medium.error().code == ErrorCode::DeviceBusy;
+}
+
 Result<void> Drive::erase(EraseType, const EraseProgress&) {
     return Error{
         ErrorCode::FunctionNotSupported, "The drive \"" + displayName() + "\" can't erase discs.", {}};

@@ -169,12 +169,16 @@ class Drive {
     /// Still attached. A drive that went away stays invalid, also when one like it comes later.
     virtual bool isValid() const = 0;
 
-    /// The medium now; empty with no medium or with an open tray. A medium whose description can't be read is
-    /// an error, MediaInvalid.
+    /// The medium now; empty with no medium or with an open tray. While another program has a physical drive it is the
+    /// medium that was seen last, and an error, DeviceBusy, when none was seen. A medium whose description can't be read
+    /// is an error, MediaInvalid.
     virtual Result<std::optional<MediumInfo>> readMedium() const = 0;
 
     /// readMedium() for those who show and don't explain: an unreadable medium counts as none.
     std::optional<MediumInfo> mediumInfo() const;
+
+    /// There is a medium, be it that nobody can look at it now.
+    bool hasMedium() const;
 
     /// For reading the medium that is in the drive now. MediaNotPresent, DeviceInvalid, MediaInvalid.
     virtual Result<std::unique_ptr<MediumReader>> openMedium() = 0;
@@ -201,7 +205,7 @@ class Drive {
     virtual void releaseMediaReservation() = 0;
     virtual bool holdsMediaReservation() = 0;
 
-    /// For BurnJob only: takes the drive for one job. DeviceBusy, MediaBusy, DeviceInvalid, MediaNotPresent.
+    /// For BurnJob only: takes the drive for one job. DeviceBusy, DeviceInvalid, MediaNotPresent.
     virtual Result<std::unique_ptr<BurnTarget>> beginBurn() = 0;
 
     /// For EraseJob only: returns when the medium is blank. `progress` is called first when all is checked and

@@ -57,7 +57,7 @@ Result<std::vector<DriveRef>> drives() {
             for (auto& drive : physicalDrives())
                 found.push_back(std::move(drive));
         // Deliberate: a drive that is attached but in use is not replaced. A burn would end in a file, and be called good.
-        if (paths.empty() && found.empty() && !wantsNone && !isPhysicalDriveInUse()) {
+        if (paths.empty() && found.empty() && !wantsNone && physicalDrivesInUse().empty()) {
             const auto made = makeVirtualDrive((folder / "drive-1").string(), {});
             paths = drivePaths(folder); // not empty either when another process was faster
             if (!made && paths.empty()) throw Failure(made.error());

@@ -4,7 +4,7 @@
 '
 ' WHAT is a list of words: "wait" waits for a line of input between finding the drive and burning; "overwrite",
 ' "append" and "test" set those; "again" starts a second burn on the drive while the first runs; "slow" holds
-' it down to the speed of one, "paced" to 20 MB a second; "erase" and "erase-all" erase instead; "tracks" burns two tracks, "same" the
+' it down to the speed of one, "paced" to 20 MB a second; "tracks" burns two tracks, "same" the
 ' same track twice; "raises=N" adds a file of 3 MB whose producer raises an exception at byte N.
 
 Class Raising Inherits DRFileQRX

@@ -51,7 +51,6 @@ class BurnImage(ExamplesCase):
                 "  TRACK %02d AUDIO\n    INDEX 01 %s\n" % (number + 1, time) for number, time in enumerate(times))).encode())
             self.refuse(sentence + ".*\n.* is no image that can be burned", "burn-image.bas", sheet, lines=2)
         self.assertEqual(self.medium()["state"], "blank")
-        self.assertEqual(self.medium()["state"], "blank")
 
 
 if __name__ == "__main__":

@@ -1,9 +1,8 @@
-// A physical drive as a drive: who it is, what it can do, its tray, who has it.
+// A physical drive as a drive: who it is, what it can do, its tray.
 #include "Fixture.hpp"
 #include "physical/CapabilitiesPage.hpp"
 
 #include <chrono>
-#include <fcntl.h>
 #include <unistd.h>
 
 using namespace engine;
@@ -91,32 +90,6 @@ TEST_F(PhysicalTest, NoPseudoDrive) {
         EXPECT_TRUE(each->identity().isVirtual);
 }
 
-// A drive that is in use when it is first seen is waited for; no virtual one takes the burns that are meant for it.
-TEST_F(PhysicalTest, NoVirtualDriveInPlaceOfABusyOne) {
-    setGone(first);
-    ASSERT_TRUE(drives().ok()); // what was known is forgotten
-    const fs::path own = first.parent_path() / "drives-of-a-busy-one";
-    ::setenv("DISC_DRIVES", own.c_str(), 1);
-    insert("DVD+RW");
-    const int other = ::open("/dev/sr0", O_RDWR | O_EXCL);
-    ASSERT_GE(other, 0);
-    const auto none = drives();
-    ASSERT_TRUE(none.ok());
-    EXPECT_TRUE(none->empty()) << none->front()->displayName();
-    EXPECT_FALSE(fs::exists(own / "drive-1"));
-    ::close(other);
-    for (int attempt = 0; attempt < 1000 && drives()->empty(); ++attempt)
-        ::usleep(10000);
-    EXPECT_EQ(drive()->identity().id, "/dev/sr0");
-    EXPECT_EQ(drives()->size(), 1u);
-    // With none attached there is one.
-    setGone(first);
-    const auto virtualOne = drives();
-    ASSERT_EQ(virtualOne->size(), 1u);
-    EXPECT_TRUE(virtualOne->front()->identity().isVirtual);
-    EXPECT_TRUE(fs::exists(own / "drive-1"));
-}
-
 TEST_F(PhysicalTest, TrayOpensAndCloses) {
     insert("CD-RW");
     const DriveRef own = drive();
@@ -197,37 +170,4 @@ TEST_F(PhysicalTest, EmptyDrive) {
     EXPECT_FALSE(*read);
     EXPECT_TRUE(own->openTray().ok());
     EXPECT_TRUE(own->isTrayOpen());
-}
-
-TEST_F(PhysicalTest, ExclusiveAccessKeepsOtherProgramsOut) {
-    insert("DVD+RW");
-    const DriveRef own = drive();
-    ASSERT_TRUE(own->acquireExclusiveAccess().ok());
-    ASSERT_TRUE(own->acquireExclusiveAccess().ok());
-    EXPECT_TRUE(own->hasExclusiveAccess());
-    EXPECT_TRUE(own->isBusy());
-    own->releaseExclusiveAccess();
-    EXPECT_EQ(::open("/dev/sr0", O_RDWR | O_EXCL), -1);
-    EXPECT_TRUE(own->mediumInfo()); // this process may go on
-    own->releaseExclusiveAccess();
-    EXPECT_FALSE(own->hasExclusiveAccess());
-    const int other = ::open("/dev/sr0", O_RDWR | O_EXCL);
-    EXPECT_GE(other, 0);
-    EXPECT_TRUE(own->isBusy());
-    EXPECT_EQ(own->acquireExclusiveAccess().error().code, ErrorCode::DeviceBusy);
-    ::close(other);
-    EXPECT_FALSE(own->isBusy());
-}
-
-TEST_F(PhysicalTest, ReservationIsCountedAndReleased) {
-    insert("DVD+RW");
-    const DriveRef own = drive();
-    EXPECT_FALSE(own->holdsMediaReservation());
-    own->acquireMediaReservation();
-    own->acquireMediaReservation();
-    EXPECT_TRUE(own->holdsMediaReservation());
-    own->releaseMediaReservation();
-    EXPECT_TRUE(own->holdsMediaReservation());
-    own->releaseMediaReservation();
-    EXPECT_FALSE(own->holdsMediaReservation());
 }

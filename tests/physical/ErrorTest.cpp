@@ -16,6 +16,8 @@ TEST(PhysicalSense, TextsAndCodes) {
     EXPECT_FALSE(senseOf({}).has_value());
     EXPECT_EQ(codeOf({0x3, 0x73, 0x03}, ErrorCode::MediaWriteFailure), ErrorCode::PowerCalibration);
     EXPECT_EQ(codeOf({0x2, 0x3A, 0x02}, ErrorCode::MediaWriteFailure), ErrorCode::MediaNotPresent);
+    EXPECT_EQ(codeOf({0xB, 0x08, 0x00}, ErrorCode::MediaWriteFailure), ErrorCode::DeviceCommunication);
+    EXPECT_EQ(codeOf({0x2, 0x04, 0x03}, ErrorCode::MediaWriteFailure), ErrorCode::DeviceNotReady);
     EXPECT_EQ(codeOf({0x3, 0x0C, 0x00}, ErrorCode::MediaWriteFailure), ErrorCode::MediaWriteFailure);
 }
 
@@ -128,4 +130,63 @@ TEST_F(PhysicalTest, FormsThatNeedAnotherWayAreRefused) {
     EXPECT_EQ(burn(layout(), options).error->code, ErrorCode::StrategyNotAvailable);
     EXPECT_EQ(state()["writes"], 0);
     EXPECT_TRUE(medium().blank);
+}
+
+// A drive may read a kind that it can't write.
+TEST_F(PhysicalTest, KindThatTheDriveCanNotWrite) {
+    setGone(first);
+    ASSERT_TRUE(drives().ok()); // what was known is forgotten
+    insert("CD-RW", {{"canWriteCDRW", false}});
+    EXPECT_FALSE(drive()->capabilities().canWrite(MediumKind::CDRW));
+    file("letter.txt", "Dear reader,\n");
+    const BurnStatus status = burn(layout());
+    ASSERT_TRUE(status.error.has_value());
+    EXPECT_EQ(status.error->code, ErrorCode::MediaNotSupported) << status.error->message;
+    EXPECT_NE(status.error->message.find("of a kind that the drive can't write"), std::string::npos);
+    EXPECT_EQ(state()["writes"], 0);
+}
+
+TEST_F(PhysicalTest, TrayThatDoesNotMove) {
+    insert("CD-RW", {{"faults", {{"stuckTray", true}}}});
+    const auto ejected = drive()->eject();
+    EXPECT_EQ(ejected.error().code, ErrorCode::DeviceNotReady) << ejected.error().message;
+    EXPECT_NE(ejected.error().message.find("does not open"), std::string::npos);
+    EXPECT_EQ(drive()->closeTray().error().code, ErrorCode::DeviceNotReady);
+    EXPECT_FALSE(drive()->isTrayOpen());
+    EXPECT_FALSE(drive()->isBusy());
+}
+
+TEST_F(PhysicalTest, DriveInTrouble) {
+    struct {
+        std::vector<int> sense;
+        ErrorCode code;
+    } const cases[] = {{{0x4, 0x3E, 0x02}, ErrorCode::DeviceCommunication},
+                       {{0x4, 0x44, 0x00}, ErrorCode::DeviceCommunication}};
+    file("letter.txt", "Dear reader,\n");
+    for (const auto& [sense, code] : cases) {
+        insert("CD-R", {{"faults", {{"writeSense", sense}}}});
+        drive()->closeTray().ok(); // what was seen before is forgotten
+        const BurnStatus status = burn(layout());
+        ASSERT_TRUE(status.error.has_value());
+        EXPECT_EQ(status.error->code, code) << status.error->message << status.error->info;
+        const auto said = senseOf(status.error->sense);
+        ASSERT_TRUE(said.has_value()) << status.error->info;
+        EXPECT_EQ(said->code, sense[1]);
+        EXPECT_EQ(said->qualifier, sense[2]);
+    }
+}
+
+TEST_F(PhysicalTest, DriveThatGoesAwayWhileItErases) {
+    insert("DVD+RW", {{"capacity", 65536}});
+    file("noise.bin", noise(700'000));
+    EXPECT_DONE(burn(layout()));
+    const DriveRef own = drive();
+    change("faults", {{"goneAfterWrites", state().value("writes", 0) + 5}});
+    EraseJob job(own);
+    ASSERT_TRUE(job.start(EraseType::Complete).ok());
+    const EraseStatus status = job.wait();
+    ASSERT_TRUE(status.error.has_value());
+    EXPECT_EQ(status.error->code, ErrorCode::DeviceInvalid) << status.error->message;
+    EXPECT_NE(status.error->message.find("went away while it erased"), std::string::npos);
+    EXPECT_FALSE(own->isValid() || own->mediumInfo());
 }

@@ -3,6 +3,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <string>
 #include <sys/wait.h>
@@ -35,18 +36,34 @@ int runWithRecorder(char** arguments) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : 1;
 }
 
-// A burn over whatever is there, in a process of its own: for tests that kill it.
-int burnFolder(int count, char** arguments) {
+// A burn in a process of its own: for tests that kill it.
+int burnFolder(const std::string& folder, const std::string& how) {
     const auto all = engine::drives();
     if (!all || all->empty()) return 2;
     engine::DataTrack track;
-    track.root = engine::Content::real(arguments[2], "NEW");
+    track.root = engine::Content::real(folder, "NEW");
     engine::BurnOptions options;
-    options.overwrite = true;
-    options.appendable = count > 3;
+    options.overwrite = how != "appended";
+    options.appendable = how != "closed";
     engine::BurnJob job(all->front());
     if (!job.start(engine::Layout::ofData(std::move(track)), options).ok()) return 3;
     return job.wait().error ? 4 : 0;
+}
+
+// Asks for ever whether the drive is busy, in a process of its own.
+int ask() {
+    auto all = engine::drives();
+    for (; all && all->empty(); all = engine::drives())
+        ::usleep(10000); // another one is looking at it
+    if (!all) return 2;
+    const std::string recorders = std::getenv("DISC_RECORDER");
+    const auto said = std::filesystem::path(recorders.substr(0, recorders.find(':'))).parent_path() /
+                      ("asked-" + std::to_string(::getpid()));
+    for (;;) {
+        (void)all->front()->isBusy();
+        std::ofstream(said).flush();
+        ::usleep(5000); // others have their turn
+    }
 }
 
 } // namespace
@@ -54,7 +71,8 @@ int burnFolder(int count, char** arguments) {
 int main(int count, char** arguments) {
     const bool isList = count > 1 && std::string(arguments[1]).starts_with("--gtest_list_tests");
     if (std::getenv("DISC_RECORDER") == nullptr && !isList) return runWithRecorder(arguments);
-    if (count > 2 && std::string(arguments[1]) == "--burn") return burnFolder(count, arguments);
+    if (count > 3 && std::string(arguments[1]) == "--burn") return burnFolder(arguments[2], arguments[3]);
+    if (count > 2 && std::string(arguments[1]) == "--ask") return ask();
     ::testing::InitGoogleTest(&count, arguments);
     return RUN_ALL_TESTS();
 }

@@ -1,10 +1,6 @@
 // Burns that are aborted, fail or are killed: the medium is as before or openly without what was to be on it, never a good
 // disc with wrong contents.
-#include "Fixture.hpp"
-
-#include <csignal>
-#include <sys/wait.h>
-#include <thread>
+#include "Killed.hpp"
 
 using namespace engine;
 
@@ -33,32 +29,6 @@ struct Stopped {
     bool appendable;
     bool hasOld;
     friend void PrintTo(const Stopped& each, std::ostream* out) { *out << each.kind; }
-};
-
-class PhysicalKilled : public PhysicalTest {
-  protected:
-    /// Burns the source in a process of its own and kills it in the middle.
-    void killWhileItWrites(bool appendable) {
-        const int64_t before = state().value("writes", 0);
-        const pid_t child = ::fork();
-        ASSERT_GE(child, 0);
-        if (child == 0) {
-            ::execl("/proc/self/exe", "physical_tests", "--burn", source.c_str(),
-                    appendable ? "appendable" : nullptr, nullptr);
-            ::_exit(127);
-        }
-        int status = 0;
-        bool isOver = false;
-        while (!isOver && state().value("writes", 0) < before + 40) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-            isOver = ::waitpid(child, &status, WNOHANG) == child;
-        }
-        ASSERT_FALSE(isOver) << "ended with " << status;
-        ::kill(child, SIGKILL);
-        ASSERT_EQ(::waitpid(child, &status, 0), child);
-        ASSERT_TRUE(WIFSIGNALED(status)) << "in the middle of the burn";
-        change("faults", Json::object());
-    }
 };
 
 class PhysicalStopped : public PhysicalKilled, public ::testing::WithParamInterface<Stopped> {
@@ -132,7 +102,7 @@ TEST_P(PhysicalStopped, SourceThatFailsLeavesNoDisc) {
 
 TEST_P(PhysicalStopped, KilledProcessLeavesNoDisc) {
     prepare();
-    killWhileItWrites(GetParam().appendable);
+    killWhileItWrites(GetParam().appendable ? "appendable" : "closed");
     isNoDisc();
     takesTheNextBurn();
 }
@@ -148,22 +118,6 @@ INSTANTIATE_TEST_SUITE_P(All, PhysicalStopped,
                              return name + (each.param.appendable ? "StaysOpen" : "") +
                                     (each.param.hasOld ? "OverAnother" : "");
                          });
-
-// A CD whose session nobody closed is openly incomplete.
-TEST_F(PhysicalKilled, LeavesACDThatIsIncomplete) {
-    insert("CD-R");
-    file("noise.bin", noise(20'000'000));
-    change("faults", {{"slowWrites", 10}});
-    killWhileItWrites(true);
-    ASSERT_TRUE(drive()->closeTray().ok()); // what was seen before is forgotten
-    const MediumInfo after = medium();
-    EXPECT_EQ(after.state, MediumState::Incomplete);
-    EXPECT_FALSE(after.blank || after.appendable);
-    EXPECT_FALSE(after.nextWritableBlock);
-    const BurnStatus next = burn(layout("NEXT"));
-    ASSERT_TRUE(next.error.has_value());
-    EXPECT_EQ(next.error->code, ErrorCode::MediaNotBlank) << next.error->message;
-}
 
 // Behind a good session nothing changes until the new one is whole.
 TEST_F(PhysicalTest, AbortedAppendingLeavesTheEarlierSession) {

@@ -5,6 +5,7 @@
 #import "DRFile.h"
 #import "DRNotificationCenter.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -187,6 +188,22 @@ static int Test(void) {
     PASS("told of the drive that is there", [there object] == device);
     SAME("with its info", [there userInfo], [device info]);
     TestBurned(device, listener);
+
+    // As the system gives it to somebody exclusively.
+    int holder = open("/dev/sr0", O_RDWR | O_EXCL);
+    PASS("another program has it", holder >= 0);
+    NSNotification* taken =
+        HearOf(listener, DRDeviceStatusChangedNotification, DRDeviceIsBusyKey, [NSNumber numberWithBool:YES]);
+    SAME("which is told, and no disc goes", [[taken userInfo] objectForKey:DRDeviceMediaStateKey],
+         DRDeviceMediaStateMediaPresent);
+    sleep(2); // what was seen of the disc is old by now
+    PASS("its medium is busy", [device mediaIsBusy] && [device mediaIsPresent]);
+    SAME("and the one that was seen", [device mediaType], DRDeviceMediaTypeCDRW);
+    PASS("with what is on it", [[device mediaSpaceUsed] sectors] > 390 &&
+                                   [[device status] objectForKey:DRDeviceMediaInfoKey] != nil);
+    PASS("it stays inside", ![device ejectMedia] && ![device trayIsOpen]);
+    close(holder);
+    PASS("and is free again", ![device mediaIsBusy] && [device mediaIsPresent]);
 
     PASS("it ejects", [device ejectMedia] && [device trayIsOpen]);
     NSNotification* open = HearOf(listener, DRDeviceStatusChangedNotification, DRDeviceIsTrayOpenKey,

@@ -73,6 +73,9 @@ struct Faults {
     int64_t busyEveryWrites = 0;    ///< every so many WRITEs are answered with "long write in progress" once
     int64_t flipOnWrite = -1;       ///< this block is written with one bit wrong, silently
     int64_t slowWrites = 0;         ///< milliseconds that each WRITE takes
+    bool stuckTray = false;         ///< it neither opens nor closes
+    bool goneWhileBusy = false;     ///< the drive leaves the bus while it blanks, formats or closes
+    std::vector<int> writeSense;    ///< key, code, qualifier that each WRITE ends with
     bool claimsIncremental = false; ///< feature 21h is told of media that only take a session in one go
 };
 
@@ -90,7 +93,7 @@ struct Written {
 struct State : Written {
     std::string vendor = "TESTLAB", product = "MMC RECORDER", revision = "1.00", serial = "0001";
     bool trayOpen = false, locked = false, gone = false, attention = false;
-    bool canTestWrite = true;
+    bool canTestWrite = true, canWriteCDRW = true;
     int loadingMechanism = 1; ///< as in mode page 2A: 0 caddy or slot, 1 tray, 2 pop-up
     bool canEject = true;
     std::optional<Kind> medium;

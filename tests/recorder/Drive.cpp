@@ -52,6 +52,7 @@ void startStop(Recorder& recorder, Request& request) {
     State& state = recorder.state;
     const bool loadOrEject = (request.byte(4) & 2) != 0, start = (request.byte(4) & 1) != 0;
     if (!loadOrEject) return;
+    require(!state.faults.stuckTray, senses::loadOrEjectFailed);
     if (start) {
         state.attention = state.trayOpen && state.medium;
         state.trayOpen = false;

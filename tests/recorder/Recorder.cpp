@@ -117,6 +117,7 @@ void Recorder::check(uint8_t opcode) {
         refuse(senses::mediumChanged);
     }
     if (state.busyPolls > 0) {
+        if (state.faults.goneWhileBusy) state.gone = true;
         Sense sense = senses::operationInProgress;
         sense.progress = 65535 * (state.busyTotal - state.busyPolls) / state.busyTotal;
         if (opcode == 0x00) --state.busyPolls;

@@ -28,6 +28,7 @@ inline constexpr Sense writeError{0x3, 0x0C, 0x00};
 inline constexpr Sense unrecoveredReadError{0x3, 0x11, 0x00};
 inline constexpr Sense powerCalibrationError{0x3, 0x73, 0x03};
 inline constexpr Sense hardwareFailure{0x4, 0x44, 0x00};
+inline constexpr Sense loadOrEjectFailed{0x4, 0x53, 0x00};
 inline constexpr Sense parameterListLength{0x5, 0x1A, 0x00};
 inline constexpr Sense invalidCommand{0x5, 0x20, 0x00};
 inline constexpr Sense blockOutOfRange{0x5, 0x21, 0x00};

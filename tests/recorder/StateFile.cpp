@@ -64,6 +64,9 @@ Faults readFaults(const Json& json) {
     faults.busyEveryWrites = json.value("busyEveryWrites", int64_t{0});
     faults.flipOnWrite = json.value("flipOnWrite", int64_t{-1});
     faults.slowWrites = json.value("slowWrites", int64_t{0});
+    faults.stuckTray = json.value("stuckTray", false);
+    faults.goneWhileBusy = json.value("goneWhileBusy", false);
+    faults.writeSense = json.value("writeSense", faults.writeSense);
     faults.claimsIncremental = json.value("claimsIncremental", false);
     return faults;
 }
@@ -76,6 +79,9 @@ Json written(const Faults& faults) {
             {"busyEveryWrites", faults.busyEveryWrites},
             {"flipOnWrite", faults.flipOnWrite},
             {"slowWrites", faults.slowWrites},
+            {"stuckTray", faults.stuckTray},
+            {"goneWhileBusy", faults.goneWhileBusy},
+            {"writeSense", faults.writeSense},
             {"claimsIncremental", faults.claimsIncremental}};
 }
 
@@ -93,6 +99,7 @@ State loadState(const std::string& folder) {
     state.gone = json.value("gone", false);
     state.attention = json.value("attention", false);
     state.canTestWrite = json.value("canTestWrite", true);
+    state.canWriteCDRW = json.value("canWriteCDRW", true);
     state.loadingMechanism = json.value("loadingMechanism", 1);
     state.canEject = json.value("canEject", true);
     state.medium = kindNamed(json.value("medium", ""));
@@ -126,6 +133,7 @@ void saveState(const std::string& folder, const State& state) {
                  {"gone", state.gone},
                  {"attention", state.attention},
                  {"canTestWrite", state.canTestWrite},
+                 {"canWriteCDRW", state.canWriteCDRW},
                  {"loadingMechanism", state.loadingMechanism},
                  {"canEject", state.canEject},
                  {"medium", state.medium ? state.facts().name : ""},

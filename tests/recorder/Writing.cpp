@@ -201,6 +201,8 @@ void write(Recorder& recorder, Request& request, uint32_t count) {
         state.gone = true;
         refuse(senses::hardwareFailure);
     }
+    if (const auto& said = state.faults.writeSense; said.size() == 3)
+        refuse({static_cast<uint8_t>(said[0]), static_cast<uint8_t>(said[1]), static_cast<uint8_t>(said[2])});
     if (state.faults.busyEveryWrites > 0 && state.writes % state.faults.busyEveryWrites == 0)
         refuse(senses::longWriteInProgress);
     if (state.writing() == Writing::Overwrite) {

@@ -1,17 +1,15 @@
 // Mode page 2A: how media go in and out, and the speed of writing (MMC-3, 6.3.11; MMC-5, annex E).
 #include "CapabilitiesPage.hpp"
+#include "DriveQuestion.hpp"
 
 #include <algorithm>
 #include <array>
-#include <scsi/sg.h>
-#include <sys/ioctl.h>
 
 namespace engine {
 namespace {
 
 constexpr uint8_t pageCode = 0x2A;
 constexpr size_t headerBytes = 8, mechanismAt = 6, oldSpeedAt = 20, speedAt = 28;
-constexpr unsigned patience = 5000; // milliseconds
 
 enum Mechanism : uint8_t { Tray = 1, Changer = 4, Magazine = 5 }; // others: caddy or slot, pop-up
 
@@ -37,22 +35,10 @@ std::optional<CapabilitiesPage> capabilitiesIn(std::span<const uint8_t> answer) 
 
 std::optional<CapabilitiesPage> readCapabilitiesPage(int device) noexcept {
     std::array<uint8_t, 254> answer{};
-    std::array<uint8_t, 32> sense{};
     // MODE SENSE(10), without block descriptors, the present values.
-    std::array<uint8_t, 10> command = {0x5A, 0x08, pageCode, 0, 0, 0, 0, 0, answer.size(), 0};
-    sg_io_hdr io{};
-    io.interface_id = 'S';
-    io.cmdp = command.data();
-    io.cmd_len = command.size();
-    io.dxfer_direction = SG_DXFER_FROM_DEV;
-    io.dxferp = answer.data();
-    io.dxfer_len = answer.size();
-    io.sbp = sense.data();
-    io.mx_sb_len = sense.size();
-    io.timeout = patience;
-    if (::ioctl(device, SG_IO, &io) != 0 || (io.info & SG_INFO_OK_MASK) != SG_INFO_OK) return std::nullopt;
-    const auto missing = static_cast<size_t>(io.resid > 0 ? io.resid : 0);
-    return capabilitiesIn(std::span(answer).first(answer.size() - std::min(missing, answer.size())));
+    const std::array<uint8_t, 10> command = {0x5A, 0x08, pageCode, 0, 0, 0, 0, 0, answer.size(), 0};
+    const auto length = askDrive(device, command, answer);
+    return length ? capabilitiesIn(std::span(answer).first(*length)) : std::nullopt;
 }
 
 } // namespace engine

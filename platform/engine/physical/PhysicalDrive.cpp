@@ -98,6 +98,7 @@ std::shared_ptr<PhysicalDrive> PhysicalDrive::open(const std::string& path) {
 void PhysicalDrive::attach() {
     dropLibraryMessages();
     std::string address = path();
+    const Descriptor turn = takeTurn(address);
     if (burn_drive_scan_and_grab(&infos_, address.data(), 0) <= 0) {
         infos_ = nullptr;
         throw Failure(libraryError(ErrorCode::DeviceAccess,
@@ -170,6 +171,7 @@ void PhysicalDrive::grab() {
     requireValid();
     if (grabs_ == 0) {
         dropLibraryMessages();
+        const Descriptor turn = takeTurn(path());
         if (burn_drive_grab(drive_, 0) != 1)
             throw Failure(
                 libraryError(ErrorCode::DeviceBusy, "The drive " + inQuotes(displayName()) +
@@ -229,6 +231,7 @@ int PhysicalDrive::status() const {
 }
 
 // A look at the medium takes the drive some time, so it lasts a second; while somebody writes, it lasts until then.
+// Deliberate: so it does while another program has the drive. Nobody can look at the disc, but it has not gone.
 Result<std::optional<MediumInfo>> PhysicalDrive::readMedium() const {
     return guarded([&]() -> std::optional<MediumInfo> {
         requireValid();
@@ -247,7 +250,13 @@ Result<std::optional<MediumInfo>> PhysicalDrive::readMedium() const {
             const std::lock_guard lock(mutex_);
             if (medium_ && std::chrono::steady_clock::now() - seen_ < mediumIsFresh) return medium_;
         }
-        const Hold hold(std::const_pointer_cast<PhysicalDrive>(shared_from_this()));
+        const auto self = std::const_pointer_cast<PhysicalDrive>(shared_from_this());
+        const auto hold = guarded([&] { return std::make_unique<Hold>(self); });
+        if (!hold) {
+            const std::lock_guard lock(mutex_);
+            if (hold.error().code == ErrorCode::DeviceBusy && medium_) return medium_;
+            throw Failure(hold.error());
+        }
         auto medium = describeMedium(drive_, path());
         const std::lock_guard lock(mutex_);
         medium_ = medium;
@@ -277,7 +286,7 @@ void PhysicalDrive::mechanics(unsigned long request, const char* what) {
     if (burning_)
         fail(ErrorCode::DeviceBusy,
              "The drive " + inQuotes(displayName()) + " is writing; wait until it is done.");
-    if (grabs_ == 0 && isOwnedElsewhere())
+    if (grabs_ == 0 && isInUse(path()))
         fail(ErrorCode::DeviceBusy,
              "The drive " + inQuotes(displayName()) + " is in use by another program; try again later.");
     const Descriptor device = openForStatus(path());
@@ -327,16 +336,12 @@ void PhysicalDrive::waitUntilLetGo() {
     letGo_.wait_for(lock, mostToLetGo, [this] { return !burning_ || !isEnding_; });
 }
 
-// The kernel lets one opener in who wants the drive for himself.
-bool PhysicalDrive::isOwnedElsewhere() const { return !openForStatus(path(), O_EXCL) && errno == EBUSY; }
-
 bool PhysicalDrive::isBusy() const {
-    {
-        const std::lock_guard lock(mutex_);
-        if (burning_ || exclusive_ > 0) return true;
-        if (grabs_ > 0) return false; // only looking
-    }
-    return isOwnedElsewhere();
+    // Held while the drive is asked: who wants it in this process must not meet the question.
+    const std::lock_guard lock(mutex_);
+    if (burning_ || exclusive_ > 0) return true;
+    if (grabs_ > 0) return false; // only looking
+    return isInUse(path());
 }
 
 Result<void> PhysicalDrive::acquireExclusiveAccess() {
@@ -432,7 +437,14 @@ Result<void> PhysicalDrive::erase(EraseType type, const EraseProgress& progress)
             ~End() { drive.endBurn(); }
         } const end{*this};
         const std::lock_guard commands(commands_);
-        eraseMedium(drive_, **medium, type, progress);
+        const auto erased = guarded([&] { eraseMedium(drive_, **medium, type, progress); });
+        if (!erased && !isValid())
+            fail(ErrorCode::DeviceInvalid,
+                 "The drive " + inQuotes(displayName()) + " went away while it erased.", path());
+        if (!erased) {
+            if (erased.error().code != ErrorCode::MediaNotErasable) reopen();
+            throw Failure(erased.error());
+        }
         reassess();
     });
 }

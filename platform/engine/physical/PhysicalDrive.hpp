@@ -82,7 +82,6 @@ class PhysicalDrive final : public Drive, public std::enable_shared_from_this<Ph
     void beginJob();
     int status() const;
     void waitUntilLetGo();
-    bool isOwnedElsewhere() const;
     void mechanics(unsigned long request, const char* what);
 
     DriveIdentity identity_;
@@ -117,7 +116,15 @@ void eraseMedium(burn_drive* drive, const MediumInfo& medium, EraseType type, co
 /// Empty where physical drives are not wanted (README.md).
 std::vector<std::shared_ptr<PhysicalDrive>> physicalDrives();
 
-/// Whether a drive was left out of physicalDrives() because another program had it. False where physical drives are not wanted.
-bool isPhysicalDriveInUse();
+/// The paths of those that were left out of physicalDrives() because another program had them. Empty where physical
+/// drives are not wanted.
+std::vector<std::string> physicalDrivesInUse();
+
+/// Another program has the drive to itself, or it is mounted. The kernel tells only who tries to have it, for that moment.
+bool isInUse(const std::string& path);
+
+/// Whoever tries to have a drive holds this meanwhile, so that who only asks is in nobody's way. Processes that know
+/// nothing of it are not kept out; they are waited for for a while, then it is empty.
+Descriptor takeTurn(const std::string& path);
 
 } // namespace engine

@@ -59,20 +59,16 @@ bool isThere(const std::string& path) {
     return ::stat(path.c_str(), &found) == 0 && S_ISBLK(found.st_mode);
 }
 
-// Another program has it to itself, or it is mounted.
-bool isInUse(const std::string& path) {
-    const Descriptor node(::open(path.c_str(), O_RDWR | O_NONBLOCK | O_EXCL | O_CLOEXEC));
-    return !node && errno == EBUSY;
-}
-
 } // namespace
 
-bool isPhysicalDriveInUse() {
-    if (!isWanted()) return false;
+std::vector<std::string> physicalDrivesInUse() {
+    std::vector<std::string> paths;
+    if (!isWanted()) return paths;
     Attached& all = attached();
     const std::lock_guard lock(all.mutex);
-    return std::any_of(all.refused.begin(), all.refused.end(),
-                       [](const auto& each) { return each.second.isInUse; });
+    for (const auto& [path, refusal] : all.refused)
+        if (refusal.isInUse) paths.push_back(path);
+    return paths;
 }
 
 std::vector<std::shared_ptr<PhysicalDrive>> physicalDrives() {

@@ -59,6 +59,8 @@ void eraseMedium(burn_drive* drive, const MediumInfo& medium, EraseType type, co
     // The drive does it alone and can't be stopped.
     progress(-1);
     if (medium.blank && type == EraseType::Quick) return;
+    // A CD-RW whose session nobody closed is none that the library would blank, and is blanked like a full one.
+    if (burn_disc_get_status(drive) == BURN_DISC_UNSUITABLE) burn_disc_pretend_full(drive);
     dropLibraryMessages();
     burn_disc_erase(drive, type == EraseType::Quick ? 1 : 0);
     waitUntilIdle(drive, [&] {

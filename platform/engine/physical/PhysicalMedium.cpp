@@ -1,6 +1,7 @@
 // What a drive tells of the medium in it.
 #include "BurnLibrary.hpp"
 #include "CapabilitiesPage.hpp"
+#include "DriveQuestion.hpp"
 #include "PhysicalDrive.hpp"
 #include "PhysicalTarget.hpp"
 
@@ -65,6 +66,13 @@ double currentSpeedOf(const std::string& path) {
     const Descriptor device(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     const auto page = device ? readCapabilitiesPage(device.get()) : std::nullopt;
     return page ? page->writeSpeed : 0;
+}
+
+// Nobody closed what was written last. The library tells of it on a CD only, and takes other media for appendable.
+bool isLastSessionOpen(const std::string& path) {
+    const Descriptor device(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    const auto last = device ? lastSessionIn(device.get()) : std::nullopt;
+    return last == LastSession::Incomplete || last == LastSession::Damaged;
 }
 
 // The two blocks behind a track written at once belong to nobody.
@@ -171,7 +179,8 @@ void describeOverwritable(burn_drive* drive, MediumInfo& medium) {
                                        : MediumState::Complete;
 }
 
-void describeSequential(burn_drive* drive, MediumInfo& medium, burn_disc_status status) {
+void describeSequential(burn_drive* drive, const std::string& path, MediumInfo& medium,
+                        burn_disc_status status) {
     const MediumFacts& facts = factsOf(medium.kind);
     const bool isCD = facts.mediumClass == MediumClass::CD;
     medium.blank = status == BURN_DISC_BLANK;
@@ -215,7 +224,8 @@ void describeSequential(burn_drive* drive, MediumInfo& medium, burn_disc_status 
     medium.overwritable = medium.blank || medium.erasable;
     medium.blocksOverwritable = medium.overwritable ? medium.capacityBlocks : 0;
     // A track that a burn left open can't be trusted. Of a CD's that nobody closed, no table tells.
-    const bool isLeftOpen = status == BURN_DISC_UNSUITABLE && facts.writable && medium.sessions.empty();
+    const bool isLeftOpen = facts.writable && ((status == BURN_DISC_UNSUITABLE && medium.sessions.empty()) ||
+                                               isLastSessionOpen(path));
     if (!medium.blank && (isLeftOpen || burn_disc_next_track_is_damaged(drive, 0) != 0)) {
         medium.state = MediumState::Incomplete;
         medium.appendable = false;
@@ -225,65 +235,6 @@ void describeSequential(burn_drive* drive, MediumInfo& medium, burn_disc_status 
 }
 
 } // namespace
-
-std::optional<MediumKind> kindOfProfile(int profile) noexcept {
-    switch (profile) {
-    case 0x08:
-        return MediumKind::CDROM;
-    case 0x09:
-        return MediumKind::CDR;
-    case 0x0A:
-        return MediumKind::CDRW;
-    case 0x10:
-        return MediumKind::DVDROM;
-    case 0x11:
-        return MediumKind::DVDR;
-    case 0x12:
-        return MediumKind::DVDRAM;
-    case 0x13:
-    case 0x14:
-        return MediumKind::DVDRW;
-    case 0x15:
-    case 0x16:
-        return MediumKind::DVDRDualLayer;
-    case 0x1A:
-        return MediumKind::DVDPlusRW;
-    case 0x1B:
-        return MediumKind::DVDPlusR;
-    case 0x2B:
-        return MediumKind::DVDPlusRDoubleLayer;
-    case 0x40:
-        return MediumKind::BDROM;
-    case 0x41:
-    case 0x42:
-        return MediumKind::BDR;
-    case 0x43:
-        return MediumKind::BDRE;
-    default:
-        return std::nullopt;
-    }
-}
-
-bool takesBlocksInAnyOrder(burn_drive* drive) {
-    int profile = 0;
-    char name[80];
-    burn_disc_get_profile(drive, &profile, name);
-    return profile == 0x12 || profile == 0x13 || profile == 0x1A || profile == 0x43;
-}
-
-bool isSequentialDVDMinus(burn_drive* drive) {
-    int profile = 0;
-    char name[80];
-    burn_disc_get_profile(drive, &profile, name);
-    return profile == 0x11 || profile == 0x14 || profile == 0x15;
-}
-
-bool takesIncrements(burn_drive* drive) {
-    burn_multi_caps* caps = nullptr;
-    const bool takes = burn_disc_get_multi_caps(drive, BURN_WRITE_TAO, &caps, 0) > 0;
-    if (caps != nullptr) burn_disc_free_multi_caps(&caps);
-    return takes;
-}
 
 std::optional<MediumInfo> describeMedium(burn_drive* drive, const std::string& path) {
     burn_disc_status status = burn_disc_get_status(drive);
@@ -306,7 +257,7 @@ std::optional<MediumInfo> describeMedium(burn_drive* drive, const std::string& p
     if (takesBlocksInAnyOrder(drive))
         describeOverwritable(drive, medium);
     else
-        describeSequential(drive, medium, status);
+        describeSequential(drive, path, medium, status);
     if (medium.blank) medium.path.clear();
     if (factsOf(*kind).mediumClass == MediumClass::CD && !medium.blank) {
         unsigned char* packs = nullptr;

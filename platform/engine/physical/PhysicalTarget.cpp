@@ -26,14 +26,15 @@ class PhysicalTarget final : public BurnTarget {
     // The library may need long to let go of a drive. Nobody waits for it, but the drive is busy until then.
     ~PhysicalTarget() override {
         hold_->drive().willEndBurn();
-        auto end = [job = std::move(job_), hold = std::move(hold_)]() mutable {
-            if (job) {
-                job->cancel();
+        auto end = [job = std::move(job_), hold = std::move(hold_), isSpoiled = isPreparing_]() mutable {
+            if (isSpoiled) waitUntilIdle(hold->get(), [] {}); // it may still be blanking, which nothing stops
+            if (job || isSpoiled) {
+                if (job) job->cancel();
                 job = nullptr;
                 const std::lock_guard commands(hold->drive().commands());
                 hold->drive().reopen();
             }
-            waitUntilIdle(hold->get(), [] {}); // it may still be blanking, which nothing stops
+            waitUntilIdle(hold->get(), [] {});
             hold->drive().endBurn();
             hold = nullptr;
         };
@@ -232,6 +233,7 @@ class PhysicalTarget final : public BurnTarget {
     }
 
     void prepareMedium() {
+        isPreparing_ = true;
         burn_drive* drive = hold_->get();
         if (erases_ || erasesAll_) {
             eraseMedium(drive, medium_, erasesAll_ ? EraseType::Complete : EraseType::Quick, [this](double) {
@@ -243,6 +245,7 @@ class PhysicalTarget final : public BurnTarget {
         formatMedium();
         // Before anything else is overwritten: the old descriptors must not lead into what is new.
         if (clearsStart_ && !isTest_) start_.clear();
+        isPreparing_ = false;
     }
 
     void formatMedium() {
@@ -281,7 +284,7 @@ class PhysicalTarget final : public BurnTarget {
     std::vector<SessionInfo> before_;
     MediumStart start_;
     bool renewsStart_ = false, clearsStart_ = false, erases_ = false, erasesAll_ = false, atOnce_ = false,
-         isTest_ = false, takesPreGap_ = false;
+         isTest_ = false, takesPreGap_ = false, isPreparing_ = false;
     SignalRef signal_;
     std::shared_ptr<WriteJob> job_;
     size_t track_ = 0;      ///< of the session

@@ -1,0 +1,136 @@
+#!/usr/bin/env python3
+"""disc-drives on a recorder that is attached: every command that works on any drive."""
+import fcntl
+import json
+import os
+import sys
+import unittest
+
+HERE = os.path.dirname(os.path.realpath(__file__))
+sys.path.insert(0, os.path.join(HERE, os.pardir, "recorder"))
+from harness import DEVICE, RecorderTest  # noqa: E402
+
+COMMAND = os.environ["DISC_DRIVES_COMMAND"]
+# The recorder comes before the sanitizer's runtime, which it has no part in.
+SANITIZER = "verify_asan_link_order=0:" + os.environ.get("ASAN_OPTIONS", "")
+
+
+class Case(RecorderTest):
+    def environment(self):
+        drives = os.path.join(self.scratch, "drives")
+        os.makedirs(drives, exist_ok=True)
+        return dict(super().environment(), DISC_DRIVES=drives, DISC_PHYSICAL="1", ASAN_OPTIONS=SANITIZER,
+                    XDG_RUNTIME_DIR=self.scratch)
+
+    def succeed(self, *arguments):
+        return self.tool(COMMAND, *arguments)
+
+    def shown(self):
+        [drive] = json.loads(self.succeed("--json", "show", DEVICE))["drives"]
+        return drive
+
+    def refuse(self, sentence, *arguments):
+        done = self.run_tool(COMMAND, *arguments)
+        self.assertEqual(done.returncode, 1, done.stdout)
+        self.assertRegex(done.stdout, sentence)
+        return done.stdout
+
+    def burned(self, medium, multi=True):
+        """A disc with a file of 300 KB, burned by a program that is not ours."""
+        self.insert(medium)
+        folder = os.path.dirname(self.file("Holiday/noise.bin", self.noise(300_000)))
+        self.tool("xorriso", "-outdev", DEVICE, "-volid", "HOLIDAY", "-close", "off" if multi else "on", "-map", folder, "/")
+
+    def another_program(self):
+        """The recorder belongs to somebody else, until that is closed."""
+        file = open(os.path.join(self.folder, "exclusive"), "w", encoding="ascii")
+        fcntl.flock(file, fcntl.LOCK_EX)
+        self.addCleanup(file.close)
+        return file
+
+    def test_list_and_show(self):
+        self.burned("CD-R")
+        row = next(line for line in self.succeed("list").splitlines() if line.startswith(DEVICE))
+        self.assertRegex(row, r"TESTLAB MMC RECORDER +CD-R +appendable +[1-9]")
+        drive = self.shown()
+        self.assertEqual([drive[key] for key in ("name", "id", "vendor", "product", "virtual", "busy", "trayOpen")],
+                         [DEVICE, DEVICE, "TESTLAB", "MMC RECORDER", False, False, False])
+        medium = drive["medium"]
+        self.assertEqual((medium["kind"], medium["state"], medium["erasable"]), ("CD-R", "appendable", False))
+        [session] = medium["sessions"]
+        self.assertEqual([(track["number"], track["startBlock"], track["volumeName"]) for track in session["tracks"]],
+                         [(1, 0, "HOLIDAY")])
+        said = self.succeed("show", DEVICE)
+        for part in ("Device      /dev/sr0", "TESTLAB MMC RECORDER, revision 1.00", "Tray        closed", "HOLIDAY"):
+            self.assertIn(part, said)
+        self.assertEqual(self.succeed("show", "TESTLAB MMC RECORDER"), said)
+
+    def test_an_empty_drive(self):
+        self.insert("")
+        self.assertIn("no medium", self.succeed("list"))
+        self.assertIsNone(self.shown()["medium"])
+        self.refuse("(?i)no disc", "erase", DEVICE)
+        self.refuse("(?i)no (disc|medium)", "verify", DEVICE)
+
+    def test_tray(self):
+        self.insert("DVD+RW")
+        self.refuse("eject it instead", "open", DEVICE)
+        self.succeed("eject", DEVICE)
+        self.assertTrue(self.state()["trayOpen"])
+        self.assertTrue(self.shown()["trayOpen"])
+        self.succeed("close", DEVICE)
+        self.assertFalse(self.state()["trayOpen"])
+        self.insert("")
+        self.succeed("open", DEVICE)
+        self.assertTrue(self.state()["trayOpen"])
+
+    def test_verify(self):
+        for medium in ("CD-RW", "DVD-R"):
+            self.burned(medium)
+            self.succeed("verify", DEVICE)
+        self.change(faults={"readErrors": [60]})
+        self.refuse("(?i)can't be read", "verify", DEVICE)
+
+    def test_erase(self):
+        for medium, option in (("CD-RW", ()), ("DVD+RW", ("--complete",)), ("DVD-RW", ())):
+            self.burned(medium)
+            self.change(capacity=32768)
+            self.refuse("holds .* Give --force, and nobody will be asked: Erase it", "erase", DEVICE, *option)
+            self.assertIn("is blank", self.succeed("erase", DEVICE, "--force", *option))
+            medium = self.shown()["medium"]
+            self.assertEqual((medium["state"], medium["sessions"]), ("blank", []))
+
+    def test_erase_what_is_written_once(self):
+        self.burned("CD-R")
+        self.refuse("(?i)can't be erased", "erase", DEVICE, "--force")
+
+    def test_erase_asks_for_what_nobody_closed(self):
+        """Of a session that is open no table tells, but there is something on the disc."""
+        self.insert("CD-RW")
+        track = self.file("track.iso", self.noise(2048 * 400))
+        self.tool("wodim", "dev=" + DEVICE, "-tao", "-nofix", "-data", track)
+        self.assertEqual(self.shown()["medium"]["state"], "incomplete")
+        self.refuse("is not blank. Give --force, and nobody will be asked: Erase it", "erase", DEVICE)
+        self.assertEqual(len(self.tracks()), 1)
+        self.assertIn("is blank", self.succeed("erase", DEVICE, "--force"))
+        self.assertEqual(self.tracks(), [])
+
+    def test_a_drive_that_another_program_has(self):
+        self.insert("DVD+RW")
+        other = self.another_program()
+        sentence = 'The drive "/dev/sr0" is in use by another program, or its disc is mounted; try again later.'
+        said = self.succeed("list")
+        self.assertRegex(said, r"(?m)^/dev/sr0 .*in use")
+        self.assertIn(sentence, said)
+        drive = self.shown()
+        self.assertEqual((drive["usable"], drive["problem"]["code"]), (False, 0x80020021 - 2**32))
+        for command in ("eject", "open", "close", "verify"):
+            self.refuse(sentence, command, DEVICE)
+        self.refuse(sentence, "erase", DEVICE, "--force")
+        other.close()
+        self.assertTrue(self.shown()["usable"])
+        self.assertNotIn("in use", self.succeed("list"))
+
+
+if __name__ == "__main__":
+    unittest.main()
