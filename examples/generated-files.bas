@@ -31,6 +31,7 @@ Class PowerTable Inherits DRFileQRX
     End Event
 
     Event calculateSizeOfFile(fork As Integer, estimating As Boolean) As UInt64
+        If fork <> DRFileQRX.DRFileForkData Then Return 0
         Return Rows * RowBytes
     End Event
 

@@ -63,7 +63,10 @@ union DRFileMore {
  * file in any order. Without a size method a file is empty; what is not there to prepare is prepared.
  */
 @interface NSObject (DRFileDataProduction)
-/** Bytes of the fork. Estimating, an upper bound does and it is to be quick; else it must be exact. */
+/**
+ * Bytes of the fork. The resource fork is asked for where HFS+ shows the file, and is in HFS+ only; 0 is for none. Estimating, an
+ * upper bound does and it is to be quick; else it must be exact.
+ */
 - (uint64_t)calculateSizeOfFile:(DRFile*)file fork:(int32_t)fork estimating:(BOOL)estimating;
 /** Before anything of the file is asked for in a burn. NO fails the burn. */
 - (BOOL)prepareFileForBurn:(DRFile*)file;

@@ -43,29 +43,13 @@ class ObjectProducer final : public engine::FileProducer {
         return isPrepared;
     }
 
-    uint64_t size() override {
-        uint64_t bytes = 0;
-        if ([producer_ respondsToSelector:@selector(calculateSizeOfFile:fork:estimating:)])
-            call([&] {
-                bytes = [producer_ calculateSizeOfFile:file_ fork:DRFileForkData estimating:estimating_];
-            });
-        return bytes;
-    }
-
+    uint64_t size() override { return sizeOf(DRFileForkData); }
+    uint64_t resourceSize() override { return sizeOf(DRFileForkResource); }
     size_t read(uint64_t offset, std::span<std::byte> buffer) override {
-        const auto length = static_cast<uint32_t>(
-            std::min<size_t>(buffer.size(), std::numeric_limits<int32_t>::max() / blockSize * blockSize));
-        uint32_t count = 0;
-        if ([producer_ respondsToSelector:@selector(produceFile:fork:intoBuffer:length:atAddress:blockSize:)])
-            call([&] {
-                count = [producer_ produceFile:file_
-                                          fork:DRFileForkData
-                                    intoBuffer:buffer.data()
-                                        length:length
-                                     atAddress:offset
-                                     blockSize:blockSize];
-            });
-        return count;
+        return readFork(DRFileForkData, offset, buffer);
+    }
+    size_t readResource(uint64_t offset, std::span<std::byte> buffer) override {
+        return readFork(DRFileForkResource, offset, buffer);
     }
 
     bool prepareAgain() override {
@@ -86,6 +70,29 @@ class ObjectProducer final : public engine::FileProducer {
     }
 
   private:
+    uint64_t sizeOf(int32_t fork) {
+        uint64_t bytes = 0;
+        if ([producer_ respondsToSelector:@selector(calculateSizeOfFile:fork:estimating:)])
+            call([&] { bytes = [producer_ calculateSizeOfFile:file_ fork:fork estimating:estimating_]; });
+        return bytes;
+    }
+
+    size_t readFork(int32_t fork, uint64_t offset, std::span<std::byte> buffer) {
+        const auto length = static_cast<uint32_t>(
+            std::min<size_t>(buffer.size(), std::numeric_limits<int32_t>::max() / blockSize * blockSize));
+        uint32_t count = 0;
+        if ([producer_ respondsToSelector:@selector(produceFile:fork:intoBuffer:length:atAddress:blockSize:)])
+            call([&] {
+                count = [producer_ produceFile:file_
+                                          fork:fork
+                                    intoBuffer:buffer.data()
+                                        length:length
+                                     atAddress:offset
+                                     blockSize:blockSize];
+            });
+        return count;
+    }
+
     DRFile* file_;
     id producer_;
     bool estimating_;

@@ -36,7 +36,13 @@ class FileProducer {
     /// Fills the front of `buffer` from `offset` and answers how many bytes; 0 means failure, as long as
     /// bytes are due. The engine asks on after a short answer. Exceptions count as failure.
     virtual size_t read(uint64_t offset, std::span<std::byte> buffer) = 0;
-    /// Before the data is asked for a second time; false fails the burn.
+    /// The same of the resource fork, which only HFS+ has: asked where the file is on the disc there. 0 for none.
+    virtual uint64_t resourceSize() { return 0; }
+    virtual size_t readResource(uint64_t offset, std::span<std::byte> buffer) {
+        (void)offset, (void)buffer;
+        return 0;
+    }
+    /// Before the data, and the fork, are asked for a second time; false fails the burn.
     virtual bool prepareAgain() { return true; }
     /// After success and failure, once for each prepare(). Must not throw.
     virtual void cleanup() noexcept {}

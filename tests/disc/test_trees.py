@@ -274,6 +274,24 @@ class Trees(ExamplesCase):
         self.assertIn(b"alis", content)
         self.assertIn(b"/a folder/original", content)
 
+    def test_a_produced_file_has_its_resource_fork_in_hfs_plus(self):
+        said = self.burn_tree([
+            "Class Forked Inherits DRFileQRX",
+            "Event calculateSizeOfFile(fork As Integer, estimating As Boolean) As UInt64",
+            "Return If(fork = DRFileQRX.DRFileForkResource, 5000, 3000)", "End Event",
+            "Event produceFile(fork As Integer, buffer As MemoryBlock, Bufferlen As UInt32, address As UInt64, "
+            "blocksize As UInt32) As UInt32", "For i As Integer = 0 To Bufferlen - 1",
+            "buffer.UInt8Value(i) = (address + i + 100 * fork) Mod 251", "Next", "Return Bufferlen", "End Event", "End Class",
+            "root.explicitFilesystemMask = 11", 'root.addChild(New Forked("forked"))'])
+        self.assertEqual(said, ["DRStatusStateDone"])
+        data = bytes(i % 251 for i in range(3000))
+        self.assertEqual(self.files_on(self.image()), {"forked": data})
+        out = os.path.join(self.scratch, "out")
+        subprocess.run(["7zz", "x", "-y", "-thfs", f"-o{out}", self.image()], capture_output=True, check=False)
+        for name, content in (("forked", data), ("forked:rsrc", bytes((i + 100) % 251 for i in range(5000)))):
+            with open(os.path.join(out, "Tree", name), "rb") as file:
+                self.assertEqual(file.read(), content, name)
+
     def test_dates_and_the_finders_flags_are_in_hfs_plus(self):
         said = self.burn_tree([
             "root.explicitFilesystemMask = 9", 'Dim f As DRFileQRX = DRFileQRX.virtualFileWithName("f", Nil)',

@@ -93,6 +93,10 @@ void addNode(hfsplus::Tree& made, const Tree& tree, uint32_t index) {
     } else if (const Extent* extent = tree.extentOf(from)) {
         addForks(made, node, tree, *extent);
     }
+    if (const Extent* fork = tree.resourceOf(from)) {
+        node.resource = {static_cast<uint32_t>(made.extents.size()), 1};
+        made.extents.push_back({0, fork->bytes});
+    }
     made.nodes.push_back(node);
 }
 
@@ -139,9 +143,11 @@ View<hfsplus::Tree> hfsPlusView(const Tree& tree, uint32_t volumeStart) {
 void placeContents(const Tree& tree, const std::vector<uint32_t>& nodeOf, hfsplus::Tree& made) {
     for (size_t node = 0; node < nodeOf.size(); ++node) {
         if (nodeOf[node] == none || tree.nodes[node].kind != NodeKind::File) continue;
+        const hfsplus::Node& forks = made.nodes[nodeOf[node]];
         const Extent* extent = tree.extentOf(tree.nodes[node]);
-        if (extent && extent->pieces == none)
-            made.extents[made.nodes[nodeOf[node]].data.first].firstBlock = extent->firstBlock;
+        if (extent && extent->pieces == none) made.extents[forks.data.first].firstBlock = extent->firstBlock;
+        if (const Extent* fork = tree.resourceOf(tree.nodes[node]))
+            made.extents[forks.resource.first].firstBlock = fork->firstBlock;
     }
 }
 

@@ -111,6 +111,11 @@ class Tree {
     const Extent* extentOf(const Node& file) const {
         return file.first == none || extents[file.first].bytes == 0 ? nullptr : &extents[file.first];
     }
+    /// Of a file, in HFS+; null for one without that fork.
+    const Extent* resourceOf(const Node& file) const {
+        const auto found = resources.find(file.first);
+        return file.kind != NodeKind::File || found == resources.end() ? nullptr : &extents[found->second];
+    }
     /// What is given to few: attributes that only HFS+ has.
     const MacAttributes* macOf(uint32_t node) const {
         const auto found = mac.find(node);
@@ -123,6 +128,8 @@ class Tree {
     std::vector<iso::Section> pieces;
     size_t oldExtents = 0;
     std::unordered_map<uint32_t, std::shared_ptr<const MacAttributes>> mac, isoMac;
+    std::unordered_map<uint32_t, uint32_t>
+        resources; ///< resource forks' extents, by those of the files' data
 
   private:
     struct OwnName {

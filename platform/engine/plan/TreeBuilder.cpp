@@ -2,6 +2,7 @@
 #include "TreeBuilder.hpp"
 #include "Failure.hpp"
 #include "FolderWalker.hpp"
+#include "ResourceFork.hpp"
 
 #include <algorithm>
 #include <unordered_map>
@@ -18,6 +19,7 @@ class TreeBuilder {
           now_(track.defaultDate.value_or(std::time(nullptr))) {}
 
     void build(const Content& root, uint8_t filesystems) {
+        hasHfsPlus_ = (filesystems & filesystem::hfsPlus) != 0;
         reserve(root);
         if (const auto* folder = std::get_if<VirtualFolder>(&root.source)) {
             tree_.nodes[0] = virtualNode(tree_.nodes[0], 0755);
@@ -196,7 +198,31 @@ class TreeBuilder {
             prepare(std::get<ProducedFile>(item.source), file, names.name);
         }
         node.first = walker_.addSource(file, names.name, names.name);
+        if (const auto* produced = std::get_if<ProducedFile>(&item.source)) {
+            if ((filesystems & filesystem::hfsPlus) != 0)
+                addResourceFork(node, *produced, names.name);
+            else if (hasHfsPlus_)
+                forkless_.emplace(node.first, &item);
+        }
         return tree_.addNode(node);
+    }
+
+    // Only where HFS+ shows the file, by whatever name: nothing else could show the fork.
+    void addResourceFork(const Node& node, const ProducedFile& produced, std::string_view name) {
+        SourceFile file;
+        try {
+            file.fingerprint.size = produced.producer->resourceSize();
+        } catch (const std::exception& problem) {
+            fail(ErrorCode::DataProduction,
+                 "The producer of the file " + inQuotes(name) + " can't tell the size of its resource fork.",
+                 problem.what());
+        }
+        if (file.fingerprint.size == 0) return;
+        auto fork = std::make_shared<ResourceFork>(produced.producer, tree_.extentOf(node) == nullptr);
+        file.producer = fork.get();
+        sources_.prepared.push_back(std::move(fork));
+        const uint32_t extent = walker_.addSource(file, name, std::string(name) + " (resource fork)");
+        tree_.resources.emplace(node.first, extent);
     }
 
     void prepare(const ProducedFile& produced, SourceFile& file, std::string_view name) {
@@ -234,6 +260,10 @@ class TreeBuilder {
             fail(ErrorCode::FileLocationConflict,
                  "The hard link " + inQuotes(names.name) +
                      " points at what is no file; a hard link is one more name of a file.");
+        if ((link.filesystems & filesystem::hfsPlus) != 0)
+            if (const auto left = forkless_.extract(tree_.nodes[node].first))
+                addResourceFork(tree_.nodes[node], std::get<ProducedFile>(left.mapped()->source),
+                                nameOf(*left.mapped()));
         if (isChanged(*link.item->attributes)) {
             const uint32_t original = node;
             node = tree_.addNode(Node(tree_.nodes[original]));
@@ -328,6 +358,9 @@ class TreeBuilder {
     const Signal& signal_;
     FolderWalker walker_;
     std::time_t now_;
+    bool hasHfsPlus_ = false;
+    std::unordered_map<uint32_t, const Content*>
+        forkless_; ///< produced files that HFS+ doesn't show yet, by their extents
     std::vector<Pending> pending_;
     std::vector<Link> links_;
     std::vector<Identity> identities_;                 ///< nodes that links can point at
