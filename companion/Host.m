@@ -8,6 +8,8 @@ struct HostServices host;
     X(RegisterPluginVersion)                                                                                 \
     X(PluginRegisterClass)                                                                                   \
     X(PluginNewInstance)                                                                                     \
+    X(pluginObjectType)                                                                                      \
+    X(RuntimeObjectIsa)                                                                                      \
     X(REALLockObject)                                                                                        \
     X(REALUnlockObject)                                                                                      \
     X(REALBuildString)                                                                                       \

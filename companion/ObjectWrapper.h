@@ -16,4 +16,7 @@
 + (id)wrap:(REALobject)object;
 // The host object with a new reference, which the caller owns, as with everything that crosses.
 - (REALobject)unwrap;
+// The file or folder of a disc's tree that the host object holds, for a platform that wants one and gets a box; nil for every
+// other object.
+- (id)contentObject;
 @end

@@ -1,5 +1,6 @@
 // ObjectWrapper.m: boxes host objects.
 #import "companion/ObjectWrapper.h"
+#import "companion/Holders.h"
 
 @implementation QRXREALobjectWrapper
 
@@ -16,6 +17,12 @@
     if (_object != NULL)
         host.REALLockObject(_object);
     return _object;
+}
+
+- (id)contentObject {
+    REALclassRef wanted = host.pluginObjectType("DRFSObjectQRX");
+    return wanted != NULL && host.RuntimeObjectIsa(_object, wanted) ? [[held(_object) retain] autorelease]
+                                                                    : nil;
 }
 
 - (void)dealloc {

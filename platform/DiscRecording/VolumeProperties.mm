@@ -4,6 +4,10 @@
 #import "DRFolderPrivate.h"
 #include "PathStrings.hpp"
 
+@interface NSObject (BoxedContent)
+- (id)contentObject;
+@end
+
 namespace discrecording {
 namespace {
 
@@ -104,6 +108,9 @@ engine::Result<void> readVolumeFiles(NSDictionary* properties, DRFolder* root, e
             row.place = textOf(value);
             continue;
         }
+        // A program's own object comes in a box, which knows the file in it.
+        if ([value respondsToSelector:@selector(contentObject)])
+            value = [value contentObject];
         if (![value isKindOfClass:[DRFile class]] || [static_cast<DRFile*>(value) parent] != root ||
             !isInISO9660(value) || (track.filesystems & engine::filesystem::iso9660) == 0)
             return wrongType(row.key, @"a text, or a file in the root that is in ISO 9660");
