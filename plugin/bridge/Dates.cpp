@@ -25,6 +25,8 @@ bool readParts(REALobject date, Parts& parts) {
            REALGetPropValueInt32(date, "Second", &parts.second);
 }
 
+constexpr double cycleSeconds = 146'097.0 * 86'400; // 400 years
+
 // An instant, and the years that are between it and another one that looks the same in every calendar.
 struct Moment {
     double seconds; // from the beginning of 2001
@@ -35,22 +37,33 @@ struct Moment {
 // again every 400 years, and clocks don't change in the years 401 to 800, nor in 2401 to 2800: so these stand for all that
 // are further away. What no 64-bit number of days leads to the platform has an answer for at once.
 Moment near(double seconds) {
-    constexpr double cycle = 146'097.0 * 86'400, tooFar = 7.97e23;
-    const bool isFar = (seconds < -4 * cycle || seconds >= 2 * cycle) && std::abs(seconds) < tooFar;
+    constexpr double tooFar = 7.97e23;
+    const bool isFar =
+        (seconds < -4 * cycleSeconds || seconds >= 2 * cycleSeconds) && std::abs(seconds) < tooFar;
     if (!isFar) return {seconds, 0};
-    const double same = std::fmod(seconds, cycle) + (seconds < 0 ? -3 : 1) * cycle; // exact
-    return {same, 400 * std::llround((seconds - same) / cycle)};
+    const double same = std::fmod(seconds, cycleSeconds) + (seconds < 0 ? -3 : 1) * cycleSeconds; // exact
+    return {same, 400 * std::llround((seconds - same) / cycleSeconds)};
 }
 
 } // namespace
 
+// The platform counts the years of a far date, too: the same day of a year that is near, and the cycles between them.
 Id NewNSDate(REALobject date) {
     Parts parts{};
     if (!date || !readParts(date, parts)) return nullptr;
+    constexpr int64_t first = 401, behindLast = 2801, years = 400;
+    const int64_t year = parts.year;
+    const int64_t cycles = year < first         ? -((first - 1 - year) / years + 1)
+                           : year >= behindLast ? (year - behindLast) / years + 1
+                                                : 0;
     const auto number = [](int32_t part) { return static_cast<unsigned long>(part); };
-    return objc::sendClass<"NSCalendarDate", "dateWithYear:month:day:hour:minute:second:timeZone:">(
-        static_cast<long>(parts.year), number(parts.month), number(parts.day), number(parts.hour),
+    const Id made = objc::sendClass<"NSCalendarDate", "dateWithYear:month:day:hour:minute:second:timeZone:">(
+        static_cast<long>(year - cycles * years), number(parts.month), number(parts.day), number(parts.hour),
         number(parts.minute), number(parts.second), objc::sendClass<"NSTimeZone", "localTimeZone">());
+    if (cycles == 0 || !made) return made;
+    return objc::autoreleased(objc::send<"initWithTimeIntervalSinceReferenceDate:">(
+        objc::alloc<"NSCalendarDate">(),
+        send<"timeIntervalSinceReferenceDate", double>(made) + static_cast<double>(cycles) * cycleSeconds));
 }
 
 REALobject NSDateRB(Id date) {

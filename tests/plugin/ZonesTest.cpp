@@ -96,6 +96,14 @@ TEST_F(Berlin, InAutumnAnHourComesTwice) {
     EXPECT_TRUE(chosen == utc(2026, 10, 25, 0, 30, 0) || chosen == utc(2026, 10, 25, 1, 30, 0)) << chosen;
 }
 
+// One that counts years or days would take seconds.
+TEST_F(Berlin, FarDatesGoOverAndBack) {
+    for (const int32_t year : {1, 2, 400, 401, 2400, 2800, 2801, 3200, 3201, 20'000'000, 200'000'000})
+        EXPECT_EQ(partsAt(instantOf(year, 2, 28, 9, 5, 7)), std::to_string(year) + " 2 28 9 5 7");
+    for (const int year : {2027, 2800, 2801, 3200, 9999})
+        EXPECT_EQ(instantOf(year, 12, 31, 23, 59, 58), utc(year, 12, 31, 22, 59, 58));
+}
+
 TEST_F(Berlin, DatesGoOverAndBackOnEveryDayOfAYear) {
     for (std::time_t day = utc(2026, 1, 1, 4, 5, 6); day < utc(2027, 1, 1, 0, 0, 0); day += 86'400) {
         const Ref date = host::newDate(day);
