@@ -94,7 +94,8 @@
  * Lengths are in bytes. Addresses are in BLOCKS from the start of the track, or of the pre-gap: the byte is the address
  * times the block's size. A block is as large as DRBlockSizeKey says, and 96 bytes larger when
  * DRSubchannelDataFormKey asks for subchannel data: then DRFlagSubchannelDataRequested is set, and each block is the
- * data with the subchannel behind it. DRBlockSizeKey may count those 96 bytes or leave them out. What a burn begins with
+ * data with the subchannel behind it: a symbol a byte, R to W in bits 5 to 0. Bits 7 and 6 are P and Q, which the drive
+ * makes: what stands there counts nowhere. DRBlockSizeKey may count those 96 bytes or leave them out. What a burn begins with
  * holds to its end, but for the length that preparing sets.
  *
  * A method that raises fails the burn with 0x80020062, also while it verifies; the detail says what was raised. The disc is

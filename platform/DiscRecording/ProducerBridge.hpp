@@ -4,7 +4,7 @@
 #import "DRTrack.h"
 
 #include "Drive.hpp"
-#include "TrackProducer.hpp"
+#include "Layout.hpp"
 
 namespace discrecording {
 
@@ -15,9 +15,9 @@ struct ProducedFor {
 };
 
 /// Calls the producer of the track on the engine's threads, as DRTrack.h says. Retains both from preparing to cleaning
-/// up, which may come when whoever burned is gone; before that whoever burns keeps the track. `blockBytes` is the size of
-/// a block without subchannel data.
-std::shared_ptr<engine::TrackProducer> makeProducer(DRTrack* track, id producer, size_t blockBytes,
-                                                    ProducedFor producedFor);
+/// up, which may come when whoever burned is gone; before that whoever burns keeps the track. `produced` says what its
+/// blocks are.
+std::shared_ptr<engine::TrackProducer>
+makeProducer(DRTrack* track, id producer, const engine::ProducedTrack& produced, ProducedFor producedFor);
 
 } // namespace discrecording

@@ -15,8 +15,12 @@ namespace {
 
 class ProducerBridge final : public engine::TrackProducer {
   public:
-    ProducerBridge(DRTrack* track, id producer, size_t blockBytes, ProducedFor producedFor)
-        : track_(track), producer_(producer), blockBytes_(blockBytes), for_(std::move(producedFor)) {}
+    ProducerBridge(DRTrack* track, id producer, const engine::ProducedTrack& produced,
+                   ProducedFor producedFor)
+        : track_(track), producer_(producer),
+          bits_(produced.subchannel == engine::SubchannelForm::None ? 0 : DRFlagSubchannelDataRequested),
+          blockBytes_(static_cast<uint32_t>(engine::bytesPerBlock(produced.form, produced.subchannel))),
+          for_(std::move(producedFor)) {}
 
     ~ProducerBridge() override { letGo(); }
 
@@ -44,7 +48,7 @@ class ProducerBridge final : public engine::TrackProducer {
                                          intoBuffer:reinterpret_cast<char*>(buffer.data())
                                              length:static_cast<uint32_t>(buffer.size())
                                           atAddress:block
-                                          blockSize:blockBytes(flags)
+                                          blockSize:blockBytes_
                                             ioFlags:bits];
         });
     }
@@ -55,7 +59,7 @@ class ProducerBridge final : public engine::TrackProducer {
                                        intoBuffer:reinterpret_cast<char*>(buffer.data())
                                            length:static_cast<uint32_t>(buffer.size())
                                         atAddress:block
-                                        blockSize:blockBytes(flags)
+                                        blockSize:blockBytes_
                                           ioFlags:bits];
         });
     }
@@ -67,12 +71,12 @@ class ProducerBridge final : public engine::TrackProducer {
 
     bool verifyPreGap(uint64_t block, std::span<const std::byte> bytes) override {
         return ask(@selector(verifyPreGapForTrack:inBuffer:length:atAddress:blockSize:ioFlags:), true, [&] {
-            uint32_t bits = 0;
+            uint32_t bits = bits_;
             return [producer_ verifyPreGapForTrack:track_
                                           inBuffer:reinterpret_cast<const char*>(bytes.data())
                                             length:static_cast<uint32_t>(bytes.size())
                                          atAddress:block
-                                         blockSize:blockBytes({})
+                                         blockSize:blockBytes_
                                            ioFlags:&bits] != NO;
         });
     }
@@ -80,12 +84,12 @@ class ProducerBridge final : public engine::TrackProducer {
     // Who wants to see the data and has no way to can't find it right.
     bool verify(uint64_t block, std::span<const std::byte> bytes) override {
         return ask(@selector(verifyDataForTrack:inBuffer:length:atAddress:blockSize:ioFlags:), false, [&] {
-            uint32_t bits = 0;
+            uint32_t bits = bits_;
             return [producer_ verifyDataForTrack:track_
                                         inBuffer:reinterpret_cast<const char*>(bytes.data())
                                           length:static_cast<uint32_t>(bytes.size())
                                        atAddress:block
-                                       blockSize:blockBytes({})
+                                       blockSize:blockBytes_
                                          ioFlags:&bits] != NO;
         });
     }
@@ -156,7 +160,7 @@ class ProducerBridge final : public engine::TrackProducer {
 
     template <typename Call> size_t produced(engine::ProduceFlags& flags, const Call& call) const {
         const EngineThread thread;
-        uint32_t bits = flags.subchannelDataRequested ? DRFlagSubchannelDataRequested : 0;
+        uint32_t bits = bits_;
         size_t count = 0;
         NSString* raised = raisedBy([&] { count = call(&bits); });
         if (raised != nil)
@@ -165,23 +169,18 @@ class ProducerBridge final : public engine::TrackProducer {
         return count;
     }
 
-    uint32_t blockBytes(const engine::ProduceFlags& flags) const {
-        return static_cast<uint32_t>(blockBytes_ +
-                                     (flags.subchannelDataRequested ? engine::subchannelBytes : 0));
-    }
-
     DRTrack* track_;
     id producer_;
-    const size_t blockBytes_; // what the track says later is not this burn's
+    const uint32_t bits_, blockBytes_; // what the track says later is not this burn's
     bool isKept_ = false;
     const ProducedFor for_;
 };
 
 } // namespace
 
-std::shared_ptr<engine::TrackProducer> makeProducer(DRTrack* track, id producer, size_t blockBytes,
-                                                    ProducedFor producedFor) {
-    return std::make_shared<ProducerBridge>(track, producer, blockBytes, std::move(producedFor));
+std::shared_ptr<engine::TrackProducer>
+makeProducer(DRTrack* track, id producer, const engine::ProducedTrack& produced, ProducedFor producedFor) {
+    return std::make_shared<ProducerBridge>(track, producer, produced, std::move(producedFor));
 }
 
 } // namespace discrecording

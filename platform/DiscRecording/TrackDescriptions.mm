@@ -84,6 +84,11 @@ NSDictionary* propertiesOfTrack(const engine::MediumInfo& medium, const engine::
     if (!isCD)
         return told;
     [told setObject:DRMSFOfBlocks(track.preGapBlocks) forKey:DRPreGapLengthKey];
+    if (track.subchannel != engine::SubchannelForm::None) {
+        [told setObject:track.subchannel == engine::SubchannelForm::Raw ? DRSubchannelDataFormRaw
+                                                                        : DRSubchannelDataFormPack
+                 forKey:DRSubchannelDataFormKey];
+    }
     if (!track.isrc.empty()) {
         [told setObject:[NSData dataWithBytes:track.isrc.data() length:track.isrc.size()]
                  forKey:DRTrackISRCKey];

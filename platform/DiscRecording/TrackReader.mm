@@ -194,7 +194,7 @@ Result<engine::ProducedTrack> producedTrackOf(DRTrack* track, const ProducedFor&
     produced.form = *form;
     produced.blocks = [length unsignedIntValue];
     produced.subchannel = *subchannel;
-    produced.producer = makeProducer(track, producer, engine::bytesPerBlock(*form), producedFor);
+    produced.producer = makeProducer(track, producer, produced, producedFor);
     return produced;
 }
 

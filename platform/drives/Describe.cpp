@@ -65,6 +65,7 @@ Json jsonOf(const engine::MediumInfo& medium) {
                               {"volumeName", track.volumeName},
                               {"isrc", track.isrc},
                               {"indexPoints", track.indexPoints},
+                              {"subchannel", engine::nameOf(track.subchannel)},
                               {"complete", track.isComplete}});
         sessions.push_back(
             {{"number", session.number}, {"complete", session.isClosed}, {"tracks", std::move(tracks)}});

@@ -58,6 +58,10 @@ std::string possibilities(const engine::MediumInfo& medium) {
     return text.empty() ? "can only be read" : text;
 }
 
+std::string modeText(const engine::TrackInfo& track) {
+    return nameOf(track) + (track.subchannel == engine::SubchannelForm::None ? "" : ", subchannel");
+}
+
 void describeMedium(std::string& text, const engine::MediumInfo& medium) {
     addFact(text, "Medium",
             std::string(engine::factsOf(medium.kind).name) + ", " + nameOf(medium.state) + ", " +
@@ -79,7 +83,7 @@ void describeMedium(std::string& text, const engine::MediumInfo& medium) {
                  {"Volume"}});
     for (const engine::SessionInfo& session : medium.sessions)
         for (const engine::TrackInfo& track : session.tracks)
-            table.add({std::to_string(session.number), std::to_string(track.number), nameOf(track),
+            table.add({std::to_string(session.number), std::to_string(track.number), modeText(track),
                        std::to_string(track.startBlock), std::to_string(track.blocks),
                        sizeOfBlocks(track.blocks), track.volumeName});
     text += '\n' + table.text();

@@ -25,6 +25,8 @@ using engine::fail;
 using engine::inQuotes;
 using engine::MediumKind;
 
+constexpr char subchannels[] = ".sub";
+
 engine::Descriptor openFolder(const std::string& path) {
     engine::Descriptor folder(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!folder)
@@ -55,8 +57,10 @@ void forEachFile(engine::MediumRecord& record, const Visit& visit) {
     present(record.image);
     present(record.cdText);
     for (engine::SessionInfo& session : record.sessions)
-        for (engine::TrackInfo& track : session.tracks)
+        for (engine::TrackInfo& track : session.tracks) {
             present(track.file);
+            present(track.subchannelFile);
+        }
 }
 
 // What a file is called until the medium is the drive's: as there, but new. Files with names of a person's own get
@@ -68,7 +72,9 @@ std::string newNameFor(const std::string& name, size_t number) {
         return newStem + name.substr(stem.size());
     const std::string extension = fs::path(name).extension().string();
     return newStem + std::to_string(number + 100) +
-           (extension == ".bin" || extension == ".cue" || extension == ".cdt" ? extension : ".iso");
+           (extension == ".bin" || extension == ".cue" || extension == ".cdt" || extension == subchannels
+                ? extension
+                : ".iso");
 }
 
 MediumFiles stageDescribed(const fs::path& description, const Staging& staging, bool quiet) {
@@ -192,7 +198,16 @@ void putInto(const engine::VirtualDrive& drive, const MediumFiles& staged) {
     forEachFile(record, [&](std::string& name) {
         const auto known = renamed.find(name);
         const std::string before = name;
-        name = known != renamed.end() ? known->second : newNameFor(name, renamed.size());
+        // What lies beside a file of sectors stays beside it.
+        const auto sectors = before.ends_with(subchannels)
+                                 ? renamed.find(before.substr(0, before.rfind('.')) + ".bin")
+                                 : renamed.end();
+        if (known != renamed.end())
+            name = known->second;
+        else if (sectors != renamed.end())
+            name = engine::names::subchannelBeside(sectors->second);
+        else
+            name = newNameFor(name, renamed.size());
         if (known == renamed.end()) renamed.emplace(before, name);
     });
     for (const auto& [before, after] : renamed)

@@ -37,23 +37,24 @@ struct Result {
 };
 
 constexpr size_t pieceBlocks = 1024, pageBytes = 4096;
-static_assert(pieceBlocks * engine::sectorBytes % pageBytes == 0);
+constexpr size_t pieceBytes = pieceBlocks * (engine::sectorBytes + engine::subchannelBytes);
+static_assert(pieceBytes % pageBytes == 0);
 
 uint64_t bytesOf(const engine::MediumInfo& medium) {
     uint64_t bytes = 0;
     for (const engine::SessionInfo& session : medium.sessions)
         for (const engine::TrackInfo& track : session.tracks)
-            bytes += track.blocks * engine::bytesPerBlock(track.form);
+            bytes += track.blocks * track.blockBytes();
     return bytes;
 }
 
 // Every block of a track, in order; what they add up to goes into `sum`.
 std::string readAll(engine::MediumReader& reader, const engine::TrackInfo& track, Progress& progress,
                     engine::TrackSum& sum) {
-    const size_t each = engine::bytesPerBlock(track.form);
+    const size_t each = track.blockBytes();
     // Readers go past the page cache when the buffer starts at a page.
     const std::unique_ptr<std::byte, decltype(&std::free)> pages(
-        static_cast<std::byte*>(std::aligned_alloc(pageBytes, pieceBlocks * engine::sectorBytes)), std::free);
+        static_cast<std::byte*>(std::aligned_alloc(pageBytes, pieceBytes)), std::free);
     if (!pages) throw std::bad_alloc();
     const std::span buffer(pages.get(), pieceBlocks * each);
     uint64_t block = 0;
@@ -91,7 +92,7 @@ BlockReader discBlocks(engine::MediumReader& reader, const engine::MediumInfo& m
                 if (track.form != engine::BlockForm::Data && track.form != engine::BlockForm::Mode2Form1)
                     continue;
                 if (block < track.startBlock || block >= track.startBlock + track.blocks) continue;
-                return readExactly(reader, track, block - track.startBlock, buffer);
+                return readExactly(reader, track.withoutSubchannel(), block - track.startBlock, buffer);
             }
         return false;
     };

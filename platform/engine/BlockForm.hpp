@@ -27,6 +27,15 @@ inline constexpr size_t sectorBytes = 2352;
 /// Subchannel data of a block, for tracks that bring it.
 inline constexpr size_t subchannelBytes = 96;
 
+/// What stands behind each block's bytes, for tracks that bring subchannel data: 96 symbols, one a byte, with the channels
+/// R to W in bits 5 to 0. Bits 7 and 6 are P and Q, which a drive makes: what a producer puts there counts nowhere, and
+/// zeros are read back.
+enum class SubchannelForm : uint8_t {
+    None,
+    Pack, ///< four packs of 24 symbols, in their order and with their parity
+    Raw,  ///< the symbols as they stand on the disc
+};
+
 /// Bytes that a producer gives for one block, without subchannel data.
 constexpr size_t bytesPerBlock(BlockForm form) noexcept {
     switch (form) {
@@ -48,9 +57,18 @@ constexpr size_t bytesPerBlock(BlockForm form) noexcept {
     return sectorBytes;
 }
 
+/// With the subchannel data behind it.
+constexpr size_t bytesPerBlock(BlockForm form, SubchannelForm subchannel) noexcept {
+    return bytesPerBlock(form) + (subchannel == SubchannelForm::None ? 0 : subchannelBytes);
+}
+
 /// As in medium.json and in sentences: "data", "audio", "mode 2", "mode 2 form 1", "mode 2 form 2", "XA",
 /// "mode 2 mixed", "raw mode 1", "raw mode 2".
 std::string_view nameOf(BlockForm form) noexcept;
 std::optional<BlockForm> blockFormNamed(std::string_view name) noexcept;
+
+/// "none", "pack", "raw".
+std::string_view nameOf(SubchannelForm form) noexcept;
+std::optional<SubchannelForm> subchannelFormNamed(std::string_view name) noexcept;
 
 } // namespace engine

@@ -43,7 +43,7 @@ PlannedTrack planned(const Track& track, uint32_t number) {
         info.form = produced->form;
         info.blocks = produced->blocks;
         info.volumeName = produced->volumeName;
-        plan.subchannel = produced->subchannel;
+        info.subchannel = produced->subchannel;
         plan.preGapIsProduced =
             track.preGapBlocks && *track.preGapBlocks > 0 && produced->producer->producesPreGap();
     } else {

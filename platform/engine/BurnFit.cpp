@@ -74,10 +74,9 @@ class Fitter {
                     fail(ErrorCode::FunctionNotSupported, name(track) +
                                                               " is of a CD-I session, which the drive can't "
                                                               "write; use another session format.");
-                if (track.subchannel != SubchannelForm::None && !can_.writesSubchannel)
-                    fail(ErrorCode::FunctionNotSupported,
-                         name(track) +
-                             " brings subchannel data, which the drive can't write; burn it without.");
+                if (track.info.subchannel != SubchannelForm::None && (!isCD_ || !can_.writesSubchannel))
+                    fail(ErrorCode::FunctionNotSupported, name(track) + " brings subchannel data, which " +
+                                                              what() + " can't take; burn it without.");
                 if (!track.info.indexPoints.empty() && (!isCD_ || !can_.writesIndexPoints))
                     fail(ErrorCode::CantWriteIndexPoints, name(track) + " has index points, which " + what() +
                                                               " can't take; burn it without.");

@@ -110,7 +110,6 @@ void BurnRun::prepare(BurnTarget& target) {
             Item item{session, track, wanted.verification, nullptr, 0, {}};
             item.source = makeTrackSource(layout_, wanted, planned(item));
             item.verification = item.source->verification(wanted.verification);
-            if (planned(item).subchannel != SubchannelForm::None) item.verification = Verification::None;
             items_.push_back(item);
             const bool isData = std::holds_alternative<DataTrack>(wanted.content);
             prepareTrack(target, items_.back(), isData && goesOn ? previous : ImagePlace{});

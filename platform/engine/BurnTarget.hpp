@@ -21,11 +21,8 @@ struct PlannedTrack {
     TrackInfo info; ///< startBlock and preGapBlocks are set by place()
     bool preGapIsProduced = false;
     bool preGapIsRequired = false;
-    SubchannelForm subchannel = SubchannelForm::None;
 
-    size_t blockBytes() const noexcept {
-        return bytesPerBlock(info.form) + (subchannel == SubchannelForm::None ? 0 : subchannelBytes);
-    }
+    size_t blockBytes() const noexcept { return info.blockBytes(); }
 };
 
 /// A burn as it will be, checked against drive and medium.

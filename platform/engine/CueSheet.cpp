@@ -106,6 +106,11 @@ void addTrack(std::string& sheet, const TrackInfo& track, bool isFirst, bool isS
     addTexts(sheet, texts, track.number, "    ");
     if (const std::string flags = flagsOf(track); !flags.empty()) sheet += "    FLAGS" + flags + '\n';
     if (!track.isrc.empty()) sheet += "    ISRC " + track.isrc + '\n';
+    // For who copies the disc by its sheet; other programs read the sectors as if there were nothing beside them.
+    if (track.subchannel != SubchannelForm::None)
+        sheet += "    REM SUBCHANNEL " +
+                 std::string(track.subchannel == SubchannelForm::Raw ? "RAW " : "PACK ") +
+                 quoted(track.subchannelFile) + '\n';
     if (preGap > 0) sheet += "    INDEX 00 " + timeOf(start - preGap) + '\n';
     sheet += "    INDEX 01 " + timeOf(start) + '\n';
     for (size_t index = 0; index < track.indexPoints.size(); ++index)

@@ -87,6 +87,16 @@ struct TrackInfo {
     std::optional<uint64_t> sum; ///< over its bytes when they were burned (TrackSum); of virtual media only
     std::string file;            ///< of a virtual medium, in the drive's folder: where the track's blocks are
     uint64_t fileOffset = 0;     ///< of startBlock in it, in bytes
+    SubchannelForm subchannel = SubchannelForm::None; ///< that was burned with it
+    std::string subchannelFile;                       ///< of a virtual medium: its .sub, beside `file`
+
+    size_t blockBytes() const noexcept { return bytesPerBlock(form, subchannel); }
+    /// For reading the blocks alone.
+    TrackInfo withoutSubchannel() const {
+        TrackInfo bare = *this;
+        bare.subchannel = SubchannelForm::None;
+        return bare;
+    }
 };
 
 struct SessionInfo {
@@ -140,8 +150,8 @@ class MediumReader {
     MediumReader& operator=(const MediumReader&) = delete;
     virtual ~MediumReader() = default;
 
-    /// Fills the front of `buffer` with whole blocks of the track, from `block` on; blocks of the pre-gap have
-    /// negative numbers. Answers the bytes: fewer than fit only at the end of the track, then 0. MediaInvalid,
+    /// Fills the front of `buffer` with whole blocks of the track, from `block` on, with their subchannel data behind each
+    /// where the track has such; blocks of the pre-gap have negative numbers. Answers the bytes: fewer than fit only at the end of the track, then 0. MediaInvalid,
     /// with the block's address in `info`, for what can't be read.
     virtual Result<size_t> read(const TrackInfo& track, int64_t block, std::span<std::byte> buffer) = 0;
 

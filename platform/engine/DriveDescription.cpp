@@ -30,6 +30,7 @@ constexpr std::pair<bool DriveCapabilities::*, const char*> abilities[] = {
     {&DriveCapabilities::writesBDAtOnce, "bd-at-once"},
     {&DriveCapabilities::choosesPreGap, "pre-gaps"},
     {&DriveCapabilities::writesCDI, "cd-i"},
+    {&DriveCapabilities::writesSubchannel, "subchannel"},
 };
 
 } // namespace

@@ -16,8 +16,7 @@ DriveDescription readDescription(int folder, const std::string& path);
 /// A member's text; empty when there is none.
 std::string textIn(const DriveDescription& description, const char* name);
 
-/// A virtual drive can do all that its media can hold, but for what "lacks" in its drive.json names. Its media keep no
-/// subchannel data.
+/// A virtual drive can do all that its media can hold, but for what "lacks" in its drive.json names.
 void setCapabilities(DriveCapabilities& can, const DriveDescription& description);
 
 } // namespace engine

@@ -41,9 +41,6 @@ struct DataTrack {
     std::optional<std::time_t> checked;                               ///< HFS+ only
 };
 
-/// What stands behind each block's bytes, for tracks whose producer brings subchannel data.
-enum class SubchannelForm : uint8_t { None, Pack, Raw };
-
 /// A track whose bytes come from a producer.
 struct ProducedTrack {
     BlockForm form = BlockForm::Data;

@@ -18,7 +18,7 @@ BlockReader blockReader(const MediumInfo& medium, std::shared_ptr<MediumReader> 
     std::vector<TrackInfo> tracks;
     for (const SessionInfo& session : medium.sessions)
         for (const TrackInfo& track : session.tracks)
-            if (isData(track)) tracks.push_back(track);
+            if (isData(track)) tracks.push_back(track.withoutSubchannel());
     return [tracks = std::move(tracks), reader = std::move(reader)](uint64_t address,
                                                                     std::span<std::byte, blockSize> block) {
         for (const TrackInfo& track : tracks) {

@@ -115,6 +115,15 @@ TrackInfo trackFrom(const Json& object, uint32_t number, const std::string& imag
     } else {
         track.fileOffset = object.contains("fileOffset") ? numberIn<uint64_t>(object, "fileOffset") : 0;
     }
+    if (const std::string name = textIn(object, "subchannel"); !name.empty()) {
+        const auto subchannel = subchannelFormNamed(name);
+        if (!subchannel) damaged("a track's subchannel data are of an unknown form");
+        track.subchannel = *subchannel;
+        track.subchannelFile =
+            fileIn(object, "subchannelFile", "a track's subchannel data lie in another folder");
+        if (track.subchannelFile.empty() != (*subchannel == SubchannelForm::None))
+            damaged("a track's subchannel data are in no file");
+    }
     return track;
 }
 
@@ -146,6 +155,10 @@ Json jsonOf(const TrackInfo& track, const std::string& image) {
     if (!track.file.empty() && track.file != image) {
         json["file"] = track.file;
         json["fileOffset"] = track.fileOffset;
+    }
+    if (track.subchannel != SubchannelForm::None) {
+        json["subchannel"] = nameOf(track.subchannel);
+        json["subchannelFile"] = track.subchannelFile;
     }
     return json;
 }

@@ -12,12 +12,17 @@ constexpr size_t sectorsAtOnce = 256;
 
 } // namespace
 
-void SectorWriter::begin(BlockForm form, int64_t address) {
-    form_ = form;
+void SectorWriter::begin(const TrackInfo& track, int64_t address) {
+    form_ = track.form;
     address_ = address;
+    if (subchannel_) subchannel_->begin(track, address);
 }
 
 void SectorWriter::write(std::span<std::byte> blocks) {
+    writeSectors(subchannel_ ? subchannel_->take(blocks) : blocks);
+}
+
+void SectorWriter::writeSectors(std::span<std::byte> blocks) {
     const size_t bytes = bytesPerBlock(form_);
     if (!isSectors_ || bytes == sectorBytes) {
         address_ += static_cast<int64_t>(blocks.size() / bytes);
@@ -37,6 +42,7 @@ void SectorWriter::write(std::span<std::byte> blocks) {
 }
 
 void SectorWriter::fill(uint64_t blocks) {
+    if (subchannel_) subchannel_->fill(blocks);
     std::vector<std::byte> empty;
     while (blocks > 0) {
         const auto count = static_cast<size_t>(std::min<uint64_t>(blocks, sectorsAtOnce));
@@ -45,9 +51,14 @@ void SectorWriter::fill(uint64_t blocks) {
         for (size_t each = 0; each < count; ++each)
             makeEmptyBlock(form_, address_ + static_cast<int64_t>(each),
                            std::span(empty).subspan(each * bytes, bytes));
-        write(empty);
+        writeSectors(empty);
         blocks -= count;
     }
+}
+
+void SectorWriter::flush(const SignalRef& signal) {
+    file_->flush(signal);
+    if (subchannel_) subchannel_->file()->flush(signal);
 }
 
 } // namespace engine

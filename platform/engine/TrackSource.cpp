@@ -2,6 +2,7 @@
 #include "TrackSource.hpp"
 #include "Failure.hpp"
 #include "sectors/SectorCoding.hpp"
+#include "subchannel/Symbols.hpp"
 
 #include <algorithm>
 #include <atomic>
@@ -164,11 +165,23 @@ class ProducerSource final : public TrackSource {
             given += count;
             if (flags.noMoreData) filled += endHere(buffer.subspan(filled), given, total);
         }
-        if (!withSubchannel_) {
-            clearPadding(form_, buffer.first(filled));
-            completeCodes(form_, buffer.first(filled));
-        }
+        complete(buffer.first(filled));
         return filled;
+    }
+
+    // As the disc will have them: whole blocks.
+    void complete(std::span<std::byte> blocks) const {
+        if (!withSubchannel_) {
+            clearPadding(form_, blocks);
+            completeCodes(form_, blocks);
+            return;
+        }
+        for (; blocks.size() >= blockBytes_; blocks = blocks.subspan(blockBytes_)) {
+            const std::span<std::byte> user = blocks.first(blockBytes_ - subchannelBytes);
+            clearPadding(form_, user);
+            completeCodes(form_, user);
+            clearDrivesChannels(blocks.subspan(user.size(), subchannelBytes));
+        }
     }
 
     // The track ends with the block that was begun.

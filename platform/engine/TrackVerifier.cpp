@@ -14,7 +14,7 @@ TrackVerifier::TrackVerifier(std::shared_ptr<MediumReader> reader, TrackInfo tra
                              std::vector<uint64_t> checksums, uint64_t bytes, uint64_t preGapBlocks)
     : reader_(std::move(reader)), track_(std::move(track)), source_(std::move(source)), way_(way),
       checksums_(std::move(checksums)), bytes_(bytes), preGapBlocks_(preGapBlocks),
-      blockBytes_(bytesPerBlock(track_.form)) {}
+      blockBytes_(track_.blockBytes()) {}
 
 // Deliberate: a producer that was asked to prepare cleans up, whatever was found; what it holds for the verification would
 // stay until the burn's end otherwise, and a difference is when it matters. Only an abort leaves it out.

@@ -17,7 +17,7 @@ struct VirtualDriveSetup {
     std::string firmwareRevision = "1.00";
     std::optional<MediumKind> medium = MediumKind::DVDPlusRW; ///< blank; none for an empty drive
     uint64_t capacityBlocks = 0;                              ///< 0: as usual for the kind
-    /// What the drive can't do: "cd-text", "isrc", "index-points", "pre-gaps", "cd-i", "track-at-once", "session-at-once",
+    /// What the drive can't do: "cd-text", "isrc", "index-points", "pre-gaps", "cd-i", "subchannel", "track-at-once", "session-at-once",
     /// "dvd-at-once", "bd-at-once", "test-write-cd" (-dvd, -bd), "underrun-protect-cd" (-dvd).
     std::vector<std::string> lacks = {};
 };

@@ -25,8 +25,8 @@ bool isMediumFile(std::string_view name) {
     if (name.starts_with("new.")) name.remove_prefix(4);
     const size_t digits = std::min(name.find_first_not_of("0123456789"), name.size());
     if (digits > 0 && digits < name.size() && name[digits] == '.') name.remove_prefix(digits + 1);
-    return name == "iso" || name == "bin" || name == "cue" || name == "cdt" || name == "cue.new" ||
-           name == "cdt.new";
+    return name == "iso" || name == "bin" || name == "cue" || name == "cdt" || name == "sub" ||
+           name == "cue.new" || name == "cdt.new";
 }
 
 bool isNew(const std::string& name) { return name.starts_with(newStem); }
@@ -41,8 +41,10 @@ void forEachFile(MediumRecord& record, const Visit& visit) {
     visit(record.image);
     visit(record.cdText);
     for (SessionInfo& session : record.sessions)
-        for (TrackInfo& track : session.tracks)
+        for (TrackInfo& track : session.tracks) {
             visit(track.file);
+            visit(track.subchannelFile);
+        }
 }
 
 bool namesNewFiles(MediumRecord& record) {
@@ -117,6 +119,10 @@ MediumInfo MediumRecord::info(const std::string& folder) const {
     info.speeds.assign(facts.speeds.begin(), facts.speeds.end());
     if (!image.empty()) info.path = folder + '/' + image;
     return info;
+}
+
+std::string names::subchannelBeside(const std::string& sectors) {
+    return sectors.substr(0, sectors.rfind('.')) + ".sub";
 }
 
 bool MediumRecord::isSheet() const noexcept { return image == names::sheet; }

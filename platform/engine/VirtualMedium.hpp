@@ -26,6 +26,12 @@ namespace engine {
 /// A session that is one data track, behind none that is anything else, lies in `image`, block N of the medium
 /// at block N of the file. Every other session (CDs only) has a file of whole sectors, 2352 bytes each, and the
 /// image is a cue sheet, which is made from this description whenever it changes.
+///
+/// A track with `"subchannel": "raw"` (or "pack") was burned with subchannel data of that form (SubchannelForm), which lie
+/// in `subchannelFile`: 96 bytes for every sector of `file`, in its order, whatever track it is of. They stand channel by
+/// channel, 12 bytes of P, then Q, R and so on to W, the first symbol in the highest bit. P and Q are as on a disc, Q with
+/// its code; R to W are what the producer brought, in its form: of packs nothing is interleaved, and no parity made.
+/// `xxh3` is then the sum over blocks with the 96 symbols behind each, as MediumReader reads them.
 struct MediumRecord {
     MediumKind kind = MediumKind::DVDPlusRW;
     uint64_t capacityBlocks = 0;
@@ -53,6 +59,8 @@ inline constexpr char lock[] = "lock";
 inline constexpr char reservation[] = "reservation"; ///< locked by the process that holds it
 /// What the names of the medium's files begin with; sessions' files are medium.bin, medium.2.bin...
 inline constexpr char stem[] = "medium.", newStem[] = "medium.new.";
+/// The subchannels of the sectors in medium.bin are in medium.sub.
+std::string subchannelBeside(const std::string& sectors);
 } // namespace names
 
 /// Reads medium.json; empty when there is none, which means no medium. Throws MediaInvalid for one that is

@@ -18,6 +18,9 @@ class VirtualReader final : public MediumReader {
     Result<std::vector<uint8_t>> cdText() override;
 
   private:
+    size_t readBlocks(const TrackInfo& track, int64_t block, std::span<std::byte> buffer);
+    size_t readWithSubchannel(const TrackInfo& track, int64_t block, std::span<std::byte> buffer);
+    void readSubchannel(const TrackInfo& track, int64_t block, size_t count);
     ImageReader& file(const std::string& name);
     size_t readPlain(const TrackInfo& track, uint64_t block, std::span<std::byte> buffer);
     size_t readSectors(const TrackInfo& track, int64_t block, std::span<std::byte> buffer);
@@ -25,7 +28,8 @@ class VirtualReader final : public MediumReader {
     Descriptor folder_;
     std::string cdText_;
     std::map<std::string, ImageReader> files_;
-    std::vector<std::byte> sectors_; ///< of forms whose user data is a part of the sector
+    std::vector<std::byte> sectors_;          ///< of forms whose user data is a part of the sector
+    std::vector<std::byte> blocks_, symbols_; ///< of tracks with subchannel data
 };
 
 /// Whether a file of a virtual medium has whole sectors (or else blocks of 2048 bytes).

@@ -71,11 +71,15 @@ class VirtualTarget final : public BurnTarget {
         added.number = static_cast<uint32_t>(record_.sessions.size() + 1);
         added.isClosed = false;
         record_.sessions.push_back(added);
+        const bool hasSubchannel = std::any_of(tracks.begin(), tracks.end(), [](const PlannedTrack& each) {
+            return each.info.subchannel != SubchannelForm::None;
+        });
         isSectors_ = record_.isSheet() || tracks.size() > 1 || tracks.front().info.form != BlockForm::Data ||
-                     tracks.front().info.preGapBlocks > usualPreGap;
+                     tracks.front().info.preGapBlocks > usualPreGap || hasSubchannel;
         // One file for all sessions that are data, and one for each other.
         file_ = isSectors_ ? stem_ + (added.number > 1 ? std::to_string(added.number) + '.' : "") + "bin"
                            : stem_ + "iso";
+        subchannelFile_ = hasSubchannel ? names::subchannelBeside(file_) : "";
         record_.image = isSectors_ ? std::string(names::sheet) : file_;
         writer_ = nullptr;
     }
@@ -85,6 +89,7 @@ class VirtualTarget final : public BurnTarget {
         std::vector<TrackInfo>& tracks = record_.sessions.back().tracks;
         TrackInfo info = track.info;
         info.file = file_;
+        if (info.subchannel != SubchannelForm::None) info.subchannelFile = subchannelFile_;
         info.isComplete = false;
         const uint64_t kept = keptPreGap(info, tracks.empty());
         unkept_ = info.preGapBlocks - kept;
@@ -95,12 +100,12 @@ class VirtualTarget final : public BurnTarget {
         if (isTest_) return;
         // Nothing can be taken back on a sequential medium.
         if (!marked_ && !replaces_ && (kept_ == 0 || !facts_.overwritable)) mark();
-        writer_->begin(info.form, static_cast<int64_t>(info.startBlock - kept));
+        writer_->begin(info, static_cast<int64_t>(info.startBlock - kept));
         if (!track.preGapIsProduced) writer_->fill(kept);
     }
 
     void writePreGap(std::span<std::byte> buffer) override {
-        const size_t bytes = bytesPerBlock(record_.sessions.back().tracks.back().form);
+        const size_t bytes = record_.sessions.back().tracks.back().blockBytes();
         const auto skipped = static_cast<size_t>(std::min<uint64_t>(unkept_, buffer.size() / bytes));
         unkept_ -= skipped;
         if (skipped * bytes < buffer.size()) write(buffer.subspan(skipped * bytes));
@@ -124,8 +129,8 @@ class VirtualTarget final : public BurnTarget {
     void flush(const SignalRef& signal) override {
         if (isTest_) return;
         if (replaces_ && !start_.empty()) putStart();
-        for (const SectorWriter& writer : writers_)
-            writer.file()->flush(signal);
+        for (SectorWriter& writer : writers_)
+            writer.flush(signal);
     }
 
     std::shared_ptr<MediumReader> reader() override {
@@ -178,10 +183,17 @@ class VirtualTarget final : public BurnTarget {
         writers_.emplace_back(file, isSectors_);
         writer_ = &writers_.back();
         file->reserve(bytes, drive_->displayName());
+        if (!subchannelFile_.empty()) openSubchannelFile(bytes / sectorBytes);
         if (session_ > 0 || plan_->cdText.empty()) return;
         record_.cdText = stem_ + "cdt";
         replaceSmallFile(folder(), record_.cdText,
                          {reinterpret_cast<const char*>(plan_->cdText.data()), plan_->cdText.size()});
+    }
+
+    void openSubchannelFile(uint64_t sectors) {
+        auto file = std::make_shared<ImageFile>(folder(), subchannelFile_, 0, false);
+        writer_->addSubchannel(std::make_unique<SubchannelWriter>(file, record_.mediaCatalogNumber));
+        file->reserve(sectors * subchannelBytes, drive_->displayName());
     }
 
     void mark() {
@@ -235,7 +247,8 @@ class VirtualTarget final : public BurnTarget {
     size_t kept_ = 0; ///< sessions that were there
     MediumState endState_ = MediumState::Complete;
 
-    std::string file_; ///< of the present session
+    std::string file_;           ///< of the present session
+    std::string subchannelFile_; ///< likewise; empty when no track of it brings such data
     bool isSectors_ = false;
     const BurnPlan* plan_ = nullptr;
     size_t session_ = 0;

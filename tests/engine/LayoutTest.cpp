@@ -75,10 +75,6 @@ TEST_F(LayoutTest, tracksThatAMediumCannotTake) {
             "The data needs 737.0 MB, but the CD-R in \"Virtual Disc Drive 1\" has only 737.0 MB free; take "
             "fewer files "
             "or a larger disc.");
-    Track sub = song();
-    std::get<ProducedTrack>(sub.content).subchannel = SubchannelForm::Raw;
-    refuses(drive(MediumKind::CDR), of({sub}), ErrorCode::FunctionNotSupported,
-            "Track 1 brings subchannel data, which the drive can't write; burn it without.");
 }
 
 TEST_F(LayoutTest, codesOfTracksAndDiscs) {

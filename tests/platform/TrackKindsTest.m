@@ -64,28 +64,87 @@ static void TestKinds(void) {
     }
 }
 
-// No medium here has a place for it, so a burn is refused; what a producer is asked shows without one.
+// A symbol a byte, whose P and Q are the drive's; of a block of so many bytes.
+static unsigned char SymbolAt(uint64_t block, unsigned place) {
+    return (unsigned char)((block * 7 + place) & 0x3F);
+}
+
+// Fills blocks of 2448 bytes, and compares what comes back.
+@interface Singer : NSObject {
+  @public
+    uint32_t blockSize, flags, flagsOfVerification;
+    uint64_t verified;
+    BOOL differs;
+}
+@end
+
+@implementation Singer
+- (uint32_t)produceDataForTrack:(DRTrack*)track
+                     intoBuffer:(char*)buffer
+                         length:(uint32_t)length
+                      atAddress:(uint64_t)address
+                      blockSize:(uint32_t)size
+                        ioFlags:(uint32_t*)bits {
+    blockSize = size;
+    flags = *bits;
+    for (uint32_t at = 0; at + size <= length; at += size, address++) {
+        memset(buffer + at, (int)(address & 0xFF), 2352);
+        for (unsigned place = 0; place + 2352 < size; place++)
+            buffer[at + 2352 + place] = (char)(SymbolAt(address, place) | 0xC0);
+    }
+    return length / size * size;
+}
+- (BOOL)verifyDataForTrack:(DRTrack*)track
+                  inBuffer:(const char*)buffer
+                    length:(uint32_t)length
+                 atAddress:(uint64_t)address
+                 blockSize:(uint32_t)size
+                   ioFlags:(uint32_t*)bits {
+    flagsOfVerification = *bits;
+    for (uint32_t at = 0; at + size <= length; at += size, address++, verified++) {
+        differs = differs || (unsigned char)buffer[at + 2351] != (address & 0xFF);
+        for (unsigned place = 0; place + 2352 < size; place++)
+            differs = differs || (unsigned char)buffer[at + 2352 + place] != SymbolAt(address, place);
+    }
+    return !differs;
+}
+@end
+
+// The size may count the subchannel data or leave them out.
 static void TestSubchannel(void) {
-    DRDevice* device = Device("CD-R");
     NSString* forms[] = {DRSubchannelDataFormPack, DRSubchannelDataFormRaw};
     for (int i = 0; i < 2; i++) {
         for (int counted = 0; counted < 2; counted++) {
-            Filler* producer = [[Filler new] autorelease];
+            DRDevice* device = Device("CD-R");
+            Singer* producer = [[Singer new] autorelease];
             DRTrack* track = DataTrack(producer, 400);
             SetKind(track, 2352 + 96 * counted, 0, 0, 0, 0);
             Set(track, DRSubchannelDataFormKey, forms[i]);
-            ExpectError("subchannel data", BurnOn(device, track, nil), 0x80020067,
-                        @"brings subchannel data, which the drive can't write; burn it without");
-            PASS("nobody was asked for any", producer->blockSize == 0);
             PASS("they come", [track testProductionSpeedForLength:100 * 2448] > 0);
             PASS("96 bytes behind each block", producer->blockSize == 2448);
             PASS("when the flag asks for them", producer->flags == DRFlagSubchannelDataRequested);
+            Set(track, DRVerificationTypeKey, DRVerificationTypeReceiveData);
+            ExpectDone("a track with subchannel data", BurnOn(device, track, nil));
+            PASS("in a burn, too",
+                 producer->blockSize == 2448 && producer->flags == DRFlagSubchannelDataRequested);
+            PASS("all was seen again", producer->verified == 400 && !producer->differs);
+            PASS("as what it is", producer->flagsOfVerification == DRFlagSubchannelDataRequested);
+            DRTrack* onDisc = [[[device status] objectForKey:DRDeviceTrackRefsKey] objectAtIndex:0];
+            SAME("the disc says so", [[onDisc properties] objectForKey:DRSubchannelDataFormKey], forms[i]);
+            SAME("and counts blocks without", [[onDisc properties] objectForKey:DRBlockSizeKey],
+                 [NSNumber numberWithInt:2352]);
+            PASS("a file has them", [Image(device, @"medium.sub") length] == 400 * 96);
             Set(track, DRSubchannelDataFormKey, DRSubchannelDataFormNone);
             BOOL fits = counted == 0;
             PASS("without a form there are none", ([track testProductionSpeedForLength:2352] > 0) == fits);
             PASS("nor a flag", !fits || (producer->blockSize == 2352 && producer->flags == 0));
         }
     }
+    DRTrack* data = DataTrack([[Filler new] autorelease], 400);
+    Set(data, DRSubchannelDataFormKey, DRSubchannelDataFormRaw);
+    DRDevice* device = Device("DVD+RW");
+    ExpectError("on a DVD", BurnOn(device, data, nil), 0x80020067,
+                @"brings subchannel data, which a DVD+RW can't take; burn it without");
     PASS("nothing was written", [device mediaIsBlank]);
 }
 

@@ -99,7 +99,7 @@ class CueDisc {
         const CueFile& file = fileOf(place);
         Draft& draft = drafts_[place.index.track];
         draft.pieces.form = trackOf(place).mode->form;
-        if (trackOf(place).mode->unitBytes > sectorBytes) draft.pieces.subchannel = SubchannelForm::Raw;
+        draft.pieces.subchannel = trackOf(place).subchannel;
         if (place.index.number >= 2 && !isAdded(draft, place))
             draft.indexPoints.push_back(blocksIn(draft, place));
         const bool isLastOfFile =
@@ -141,14 +141,22 @@ class CueDisc {
         return draft.indexPoints.size() + 2 > place.index.number;
     }
     uint64_t blocksIn(const Draft& draft, const Place& place) const {
-        const uint64_t bytes = bytesOf(draft.pieces.body), perBlock = blockBytes(trackOf(place));
+        const uint64_t bytes = bytesOf(draft.pieces.body), perBlock = trackOf(place).blockBytes();
         return (bytes + perBlock - 1) / perBlock;
-    }
-    static uint64_t blockBytes(const CueTrack& track) {
-        return bytesPerBlock(track.mode->form) + (track.mode->unitBytes > sectorBytes ? subchannelBytes : 0);
     }
 
     PieceRef pieceOf(const Place& place, uint64_t length) const {
+        const CueTrack& track = trackOf(place);
+        if (track.subchannelPath.empty()) return pieceOfFile(place, length);
+        // Sector for sector, so in front of the track there may be no others.
+        const uint64_t before = place.at / sectorBytes, count = length / sectorBytes;
+        if (isSound(fileOf(place)) || place.at % sectorBytes != 0 ||
+            sheet_.sizeOf(track.line, track.subchannelPath) < (before + count) * subchannelBytes)
+            sheet_.refuse(track.line, "the file of its subchannels does not go with that of its sectors.");
+        return withSubchannel(pieceOfFile(place, length), bytesPerBlock(track.mode->form),
+                              symbolsOfFile(track.subchannelPath, before * subchannelBytes, count));
+    }
+    PieceRef pieceOfFile(const Place& place, uint64_t length) const {
         const CueFile& file = fileOf(place);
         const CueMode& mode = *trackOf(place).mode;
         if (isSound(file)) return soundOfFile(file.path, place.at, length);
@@ -159,9 +167,10 @@ class CueDisc {
                                          std::to_string(mode.unitBytes) + " bytes.");
         const uint64_t sectors = length / mode.unitBytes;
         if (mode.form == BlockForm::Audio) {
-            if (file.kind == CueFile::Kind::BigEndian && mode.unitBytes == sectorBytes)
-                return swappedBytesOfFile(file.path, place.at, length);
-            return bytesOfFile(file.path, place.at, length);
+            const bool isSwapped = file.kind == CueFile::Kind::BigEndian;
+            if (!isSwapped) return bytesOfFile(file.path, place.at, length);
+            return mode.unitBytes == sectorBytes ? swappedBytesOfFile(file.path, place.at, length)
+                                                 : swappedSectorsOfFile(file.path, place.at, sectors);
         }
         const uint64_t user = bytesPerBlock(mode.form);
         if (user == mode.unitBytes) return bytesOfFile(file.path, place.at, length);
@@ -179,7 +188,7 @@ class CueDisc {
             sheet_.refuse(
                 told.line,
                 "the track has no sectors: its file ends, or the next track begins, where it begins.");
-        const uint64_t perBlock = blockBytes(told);
+        const uint64_t perBlock = told.blockBytes();
         if (told.postGap > 0) draft.pieces.body.push_back(nothing(told.postGap * perBlock));
         // Silence only, and the engine makes it; with bytes of a file behind it, it is a piece like those.
         const uint64_t silent = told.preGap + (isFirst ? unkept : 0);

@@ -108,6 +108,7 @@ class CueParser {
             format_ = SessionFormat::CDI;
         if (word == "LEAD-OUT") return takeLeadOut(words);
         if (word == "BLOCK-FORM") return takeForm(trimmed(rest.substr(word.size())));
+        if (word == "SUBCHANNEL" && words >> word) return takeSubchannel(word, rest);
         if (word != "SESSION" || !(words >> number)) return;
         if (number != session_ && number != session_ + 1)
             refuse("session " + std::to_string(number) + " is out of order.");
@@ -124,6 +125,19 @@ class CueParser {
             return each.name == mode->name && each.form == *form;
         });
         if (row != std::end(modes)) mode = row;
+    }
+
+    // REM SUBCHANNEL RAW "medium.sub", as this engine writes it. Deliberate: a file that it names and that is not there is
+    // an error, because a disc without the words of its songs must not look like a copy.
+    void takeSubchannel(const std::string& form, std::string_view rest) {
+        const size_t nameAt = rest.find('"');
+        const bool isKnown = form == "RAW" || form == "PACK";
+        if (told_.tracks.empty() || nameAt == std::string_view::npos || !isKnown) return;
+        CueTrack& owner = told_.tracks.back();
+        if (owner.mode->unitBytes != sectorBytes)
+            refuse("only sectors of 2352 bytes have their subchannels in a file beside them.");
+        owner.subchannel = form == "RAW" ? SubchannelForm::Raw : SubchannelForm::Pack;
+        owner.subchannelPath = sheet_.findFile(line_, std::string(unquoted(rest.substr(nameAt))));
     }
 
     // A remark that says nothing that can be read is still a remark.
@@ -187,6 +201,7 @@ class CueParser {
         track.mode = mode;
         track.session = session_;
         track.format = mode->session == SessionFormat::Plain ? format_ : mode->session;
+        if (mode->unitBytes > sectorBytes) track.subchannel = SubchannelForm::Raw;
         told_.tracks.push_back(track);
     }
     void needIndexOfLastTrack() const {

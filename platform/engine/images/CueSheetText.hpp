@@ -48,8 +48,11 @@ struct CueTrack {
     std::string isrc;
     bool copyPermitted = false, isCopy = false, preEmphasis = false, fourChannel = false;
     uint64_t preGap = 0, postGap = 0; // silence that is in no file
+    SubchannelForm subchannel = SubchannelForm::None;
+    std::string subchannelPath; // of a file beside that of the sectors; else they stand behind each sector
 
     bool isSound() const noexcept { return mode->form == BlockForm::Audio; }
+    uint64_t blockBytes() const noexcept { return bytesPerBlock(mode->form, subchannel); }
 };
 
 struct CueSheetText {

@@ -4,8 +4,10 @@
 #include "Failure.hpp"
 #include "Files.hpp"
 #include "sectors/SectorCoding.hpp"
+#include "subchannel/Symbols.hpp"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -69,14 +71,73 @@ class FileBytes : public ImagePiece {
     Descriptor file_;
 };
 
-class SwappedBytes final : public FileBytes {
+class SwappedBytes final : public ImagePiece {
   public:
-    using FileBytes::FileBytes;
+    explicit SwappedBytes(PieceRef whole) : ImagePiece(whole->bytes()), whole_(std::move(whole)) {}
+    void open() override { whole_->open(); }
     void read(uint64_t at, std::span<std::byte> out) override {
-        readFile(at, out);
+        whole_->read(at, out);
         for (size_t pair = 0; pair + 1 < out.size(); pair += 2)
             std::swap(out[pair], out[pair + 1]);
     }
+    void close() noexcept override { whole_->close(); }
+
+  private:
+    const PieceRef whole_;
+};
+
+class Symbols final : public FileBytes {
+  public:
+    Symbols(std::string path, uint64_t offset, uint64_t sectors)
+        : FileBytes(std::move(path), offset, sectors * subchannelBytes) {}
+
+    void read(uint64_t at, std::span<std::byte> out) override {
+        while (!out.empty()) {
+            const size_t inside = static_cast<size_t>(at % subchannelBytes);
+            const size_t some = std::min(out.size(), subchannelBytes - inside);
+            std::array<std::byte, subchannelBytes> channels{}, symbols{};
+            readFile(at - inside, channels);
+            symbolsOfChannels(channels, symbols);
+            std::memcpy(out.data(), &symbols[inside], some);
+            out = out.subspan(some);
+            at += some;
+        }
+    }
+};
+
+class WithSubchannel final : public ImagePiece {
+  public:
+    WithSubchannel(PieceRef blocks, uint64_t blockBytes, PieceRef symbols)
+        : ImagePiece(blocks->bytes() / blockBytes * (blockBytes + subchannelBytes)),
+          blocks_(std::move(blocks)), symbols_(std::move(symbols)), blockBytes_(blockBytes) {}
+
+    void open() override {
+        blocks_->open();
+        symbols_->open();
+    }
+    void read(uint64_t at, std::span<std::byte> out) override {
+        const uint64_t whole = blockBytes_ + subchannelBytes;
+        while (!out.empty()) {
+            const uint64_t block = at / whole, inside = at % whole;
+            const bool isBlock = inside < blockBytes_;
+            const auto some =
+                static_cast<size_t>(std::min<uint64_t>(out.size(), (isBlock ? blockBytes_ : whole) - inside));
+            if (isBlock)
+                blocks_->read(block * blockBytes_ + inside, out.first(some));
+            else
+                symbols_->read(block * subchannelBytes + inside - blockBytes_, out.first(some));
+            out = out.subspan(some);
+            at += some;
+        }
+    }
+    void close() noexcept override {
+        blocks_->close();
+        symbols_->close();
+    }
+
+  private:
+    const PieceRef blocks_, symbols_;
+    const uint64_t blockBytes_;
 };
 
 class FileParts final : public FileBytes {
@@ -187,10 +248,29 @@ PieceRef bytesOfFile(std::string path, uint64_t offset, uint64_t bytes) {
     return std::make_shared<FileBytes>(std::move(path), offset, bytes);
 }
 PieceRef swappedBytesOfFile(std::string path, uint64_t offset, uint64_t bytes) {
-    return std::make_shared<SwappedBytes>(std::move(path), offset, bytes);
+    return swappedBytesOf(bytesOfFile(std::move(path), offset, bytes));
+}
+PieceRef swappedBytesOf(PieceRef whole) { return std::make_shared<SwappedBytes>(std::move(whole)); }
+PieceRef symbolsOfFile(std::string path, uint64_t offset, uint64_t sectors) {
+    return std::make_shared<Symbols>(std::move(path), offset, sectors);
+}
+PieceRef withSubchannel(PieceRef blocks, uint64_t blockBytes, PieceRef symbols) {
+    return std::make_shared<WithSubchannel>(std::move(blocks), blockBytes, std::move(symbols));
 }
 PieceRef partsOfFile(std::string path, uint64_t offset, uint64_t count, const Units& units) {
     return std::make_shared<FileParts>(std::move(path), offset, count, units);
+}
+PieceRef partsWithSubchannelOfFile(const std::string& path, uint64_t offset, uint64_t count,
+                                   const Units& units) {
+    const Units symbols{units.unitBytes, units.unitBytes - subchannelBytes, subchannelBytes};
+    return withSubchannel(partsOfFile(path, offset, count, units), units.partBytes,
+                          partsOfFile(path, offset, count, symbols));
+}
+PieceRef swappedSectorsOfFile(const std::string& path, uint64_t offset, uint64_t count) {
+    const uint64_t unit = sectorBytes + subchannelBytes;
+    return withSubchannel(swappedBytesOf(partsOfFile(path, offset, count, {unit, 0, sectorBytes})),
+                          sectorBytes,
+                          partsOfFile(path, offset, count, {unit, sectorBytes, subchannelBytes}));
 }
 PieceRef partOf(PieceRef whole, uint64_t from, uint64_t bytes) {
     return std::make_shared<Part>(std::move(whole), from, bytes);

@@ -53,6 +53,21 @@ struct Units {
 };
 PieceRef partsOfFile(std::string path, uint64_t offset, uint64_t count, const Units& units);
 
+/// Another piece with the bytes of each pair changed about.
+PieceRef swappedBytesOf(PieceRef whole);
+
+/// The symbols of sectors whose subchannels stand in a file of their own, channel by channel (subchannel/Symbols.hpp).
+PieceRef symbolsOfFile(std::string path, uint64_t offset, uint64_t sectors);
+
+/// Blocks of so many bytes, with the subchannel data of each behind it.
+PieceRef withSubchannel(PieceRef blocks, uint64_t blockBytes, PieceRef symbols);
+
+/// Sectors with subchannel data behind each in the same file: parts of units (whose size counts the 96 bytes), or sound of
+/// big-endian samples, of which only the samples are swapped.
+PieceRef partsWithSubchannelOfFile(const std::string& path, uint64_t offset, uint64_t count,
+                                   const Units& units);
+PieceRef swappedSectorsOfFile(const std::string& path, uint64_t offset, uint64_t count);
+
 /// A stretch of another piece.
 PieceRef partOf(PieceRef whole, uint64_t from, uint64_t bytes);
 

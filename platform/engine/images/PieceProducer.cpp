@@ -108,8 +108,7 @@ ProducedTrack producedTrack(PieceTrack track) {
     ProducedTrack made;
     made.form = track.form;
     made.subchannel = track.subchannel;
-    const size_t blockBytes =
-        bytesPerBlock(track.form) + (track.subchannel == SubchannelForm::None ? 0 : subchannelBytes);
+    const size_t blockBytes = bytesPerBlock(track.form, track.subchannel);
     auto producer = std::make_shared<PieceProducer>(std::move(track), blockBytes);
     made.blocks = producer->blocks();
     made.producer = std::move(producer);

@@ -114,9 +114,7 @@ Track TocTrack::made(bool isFirst) const {
     return track;
 }
 
-uint64_t TocTrack::blockBytes() const {
-    return bytesPerBlock(mode_->form) + (subchannel_ == SubchannelForm::None ? 0 : subchannelBytes);
-}
+uint64_t TocTrack::blockBytes() const { return bytesPerBlock(mode_->form, subchannel_); }
 
 uint64_t TocTrack::unitBytes() const {
     return mode_->unitBytes + (subchannel_ == SubchannelForm::None ? 0 : subchannelBytes);
@@ -127,8 +125,6 @@ void TocTrack::takeSubchannel() {
         subchannel_ = SubchannelForm::Pack;
     else if (words_.take("RW_RAW"))
         subchannel_ = SubchannelForm::Raw;
-    if (subchannel_ != SubchannelForm::None && mode_->userAt > 0)
-        words_.refuse("subchannel data behind whole sectors can't be used.", ErrorCode::FunctionNotSupported);
 }
 
 void TocTrack::takeISRC() {
@@ -191,7 +187,9 @@ void TocTrack::takeSound() {
     if (!isLength()) words_.refuseNext("the place to start at");
     const uint64_t from = takeLength(), asked = isLength() ? takeLength() : 0;
     const std::string path = words_.sheet().findFile(words_.line(), name);
+    const bool hasSubchannel = subchannel_ != SubchannelForm::None;
     if (isSoundName(name)) {
+        if (hasSubchannel) words_.refuse("a sound file has no subchannel data; the track says that it has.");
         const auto reader = AudioReader::open(path);
         if (!reader) words_.refuse(reader.error().message, reader.error().code);
         if (offset > 0 || isSwapped) words_.refuse("SWAP and an offset are for files of raw samples.");
@@ -202,7 +200,13 @@ void TocTrack::takeSound() {
     const uint64_t length = lengthOf(name, words_.sheet().sizeOf(words_.line(), path), offset + from, asked);
     if (length % bytesPerSample != 0)
         words_.refuse("the file " + inQuotes(name) + " is no whole number of samples of 4 bytes.");
-    // Raw samples are big-endian.
+    // Raw samples are big-endian. What stands behind them is bytes.
+    if (hasSubchannel && !isSwapped) {
+        if (length % unitBytes() != 0)
+            words_.refuse("the file " + inQuotes(name) + " is no whole number of sectors of " +
+                          std::to_string(unitBytes()) + " bytes.");
+        return add(swappedSectorsOfFile(path, offset + from, length / unitBytes()));
+    }
     add(isSwapped ? bytesOfFile(path, offset + from, length)
                   : swappedBytesOfFile(path, offset + from, length));
 }
@@ -214,13 +218,15 @@ void TocTrack::takeData() {
     const std::string path = words_.sheet().findFile(words_.line(), name);
     const uint64_t length = lengthOf(name, words_.sheet().sizeOf(words_.line(), path), offset, asked);
     if (mode_->userAt == 0) return add(bytesOfFile(path, offset, length));
-    if (length % mode_->unitBytes != 0)
+    const uint64_t unit = unitBytes(), count = length / unit;
+    if (length % unit != 0)
         words_.refuse("the file " + inQuotes(name) + " is no whole number of sectors of " +
-                      std::to_string(mode_->unitBytes) + " bytes.");
-    Units units{mode_->unitBytes, mode_->userAt, bytesPerBlock(mode_->form)};
+                      std::to_string(unit) + " bytes.");
+    Units units{unit, mode_->userAt, bytesPerBlock(mode_->form)};
     units.isMode1 = mode_->form == BlockForm::Data;
     units.isMode2 = !units.isMode1;
-    add(partsOfFile(path, offset, length / mode_->unitBytes, units));
+    add(subchannel_ == SubchannelForm::None ? partsOfFile(path, offset, count, units)
+                                            : partsWithSubchannelOfFile(path, offset, count, units));
 }
 
 void TocTrack::needNoStart() {

@@ -157,6 +157,17 @@ TEST_F(Cue, EveryModeGivesItsUserData) {
     }
 }
 
+// Of sound whose samples are big-endian the symbols are bytes all the same.
+TEST_F(Cue, SymbolsAreNotSwapped) {
+    const std::string blocks = noise(10 * 2448);
+    std::string inFile;
+    for (size_t at = 0; at < blocks.size(); at += 2448)
+        inFile += swapped(blocks.substr(at, cd)) + blocks.substr(at + cd, 96);
+    write("disc.bin", inFile);
+    const auto image = readText("disc.cue", "FILE disc.bin MOTOROLA\nTRACK 1 CDG\nINDEX 1 00:00:00\n");
+    EXPECT_TRUE(areSame(burned(image.layout.sessions.at(0).tracks.at(0), 3, true).body, blocks));
+}
+
 TEST_F(Cue, SectorsOfSeveralSizesLieInOneFile) {
     const std::string data = noise(20 * 2048), sound = noise(30 * cd, 2), form2 = noise(5 * 2336, 3);
     write("disc.bin", data + sound + form2);

@@ -25,6 +25,10 @@ class ImageBurn : public EngineTest {
         EXPECT_DONE(burn(VirtualDrive::open(folder.string()), image.layout, options));
         return folder;
     }
+    std::string refusalOf(const char* name) {
+        const auto image = readImageFile((source / name).string());
+        return image.ok() ? "taken" : image.error().message;
+    }
     // Mode 1 sectors of these data, from block 0 on.
     static std::string sectorsOf(const std::string& data) {
         std::string sectors(data.size() / 2048 * sectorBytes, '\0');
@@ -109,15 +113,78 @@ TEST_F(ImageBurn, ALaterSessionElsewhereIsRefused) {
     }
 }
 
-// Deliberate: no medium here keeps what stands in the subchannel, and a disc of songs whose words are gone must not look
-// like a copy.
-TEST_F(ImageBurn, SubchannelDataIsRefusedAndNotDropped) {
-    write("songs.bin", noise(400 * 2448));
-    write("songs.cue", "FILE songs.bin BINARY\nTRACK 1 CDG\nINDEX 1 00:00:00\n");
-    const auto drive = makeDrive(MediumKind::CDR);
-    EXPECT_FAILED(burn(drive, read(source / "songs.cue").layout), FunctionNotSupported,
-                  "Track 1 brings subchannel data, which the drive can't write; burn it without.");
-    EXPECT_TRUE(drive->mediumInfo()->blank);
+// The words of songs are on the disc, and on the copy of the disc.
+TEST_F(ImageBurn, SubchannelDataComeThroughAndAreCopied) {
+    const std::string songs = noise(900 * 2448);
+    std::string sectors;
+    for (size_t at = 0; at < songs.size(); at += 2448)
+        sectors += songs.substr(at, sectorBytes);
+    write("songs.bin", songs);
+    write("songs.cue",
+          "CATALOG 0123456789012\nFILE songs.bin BINARY\nTRACK 1 CDG\nINDEX 1 00:00:00\nTRACK 2 CDG\n"
+          "ISRC USRC17607839\nINDEX 0 00:05:00\nINDEX 1 00:06:00\n");
+    const ImageLayout image = read(source / "songs.cue");
+    const fs::path disc = burnTo("drive-1", MediumKind::CDR, image);
+    EXPECT_TRUE(bytesOf(disc / "medium.bin") == sectors);
+    std::string symbols;
+    const auto drive = VirtualDrive::open(disc.string());
+    const auto reader = drive->openMedium();
+    for (const TrackInfo& track : drive->mediumInfo()->sessions.at(0).tracks) {
+        const int64_t first = track.number == 2 ? -75 : 0;
+        for (int64_t block = first; block < static_cast<int64_t>(track.blocks); ++block) {
+            std::string one(2448, '\0');
+            const auto got = (*reader)->read(track, block, std::as_writable_bytes(std::span(one)));
+            ASSERT_TRUE(got.ok() && *got == one.size()) << block;
+            symbols += one.substr(sectorBytes);
+        }
+    }
+    ASSERT_EQ(symbols.size(), 900u * 96);
+    for (size_t at = 0; at < symbols.size(); ++at)
+        ASSERT_EQ(symbols[at], songs[at / 96 * 2448 + sectorBytes + at % 96] & 0x3F) << at;
+
+    const fs::path copy = burnTo("drive-2", MediumKind::CDRW, read(disc / "medium.cue"));
+    for (const char* name : {"medium.bin", "medium.sub", "medium.cue"})
+        EXPECT_TRUE(bytesOf(copy / name) == bytesOf(disc / name)) << name;
+}
+
+// Deliberate: a disc of songs whose words are gone must not look like a copy.
+TEST_F(ImageBurn, ASheetWhoseSubchannelsAreGoneIsRefused) {
+    write("songs.bin", noise(400 * sectorBytes));
+    const std::string sheet =
+        "FILE songs.bin BINARY\nTRACK 1 AUDIO\nREM SUBCHANNEL RAW \"songs.sub\"\nINDEX 1 00:00:00\n";
+    write("songs.cue", sheet);
+    EXPECT_EQ(refusalOf("songs.cue"),
+              "\"songs.cue\", line 3: the file \"songs.sub\" is not there; put it beside the "
+              "sheet, or correct its name.");
+    write("songs.sub", noise(400 * 96 - 1));
+    EXPECT_EQ(refusalOf("songs.cue"),
+              "\"songs.cue\", line 2: the file of its subchannels does not go with that of its "
+              "sectors.");
+    write("songs.cue",
+          "FILE songs.bin BINARY\nTRACK 1 CDG\nREM SUBCHANNEL RAW \"songs.sub\"\nINDEX 1 00:00:00\n");
+    EXPECT_EQ(refusalOf("songs.cue"),
+              "\"songs.cue\", line 3: only sectors of 2352 bytes have their subchannels in a file "
+              "beside them.");
+    // What isn't of that form is a person's remark.
+    write("songs.cue", "REM SUBCHANNEL RAW \"no.sub\"\nFILE songs.bin BINARY\nTRACK 1 AUDIO\nREM SUBCHANNEL\n"
+                       "REM SUBCHANNEL NONE \"no.sub\"\nREM SUBCHANNEL RAW no.sub\nINDEX 1 00:00:00\n");
+    EXPECT_EQ(refusalOf("songs.cue"), "taken");
+}
+
+// Packs stay packs, behind whole sectors too.
+TEST_F(ImageBurn, PacksOfATableOfContentsAreKeptAsPacks) {
+    const std::string data = sectorsOf(noise(310 * 2048)), symbols = noise(310 * 96, 2);
+    std::string blocks;
+    for (size_t sector = 0; sector < 310; ++sector)
+        blocks += data.substr(sector * sectorBytes, sectorBytes) + symbols.substr(sector * 96, 96);
+    write("disc.bin", blocks);
+    write("disc.toc", "CD_ROM\nTRACK MODE1_RAW RW\nDATAFILE \"disc.bin\"\n");
+    const fs::path disc = burnTo("drive-1", MediumKind::CDR, read(source / "disc.toc"));
+    EXPECT_TRUE(bytesOf(disc / "medium.bin") == data);
+    const fs::path copy = burnTo("drive-2", MediumKind::CDR, read(disc / "medium.cue"));
+    EXPECT_TRUE(bytesOf(copy / "medium.sub") == bytesOf(disc / "medium.sub"));
+    EXPECT_EQ(VirtualDrive::open(copy.string())->mediumInfo()->sessions.at(0).tracks.at(0).subchannel,
+              SubchannelForm::Pack);
 }
 
 TEST_F(ImageBurn, AHiddenPreGapComesThrough) {

@@ -180,13 +180,40 @@ TEST_F(Toc, ACDISessionIsOneForAllItsTracks) {
 
 TEST_F(Toc, SubchannelDataStandsBehindEachBlock) {
     const std::string blocks = noise(20 * 2448);
-    write("s.cdr", swapped(blocks));
+    // Samples are big-endian; symbols are bytes.
+    std::string inFile;
+    for (size_t at = 0; at < blocks.size(); at += 2448)
+        inFile += swapped(blocks.substr(at, cd)) + blocks.substr(at + cd, 96);
+    write("s.cdr", inFile);
     const auto image = readText("disc.toc", "TRACK AUDIO RW_RAW\nFILE \"s.cdr\" 0\n");
     const Track& track = image.layout.sessions.at(0).tracks.at(0);
     EXPECT_EQ(std::get<ProducedTrack>(track.content).subchannel, SubchannelForm::Raw);
     EXPECT_EQ(std::get<ProducedTrack>(track.content).blocks, 20u);
     EXPECT_TRUE(areSame(burned(track, 3, true).body, blocks));
     EXPECT_TRUE(areSame(burned(track, 3).body.substr(cd, cd), blocks.substr(2448, cd)));
+    const auto asIs = readText("disc.toc", "TRACK AUDIO RW\nFILE \"s.cdr\" SWAP 00:00:05 00:00:10\n");
+    const Track& part = asIs.layout.sessions.at(0).tracks.at(0);
+    EXPECT_EQ(std::get<ProducedTrack>(part.content).subchannel, SubchannelForm::Pack);
+    EXPECT_TRUE(areSame(burned(part, 3, true).body, inFile.substr(5 * 2448, 10 * 2448)));
+    run("sox -R -r 44100 -n -c 2 -b 16 s.wav synth 1 pinknoise");
+    write("disc.toc", "TRACK AUDIO RW\nFILE \"s.wav\" 0\n");
+    EXPECT_EQ(refusal("disc.toc"),
+              "\"disc.toc\", line 2: a sound file has no subchannel data; the track says that it has.");
+}
+
+TEST_F(Toc, SubchannelDataMayStandBehindWholeSectors) {
+    std::string user, blocks, right;
+    const std::string sectors = mode1Sectors(20, 0, user), symbols = noise(20 * 96);
+    for (size_t sector = 0; sector < 20; ++sector) {
+        blocks += sectors.substr(sector * cd, cd) + symbols.substr(sector * 96, 96);
+        right += user.substr(sector * 2048, 2048) + symbols.substr(sector * 96, 96);
+    }
+    write("raw.bin", blocks);
+    const auto image = readText("disc.toc", "TRACK MODE1_RAW RW_RAW\nDATAFILE \"raw.bin\"\n");
+    const Track& track = image.layout.sessions.at(0).tracks.at(0);
+    EXPECT_EQ(std::get<ProducedTrack>(track.content).form, BlockForm::Data);
+    for (const size_t blocksAtOnce : {1, 3, 100})
+        EXPECT_TRUE(areSame(burned(track, blocksAtOnce, true).body, right));
 }
 
 TEST_F(Toc, WhatMakesNoSenseIsToldWithItsLine) {
@@ -207,7 +234,10 @@ TEST_F(Toc, WhatMakesNoSenseIsToldWithItsLine) {
         {"TRACK\n", "\"disc.toc\", line 1: the file ends where a word should stand."},
         {"TRACK VIDEO\n", "\"disc.toc\", line 1: the mode \"VIDEO\" is not known."},
         {"TRACK AUDIO\n", "\"disc.toc\", line 1: the track has no data."},
-        {"TRACK MODE1_RAW RW\n", "\"disc.toc\", line 1: subchannel data behind whole sectors can't be used."},
+        {"TRACK AUDIO RW\nFILE \"a.cdr\" 0\n",
+         "\"disc.toc\", line 2: the file \"a.cdr\" is no whole number of sectors of 2448 bytes."},
+        {"TRACK MODE1_RAW RW\nDATAFILE \"d.bin\"\n",
+         "\"disc.toc\", line 2: the file \"d.bin\" is no whole number of sectors of 2448 bytes."},
         {track + "SHUFFLE\n", "\"disc.toc\", line 4: the word \"SHUFFLE\" is not known in a track."},
         {track + "NO MORE\n",
          "\"disc.toc\", line 4: \"MORE\" stands where COPY or PRE_EMPHASIS should stand."},
