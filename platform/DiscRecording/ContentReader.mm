@@ -144,24 +144,61 @@ std::shared_ptr<const engine::MacAttributes> isoMacOf(DRFSObject* object) {
     return mac && (mac->type || mac->creator || mac->flags) ? mac : nullptr;
 }
 
-// One set of attributes goes into all file systems: ISO 9660's where the item is in that.
-engine::Rare<engine::Attributes> attributesOf(DRFSObject* object, uint8_t mask) {
-    NSString* name = (mask & filesystem::iso9660)   ? DRISO9660
-                     : (mask & filesystem::joliet)  ? DRJoliet
-                     : (mask & filesystem::hfsPlus) ? DRHFSPlus
-                                                    : DRUDF;
-    NSDictionary* properties = [object propertiesForFilesystem:name mergeWithOtherFilesystems:YES];
-    engine::Rare<engine::Attributes> attributes;
-    if ([properties count] > 0) {
-        attributes->mode = numberFor<uint32_t>(properties, DRPosixFileMode);
-        attributes->owner = numberFor<uint32_t>(properties, DRPosixUID);
-        attributes->group = numberFor<uint32_t>(properties, DRPosixGID);
-        attributes->modified = dateFor(properties, DRContentModificationDate);
-        attributes->accessed = dateFor(properties, DRAccessDate);
-        attributes->changed = dateFor(properties, DRAttributeModificationDate);
-        if (id invisible = [properties objectForKey:DRInvisible]; invisible != nil)
-            attributes->invisible = [invisible boolValue];
+engine::OwnAttributes valuesOf(NSDictionary* properties) {
+    engine::OwnAttributes values;
+    values.mode = numberFor<uint32_t>(properties, DRPosixFileMode);
+    values.owner = numberFor<uint32_t>(properties, DRPosixUID);
+    values.group = numberFor<uint32_t>(properties, DRPosixGID);
+    values.modified = dateFor(properties, DRContentModificationDate);
+    values.accessed = dateFor(properties, DRAccessDate);
+    values.changed = dateFor(properties, DRAttributeModificationDate);
+    if (id invisible = [properties objectForKey:DRInvisible]; invisible != nil)
+        values.invisible = [invisible boolValue];
+    return values;
+}
+
+// What only single file systems can hold.
+void addRareValues(NSDictionary* properties, engine::OwnAttributes& values) {
+    values.created = dateFor(properties, DRCreationDate);
+    values.backedUp = dateFor(properties, DRBackupDate);
+    values.recorded = dateFor(properties, DRRecordingDate);
+    values.effective = dateFor(properties, DREffectiveDate);
+    values.expires = dateFor(properties, DRExpirationDate);
+    values.version = numberFor<uint32_t>(properties, DRISO9660VersionNumber);
+}
+
+// Where a file system has other values than all have, or more.
+std::shared_ptr<const engine::FilesystemAttributes> ownOf(DRFSObject* object, uint8_t mask,
+                                                          const engine::OwnAttributes& inAll) {
+    NSString* const names[] = {DRISO9660, DRJoliet, DRUDF, DRHFSPlus}; // in the order of their bits
+    engine::FilesystemAttributes own;
+    bool isOther = false;
+    for (size_t i = 0; i < own.size(); ++i) {
+        if ((mask >> i & 1) == 0)
+            continue;
+        NSDictionary* properties = [object propertiesForFilesystem:names[i] mergeWithOtherFilesystems:YES];
+        own[i] = valuesOf(properties);
+        if ((filesystem::hfsPlus >> i & 1) == 0) // which has its own place for them
+            addRareValues(properties, own[i]);
+        isOther = isOther || own[i] != inAll;
     }
+    return isOther ? std::make_shared<const engine::FilesystemAttributes>(own) : nullptr;
+}
+
+engine::Rare<engine::Attributes> attributesOf(DRFSObject* object, uint8_t mask) {
+    engine::Rare<engine::Attributes> attributes;
+    if (![object hasProperties])
+        return attributes;
+    const engine::OwnAttributes inAll = valuesOf([object propertiesForFilesystem:DRAllFilesystems
+                                                       mergeWithOtherFilesystems:NO]);
+    attributes->mode = inAll.mode;
+    attributes->owner = inAll.owner;
+    attributes->group = inAll.group;
+    attributes->modified = inAll.modified;
+    attributes->accessed = inAll.accessed;
+    attributes->changed = inAll.changed;
+    attributes->invisible = inAll.invisible;
+    attributes->own = ownOf(object, mask, inAll);
     if ((mask & filesystem::hfsPlus) != 0)
         if (auto mac = macAttributesOf(object, DRHFSPlus))
             attributes->mac = std::move(mac);

@@ -92,6 +92,10 @@ static NSString* LastPart(NSString* path) {
     _sourcePath = nil;
 }
 
+- (BOOL)hasProperties {
+    return [_properties count] != 0;
+}
+
 - (NSString*)ownNameForFilesystem:(NSString*)filesystem {
     return [_specificNames objectForKey:filesystem];
 }

@@ -12,6 +12,8 @@
 - (void)setParent:(DRFolder*)parent;
 /** Turns a real object into a virtual one of the same name. */
 - (void)forgetSource;
+/** Whether any property was set in any file system. */
+- (BOOL)hasProperties;
 /** The specific name that was set; nil where none was. */
 - (NSString*)ownNameForFilesystem:(NSString*)filesystem;
 /** Takes all specific names away. */

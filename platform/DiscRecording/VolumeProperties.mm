@@ -31,7 +31,10 @@ std::string isoIdentifierOf(DRFile* file, uint8_t level) {
         [file mangledNameForFilesystem:level == 1 ? DRISO9660LevelOne : DRISO9660LevelTwo]);
     if (name.find('.') == name.npos)
         name += '.';
-    return name + ";1";
+    id version = [file propertyForKey:DRISO9660VersionNumber
+                         inFilesystem:DRISO9660
+            mergeWithOtherFilesystems:YES];
+    return name + ';' + std::to_string(version == nil ? 1u : [version unsignedIntValue]);
 }
 
 bool isInISO9660(DRFSObject* object) {

@@ -106,6 +106,22 @@ struct MacAttributes {
     std::optional<std::array<int16_t, 2>> iconLocation, scrollPosition;
 };
 
+/// What an item has in one file system, over what it has in all of them.
+struct OwnAttributes {
+    std::optional<uint32_t> mode, owner, group;
+    /// HFS+ takes those of creation and backup from MacAttributes, and knows no others but of use and change. Rock Ridge
+    /// holds all, UDF all but when an item expires. ISO 9660's record has one date, and Joliet's: when it was recorded, else
+    /// modified.
+    std::optional<std::time_t> created, modified, accessed, changed, backedUp, recorded, effective, expires;
+    std::optional<bool> invisible;
+    std::optional<uint32_t> version; ///< of a file in ISO 9660, 1 to 32767
+
+    bool operator==(const OwnAttributes&) const = default;
+};
+
+/// By the file systems' bits, lowest first.
+using FilesystemAttributes = std::array<OwnAttributes, 4>;
+
 /// Values that override what the source says; a virtual item without them has mode 0644 (folders 0755,
 /// symbolic links 0777), the owner is root, the times are the track's default date or when the image is planned.
 struct Attributes {
@@ -123,6 +139,7 @@ struct Attributes {
     std::shared_ptr<const MacAttributes> mac = nullptr; ///< null for most
     /// Of a file, type, creator and flags that ISO 9660 is to show, too.
     std::shared_ptr<const MacAttributes> isoMac = nullptr;
+    std::shared_ptr<const FilesystemAttributes> own = nullptr; ///< null for most
 };
 
 /// One item of the tree. `name` is UTF-8 in composed form where it is text, but any bytes other than '/' and

@@ -1,12 +1,16 @@
 #!/usr/bin/python3
 """What is said of items for one file system is on the disc there and nowhere else: names, dates, modes, owners and flags, read
 by programs that are not ours."""
+import calendar
 import os
 import re
+import struct
+import time
 import unittest
 import unittest.mock
 
 import pycdlib
+import pycdlib.udf
 
 import jury
 from examples_case import ExamplesCase
@@ -15,6 +19,7 @@ BURN = """
 Dim burn As New DRBurnQRX(DRDeviceQRX.device(0))
 burn.completionAction = DRBurnQRX.DRBurnCompletionActionMount
 burn.BurnFailureAction = DRBurnQRX.DRBurnFailureActionNone
+burn.appendable = isLeftOpen
 burn.writeLayout(DRTrackQRX.trackForRootFolder(root))
 Dim state As String
 Do
@@ -30,11 +35,155 @@ End If
 
 
 class Properties(ExamplesCase):
-    def burn(self, *lines, mask=15):
+    def burn(self, *lines, mask=15, left_open=False):
         """Burns root, which the lines fill; answers what the program printed."""
-        text = "\n".join(['Dim root As DRFolderQRX = DRFolderQRX.virtualFolderWithName("Disc")',
+        text = "\n".join([f"Dim isLeftOpen As Boolean = {left_open}", 'Dim root As DRFolderQRX = DRFolderQRX.virtualFolderWithName("Disc")',
                           f"root.explicitFilesystemMask = {mask}", *lines]) + BURN
         return self.succeed(self.write("program.bas", text.encode(), self.scratch)).splitlines()
+
+    # ---- values of single file systems ------------------------------------------------------------------------------
+
+    FILESYSTEMS = {"DRAllFilesystems": 0, "DRISO9660": 1, "DRJoliet": 2, "DRUDF": 3, "DRHFSPlus": 4}
+    DATES = ("DRCreationDate", "DRContentModificationDate", "DRAttributeModificationDate", "DRAccessDate", "DRBackupDate",
+             "DREffectiveDate", "DRExpirationDate", "DRRecordingDate")
+
+    def moment(self, filesystem, key):
+        """Another one for each."""
+        return 1000000000 + 100000000 * self.FILESYSTEMS[filesystem] + 1000 * self.DATES.index(key)
+
+    def settings(self, name, filesystem, mode, owner):
+        def set_to(value, key):
+            return f"{name}.setProperty({value}, DRFSObjectQRX.{key}, DRFSObjectQRX.{filesystem})"
+
+        dates = [set_to("New Date({}, {}, {}, {}, {}, {})".format(*time.gmtime(self.moment(filesystem, key))[:6]), key)
+                 for key in self.DATES]
+        return [*dates, set_to(mode, "DRPosixFileMode"), set_to(owner, "DRPosixUID"), set_to(owner + 1, "DRPosixGID")]
+
+    TREE = ('Dim f As DRFileQRX = DRFileQRX.virtualFileWithName("f", bytes)', "root.addChild(f)",
+            'Dim d As DRFolderQRX = DRFolderQRX.virtualFolderWithName("d")', "root.addChild(d)",
+            'Dim plain As DRFileQRX = DRFileQRX.virtualFileWithName("plain", bytes)', "d.addChild(plain)")
+
+    def burn_tree(self, *lines, mask=15, left_open=False):
+        with unittest.mock.patch.dict(os.environ, TZ="UTC"):
+            os.environ.pop("GNUSTEP_TZ", None)
+            said = self.burn("Dim bytes As New MemoryBlock(3)", 'bytes.StringValue(0, 3) = "abc"', *self.TREE, *lines, mask=mask, left_open=left_open)
+        self.assertEqual(said, ["DRStatusStateDone"])
+
+    def seconds(self, date):
+        """Of a date as ISO 9660 has them."""
+        return calendar.timegm((date.years_since_1900 + 1900, date.month, date.day_of_month, date.hour, date.minute,
+                                date.second)) - 900 * date.gmtoffset
+
+    def rock_ridge(self, path):
+        disc = pycdlib.PyCdlib()
+        disc.open(self.image())
+        record = disc.get_record(rr_path=path)
+        ridge = record.rock_ridge
+        px = ridge.dr_entries.px_record or ridge.ce_entries.px_record
+        tf = ridge.dr_entries.tf_record or ridge.ce_entries.tf_record
+        # It takes the second and third date for each other's; bsdtar is asked, too.
+        names = {"DRCreationDate": "creation_time", "DRContentModificationDate": "access_time",
+                 "DRAttributeModificationDate": "attribute_change_time", "DRAccessDate": "modification_time",
+                 "DRBackupDate": "backup_time", "DREffectiveDate": "effective_time", "DRExpirationDate": "expiration_time"}
+        dates = {key: self.seconds(getattr(tf, name)) for key, name in names.items() if getattr(tf, name)}
+        dates["DRRecordingDate"] = self.seconds(record.date)
+        found = px.posix_file_mode & 0o7777, px.posix_user_id, px.posix_group_id, dates
+        disc.close()
+        return found
+
+    def fls(self, path):
+        """Mode, owner, group, and the dates that HFS+ has there."""
+        listed = jury.run("fls", "-r", "-m", "", "-f", "hfs", "-o", str(jury.hfs_start(self.image())), self.image()).decode()
+        _, _, _, mode, owner, group, _, *dates = next(line for line in listed.split("\n") if line.startswith(f"0|{path}|")).split("|")
+        keys = ("DRAccessDate", "DRContentModificationDate", "DRAttributeModificationDate", "DRCreationDate")
+        bits = sum(0o400 >> bit for bit, letter in enumerate(mode[3:12]) if letter != "-")
+        return bits, int(owner), int(group), dict(zip(keys, map(int, dates)))
+
+    def udf(self, path):
+        entry = jury.udf_entries(self.image())[path]
+        dates = {"DRAccessDate": entry["accessed"], "DRContentModificationDate": entry["time"],
+                 "DRAttributeModificationDate": entry["changed"]}
+        more = entry["more"]
+        if more:  # a header, and the attribute of further times (ECMA-167 4/14.10.1 and 4/14.10.5)
+            self.assertEqual(struct.unpack_from("<H", more)[0], 262)
+            self.assertEqual(struct.unpack_from("<LL", more, 16), (len(more), len(more)))
+            kind, subtype, size, length, existing = struct.unpack_from("<LB3xLLL", more, 24)
+            self.assertEqual((kind, subtype, size, length), (5, 1, len(more) - 24, len(more) - 44))
+            keys = [key for bit, key in ((0, "DRCreationDate"), (3, "DREffectiveDate"), (5, "DRBackupDate")) if existing >> bit & 1]
+            for at, key in enumerate(keys):
+                stamp = pycdlib.udf.UDFTimestamp()
+                stamp.parse(more[44 + 12 * at:56 + 12 * at])
+                dates[key] = jury.udf_time(stamp)
+            self.assertEqual(length, 12 * len(keys))
+        return entry["mode"], entry["owner"], entry["group"], dates
+
+    def wanted(self, filesystem, *keys):
+        return {key: self.moment(filesystem, key) for key in keys}
+
+    def test_each_file_system_has_its_own_values(self):
+        lines = []
+        for name in "fd":
+            lines += self.settings(name, "DRISO9660", 0o600, 10) + self.settings(name, "DRJoliet", 0o111, 20)
+            lines += self.settings(name, "DRUDF", 0o2750, 30) + self.settings(name, "DRHFSPlus", 0o711, 40)
+        lines.append("f.setProperty(True, DRFSObjectQRX.DRInvisible, DRFSObjectQRX.DRJoliet)")
+        self.burn_tree(*lines)
+        usual = self.DATES[1:4]
+        for path in "fd":
+            self.assertEqual(self.rock_ridge("/" + path), (0o600, 10, 11, self.wanted("DRISO9660", *self.DATES)))
+            self.assertEqual(jury.rr_bsdtar(self.image())[path]["time"], self.moment("DRISO9660", "DRContentModificationDate"))
+            self.assertEqual(self.udf(path), (0o2750, 30, 31, self.wanted(
+                "DRUDF", *usual, "DRCreationDate", "DREffectiveDate", "DRBackupDate")))
+            self.assertEqual(self.fls("/" + path), (0o711, 40, 41, self.wanted("DRHFSPlus", *usual, "DRCreationDate")))
+        disc = pycdlib.PyCdlib()
+        disc.open(self.image())
+        for path, hidden in (("/f", 1), ("/d", 0)):
+            record = disc.get_record(joliet_path=path + (";1" if path == "/f" else ""))
+            self.assertEqual(self.seconds(record.date), self.moment("DRJoliet", "DRRecordingDate"))
+            self.assertEqual(record.file_flags & 1, hidden)
+            self.assertEqual(disc.get_record(rr_path=path).file_flags & 1, 0)
+        self.assertEqual([record.date.years_since_1900 for record in (disc.get_record(rr_path="/d"),)], [101 + 3])
+        disc.close()
+        self.assertFalse(jury.udf_entries(self.image())["d/plain"]["more"])
+        self.assertEqual(self.udf("d/plain")[:3], (0o644, 0, 0))
+
+    def test_values_of_all_file_systems_are_overlaid_by_those_of_one(self):
+        self.burn_tree(*self.settings("f", "DRAllFilesystems", 0o640, 50),
+                       "f.setProperty(&o400, DRFSObjectQRX.DRPosixFileMode, DRFSObjectQRX.DRUDF)",
+                       "f.setProperty(61, DRFSObjectQRX.DRPosixUID, DRFSObjectQRX.DRHFSPlus)")
+        usual = self.DATES[1:4]
+        self.assertEqual(self.rock_ridge("/f"), (0o640, 50, 51, self.wanted("DRAllFilesystems", *self.DATES)))
+        self.assertEqual(self.udf("f"), (0o400, 50, 51, self.wanted(
+            "DRAllFilesystems", *usual, "DRCreationDate", "DREffectiveDate", "DRBackupDate")))
+        self.assertEqual(self.fls("/f"), (0o640, 61, 51, self.wanted("DRAllFilesystems", *usual, "DRCreationDate")))
+
+    def test_all_readers_take_a_disc_with_such_values(self):
+        self.burn_tree(*self.settings("f", "DRAllFilesystems", 0o640, 50), *self.settings("d", "DRUDF", 0o700, 60), mask=7)
+        bytes_there = {"f": b"abc", "d/plain": b"abc"}
+        for reader in (jury.rr_bsdtar, jury.joliet_7zz, jury.joliet_bsdtar, jury.udf_7zz, jury.udf_pycdlib):
+            self.assertEqual(self.bytes_of(reader(self.image())), bytes_there, reader)
+        self.assertEqual(jury.rr_isoinfo(self.image())["f"]["mode"], 0o640)
+        self.assertEqual(jury.udf_7zz(self.image())["f"]["time"], self.moment("DRAllFilesystems", "DRContentModificationDate"))
+        self.assertEqual(jury.grub(self.image(), "loop0", "f"), b"abc")
+        self.assertEqual(jury.udf_udfinfo(self.image()), {"f": 2, "d": 2})
+
+    def test_a_version_is_iso_9660s(self):
+        version = "f.setProperty({}, DRFSObjectQRX.DRISO9660VersionNumber, DRFSObjectQRX.DRISO9660)"
+        self.burn_tree(version.format(7), mask=3)
+        listed = ["/D", "/D/PLAIN.;1", "/F.;7"]
+        self.assertEqual(sorted(jury.run("isoinfo", "-f", "-i", self.image()).decode().split()), listed)
+        self.assertEqual(self.bytes_of(jury.rr_bsdtar(self.image())), {"f": b"abc", "d/plain": b"abc"})
+        self.assertEqual(self.bytes_of(jury.joliet_pycdlib(self.image())), {"f": b"abc", "d/plain": b"abc"})
+        self.fresh()
+        self.burn_tree(version.format(32767), mask=3, left_open=True)
+        self.assertEqual(self.burn('root.addChild(DRFileQRX.virtualFileWithName("later", Nil))', mask=3), ["DRStatusStateDone"])
+        self.assertEqual(sorted(jury.run("isoinfo", "-f", "-i", self.image()).decode().split()),
+                         ["/D", "/D/PLAIN.;1", "/F.;32767", "/LATER.;1"], "it stays in a later session")
+        for number in (0, 32768, -1):
+            self.fresh()
+            said = self.burn('Dim f As DRFileQRX = DRFileQRX.virtualFileWithName("f", Nil)', version.format(number),
+                             "root.addChild(f)")
+            self.assertEqual(said[0], "DRStatusStateFailed")
+            self.assertIn("versions are numbers from 1 to 32767", said[1])
 
     # ---- names --------------------------------------------------------------------------------------------------
 

@@ -77,11 +77,11 @@ void Hierarchy::folderBlock(const Folder& folder, uint32_t from, std::span<std::
             const Folder& shown = item == 0 ? folder : folders_[folder.parent];
             record.block = blockOf(shown);
             record.bytes = shown.bytes;
-            record.time = tree_.nodes[shown.node].modified;
+            record.time = tree_.recordedOf(shown.node);
         } else {
             const Entry& entry = entryOf(folder, item);
             const Node& node = tree_.nodes[entry.node];
-            record.time = node.modified;
+            record.time = tree_.recordedOf(entry.node);
             record.flags = entry.hidden ? hiddenFlag : 0;
             if (node.kind == NodeKind::Folder && !isPlaceholder(folder.node, entry)) {
                 const Folder& shown = folders_[folderOf_[entry.node]];
@@ -151,7 +151,7 @@ void Hierarchy::putRecord(const Record& record, std::span<std::byte> to) const {
 
 void Hierarchy::rootRecord(std::span<std::byte, 34> to) const {
     const Folder& root = folders_[0];
-    putRecord({blockOf(root), root.bytes, folderFlag, identifierOf(root, 0), tree_.nodes[0].modified}, to);
+    putRecord({blockOf(root), root.bytes, folderFlag, identifierOf(root, 0), tree_.recordedOf(0)}, to);
 }
 
 std::string_view Hierarchy::identifierOf(const Folder& folder, uint32_t item) const {
@@ -171,7 +171,7 @@ void Hierarchy::describe(SystemUse& use, const Folder& folder, uint32_t item) co
             rockRidge::addMac(use, mac->second);
     if (!usesRockRidge()) return;
     const auto attributes = [&](uint32_t node) {
-        rockRidge::addAttributes(use, tree_.nodes[node], links_[node], node + 1, zone_);
+        rockRidge::addAttributes(use, tree_.nodes[node], tree_.datesOf(node), links_[node], node + 1, zone_);
     };
     if (item == 0) {
         if (folder.entry == none) rockRidge::addPresence(use);

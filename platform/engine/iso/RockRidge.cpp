@@ -2,6 +2,8 @@
 #include "RockRidge.hpp"
 
 #include <algorithm>
+#include <iterator>
+#include <optional>
 #include <string>
 
 namespace engine::iso::rockRidge {
@@ -64,7 +66,8 @@ void addExtension(SystemUse& use) {
         .raw(source);
 }
 
-void addAttributes(SystemUse& use, const Node& node, uint32_t links, uint32_t serial, int8_t zone) {
+void addAttributes(SystemUse& use, const Node& node, const MoreDates* more, uint32_t links, uint32_t serial,
+                   int8_t zone) {
     constexpr uint32_t types[] = {0040000, 0100000, 0120000}; // folder, file, symbolic link
     use.add("PX", 44)
         .both32(types[static_cast<size_t>(node.kind)] | (node.mode & 07777u))
@@ -72,12 +75,22 @@ void addAttributes(SystemUse& use, const Node& node, uint32_t links, uint32_t se
         .both32(node.owner)
         .both32(node.group)
         .both32(serial);
-    constexpr uint8_t modifiedAccessedChanged = 2 | 4 | 8;
-    use.add("TF", 5 + 3 * 7)
-        .u8(modifiedAccessedChanged)
-        .date(node.modified, zone)
-        .date(node.accessed, zone)
-        .date(node.changed, zone);
+    static const MoreDates nothing;
+    const MoreDates& its = more ? *more : nothing;
+    // In the order of their bits in the flags, creation first.
+    const std::optional<std::time_t> dates[] = {its.created,  node.modified, node.accessed, node.changed,
+                                                its.backedUp, its.expires,   its.effective};
+    uint8_t flags = 0;
+    size_t count = 0;
+    for (size_t i = 0; i < std::size(dates); ++i) {
+        if (!dates[i]) continue;
+        flags |= static_cast<uint8_t>(1u << i);
+        ++count;
+    }
+    Fields fields = use.add("TF", 5 + count * 7);
+    fields.u8(flags);
+    for (const auto& date : dates)
+        if (date) fields.date(*date, zone);
 }
 
 void addMac(SystemUse& use, const MacFile& file) {

@@ -13,8 +13,9 @@ namespace engine::iso::rockRidge {
 void addPresence(SystemUse& use);
 void addExtension(SystemUse& use);
 
-/// Mode, links, owner, and a serial number that is the same for all names of one file (PX, TF).
-void addAttributes(SystemUse& use, const Node& node, uint32_t links, uint32_t serial, int8_t zone);
+/// Mode, links, owner, dates, and a serial number that is the same for all names of one file (PX, TF). `more` may be null.
+void addAttributes(SystemUse& use, const Node& node, const MoreDates* more, uint32_t links, uint32_t serial,
+                   int8_t zone);
 /// Type, creator and the Finder's flags (AA, which is no part of Rock Ridge: Apple's extensions, in the form for HFS).
 void addMac(SystemUse& use, const MacFile& file);
 /// The name, in pieces of at most 250 bytes (NM).

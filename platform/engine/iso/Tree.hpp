@@ -37,6 +37,12 @@ struct MacFile {
     uint16_t flags = 0;
 };
 
+/// Dates that few items have. The first stands in the item's record, in the place of when it was modified; the others only
+/// Rock Ridge can hold.
+struct MoreDates {
+    std::optional<std::time_t> recorded, created, backedUp, expires, effective;
+};
+
 /// A name in a folder. Two entries may lead to one file: a hard link.
 struct Entry {
     uint32_t node = 0;
@@ -54,6 +60,7 @@ struct Tree {
     std::vector<Section> sections;
     std::string text;
     std::unordered_map<uint32_t, MacFile> mac; ///< of few nodes
+    std::unordered_map<uint32_t, MoreDates> dates;
 
     /// Names are final: ISO 9660's as they shall stand there, with dot and version where wanted ("READ_ME.TXT;1");
     /// Joliet's in UTF-8. The Rock Ridge name is any bytes; empty where there is no Rock Ridge.
@@ -77,6 +84,16 @@ struct Tree {
         return std::span(sections).subspan(file.first, file.count);
     }
     uint64_t sizeOf(const Node& file) const;
+    /// Null for most.
+    const MoreDates* datesOf(uint32_t node) const {
+        const auto found = dates.find(node);
+        return found == dates.end() ? nullptr : &found->second;
+    }
+    /// The one date of a record.
+    std::time_t recordedOf(uint32_t node) const {
+        const MoreDates* const more = datesOf(node);
+        return more ? more->recorded.value_or(nodes[node].modified) : nodes[node].modified;
+    }
 };
 
 /// How ISO 9660 and Rock Ridge are written, and Joliet beside them.

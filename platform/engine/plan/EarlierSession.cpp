@@ -4,6 +4,7 @@
 #include "iso/Reader.hpp"
 
 #include <algorithm>
+#include <charconv>
 #include <unordered_map>
 
 namespace engine::plan {
@@ -139,6 +140,7 @@ class Earlier {
             // What it was called in ISO 9660 it stays there.
             const std::string iso = plainName(volume_.tree.nameOf(*item.entry), item.isFolder);
             if (iso != isoForm_.legal(names.name, item.isFolder)) names.own[0] = iso;
+            if (!item.isFolder) keepVersion(node, volume_.tree.nameOf(*item.entry));
             tree_.addOldEntry(folder.node, node, names, isInJoliet ? filesystem::all : exceptJoliet,
                               isJolietsMade);
             if (item.isFolder)
@@ -154,6 +156,19 @@ class Earlier {
             tree_.addOldEntry(folder.node, node, names, filesystem::joliet);
             if (item.isFolder) pending_.push_back({node, none, item.node});
         }
+    }
+
+    void keepVersion(uint32_t node, std::string_view stored) {
+        const size_t at = stored.rfind(';');
+        uint32_t version = 1;
+        if (at == stored.npos ||
+            std::from_chars(stored.data() + at + 1, stored.data() + stored.size(), version).ec !=
+                std::errc() ||
+            version < 2 || version > 32767)
+            return;
+        FilesystemAttributes own;
+        own[0].version = version;
+        tree_.own[node] = std::make_shared<const FilesystemAttributes>(own);
     }
 
     uint32_t nodeOf(const iso::Tree& from, uint32_t index, std::vector<uint32_t>& known) {

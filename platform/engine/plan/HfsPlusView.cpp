@@ -74,15 +74,10 @@ void pointAliases(const Tree& tree, View<hfsplus::Tree>& view) {
 void addNode(hfsplus::Tree& made, const Tree& tree, uint32_t index) {
     const Node& from = tree.nodes[index];
     hfsplus::Node node;
-    node.mode = from.mode;
-    node.owner = from.owner;
-    node.group = from.group;
-    node.accessed = from.accessed;
-    node.modified = from.modified;
-    node.changed = from.changed;
-    node.created = from.modified;
+    describe(node, from, tree.ownOf(index, filesystem::hfsPlus));
+    node.created = node.modified;
     if (const MacAttributes* mac = tree.macOf(index)) describe(node, *mac);
-    if (from.invisible) node.finder.flags |= hfsplus::finder::isInvisible;
+    if (tree.isInvisible(index, filesystem::hfsPlus)) node.finder.flags |= hfsplus::finder::isInvisible;
     if (from.kind == NodeKind::Alias) {
         node.kind = hfsplus::NodeKind::Alias;
     } else if (from.kind == NodeKind::Folder) {

@@ -11,15 +11,14 @@
 namespace engine::plan {
 namespace {
 
-void addNode(iso::Tree& made, const Tree& tree, uint32_t index) {
+void addNode(iso::Tree& made, const Tree& tree, uint32_t index, uint8_t filesystem) {
     const Node& from = tree.nodes[index];
+    const OwnAttributes* const own = tree.ownOf(index, filesystem);
     iso::Node node;
-    node.mode = from.mode;
-    node.owner = from.owner;
-    node.group = from.group;
-    node.accessed = from.accessed;
-    node.modified = from.modified;
-    node.changed = from.changed;
+    describe(node, from, own);
+    if (own && (own->recorded || own->created || own->backedUp || own->expires || own->effective))
+        made.dates[static_cast<uint32_t>(made.nodes.size())] = {own->recorded, own->created, own->backedUp,
+                                                                own->expires, own->effective};
     if (from.kind == NodeKind::Folder) {
         node.kind = iso::NodeKind::Folder;
     } else if (from.kind == NodeKind::SymbolicLink) {
@@ -55,9 +54,10 @@ void expectDistinct(const Tree& tree, const std::vector<const Entry*>& shown) {
 }
 
 // As ISO 9660 stores it: a file's name has a dot, and a version.
-std::string storedName(std::string name, bool folder) {
+std::string storedName(std::string name, bool folder, const OwnAttributes* own) {
     if (folder) return name;
-    return name += name.find('.') == std::string::npos ? ".;1" : ";1";
+    name += name.find('.') == std::string::npos ? ".;" : ";";
+    return name += std::to_string(own ? own->version.value_or(1) : 1);
 }
 
 uint32_t codeOf(const std::optional<std::array<uint8_t, 4>>& code) {
@@ -83,7 +83,7 @@ View<iso::Tree> viewOf(const Tree& tree, uint8_t filesystem, bool hasLinks, cons
     view.tree.sections.reserve(tree.extents.size());
     view.nodeOf = makeView(
         tree, filesystem, hasLinks, view.tree.firstEntry,
-        [&](uint32_t node) { addNode(view.tree, tree, node); },
+        [&](uint32_t node) { addNode(view.tree, tree, node, filesystem); },
         [&](const std::vector<const Entry*>& shown, const std::vector<uint32_t>& numbers) {
             makeEntries(view.tree, shown, numbers);
         });
@@ -104,10 +104,12 @@ View<iso::Tree> isoView(const Tree& tree, const iso::Rules& rules) {
             if (rules.rockRidge) expectDistinct(tree, shown);
             std::vector<std::string> names = distinctNames(given, form);
             for (size_t i = 0; i < shown.size(); ++i)
-                made.entries.push_back(made.makeEntry(
-                    numbers[shown[i]->node], storedName(std::move(names[i]), given[i].isFolder),
-                    rules.rockRidge ? tree.nameOf(*shown[i]) : std::string_view(),
-                    tree.nodes[shown[i]->node].invisible));
+                made.entries.push_back(
+                    made.makeEntry(numbers[shown[i]->node],
+                                   storedName(std::move(names[i]), given[i].isFolder,
+                                              tree.ownOf(shown[i]->node, filesystem::iso9660)),
+                                   rules.rockRidge ? tree.nameOf(*shown[i]) : std::string_view(),
+                                   tree.isInvisible(shown[i]->node, filesystem::iso9660)));
         });
     addMacFiles(tree, view);
     return view;
@@ -124,7 +126,7 @@ View<iso::Tree> jolietView(const Tree& tree) {
             for (size_t i = 0; i < shown.size(); ++i)
                 made.entries.push_back(made.makeEntry(numbers[shown[i]->node],
                                                       given[i].isFolder ? names[i] : names[i] + ";1", {},
-                                                      tree.nodes[shown[i]->node].invisible));
+                                                      tree.isInvisible(shown[i]->node, filesystem::joliet)));
         });
 }
 

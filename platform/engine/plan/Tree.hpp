@@ -122,6 +122,18 @@ class Tree {
         return found == mac.end() ? nullptr : found->second.get();
     }
 
+    /// What a file system has of a node for itself; null where that is nothing.
+    const OwnAttributes* ownOf(uint32_t node, uint8_t filesystem) const {
+        const auto found = own.find(node);
+        return found == own.end() || !found->second
+                   ? nullptr
+                   : &(*found->second)[static_cast<size_t>(std::countr_zero(filesystem))];
+    }
+    bool isInvisible(uint32_t node, uint8_t filesystem) const {
+        const OwnAttributes* const its = ownOf(node, filesystem);
+        return its ? its->invisible.value_or(nodes[node].invisible) : nodes[node].invisible;
+    }
+
     std::vector<Node> nodes;
     std::vector<Entry> entries;
     std::vector<Extent> extents; ///< the old ones first, then the new ones in the order of their sources
@@ -130,6 +142,7 @@ class Tree {
     std::unordered_map<uint32_t, std::shared_ptr<const MacAttributes>> mac, isoMac;
     std::unordered_map<uint32_t, uint32_t>
         resources; ///< resource forks' extents, by those of the files' data
+    std::unordered_map<uint32_t, std::shared_ptr<const FilesystemAttributes>> own;
 
   private:
     struct OwnName {

@@ -267,6 +267,10 @@ class TreeBuilder {
         if (isChanged(*link.item->attributes)) {
             const uint32_t original = node;
             node = tree_.addNode(Node(tree_.nodes[original]));
+            if (const auto found = tree_.own.find(original); found != tree_.own.end()) {
+                const auto own = found->second;
+                tree_.own[node] = own;
+            }
             for (auto* const all : {&tree_.mac, &tree_.isoMac})
                 if (const auto found = all->find(original); found != all->end()) {
                     const auto mac = found->second;
@@ -311,7 +315,7 @@ class TreeBuilder {
     static bool isChanged(const Attributes& given) {
         return given.mode || given.owner || given.group || given.modified || given.accessed ||
                given.changed || given.invisible || given.realTime || given.udfPermissions || given.mac ||
-               given.isoMac;
+               given.isoMac || given.own;
     }
 
     // What is said of an item goes before what its source says.
@@ -326,13 +330,32 @@ class TreeBuilder {
         node.invisible = given.invisible.value_or(node.invisible);
         node.isRealTime = given.realTime.value_or(node.isRealTime);
         node.udfPermissions = given.udfPermissions.value_or(node.udfPermissions);
-        const auto lay = [index](const std::shared_ptr<const MacAttributes>& over, auto& all) {
+        const auto lay = [index](const auto& over, auto& all) {
             if (!over) return;
-            std::shared_ptr<const MacAttributes>& mac = all[index];
-            mac = mac ? merged(*mac, *over) : over;
+            auto& known = all[index];
+            known = known ? merged(*known, *over) : over;
         };
         lay(given.mac, tree_.mac);
         lay(given.isoMac, tree_.isoMac);
+        lay(given.own, tree_.own);
+    }
+
+    static std::shared_ptr<const FilesystemAttributes> merged(FilesystemAttributes own,
+                                                              const FilesystemAttributes& given) {
+        for (size_t i = 0; i < own.size(); ++i) {
+            OwnAttributes& to = own[i];
+            const OwnAttributes& from = given[i];
+            for (const auto part : {&OwnAttributes::mode, &OwnAttributes::owner, &OwnAttributes::group,
+                                    &OwnAttributes::version})
+                if (from.*part) to.*part = from.*part;
+            for (const auto date :
+                 {&OwnAttributes::created, &OwnAttributes::modified, &OwnAttributes::accessed,
+                  &OwnAttributes::changed, &OwnAttributes::backedUp, &OwnAttributes::recorded,
+                  &OwnAttributes::effective, &OwnAttributes::expires})
+                if (from.*date) to.*date = from.*date;
+            if (from.invisible) to.invisible = from.invisible;
+        }
+        return std::make_shared<const FilesystemAttributes>(own);
     }
 
     static std::shared_ptr<const MacAttributes> merged(MacAttributes mac, const MacAttributes& given) {

@@ -32,14 +32,10 @@ void check(const Tree& tree, const Extent& extent, std::string_view name) {
     }
 }
 
-udf::Node nodeOf(const Tree& tree, const Node& from) {
+udf::Node nodeOf(const Tree& tree, uint32_t index) {
+    const Node& from = tree.nodes[index];
     udf::Node node;
-    node.mode = from.mode;
-    node.owner = from.owner;
-    node.group = from.group;
-    node.accessed = from.accessed;
-    node.modified = from.modified;
-    node.changed = from.changed;
+    describe(node, from, tree.ownOf(index, filesystem::udf));
     node.isRealTime = from.isRealTime;
     node.permissions = from.udfPermissions;
     if (from.kind == NodeKind::Folder) {
@@ -60,7 +56,13 @@ View<udf::Tree> udfView(const Tree& tree) {
     LinkTargets links(tree);
     view.nodeOf = makeView(
         tree, filesystem::udf, true, view.tree.firstEntry,
-        [&](uint32_t node) { view.tree.nodes.push_back(nodeOf(tree, tree.nodes[node])); },
+        [&](uint32_t node) {
+            const OwnAttributes* const own = tree.ownOf(node, filesystem::udf);
+            if (own && (own->created || own->effective || own->backedUp))
+                view.tree.dates[static_cast<uint32_t>(view.tree.nodes.size())] = {
+                    own->created, own->effective, own->backedUp};
+            view.tree.nodes.push_back(nodeOf(tree, node));
+        },
         [&](const std::vector<const Entry*>& shown, const std::vector<uint32_t>& numbers) {
             std::vector<GivenName> given;
             for (const Entry* entry : shown) {
@@ -73,8 +75,8 @@ View<udf::Tree> udfView(const Tree& tree) {
             std::vector<std::string> names = distinctNames(given, UdfForm());
             links.addFolder(static_cast<uint32_t>(view.tree.firstEntry.size() - 1), shown, names, numbers);
             for (size_t i = 0; i < shown.size(); ++i)
-                view.tree.entries.push_back(
-                    {std::move(names[i]), numbers[shown[i]->node], tree.nodes[shown[i]->node].invisible});
+                view.tree.entries.push_back({std::move(names[i]), numbers[shown[i]->node],
+                                             tree.isInvisible(shown[i]->node, filesystem::udf)});
         });
     for (auto& [node, target] : links.changed())
         view.tree.nodes[node].target = std::move(target);

@@ -8,6 +8,19 @@
 
 namespace engine::plan {
 
+/// What all file systems hold of a node, each its own where it has that.
+template <typename Made>
+void describe(Made& made, const Node& from, const OwnAttributes* own) {
+    static const OwnAttributes nothing;
+    const OwnAttributes& its = own ? *own : nothing;
+    made.mode = own && own->mode ? static_cast<uint16_t>(*own->mode & 07777) : from.mode;
+    made.owner = its.owner.value_or(from.owner);
+    made.group = its.group.value_or(from.group);
+    made.accessed = its.accessed.value_or(from.accessed);
+    made.modified = its.modified.value_or(from.modified);
+    made.changed = its.changed.value_or(from.changed);
+}
+
 /// Goes through the tree as one file system shows it: `makeNode` for each node in the order of their numbers, `makeEntries`
 /// for the entries of each folder in that order, too. Folders come before what is in them. Answers the numbers, and
 /// fills in where each node's entries begin.

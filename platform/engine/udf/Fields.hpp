@@ -26,6 +26,7 @@ enum class TagKind : uint16_t {
     FileSet = 256,
     FileIdentifier = 257,
     FileEntry = 261,
+    ExtendedAttributes = 262,
 };
 
 /// CRC-ITU-T: polynomial x^16 + x^12 + x^5 + 1, from 0, the high bit first (ECMA-167 1/7.2.6).

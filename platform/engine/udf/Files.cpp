@@ -5,15 +5,20 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace engine::udf {
 namespace {
 
 constexpr size_t identifierBytes = 38; // of a file identifier without its name (ECMA-167 4/14.4)
 constexpr size_t fileEntryBytes = 176; // of a file entry without allocations (ECMA-167 4/14.9)
+// The header of extended attributes, and one with the dates that there are (ECMA-167 4/14.10.1 and 4/14.10.5).
+constexpr size_t attributeHeaderBytes = 24, fileTimesBytes = 20, timeBytes = 12;
 constexpr uint32_t mostExtentBytes = (1u << 30) - blockBytes;
 static_assert(largestFile == (blockBytes - fileEntryBytes) / 8 * uint64_t{mostExtentBytes});
 constexpr uint8_t isHidden = 1, isFolder = 2, isParent = 8;
+
+constexpr uint64_t extentsOf(uint64_t bytes) { return (bytes + mostExtentBytes - 1) / mostExtentBytes; }
 
 constexpr uint32_t blocksOf(uint64_t bytes) {
     return static_cast<uint32_t>((bytes + blockBytes - 1) / blockBytes);
@@ -95,9 +100,14 @@ Volume::Volume(Tree tree, VolumeSettings settings) : tree_(std::move(tree)), set
             }
         } else {
             ++fileCount_;
+            if (fileEntryBytes + attributeBytes(node) + extentsOf(tree_.nodes[node].size) * 8 > blockBytes)
+                fail(ErrorCode::FilesystemsNotSupported, "A file of " + megabytes(tree_.nodes[node].size) +
+                                                             " can have no date of creation, backup or "
+                                                             "effect in UDF; leave out the date, or UDF.");
             if (tree_.nodes[node].kind == NodeKind::SymbolicLink)
                 bytes = static_cast<uint32_t>(pathComponents(tree_.nodes[node].target).size());
-            if (bytes <= blockBytes - fileEntryBytes) continue; // the target stands in the node's own block
+            if (bytes <= blockBytes - fileEntryBytes - attributeBytes(node))
+                continue; // the target stands in the node's own block
         }
         streams_.push_back({node, next, bytes});
         next += blocksOf(bytes);
@@ -145,14 +155,17 @@ void Volume::fileEntry(uint32_t index, std::span<std::byte> block) const {
         .u16(linkCounts_[index]);
     fields.u8(0).u8(0).u32(0).u64(bytes).u64(embedded.empty() ? blocksOf(bytes) : 0);
     fields.time(node.accessed).time(node.modified).time(node.changed).u32(1).longAllocation(0, 0).developer();
-    fields.u64(uniqueIdOf(index)).u32(0);
+    const uint32_t more = attributeBytes(index);
+    fields.u64(uniqueIdOf(index)).u32(more);
+    // Behind the length of the allocations.
+    putAttributes(index, block.subspan(fields.position() + 4, more));
     if (!embedded.empty()) {
-        fields.u32(static_cast<uint32_t>(embedded.size())).raw(embedded);
+        fields.u32(static_cast<uint32_t>(embedded.size())).skip(more).raw(embedded);
         return fields.finish(TagKind::FileEntry, entryBlockOf(index));
     }
     uint32_t at =
         stream ? inPartition(stream->firstBlock) : static_cast<uint32_t>(node.firstBlock - partitionStart);
-    fields.u32(static_cast<uint32_t>((bytes + mostExtentBytes - 1) / mostExtentBytes * 8));
+    fields.u32(static_cast<uint32_t>(extentsOf(bytes) * 8)).skip(more);
     for (uint64_t left = bytes; left > 0;) {
         const auto part = static_cast<uint32_t>(std::min<uint64_t>(left, mostExtentBytes));
         fields.extent(part, at);
@@ -160,6 +173,34 @@ void Volume::fileEntry(uint32_t index, std::span<std::byte> block) const {
         left -= part;
     }
     fields.finish(TagKind::FileEntry, entryBlockOf(index));
+}
+
+uint32_t Volume::attributeBytes(uint32_t node) const {
+    const auto found = tree_.dates.find(node);
+    if (found == tree_.dates.end()) return 0;
+    const MoreDates& more = found->second;
+    const int count = more.created.has_value() + more.effective.has_value() + more.backedUp.has_value();
+    return static_cast<uint32_t>(attributeHeaderBytes + fileTimesBytes +
+                                 static_cast<size_t>(count) * timeBytes);
+}
+
+void Volume::putAttributes(uint32_t node, std::span<std::byte> to) const {
+    if (to.empty()) return;
+    const auto bytes = static_cast<uint32_t>(to.size());
+    Fields fields(to);
+    // No attributes of an implementation or application: they would begin behind the end.
+    fields.u32(bytes).u32(bytes).finish(TagKind::ExtendedAttributes, entryBlockOf(node));
+    const MoreDates& more = tree_.dates.at(node);
+    const std::pair<const std::optional<std::time_t>&, uint32_t> dates[] = {
+        {more.created, 1}, {more.effective, 8}, {more.backedUp, 32}}; // each with its bit, in their order
+    uint32_t existing = 0;
+    for (const auto& [date, bit] : dates)
+        existing |= date ? bit : 0;
+    constexpr uint32_t fileTimes = 5;
+    const auto length = static_cast<uint32_t>(bytes - attributeHeaderBytes);
+    fields.u32(fileTimes).u8(1).skip(3).u32(length).u32(length - uint32_t{fileTimesBytes}).u32(existing);
+    for (const auto& [date, bit] : dates)
+        if (date) fields.time(*date);
 }
 
 void Volume::streamBlock(const Stream& stream, uint32_t index, std::span<std::byte> block) const {

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace engine::udf {
@@ -31,6 +32,11 @@ struct Node {
     std::string target;      ///< of a symbolic link, UTF-8, parts divided by '/'
 };
 
+/// Dates that few items have: an extended attribute of theirs.
+struct MoreDates {
+    std::optional<std::time_t> created, effective, backedUp;
+};
+
 /// A name in a folder. Two entries may lead to one file: a hard link.
 struct Entry {
     std::string name; ///< UTF-8; see compressed() for what is kept of it
@@ -44,6 +50,7 @@ struct Tree {
     std::vector<Node> nodes;
     std::vector<Entry> entries;
     std::vector<uint32_t> firstEntry;
+    std::unordered_map<uint32_t, MoreDates> dates; ///< of few nodes
 };
 
 /// UDF 1.02 or 1.50, as they write it: in binary-coded decimals.

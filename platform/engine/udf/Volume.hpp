@@ -31,7 +31,7 @@ inline constexpr uint32_t firstVolumeBlock = 32;
 inline constexpr uint32_t lastVolumeBlock = 65;
 inline constexpr uint32_t anchorBlock = 256;
 inline constexpr uint32_t partitionStart = 257;
-/// As many extents as stand in a file's own block.
+/// As many extents as stand in a file's own block, beside which no more dates have room then.
 inline constexpr uint64_t largestFile = 234 * ((uint64_t{1} << 30) - 2048);
 
 /// The three blocks that tell that there is a UDF volume.
@@ -68,6 +68,8 @@ class Volume {
     void anchor(uint32_t location, std::span<std::byte> block) const;
     void fileSet(std::span<std::byte> block) const;
     void fileEntry(uint32_t node, std::span<std::byte> block) const;
+    uint32_t attributeBytes(uint32_t node) const;
+    void putAttributes(uint32_t node, std::span<std::byte> to) const;
     void streamBlock(const Stream& stream, uint32_t index, std::span<std::byte> block) const;
     void folderBlock(const Stream& stream, uint32_t from, std::span<std::byte> block) const;
     uint32_t partitionBlocks() const noexcept {

@@ -32,7 +32,7 @@ TEST(IsoRockRidge, AttributesOfRevision112) {
     node.accessed = 1;
     node.changed = 2;
     SystemUse use;
-    iso::rockRidge::addAttributes(use, node, 3, 9, 4);
+    iso::rockRidge::addAttributes(use, node, nullptr, 3, 9, 4);
     EXPECT_EQ(entriesOf(use), literal("PX\x2C\x01"
                                       "\xAC\x8F\0\0\0\0\x8F\xAC"
                                       "\3\0\0\0\0\0\0\3"
@@ -43,6 +43,25 @@ TEST(IsoRockRidge, AttributesOfRevision112) {
                                       "\x46\1\1\1\0\0\4"
                                       "\x46\1\1\1\0\1\4"
                                       "\x46\1\1\1\0\2\4"));
+}
+
+// In the order of their bits in the flags: creation, modification, access, attributes, backup, expiration, effect.
+TEST(IsoRockRidge, MoreDatesStandAmongTheUsualOnes) {
+    iso::Node node;
+    node.modified = 1;
+    node.accessed = 2;
+    node.changed = 3;
+    iso::MoreDates more;
+    more.recorded = 50; // which is the record's
+    more.created = 0;
+    more.backedUp = 4;
+    more.effective = 6;
+    SystemUse use;
+    iso::rockRidge::addAttributes(use, node, &more, 1, 1, 0);
+    std::string wanted = literal("TF\x2F\x01\x5F");
+    for (const char second : {'\0', '\1', '\2', '\3', '\4', '\6'})
+        wanted += literal("\x46\1\1\0\0") + second + '\0';
+    EXPECT_EQ(entriesOf(use).substr(44), wanted);
 }
 
 TEST(IsoRockRidge, NamesInPieces) {

@@ -109,6 +109,27 @@ TEST(UdfVolume, ALargeFileIsSeveralExtentsOfLessThanAGibibyte) {
     EXPECT_EQ(bytes, size);
 }
 
+// They take the place of extents.
+TEST(UdfVolume, MoreDatesOfTheLargestFileAreRefused) {
+    for (const uint64_t less : {0u, 7u}) {
+        Image image;
+        const uint32_t node = image.file(0, "large", "");
+        image.nodes[node].size = udf::largestFile - less * ((uint64_t{1} << 30) - 2048);
+        udf::Tree tree = image.tree();
+        tree.dates[node].created = 1;
+        try {
+            udf::Volume volume(std::move(tree), {});
+            EXPECT_NE(less, 0u);
+        } catch (const engine::Failure& failure) {
+            EXPECT_EQ(less, 0u);
+            EXPECT_EQ(failure.error().code, engine::ErrorCode::FilesystemsNotSupported);
+            EXPECT_EQ(failure.error().message,
+                      "A file of 251255.1 MB can have no date of creation, backup or effect "
+                      "in UDF; leave out the date, or UDF.");
+        }
+    }
+}
+
 // ECMA-167 4/14.9.5: execute, write, read, change attributes and delete, for others, group and owner.
 TEST(UdfVolume, ModesAreKeptAndWhoMayWriteMayDelete) {
     Image image;
