@@ -1,4 +1,4 @@
-// The drive: who it is, who has it, its tray.
+// The drive: who it is, what is in it, and its jobs.
 #include "PhysicalDrive.hpp"
 #include "../Failure.hpp"
 #include "BurnLibrary.hpp"
@@ -12,7 +12,6 @@
 #include <filesystem>
 #include <libburn/libburn.h>
 #include <linux/cdrom.h>
-#include <sys/file.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <thread>
@@ -50,10 +49,6 @@ bool hasTestBit(burn_drive* drive, unsigned feature) {
     return tests;
 }
 
-Descriptor openForStatus(const std::string& path, int more = 0) {
-    return Descriptor(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | more));
-}
-
 // How the drive is attached, as far as the kernel tells.
 void describeConnection(DriveIdentity& identity) {
     std::error_code ignored;
@@ -68,15 +63,6 @@ void describeConnection(DriveIdentity& identity) {
         identity.interconnect = Interconnect::ATAPI;
         identity.location = InterconnectLocation::Internal;
     }
-}
-
-// Where this user's processes agree about what no drive keeps.
-std::string reservationFile(const std::string& path) {
-    const char* own = std::getenv("XDG_RUNTIME_DIR");
-    const std::string folder =
-        own != nullptr && own[0] == '/' ? std::string(own) : "/tmp/disc-drives-" + std::to_string(::getuid());
-    makeFolders(folder);
-    return folder + "/disc-reservation-" + std::filesystem::path(path).filename().string();
 }
 
 } // namespace
@@ -118,7 +104,7 @@ void PhysicalDrive::learn() {
     identity_.product = trimmed(info.product);
     identity_.firmwareRevision = trimmed(info.revision);
     describeConnection(identity_);
-    const Descriptor device = openForStatus(path());
+    const Descriptor device = openForStatus();
     if (const auto page = device ? readCapabilitiesPage(device.get()) : std::nullopt)
         mechanism_ = page->loading;
 
@@ -225,8 +211,12 @@ void PhysicalDrive::reassess() {
     if (!burning_) medium_.reset();
 }
 
+Descriptor PhysicalDrive::openForStatus() const {
+    return Descriptor(::open(path().c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+}
+
 int PhysicalDrive::status() const {
-    const Descriptor device = openForStatus(path());
+    const Descriptor device = openForStatus();
     return device ? ::ioctl(device.get(), CDROM_DRIVE_STATUS, CDSL_CURRENT) : statusOfNone;
 }
 
@@ -276,117 +266,10 @@ Result<std::unique_ptr<MediumReader>> PhysicalDrive::openMedium() {
     });
 }
 
-bool PhysicalDrive::isTrayOpen() const { return status() == CDS_TRAY_OPEN; }
-
-void PhysicalDrive::mechanics(unsigned long request, const char* what) {
-    requireValid();
-    waitUntilLetGo();
-    const std::lock_guard commands(commands_);
-    const std::lock_guard lock(mutex_);
-    if (burning_)
-        fail(ErrorCode::DeviceBusy,
-             "The drive " + inQuotes(displayName()) + " is writing; wait until it is done.");
-    if (grabs_ == 0 && isInUse(path()))
-        fail(ErrorCode::DeviceBusy,
-             "The drive " + inQuotes(displayName()) + " is in use by another program; try again later.");
-    const Descriptor device = openForStatus(path());
-    if (!device)
-        fail(ErrorCode::DeviceAccess, "The drive " + inQuotes(displayName()) + " can't be used.",
-             systemText(errno));
-    medium_.reset();
-    ::ioctl(device.get(), CDROM_LOCKDOOR, 0);
-    if (::ioctl(device.get(), request, 0) != 0)
-        fail(ErrorCode::DeviceNotReady, "The drive " + inQuotes(displayName()) + " does not " + what + ".",
-             systemText(errno));
-}
-
-void PhysicalDrive::requireTray() const {
-    requireValid();
-    if (!mechanism_.canOpen)
-        fail(ErrorCode::FunctionNotSupported, "The drive " + inQuotes(displayName()) +
-                                                  " has no tray; put discs in and take them out by hand.");
-}
-
-Result<void> PhysicalDrive::openTray() {
-    return guarded([&] {
-        const int now = status();
-        if (now == CDS_TRAY_OPEN) return;
-        requireTray();
-        if (now != CDS_NO_DISC)
-            fail(ErrorCode::BurnNotAllowed,
-                 "There is a disc in " + inQuotes(displayName()) + ": eject it instead.");
-        mechanics(CDROMEJECT, "open");
-    });
-}
-
-Result<void> PhysicalDrive::closeTray() {
-    return guarded([&] {
-        requireTray();
-        mechanics(CDROMCLOSETRAY, "close");
-    });
-}
-
-Result<void> PhysicalDrive::eject() {
-    return guarded([&] { mechanics(CDROMEJECT, "open"); });
-}
-
 // What is over needs a moment until it has let go of the drive, and whoever waited for its end may use it.
 void PhysicalDrive::waitUntilLetGo() {
     std::unique_lock lock(mutex_);
     letGo_.wait_for(lock, mostToLetGo, [this] { return !burning_ || !isEnding_; });
-}
-
-bool PhysicalDrive::isBusy() const {
-    // Held while the drive is asked: who wants it in this process must not meet the question.
-    const std::lock_guard lock(mutex_);
-    if (burning_ || exclusive_ > 0) return true;
-    if (grabs_ > 0) return false; // only looking
-    return isInUse(path());
-}
-
-Result<void> PhysicalDrive::acquireExclusiveAccess() {
-    return guarded([&] {
-        grab();
-        const std::lock_guard lock(mutex_);
-        ++exclusive_;
-    });
-}
-
-void PhysicalDrive::releaseExclusiveAccess() {
-    {
-        const std::lock_guard lock(mutex_);
-        if (exclusive_ == 0) return;
-        --exclusive_;
-    }
-    release();
-}
-
-bool PhysicalDrive::hasExclusiveAccess() const {
-    const std::lock_guard lock(mutex_);
-    return exclusive_ > 0;
-}
-
-void PhysicalDrive::acquireMediaReservation() {
-    {
-        const std::lock_guard lock(mutex_);
-        ++reservations_;
-    }
-    holdsMediaReservation();
-}
-
-void PhysicalDrive::releaseMediaReservation() {
-    const std::lock_guard lock(mutex_);
-    if (reservations_ > 0 && --reservations_ == 0) reservation_.reset();
-}
-
-bool PhysicalDrive::holdsMediaReservation() {
-    const std::lock_guard lock(mutex_);
-    if (reservations_ == 0 || reservation_) return static_cast<bool>(reservation_);
-    const auto file = guarded([&] { return reservationFile(path()); });
-    if (!file) return false;
-    Descriptor taken(::open(file->c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
-    if (taken && ::flock(taken.get(), LOCK_EX | LOCK_NB) == 0) reservation_ = std::move(taken);
-    return static_cast<bool>(reservation_);
 }
 
 void PhysicalDrive::beginJob() {

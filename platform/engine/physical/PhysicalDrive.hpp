@@ -80,6 +80,7 @@ class PhysicalDrive final : public Drive, public std::enable_shared_from_this<Ph
     void grab();
     void release();
     void beginJob();
+    Descriptor openForStatus() const; ///< none where the device can't be opened
     int status() const;
     void waitUntilLetGo();
     void mechanics(unsigned long request, const char* what);
