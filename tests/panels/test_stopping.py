@@ -195,12 +195,16 @@ Wend
         self.assertEqual(program.lines(), ["did finish", FAILED])
 
     def test_a_failure_is_shown_to_the_person_when_the_program_hears_of_nothing(self):
-        program = self.burning(before="Call DRDeviceQRX.device(0).ejectMedia")
+        program = self.burning(before="Call DRDeviceQRX.device(0).ejectMedia\nDim told As Boolean", meanwhile="""
+    If IsOver(burn) And Not told Then Print "over"
+    told = IsOver(burn)
+""")
+        program.wait_lines(["over"])  # before that the cross would ask whether to stop
         window = self.display.wait_window("Burning")
         self.assertIsNone(program.process.poll())
         self.display.cross(window)
         self.assertEqual(program.end(), 0, program.errors)
-        self.assertEqual(program.lines(), [FAILED])
+        self.assertEqual(program.lines(), ["over", FAILED])
 
     def test_without_a_track_nothing_is_begun_and_the_panel_is_good_for_another(self):
         program = self.burning(BURN_DID_FINISH + ONLY_DID_FINISH, before="""
