@@ -49,6 +49,7 @@ static inline unsigned char ByteAt(uint64_t i) { return (unsigned char)(i * 2654
 - (BOOL)prepareTrack:(DRTrack*)track forBurn:(DRBurn*)burn toMedia:(NSDictionary*)mediaInfo {
     [self note:@"prepare"];
     burnSeen = burn;
+    [mediaSeen release];
     mediaSeen = [mediaInfo retain];
     if (lengthFromPrepare != 0) {
         NSMutableDictionary* properties = [NSMutableDictionary dictionaryWithDictionary:[track properties]];
