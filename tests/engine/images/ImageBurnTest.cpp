@@ -129,7 +129,8 @@ TEST_F(ImageBurn, SubchannelDataComeThroughAndAreCopied) {
     std::string symbols;
     const auto drive = VirtualDrive::open(disc.string());
     const auto reader = drive->openMedium();
-    for (const TrackInfo& track : drive->mediumInfo()->sessions.at(0).tracks) {
+    const auto medium = drive->mediumInfo();
+    for (const TrackInfo& track : medium->sessions.at(0).tracks) {
         const int64_t first = track.number == 2 ? -75 : 0;
         for (int64_t block = first; block < static_cast<int64_t>(track.blocks); ++block) {
             std::string one(2448, '\0');
