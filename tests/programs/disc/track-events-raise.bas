@@ -108,15 +108,21 @@ Sub BurnOn(drive As DRDeviceQRX, where As String, verification As String)
     burn.BurnFailureAction = DRBurnQRX.DRBurnFailureActionNone
     Dim raised As String
     Dim state As String
-    burn.writeLayout(track)
+    Try
+        burn.writeLayout(track) ' what the burn's thread raised may be raised here already
+        While True
+            App.DoEvents(10)
+        Wend
+    Catch e As UnsupportedOperationException
+        raised = e.Message
+    End Try
     Do
         Try
             App.DoEvents(10)
-            state = burn.status.Value(DRBurnQRX.DRStatusStateKey)
         Catch e As UnsupportedOperationException
-            raised = e.Message
         End Try
-    Loop Until raised <> "" And (state = DRBurnQRX.DRStatusStateDone Or state = DRBurnQRX.DRStatusStateFailed)
+        state = burn.status.Value(DRBurnQRX.DRStatusStateKey)
+    Loop Until state = DRBurnQRX.DRStatusStateDone Or state = DRBurnQRX.DRStatusStateFailed
     Dim problem As Dictionary = burn.status.Value(DRBurnQRX.DRErrorStatusKey)
     Dim code As UInt32 = problem.Value(DRBurnQRX.DRErrorStatusErrorKey)
     Dim info As String = problem.Value(DRBurnQRX.DRErrorStatusErrorInfoStringKey)
