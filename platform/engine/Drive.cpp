@@ -1,5 +1,6 @@
 // What every drive has in common.
 #include "Drive.hpp"
+#include "InUse.hpp"
 
 #include <algorithm>
 
@@ -46,7 +47,7 @@ std::optional<MediumInfo> Drive::mediumInfo() const {
 
 bool Drive::hasMedium() const {
     const auto medium = readMedium();
-    return medium ? medium->has_value() : medium.error().code == ErrorCode::DeviceBusy;
+    return medium ? medium->has_value() : meansInUse(medium.error().code);
 }
 
 Result<void> Drive::erase(EraseType, const EraseProgress&) {

@@ -180,7 +180,7 @@ class Drive {
     virtual bool isValid() const = 0;
 
     /// The medium now; empty with no medium or with an open tray. While another program has a physical drive it is the
-    /// medium that was seen last, and an error, DeviceBusy, when none was seen. A medium whose description can't be read
+    /// medium that was seen last, and an error, DeviceBusy (MediaBusy when it is mounted), when none was seen. A medium whose description can't be read
     /// is an error, MediaInvalid.
     virtual Result<std::optional<MediumInfo>> readMedium() const = 0;
 
@@ -230,8 +230,8 @@ class Drive {
 using DriveRef = std::shared_ptr<Drive>;
 
 /// The drives attached now, in the order of their ids; the same object for the same drive at every call. When
-/// no drive is configured and none attached, one is made with a blank DVD+RW (see README.md for where, and for how
-/// to have none); a physical drive that another program uses is left out until it is free. An error is an unusable
+/// no drive is configured and none attached that can write, one is made with a blank DVD+RW (see README.md for where, and
+/// for how to have none); a physical drive that another program uses is left out until it is free. An error is an unusable
 /// drives folder (DeviceAccess); single broken drives are left out.
 Result<std::vector<DriveRef>> drives();
 

@@ -68,7 +68,8 @@ Result<void> makeVirtualDrive(const std::string& folder, const VirtualDriveSetup
         const std::filesystem::path target = std::filesystem::absolute(folder).lexically_normal();
         makeFolders(target.parent_path().string());
         std::string temporary =
-            (target.parent_path() / (".new-" + std::to_string(::getpid()) + "-XXXXXX")).string();
+            (target.parent_path() / (std::string(newDrivePrefix) + std::to_string(::getpid()) + "-XXXXXX"))
+                .string();
         const auto failed = [&] {
             const int number = errno;
             std::error_code ignored;

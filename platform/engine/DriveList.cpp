@@ -56,8 +56,12 @@ Result<std::vector<DriveRef>> drives() {
         if (!wantsNone)
             for (auto& drive : physicalDrives())
                 found.push_back(std::move(drive));
-        // Deliberate: a drive that is attached but in use is not replaced. A burn would end in a file, and be called good.
-        if (paths.empty() && found.empty() && !wantsNone && physicalDrivesInUse().empty()) {
+        const bool isAnyRecorder = std::any_of(found.begin(), found.end(), [](const DriveRef& each) {
+            return !each->capabilities().writes.empty();
+        });
+        // Deliberate: a recorder that is attached but in use is not replaced. A burn would end in a file, and be called
+        // good. A drive for reading is none, and nothing that is meant to be burned is meant for it.
+        if (paths.empty() && !isAnyRecorder && !wantsNone && !isRecorderInUse()) {
             const auto made = makeVirtualDrive((folder / "drive-1").string(), {});
             paths = drivePaths(folder); // not empty either when another process was faster
             if (!made && paths.empty()) throw Failure(made.error());

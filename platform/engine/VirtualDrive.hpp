@@ -22,6 +22,9 @@ struct VirtualDriveSetup {
     std::vector<std::string> lacks = {};
 };
 
+/// What a folder is called beside it until it is a drive, with the process and '-' behind.
+inline constexpr std::string_view newDrivePrefix = ".new-";
+
 /// Makes a drive in a folder that doesn't exist yet. It appears whole or not at all. Errors: DeviceAccess.
 Result<void> makeVirtualDrive(const std::string& folder, const VirtualDriveSetup& setup);
 

@@ -157,7 +157,7 @@ TEST_F(PhysicalTest, TestBurnWritesNothing) {
     EXPECT_TRUE(extracted("noise.bin") == noise(800'000));
 }
 
-// Documented: where a test is not possible the burn is a real one.
+// Deliberate: where a test is not possible the burn is a real one.
 TEST_F(PhysicalTest, TestBurnOfADVDWritesNothingWhereTheMediumKnowsTests) {
     for (const char* kind : {"DVD-R", "DVD-RW", "DVD+R", "DVD+RW"}) {
         insert(kind);

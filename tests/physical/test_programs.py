@@ -47,6 +47,16 @@ class Case(RecorderTest):
         self.example("erase.bas", "--yes")
         self.assertIn("DVD+RW: blank", self.example("list-drives.bas"))
 
+    def test_a_drive_for_reading_leaves_room_for_a_virtual_one(self):
+        """As a newcomer's virtual machine is: its drive only reads, and there is a disc in it."""
+        self.insert("CD-ROM", canWrite=False)
+        self.file("Holiday/letter.txt", b"Dear reader,\n")
+        listed = self.example("list-drives.bas")
+        self.assertIn("DVD+RW: blank", listed)
+        self.assertNotIn("TESTLAB", listed)
+        self.assertIn("every byte was read back and is right",
+                      self.example("burn-folder.bas", os.path.join(self.scratch, "Holiday")))
+
     def test_append_session_and_burn_image(self):
         self.insert("CD-R")
         self.file("one/first.txt", b"first")
@@ -61,6 +71,27 @@ class Case(RecorderTest):
         self.insert("DVD-R")
         self.assertIn("every byte was read back and is right", self.example("burn-image.bas", image))
         self.assertIn("'/second.txt'", self.tool("xorriso", "-indev", DEVICE, "-find", "/", "-type", "f"))
+
+    def refuses(self, sentence, name, *arguments):
+        done = self.run_tool(HOST, "run", os.path.join(EXAMPLES, name), *arguments)
+        self.assertEqual(done.returncode, 1, done.stdout)
+        self.assertIn(sentence, done.stdout)
+
+    def test_a_recorder_is_named_by_its_path_and_gets_its_disc_from_a_hand(self):
+        self.file("Holiday/letter.txt", b"Dear reader")
+        folder = os.path.join(self.scratch, "Holiday")
+        self.insert("")
+        self.refuses("there is no disc in TESTLAB MMC RECORDER; insert one and try again", "burn-folder.bas",
+                     "--drive=" + DEVICE, folder)
+        self.insert("CD-R")
+        for name, drive in (("burn-folder.bas", DEVICE), ("append-session.bas", "TESTLAB MMC RECORDER")):
+            self.assertIn("TESTLAB MMC RECORDER", self.example(name, "--drive=" + drive, folder))
+            self.refuses("the disc in TESTLAB MMC RECORDER holds data and can't be overwritten; insert a blank one and try again",
+                         "burn-folder.bas", "--drive=" + DEVICE, folder)
+            if name == "burn-folder.bas":
+                self.refuses("nothing can be added to the disc in TESTLAB MMC RECORDER; insert a blank one and try again",
+                             "append-session.bas", folder)
+                self.insert("CD-R")
 
     def test_sense_reaches_a_program(self):
         self.insert("DVD+RW", faults={"writeErrors": [600]})

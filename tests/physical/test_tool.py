@@ -3,7 +3,11 @@
 import fcntl
 import json
 import os
+import pty
+import signal
+import subprocess
 import sys
+import time
 import unittest
 
 HERE = os.path.dirname(os.path.realpath(__file__))
@@ -100,6 +104,52 @@ class Case(RecorderTest):
             medium = self.shown()["medium"]
             self.assertEqual((medium["state"], medium["sessions"]), ("blank", []))
 
+    def test_an_erase_of_what_looks_blank_shows_how_far_it_is(self):
+        """What is overwritten is the whole disc, whatever is known to be on it."""
+        self.burned("DVD+RW")
+        self.succeed("erase", DEVICE, "--force")
+        self.change(capacity=4096, faults={"slowWrites": 8})
+        self.assertEqual(self.shown()["medium"]["usedBlocks"], 0)
+        said = self.succeed("erase", DEVICE, "--complete", "--force")
+        self.assertEqual(said.splitlines()[:2], ["Erasing …", "  25%"])
+        # On a terminal a bar, for what takes longer than a moment; so many writes do, however fast all else is.
+        main, side = pty.openpty()
+        process = subprocess.Popen([COMMAND, "erase", DEVICE, "--complete", "--force"], stdin=side, stdout=side,
+                                   stderr=side, env=self.environment())
+        os.close(side)
+        screen = b""
+        try:
+            while part := os.read(main, 65536):
+                screen += part
+        except OSError:  # the other side has gone
+            pass
+        os.close(main)
+        self.assertEqual(process.wait(150), 0, screen)
+        self.assertRegex(screen.decode(), r"\r\[#+-+\] [1-9][0-9]?%  Erasing  0:0[0-9] left")
+        self.assertNotIn("Erasing …", screen.decode())
+
+    def test_erase_that_is_interrupted(self):
+        """The command ends and says what may be on the medium; the drive goes on by itself, and is done one day."""
+        for option in ((), ("--complete",)):
+            self.burned("CD-RW")
+            self.change(faults={"busyFor": 10**9})
+            erasing = subprocess.Popen([COMMAND, "erase", DEVICE, "--force", *option], env=self.environment(),
+                                       stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
+            self.addCleanup(erasing.kill)
+            while self.state()["busyPolls"] == 0:
+                self.assertIsNone(erasing.poll(), "it blanks")
+                time.sleep(0.005)
+            erasing.send_signal(signal.SIGINT)
+            said, _ = erasing.communicate(timeout=100)
+            self.assertEqual(erasing.returncode, 130, said)
+            self.assertIn("interrupted; the medium may be erased in part; erase it again before it is used.", said)
+            self.assertGreater(self.state()["busyPolls"], 0, "it still blanks")
+            self.assertRegex(self.succeed("list"), r"(?m)^/dev/sr0 .*in use")
+            self.refuse('The drive "/dev/sr0" is still busy with what was begun before', "erase", DEVICE, "--force")
+            self.change(busyPolls=0)
+            self.assertEqual(self.shown()["medium"]["state"], "blank")
+            self.assertEqual(self.tracks(), [])
+
     def test_erase_what_is_written_once(self):
         self.burned("CD-R")
         self.refuse("(?i)can't be erased", "erase", DEVICE, "--force")
@@ -118,7 +168,7 @@ class Case(RecorderTest):
     def test_a_drive_that_another_program_has(self):
         self.insert("DVD+RW")
         other = self.another_program()
-        sentence = 'The drive "/dev/sr0" is in use by another program, or its disc is mounted; try again later.'
+        sentence = 'The drive "/dev/sr0" is in use by another program; try again later.'
         said = self.succeed("list")
         self.assertRegex(said, r"(?m)^/dev/sr0 .*in use")
         self.assertIn(sentence, said)
@@ -127,9 +177,25 @@ class Case(RecorderTest):
         for command in ("eject", "open", "close", "verify"):
             self.refuse(sentence, command, DEVICE)
         self.refuse(sentence, "erase", DEVICE, "--force")
+        # It is no virtual one, whoever has it.
+        for command in (("delete", DEVICE, "--force"), ("insert", DEVICE, COMMAND), ("export", DEVICE, self.scratch)):
+            self.refuse('The drive "/dev/sr0" is no virtual one: it can\'t ', *command)
         other.close()
         self.assertTrue(self.shown()["usable"])
         self.assertNotIn("in use", self.succeed("list"))
+
+    def test_a_disc_that_is_mounted(self):
+        self.insert("DVD+RW", mountedAt="/media/My Disc")
+        sentence = 'The disc in "/dev/sr0" is mounted at "/media/My Disc"; unmount it, and try again.'
+        said = self.succeed("list")
+        self.assertRegex(said, r"(?m)^/dev/sr0 .*in use")
+        self.assertIn(sentence, said)
+        drive = self.shown()
+        self.assertEqual((drive["usable"], drive["problem"]["code"]), (False, 0x80020040 - 2**32))
+        for arguments in (("erase", DEVICE, "--force"), ("eject", DEVICE), ("verify", DEVICE)):
+            self.refuse(sentence, *arguments)
+        self.change(mountedAt="")
+        self.assertTrue(self.shown()["usable"])
 
 
 if __name__ == "__main__":

@@ -151,6 +151,10 @@ size_t deviceCount() noexcept { return devices().all.size(); }
 
 bool isAttached(int device) { return !devices().all[static_cast<size_t>(device)]->recorder.isGone(); }
 
+std::string mountPoint(int device) {
+    return devices().all[static_cast<size_t>(device)]->recorder.mountedAt();
+}
+
 int openDevice(int device, int flags) {
     Device& own = *devices().all[static_cast<size_t>(device)];
     if (own.recorder.isGone()) {
@@ -160,6 +164,10 @@ int openDevice(int device, int flags) {
     const std::string& folder = own.recorder.folder();
     int exclusive = -1;
     if ((flags & O_EXCL) != 0) {
+        if (!own.recorder.mountedAt().empty()) {
+            errno = EBUSY;
+            return -1;
+        }
         exclusive = ::open((folder + "/exclusive").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
         if (::flock(exclusive, LOCK_EX | LOCK_NB) != 0) {
             ::close(exclusive);
@@ -228,8 +236,8 @@ int control(int number, unsigned long request, void* argument) {
     case CDROM_DRIVE_STATUS:
         return device.recorder.driveStatus();
     case CDROM_GET_CAPABILITY:
-        return CDC_OPEN_TRAY | CDC_CLOSE_TRAY | CDC_LOCK | CDC_CD_R | CDC_CD_RW | CDC_DVD | CDC_DVD_R |
-               CDC_GENERIC_PACKET;
+        return CDC_OPEN_TRAY | CDC_CLOSE_TRAY | CDC_LOCK | CDC_DVD | CDC_GENERIC_PACKET |
+               (device.recorder.canWrite() ? CDC_CD_R | CDC_CD_RW | CDC_DVD_R : 0);
     case CDROM_MEDIA_CHANGED:
         return 0;
     case CDROM_LOCKDOOR:

@@ -12,6 +12,8 @@ int deviceNamed(const char* path) noexcept;
 size_t deviceCount() noexcept;
 /// Still on the bus.
 bool isAttached(int device);
+/// Where its disc is mounted; empty when it is not.
+std::string mountPoint(int device);
 
 /// Opens a device; a descriptor, or -1 with errno. O_EXCL keeps other processes out as a block device does.
 int openDevice(int device, int flags);

@@ -74,6 +74,7 @@ struct Faults {
     int64_t flipOnWrite = -1;       ///< this block is written with one bit wrong, silently
     int64_t slowWrites = 0;         ///< milliseconds that each WRITE takes
     bool stuckTray = false;         ///< it neither opens nor closes
+    int64_t busyFor = 3;            ///< questions until the drive has blanked, formatted or closed
     bool goneWhileBusy = false;     ///< the drive leaves the bus while it blanks, formats or closes
     std::vector<int> writeSense;    ///< key, code, qualifier that each WRITE ends with
     bool claimsIncremental = false; ///< feature 21h is told of media that only take a session in one go
@@ -93,17 +94,19 @@ struct Written {
 struct State : Written {
     std::string vendor = "TESTLAB", product = "MMC RECORDER", revision = "1.00", serial = "0001";
     bool trayOpen = false, locked = false, gone = false, attention = false;
+    bool canWrite = true; ///< else it is a drive for reading
     bool canTestWrite = true, canWriteCDRW = true;
     int loadingMechanism = 1; ///< as in mode page 2A: 0 caddy or slot, 1 tray, 2 pop-up
     bool canEject = true;
     std::optional<Kind> medium;
+    std::string mountedAt; ///< where the disc is mounted, which keeps everybody else out
     int64_t capacity = 0;
     Data writeParameters; ///< mode page 05
     Data cueSheet;
-    int64_t cuePosition = 0; ///< next block that the cue sheet waits for
-    uint32_t writeSpeed = 0; ///< 1000 bytes a second; 0: the fastest
-    int busyPolls = 0, busyTotal = 0;
-    int64_t writes = 0; ///< WRITE commands so far
+    int64_t cuePosition = 0;              ///< next block that the cue sheet waits for
+    uint32_t writeSpeed = 0;              ///< 1000 bytes a second; 0: the fastest
+    int64_t busyPolls = 0, busyTotal = 0; ///< questions until it is no longer busy
+    int64_t writes = 0;                   ///< WRITE commands so far
     Faults faults;
 
     const KindFacts& facts() const noexcept { return factsOf(*medium); }

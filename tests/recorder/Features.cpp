@@ -18,9 +18,10 @@ bool any(Kind kind, std::initializer_list<Kind> kinds) {
     return std::find(kinds.begin(), kinds.end(), kind) != kinds.end();
 }
 
-Data profileList(uint16_t current) {
+Data profileList(uint16_t current, bool canWrite) {
     Data list;
     for (int index = static_cast<int>(Kind::BDRE); index >= 0; --index) {
+        if (!canWrite && factsOf(static_cast<Kind>(index)).writing != Writing::None) continue;
         const uint16_t profile = factsOf(static_cast<Kind>(index)).profile;
         append(list, 2, profile);
         append(list, 2, profile == current ? 0x0100 : 0);
@@ -61,7 +62,7 @@ std::vector<Feature> features(const State& state) {
     serial.resize((serial.size() + 3) / 4 * 4, ' ');
 
     std::vector<Feature> list = {
-        {0x0000, 0, true, true, profileList(state.profile())},
+        {0x0000, 0, true, true, profileList(state.profile(), state.canWrite)},
         {0x0001, 1, true, true, {0, 0, 0, 2, 1, 0, 0, 0}}, // core; ATAPI
         {0x0002, 1, true, true, {2, 0, 0, 0}},             // morphing
         {0x0003, 0, true, true, {0x29, 0, 0, 0}},          // tray that ejects and can be locked

@@ -15,9 +15,10 @@ uint16_t speedOf(uint32_t factor, uint32_t single) { return static_cast<uint16_t
 Data capabilitiesPage(const State& state) {
     Data page(32, 0);
     page[0] = 0x2A;
-    page[2] = 0x3F; // reads CD-R, -RW, DVD-ROM, -R, -RAM
-    page[3] = static_cast<uint8_t>(0x31 | (state.canWriteCDRW ? 0x02 : 0) |
-                                   (state.canTestWrite ? 0x04 : 0)); // writes CD-R, -RW, DVD-R, -RAM
+    page[2] = 0x3F;     // reads CD-R, -RW, DVD-ROM, -R, -RAM
+    if (state.canWrite) // CD-R, -RW, DVD-R, -RAM, tests
+        page[3] =
+            static_cast<uint8_t>(0x31 | (state.canWriteCDRW ? 0x02 : 0) | (state.canTestWrite ? 0x04 : 0));
     page[4] = 0xF1; // underrun protection, multi-session, Mode 2, audio
     page[5] = 0x73; // audio by READ CD, C2 no, ISRC, MCN
     page[6] = static_cast<uint8_t>(state.loadingMechanism << 5 | (state.canEject ? 0x08 : 0) |

@@ -5,6 +5,7 @@
 #undef _FILE_OFFSET_BITS
 #undef _TIME_BITS
 #include "Device.hpp"
+#include "Mounts.hpp"
 
 #include <cerrno>
 #include <cstdarg>
@@ -27,7 +28,9 @@ template <typename... Arguments>
 int openAny(const char* name, const char* path, int flags, mode_t mode, Arguments... before) {
     const int device = deviceNamed(path);
     if (device >= 0) return openDevice(device, flags);
-    return next<int (*)(Arguments..., const char*, int, mode_t)>(name)(before..., path, flags, mode);
+    const int opened =
+        next<int (*)(Arguments..., const char*, int, mode_t)>(name)(before..., path, flags, mode);
+    return isMountTable(path) ? withOwnMounts(opened) : opened;
 }
 
 } // namespace

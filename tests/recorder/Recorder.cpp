@@ -87,6 +87,18 @@ bool Recorder::isGone() {
     return state.gone;
 }
 
+bool Recorder::canWrite() {
+    const Lock lock(folder_);
+    load();
+    return state.canWrite;
+}
+
+std::string Recorder::mountedAt() {
+    const Lock lock(folder_);
+    load();
+    return state.mountedAt;
+}
+
 int Recorder::driveStatus() {
     const Lock lock(folder_);
     load();
@@ -99,7 +111,7 @@ void Recorder::requireMedium() const {
 }
 
 void Recorder::goOnInBackground(bool immediate) {
-    if (immediate) state.busyPolls = state.busyTotal = 3;
+    if (immediate) state.busyPolls = state.busyTotal = state.faults.busyFor;
 }
 
 void Recorder::rehearseIfAsked() {
@@ -119,7 +131,7 @@ void Recorder::check(uint8_t opcode) {
     if (state.busyPolls > 0) {
         if (state.faults.goneWhileBusy) state.gone = true;
         Sense sense = senses::operationInProgress;
-        sense.progress = 65535 * (state.busyTotal - state.busyPolls) / state.busyTotal;
+        sense.progress = static_cast<int>(65535 * (state.busyTotal - state.busyPolls) / state.busyTotal);
         if (opcode == 0x00) --state.busyPolls;
         refuse(sense);
     }

@@ -30,6 +30,9 @@ class Recorder {
     void opened();
     /// The drive left the bus.
     bool isGone();
+    /// It is no drive for reading only.
+    bool canWrite();
+    std::string mountedAt();
     /// CDS_* of <linux/cdrom.h>.
     int driveStatus();
 

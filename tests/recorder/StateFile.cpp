@@ -65,6 +65,7 @@ Faults readFaults(const Json& json) {
     faults.flipOnWrite = json.value("flipOnWrite", int64_t{-1});
     faults.slowWrites = json.value("slowWrites", int64_t{0});
     faults.stuckTray = json.value("stuckTray", false);
+    faults.busyFor = json.value("busyFor", faults.busyFor);
     faults.goneWhileBusy = json.value("goneWhileBusy", false);
     faults.writeSense = json.value("writeSense", faults.writeSense);
     faults.claimsIncremental = json.value("claimsIncremental", false);
@@ -80,6 +81,7 @@ Json written(const Faults& faults) {
             {"flipOnWrite", faults.flipOnWrite},
             {"slowWrites", faults.slowWrites},
             {"stuckTray", faults.stuckTray},
+            {"busyFor", faults.busyFor},
             {"goneWhileBusy", faults.goneWhileBusy},
             {"writeSense", faults.writeSense},
             {"claimsIncremental", faults.claimsIncremental}};
@@ -98,10 +100,12 @@ State loadState(const std::string& folder) {
     state.locked = json.value("locked", false);
     state.gone = json.value("gone", false);
     state.attention = json.value("attention", false);
+    state.canWrite = json.value("canWrite", true);
     state.canTestWrite = json.value("canTestWrite", true);
     state.canWriteCDRW = json.value("canWriteCDRW", true);
     state.loadingMechanism = json.value("loadingMechanism", 1);
     state.canEject = json.value("canEject", true);
+    state.mountedAt = json.value("mountedAt", "");
     state.medium = kindNamed(json.value("medium", ""));
     state.capacity = json.value("capacity", state.medium ? state.facts().capacity : 0);
     state.formatted = json.value("formatted", false);
@@ -116,8 +120,8 @@ State loadState(const std::string& folder) {
     state.cueSheet = fromHex(json.value("cueSheet", ""));
     state.cuePosition = json.value("cuePosition", int64_t{0});
     state.writeSpeed = json.value("writeSpeed", 0u);
-    state.busyPolls = json.value("busyPolls", 0);
-    state.busyTotal = json.value("busyTotal", 0);
+    state.busyPolls = json.value("busyPolls", int64_t{0});
+    state.busyTotal = json.value("busyTotal", int64_t{0});
     state.writes = json.value("writes", int64_t{0});
     state.faults = readFaults(json.value("faults", Json::object()));
     return state;
@@ -132,10 +136,12 @@ void saveState(const std::string& folder, const State& state) {
                  {"locked", state.locked},
                  {"gone", state.gone},
                  {"attention", state.attention},
+                 {"canWrite", state.canWrite},
                  {"canTestWrite", state.canTestWrite},
                  {"canWriteCDRW", state.canWriteCDRW},
                  {"loadingMechanism", state.loadingMechanism},
                  {"canEject", state.canEject},
+                 {"mountedAt", state.mountedAt},
                  {"medium", state.medium ? state.facts().name : ""},
                  {"capacity", state.capacity},
                  {"formatted", state.formatted},

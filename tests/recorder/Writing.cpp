@@ -221,15 +221,18 @@ void write10(Recorder& recorder, Request& request) { write(recorder, request, re
 void write12(Recorder& recorder, Request& request) { write(recorder, request, request.field(6, 4)); }
 
 // The end of writing is the end of a track written at once, and of a DVD-R written in one go (MMC-5, 4.10.2).
-void synchronize(Recorder& recorder, Request&) {
+void synchronize(Recorder& recorder, Request& request) {
     State& state = recorder.state;
     Track* open = state.writing() == Writing::Sequential ? state.openTrack() : nullptr;
     if (open == nullptr || open->written == 0) return;
+    const bool isImmediate = (request.byte(1) & 2) != 0 && !recorder.rehearsed;
     if (state.isCD() && (state.writeParameters[2] & 0x0F) == 1) closeTrack(recorder, *open);
     if (state.writesDVDAtOnce()) {
         closeTrack(recorder, *open);
         closeSession(recorder, state.writeParameters[3] >> 6 == 3);
     }
+    // A track or session that is closed by this gets its end now, which takes the drive some time.
+    recorder.goOnInBackground(isImmediate && state.openTrack() == nullptr);
 }
 
 void sendCueSheet(Recorder& recorder, Request& request) {

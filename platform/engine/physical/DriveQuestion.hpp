@@ -12,6 +12,10 @@ namespace engine {
 std::optional<size_t> askDrive(int device, std::span<const uint8_t> command,
                                std::span<uint8_t> answer) noexcept;
 
+/// The drive goes on with what it was told to do without being waited for: it formats, erases, closes or writes (MMC-5,
+/// annex F: 2/04/04, 2/04/07, 2/04/08). One that only gets its disc ready does not count.
+bool isAtWork(int device) noexcept;
+
 /// How the last session on a medium was left (MMC-5, 6.22.3.1.3).
 enum class LastSession : uint8_t { Empty, Incomplete, Damaged, Complete };
 

@@ -1,6 +1,7 @@
 // The drive's tray, and who may use the drive.
 #include "../Failure.hpp"
 #include "BurnLibrary.hpp"
+#include "DriveUse.hpp"
 #include "PhysicalDrive.hpp"
 
 #include <cerrno>
@@ -35,9 +36,7 @@ void PhysicalDrive::mechanics(unsigned long request, const char* what) {
     if (burning_)
         fail(ErrorCode::DeviceBusy,
              "The drive " + inQuotes(displayName()) + " is writing; wait until it is done.");
-    if (grabs_ == 0 && isInUse(path()))
-        fail(ErrorCode::DeviceBusy,
-             "The drive " + inQuotes(displayName()) + " is in use by another program; try again later.");
+    if (grabs_ == 0 && isInUse(path())) throw Failure(inUseError(path(), displayName()));
     const Descriptor device = openForStatus();
     if (!device)
         fail(ErrorCode::DeviceAccess, "The drive " + inQuotes(displayName()) + " can't be used.",
@@ -92,6 +91,7 @@ Result<void> PhysicalDrive::acquireExclusiveAccess() {
         grab();
         const std::lock_guard lock(mutex_);
         ++exclusive_;
+        seen_ = {}; // another program may have burned since
     });
 }
 

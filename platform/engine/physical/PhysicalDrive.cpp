@@ -1,8 +1,9 @@
-// The drive: who it is, what is in it, and its jobs.
+// The drive: who it is, who has it in this process, and what is in it.
 #include "PhysicalDrive.hpp"
 #include "../Failure.hpp"
 #include "BurnLibrary.hpp"
 #include "CapabilitiesPage.hpp"
+#include "DriveUse.hpp"
 #include "PhysicalReader.hpp"
 #include "PhysicalTarget.hpp"
 
@@ -21,7 +22,6 @@ namespace engine {
 namespace {
 
 constexpr auto mediumIsFresh = std::chrono::seconds(1);
-constexpr auto mostToLetGo = std::chrono::seconds(30);
 constexpr int statusOfNone = -1;
 constexpr unsigned featureDVDMinusWrite = 0x2F; // MMC-5, 5.3.25
 
@@ -74,6 +74,7 @@ std::shared_ptr<PhysicalDrive> PhysicalDrive::open(const std::string& path) {
     if (!number) fail(ErrorCode::DeviceInvalid, "There is no drive at " + inQuotes(path) + ".");
     drive->device_ = *number;
     drive->identity_.id = path;
+    if (const Descriptor device = drive->openForStatus()) requireRest(device.get(), path);
     drive->attach();
     drive->learn();
     burn_drive_release(drive->drive_, 0);
@@ -158,10 +159,11 @@ void PhysicalDrive::grab() {
     if (grabs_ == 0) {
         dropLibraryMessages();
         const Descriptor turn = takeTurn(path());
-        if (burn_drive_grab(drive_, 0) != 1)
-            throw Failure(
-                libraryError(ErrorCode::DeviceBusy, "The drive " + inQuotes(displayName()) +
-                                                        " is in use by another program; try again later."));
+        if (turn) requireRest(turn.get(), displayName());
+        if (burn_drive_grab(drive_, 0) != 1) {
+            const Error use = inUseError(path(), displayName());
+            throw Failure(libraryError(use.code, use.message));
+        }
     }
     ++grabs_;
 }
@@ -170,18 +172,6 @@ void PhysicalDrive::release() {
     const std::lock_guard commands(commands_);
     const std::lock_guard lock(mutex_);
     if (--grabs_ == 0 && infos_ != nullptr) burn_drive_release(drive_, 0);
-}
-
-void PhysicalDrive::reopen() {
-    const std::lock_guard lock(mutex_);
-    // The library's thread goes on for a moment after its job is over; until then it keeps the drive.
-    for (int attempt = 0; attempt < 300; ++attempt) {
-        if (burn_drive_info_forget(infos_, 1) > 0) break;
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
-    burn_drive_info_free(infos_);
-    if (guarded([&] { attach(); })) return;
-    gone_ = true; // it may be found again, as another one
 }
 
 bool PhysicalDrive::forget() {
@@ -196,19 +186,6 @@ bool PhysicalDrive::forget() {
     infos_ = nullptr;
     drive_ = nullptr;
     return true;
-}
-
-void PhysicalDrive::reassess() {
-    // The library's thread goes on for a moment after its job is over.
-    for (int attempt = 0; attempt < 300 && isValid(); ++attempt) {
-        dropLibraryMessages();
-        if (burn_drive_re_assess(drive_, 0) > 0) break;
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
-    const std::lock_guard lock(mutex_);
-    // Deliberate: until the job is over the disc is the one that was seen before it; without one the drive would pass for
-    // empty in the middle of a burn. endBurn() forgets it.
-    if (!burning_) medium_.reset();
 }
 
 Descriptor PhysicalDrive::openForStatus() const {
@@ -244,7 +221,7 @@ Result<std::optional<MediumInfo>> PhysicalDrive::readMedium() const {
         const auto hold = guarded([&] { return std::make_unique<Hold>(self); });
         if (!hold) {
             const std::lock_guard lock(mutex_);
-            if (hold.error().code == ErrorCode::DeviceBusy && medium_) return medium_;
+            if (meansInUse(hold.error().code) && medium_) return medium_;
             throw Failure(hold.error());
         }
         auto medium = describeMedium(drive_, path());
@@ -263,72 +240,6 @@ Result<std::unique_ptr<MediumReader>> PhysicalDrive::openMedium() {
             fail(ErrorCode::MediaNotPresent,
                  "There is no disc in " + inQuotes(displayName()) + "; put one in.");
         return std::make_unique<PhysicalReader>(std::make_shared<Hold>(shared_from_this()));
-    });
-}
-
-// What is over needs a moment until it has let go of the drive, and whoever waited for its end may use it.
-void PhysicalDrive::waitUntilLetGo() {
-    std::unique_lock lock(mutex_);
-    letGo_.wait_for(lock, mostToLetGo, [this] { return !burning_ || !isEnding_; });
-}
-
-void PhysicalDrive::beginJob() {
-    const std::lock_guard lock(mutex_);
-    if (burning_)
-        fail(ErrorCode::DeviceBusy,
-             "The drive " + inQuotes(displayName()) + " is already writing; wait until it is done.");
-    burning_ = true;
-    isEnding_ = false;
-}
-
-void PhysicalDrive::willEndBurn() {
-    const std::lock_guard lock(mutex_);
-    isEnding_ = true;
-}
-
-void PhysicalDrive::endBurn() {
-    const std::lock_guard lock(mutex_);
-    burning_ = false;
-    medium_.reset();
-    letGo_.notify_all();
-}
-
-Result<std::unique_ptr<BurnTarget>> PhysicalDrive::beginBurn() {
-    return guarded([&]() -> std::unique_ptr<BurnTarget> {
-        const auto medium = readMedium();
-        if (!medium) throw Failure(medium.error());
-        if (!*medium)
-            fail(ErrorCode::MediaNotPresent,
-                 "There is no disc in " + inQuotes(displayName()) + "; put one in.");
-        auto hold = std::make_shared<Hold>(shared_from_this());
-        beginJob();
-        return makePhysicalTarget(std::move(hold), **medium);
-    });
-}
-
-Result<void> PhysicalDrive::erase(EraseType type, const EraseProgress& progress) {
-    return guarded([&] {
-        const auto medium = readMedium();
-        if (!medium) throw Failure(medium.error());
-        if (!*medium)
-            fail(ErrorCode::MediaNotPresent,
-                 "There is no disc in " + inQuotes(displayName()) + "; put one in.");
-        const Hold hold(shared_from_this());
-        beginJob();
-        struct End {
-            PhysicalDrive& drive;
-            ~End() { drive.endBurn(); }
-        } const end{*this};
-        const std::lock_guard commands(commands_);
-        const auto erased = guarded([&] { eraseMedium(drive_, **medium, type, progress); });
-        if (!erased && !isValid())
-            fail(ErrorCode::DeviceInvalid,
-                 "The drive " + inQuotes(displayName()) + " went away while it erased.", path());
-        if (!erased) {
-            if (erased.error().code != ErrorCode::MediaNotErasable) reopen();
-            throw Failure(erased.error());
-        }
-        reassess();
     });
 }
 

@@ -62,6 +62,8 @@ class PhysicalDrive final : public Drive, public std::enable_shared_from_this<Ph
     /// The library begins anew with a drive whose job it did not bring to its end: what cut that off would cut off
     /// everything that follows. Commands held.
     void reopen();
+    /// A job that is over in all but its end: what it made of the medium is what everybody sees from here on.
+    void seeMedium();
     /// For a drive that went away: the library lets go of it, so that another one may be at its address. False while
     /// somebody still uses it; to be tried again.
     bool forget();
@@ -80,6 +82,8 @@ class PhysicalDrive final : public Drive, public std::enable_shared_from_this<Ph
     void grab();
     void release();
     void beginJob();
+    void requireMedium() const;
+    MediumInfo mediumForJob();
     Descriptor openForStatus() const; ///< none where the device can't be opened
     int status() const;
     void waitUntilLetGo();
@@ -117,9 +121,17 @@ void eraseMedium(burn_drive* drive, const MediumInfo& medium, EraseType type, co
 /// Empty where physical drives are not wanted (README.md).
 std::vector<std::shared_ptr<PhysicalDrive>> physicalDrives();
 
-/// The paths of those that were left out of physicalDrives() because another program had them. Empty where physical
-/// drives are not wanted.
-std::vector<std::string> physicalDrivesInUse();
+struct DriveInUse {
+    std::string path;
+    Error problem;
+};
+
+/// Those that were left out of physicalDrives() because they could not be had just then. Empty where physical drives are
+/// not wanted.
+std::vector<DriveInUse> physicalDrivesInUse();
+
+/// Whether one of those can write, as far as the kernel tells without having the drive.
+bool isRecorderInUse();
 
 /// Another program has the drive to itself, or it is mounted. The kernel tells only who tries to have it, for that moment.
 bool isInUse(const std::string& path);

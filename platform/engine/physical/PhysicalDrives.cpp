@@ -1,13 +1,16 @@
 // Which physical drives there are.
 #include "../Failure.hpp"
+#include "DriveUse.hpp"
 #include "PhysicalDrive.hpp"
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <fcntl.h>
+#include <linux/cdrom.h>
 #include <map>
 #include <string_view>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 
 namespace engine {
@@ -20,7 +23,8 @@ constexpr auto patience = std::chrono::seconds(2);
 
 struct Refusal {
     Clock::time_point when;
-    bool isInUse = false; ///< else of no use
+    std::optional<Error> use; ///< else it is of no use
+    bool isRecorder = false;  ///< it can write; asked of one that is in use only
 };
 
 struct Attached {
@@ -54,6 +58,23 @@ void leave(Attached& all, const std::string& path) {
 
 std::string pathOf(int number) { return "/dev/sr" + std::to_string(number); }
 
+// The kernel has asked the drive when it was attached, and tells whoever opens it, also while somebody has it.
+bool isRecorder(const std::string& path) {
+    const Descriptor node(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    const int can = node ? ::ioctl(node.get(), CDROM_GET_CAPABILITY, 0) : -1;
+    return can >= 0 && (can & (CDC_CD_R | CDC_CD_RW | CDC_DVD_R | CDC_DVD_RAM)) != 0;
+}
+
+Refusal refusalOf(const std::string& path, const std::optional<Error>& problem = {}) {
+    Refusal refusal{Clock::now(), {}, false};
+    if (isInUse(path))
+        refusal.use = inUseError(path, path);
+    else if (problem && meansInUse(problem->code))
+        refusal.use = problem;
+    refusal.isRecorder = refusal.use && isRecorder(path);
+    return refusal;
+}
+
 bool isThere(const std::string& path) {
     struct stat found {};
     return ::stat(path.c_str(), &found) == 0 && S_ISBLK(found.st_mode);
@@ -61,14 +82,22 @@ bool isThere(const std::string& path) {
 
 } // namespace
 
-std::vector<std::string> physicalDrivesInUse() {
-    std::vector<std::string> paths;
-    if (!isWanted()) return paths;
+std::vector<DriveInUse> physicalDrivesInUse() {
+    std::vector<DriveInUse> found;
+    if (!isWanted()) return found;
     Attached& all = attached();
     const std::lock_guard lock(all.mutex);
     for (const auto& [path, refusal] : all.refused)
-        if (refusal.isInUse) paths.push_back(path);
-    return paths;
+        if (refusal.use) found.push_back({path, *refusal.use});
+    return found;
+}
+
+bool isRecorderInUse() {
+    if (!isWanted()) return false;
+    Attached& all = attached();
+    const std::lock_guard lock(all.mutex);
+    return std::any_of(all.refused.begin(), all.refused.end(),
+                       [](const auto& each) { return each.second.isRecorder; });
 }
 
 std::vector<std::shared_ptr<PhysicalDrive>> physicalDrives() {
@@ -93,13 +122,13 @@ std::vector<std::shared_ptr<PhysicalDrive>> physicalDrives() {
         if (known == all.drives.end()) {
             const auto refused = all.refused.find(path);
             if (refused != all.refused.end() && Clock::now() - refused->second.when < patience) continue;
-            if (isInUse(path)) {
-                all.refused[path] = {Clock::now(), true};
+            if (const Refusal refusal = refusalOf(path); refusal.use) {
+                all.refused[path] = refusal;
                 continue;
             }
             const auto opened = guarded([&] { return PhysicalDrive::open(path); });
             if (!opened) {
-                all.refused[path] = {Clock::now(), isInUse(path)}; // by now
+                all.refused[path] = refusalOf(path, opened.error()); // in use by now, perhaps
                 continue;
             }
             all.refused.erase(path);

@@ -220,7 +220,8 @@ void describeSequential(burn_drive* drive, const std::string& path, MediumInfo& 
             medium.capacityBlocks = blocks;
         if (!facts.writable) medium.capacityBlocks = medium.blocksUsed;
     }
-    // Documented: re-writable media are always overwritable, and so are blank ones that are written once.
+    // Deliberate: re-writable media are always overwritable, and so are blank ones that are written once: it is asked
+    // whether a disc can be written from block 0 on.
     medium.overwritable = medium.blank || medium.erasable;
     medium.blocksOverwritable = medium.overwritable ? medium.capacityBlocks : 0;
     // A track that a burn left open can't be trusted. Of a CD's that nobody closed, no table tells.

@@ -165,6 +165,8 @@ class PhysicalTarget final : public BurnTarget {
     // aborted, failed or killed before, the medium leads to earlier sessions that are good, or to nothing.
     void commit(bool intact) override {
         if (intact && !isTest_) start_.write();
+        // Whoever waited for the burn may look before the library has let go of the drive.
+        if (intact) hold_->drive().seeMedium();
     }
 
   private:
