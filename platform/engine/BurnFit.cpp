@@ -20,7 +20,7 @@ class Fitter {
         checkMedium();
         checkTracks();
         checkForms();
-        // Documented: a drive that can't test does a real burn.
+        // Deliberate: a drive that can't test does a real burn, because whoever asks for a test wants the disc, too.
         plan_.isTest = options_.testing && can_.canTestWrite(facts_.mediumClass) && medium_.takesTests;
         chooseStrategy();
         checkL0DataZone();

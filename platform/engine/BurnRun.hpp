@@ -35,8 +35,8 @@ class BurnRun {
         size_t session, track;
         Verification verification;
         std::shared_ptr<TrackSource> source;
-        uint64_t bytes = 0; ///< that the source gave
-        std::vector<uint64_t> checksums;
+        uint64_t bytes = 0;         ///< that the source gave
+        std::vector<uint64_t> sums; ///< over all bytes up to the end of each piece
     };
     PlannedTrack& planned(const Item& item) { return plan_.sessions[item.session][item.track]; }
 
@@ -50,7 +50,7 @@ class BurnRun {
     void writePreGap(BurnTarget& target, const Item& item);
     void fillUp(BurnTarget& target, const PlannedTrack& track, uint64_t from, TrackSum& sum) const;
     void verify(BurnTarget& target);
-    void verifyTrack(const Item& item, TrackVerifier& verifier, uint64_t before, BurnTarget& target);
+    void verifyTrack(const std::shared_ptr<TrackVerifier>& verifier, uint64_t before, BurnTarget& target);
     void enter(BurnState state, uint64_t bytesTotal = 0);
     void progress(uint64_t bytesDone);
     bool isPaced() const;

@@ -44,8 +44,9 @@ class FileProducer {
     }
     /// Before the data, and the fork, are asked for a second time; false fails the burn.
     virtual bool prepareAgain() { return true; }
-    /// After success and failure, once for each prepare(). Must not throw.
-    virtual void cleanup() noexcept {}
+    /// After success and failure, once for each prepare(). What it throws fails the burn, though the medium is whole by then
+    /// and stays so.
+    virtual void cleanup() {}
 };
 
 /// A folder that exists only in this tree, with the children it is given.

@@ -5,6 +5,7 @@
 #include "ProducedAgain.hpp"
 #include "Signal.hpp"
 #include "SourceList.hpp"
+#include "SourceReader.hpp"
 
 #include <cstdint>
 #include <functional>
@@ -37,7 +38,7 @@ class Volumes;
 class DataImage {
   public:
     /// Reads the tree and lays it out. `track` must outlive the image. Throws FileLocationConflict, DataProduction,
-    /// FilesystemsNotSupported, MediaInvalid, BadLayout, UserCanceled.
+    /// TooManyNameConflicts, FilesystemsNotSupported, MediaInvalid, BadLayout, UserCanceled.
     static std::shared_ptr<DataImage> plan(const DataTrack& track, const Signal& signal,
                                            const ImagePlace& place = {});
     DataImage(const DataImage&) = delete;
@@ -63,6 +64,9 @@ class DataImage {
         reader_.checkEmptyFiles();
         reader_.checkFolders();
     }
+
+    /// Once all is read: the producers of files are told that it is over. Answers what went wrong first.
+    std::optional<Error> cleanUp() noexcept { return sources_.cleanUp(); }
 
   private:
     DataImage();

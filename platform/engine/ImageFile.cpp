@@ -30,6 +30,11 @@ bool makeCached(int file) {
     return flags >= 0 && (flags & O_DIRECT) != 0 && ::fcntl(file, F_SETFL, flags & ~O_DIRECT) == 0;
 }
 
+bool isZero(std::span<const std::byte> bytes) {
+    return bytes.empty() || (bytes.front() == std::byte{} &&
+                             std::memcmp(bytes.data(), bytes.data() + 1, bytes.size() - 1) == 0);
+}
+
 [[noreturn]] void writingFailed(int errorNumber) {
     if (errorNumber == ENOSPC || errorNumber == EDQUOT || errorNumber == EFBIG)
         fail(ErrorCode::MediaWriteFailure,
@@ -88,7 +93,9 @@ void ImageFile::append(std::span<std::byte> buffer) {
         padded = (buffer.size() + pageBytes - 1) / pageBytes * pageBytes;
         std::memset(buffer.data() + buffer.size(), 0, padded - buffer.size());
     }
-    size_t done = 0;
+    // Zeros stand there already: the file was cut off at `from`, and nothing behind what was appended is ever written. Their
+    // space is reserved as that of all others.
+    size_t done = isZero({buffer.data(), padded}) ? padded : 0;
     while (done < padded) {
         const ssize_t count =
             ::pwrite(file_->get(), buffer.data() + done, padded - done, static_cast<off_t>(position_ + done));

@@ -1,7 +1,6 @@
 // One thread fills buffers while another uses them.
 #include "Pipeline.hpp"
 #include "Background.hpp"
-#include "XXH3.hpp"
 
 namespace engine {
 namespace {
@@ -17,13 +16,13 @@ std::unique_ptr<Piece> makePiece() {
 
 } // namespace
 
-Pipeline::Pipeline(SignalRef signal, const std::string& threadName, size_t bytes, bool withChecksums,
-                   Fill fill)
+Pipeline::Pipeline(SignalRef signal, const std::string& threadName, size_t bytes, Fill fill,
+                   std::shared_ptr<TrackSum> sum)
     : shared_(std::make_shared<Shared>(std::move(signal))) {
     for (size_t count = 0; count < pieceCount; ++count)
         shared_->empty.push_back(makePiece());
-    runInBackground(threadName, [shared = shared_, bytes, withChecksums, fill = std::move(fill)] {
-        run(shared, bytes, withChecksums, fill);
+    runInBackground(threadName, [shared = shared_, bytes, fill = std::move(fill), sum = std::move(sum)] {
+        run(shared, bytes, fill, sum.get());
     });
 }
 
@@ -33,8 +32,7 @@ Pipeline::~Pipeline() {
     shared_->signal->changed.notify_all();
 }
 
-void Pipeline::run(const std::shared_ptr<Shared>& shared, size_t bytes, bool withChecksums,
-                   const Fill& fill) {
+void Pipeline::run(const std::shared_ptr<Shared>& shared, size_t bytes, const Fill& fill, TrackSum* sum) {
     Signal& signal = *shared->signal;
     std::exception_ptr problem;
     try {
@@ -50,7 +48,10 @@ void Pipeline::run(const std::shared_ptr<Shared>& shared, size_t bytes, bool wit
             }
             piece->filled = fill({piece->memory.get(), bytes});
             if (piece->filled == 0) break;
-            if (withChecksums) piece->checksum = XXH3_64bits(piece->memory.get(), piece->filled);
+            if (sum != nullptr) {
+                sum->add(piece->content());
+                piece->sum = sum->value();
+            }
             const std::lock_guard lock(signal.mutex);
             shared->full.push_back(std::move(piece));
             signal.changed.notify_all();
@@ -77,6 +78,14 @@ std::unique_ptr<Piece> Pipeline::take() {
     }
     if (shared_->problem) std::rethrow_exception(shared_->problem);
     return nullptr;
+}
+
+void Pipeline::stop() {
+    Signal& signal = *shared_->signal;
+    std::unique_lock lock(signal.mutex);
+    shared_->dropped = true;
+    signal.changed.notify_all();
+    signal.changed.wait(lock, [&] { return shared_->ended || signal.isCanceled(); });
 }
 
 void Pipeline::giveBack(std::unique_ptr<Piece> piece) {

@@ -3,11 +3,11 @@
 #pragma once
 
 #include "Content.hpp"
-#include "Files.hpp"
-#include "Signal.hpp"
+#include "Error.hpp"
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <sys/stat.h>
@@ -42,6 +42,12 @@ struct SourceFile {
     uint32_t nameAt = 0; ///< in SourceList::names, ends with a zero byte
 };
 
+/// A producer that was asked to prepare its file.
+struct PreparedFile {
+    std::shared_ptr<FileProducer> producer;
+    size_t nameAt; ///< in SourceList::names, as the file's
+};
+
 struct SourceList {
     static constexpr uint32_t noFolder = UINT32_MAX;
 
@@ -50,7 +56,16 @@ struct SourceList {
     std::vector<SourceFile>
         emptyFiles; ///< of those on disk the ones that have nothing to read, once set aside
     std::string names;
-    std::vector<std::shared_ptr<void>> prepared; ///< producers that are cleaned up when this goes
+    std::vector<std::shared_ptr<FileProducer>> forks; ///< of produced files
+    std::vector<PreparedFile> prepared;               ///< cleaned up when this goes, if not before
+
+    SourceList() = default;
+    SourceList(const SourceList&) = delete;
+    SourceList& operator=(const SourceList&) = delete;
+    ~SourceList() { cleanUp(); }
+
+    /// Tells every producer that was asked to prepare that all is over, once and in order. Answers what went wrong first.
+    std::optional<Error> cleanUp() noexcept;
 
     std::string pathOf(const SourceFile& file) const;
     /// Leaves only what has bytes in `files`.
@@ -61,35 +76,5 @@ struct SourceList {
 /// DataProduction.
 size_t askProducer(const SourceList& list, const SourceFile& file, uint64_t offset,
                    std::span<std::byte> buffer);
-
-/// Gives the contents of all files, each padded with zeros to whole blocks, in order and once. Throws
-/// FileModifiedDuringBurn and DataProduction, naming the file.
-class SourceReader {
-  public:
-    explicit SourceReader(const SourceList& list) : list_(list) {}
-
-    /// Fills `buffer` (a multiple of the block size) as far as there is data; answers the bytes, 0 at the
-    /// end.
-    size_t read(std::span<std::byte> buffer);
-
-    /// That no file got its first bytes since it was planned: nobody opens such a file in between.
-    void checkEmptyFiles() const;
-    /// That no folder has got or lost a name since it was read.
-    void checkFolders() const;
-
-  private:
-    void begin(const SourceFile& file);
-    size_t readSome(const SourceFile& file, std::span<std::byte> buffer);
-    void end(const SourceFile& file);
-    void expectUnchanged(const SourceFile& file, const struct stat& status) const;
-    [[noreturn]] void modified(const SourceFile& file, const char* how) const;
-
-    const SourceList& list_;
-    size_t next_ = 0;
-    uint64_t offset_ = 0; ///< in the present file
-    Descriptor file_;
-    Descriptor folder_;
-    uint32_t openFolder_ = SourceList::noFolder;
-};
 
 } // namespace engine

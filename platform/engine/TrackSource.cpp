@@ -18,11 +18,15 @@ class ImageSource final : public TrackSource {
         : layout_(std::move(layout)), track_(track), asksAgain_(wanted == Verification::ProduceAgain) {}
 
     uint64_t prepare(const MediumInfo&, const ImagePlace& place, const Signal& signal) override {
+        const std::lock_guard lock(mutex_);
+        expectGoingOn();
         image_ = DataImage::plan(track_, signal, place);
         return image_->blocks();
     }
     size_t readPreGap(std::span<std::byte>, uint64_t) override { return 0; }
     size_t read(std::span<std::byte> buffer) override {
+        const std::lock_guard lock(mutex_);
+        expectGoingOn();
         const size_t count = image_->read(buffer);
         if (count == 0) image_->checkSources();
         return count;
@@ -34,14 +38,27 @@ class ImageSource final : public TrackSource {
         return wanted == Verification::None ? wanted : Verification::Checksum;
     }
     std::optional<Difference> compareAgain(std::span<const std::byte> bytes) override {
+        const std::lock_guard lock(mutex_);
+        expectGoingOn();
         return asksAgain_ ? image_->compareAgain(bytes) : std::nullopt;
+    }
+    std::optional<Error> cleanUp() noexcept override {
+        ended_ = true;
+        const std::lock_guard lock(mutex_); // a producer's call that sleeps is waited for
+        return image_ ? image_->cleanUp() : std::nullopt;
     }
 
   private:
+    void expectGoingOn() const {
+        if (ended_) fail(ErrorCode::UserCanceled, "The burn was canceled.");
+    }
+
     std::shared_ptr<const Layout> layout_;
     const DataTrack& track_;
     bool asksAgain_;
     std::shared_ptr<DataImage> image_;
+    std::mutex mutex_; ///< what is abandoned may still be at work when it is to clean up
+    std::atomic<bool> ended_ = false;
 };
 
 class ProducerSource final : public TrackSource {

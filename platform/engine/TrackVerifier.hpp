@@ -2,10 +2,13 @@
 #pragma once
 
 #include "Drive.hpp"
+#include "Pipeline.hpp"
 #include "TrackSource.hpp"
+#include "TrackSum.hpp"
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,39 +20,47 @@ struct Mismatch {
     std::string how;
 };
 
-/// Shares what it uses, so that it may outlive the burn on another thread.
+/// One thread reads the medium while another compares, or asks the producer again. Shares what it uses, so that it may
+/// outlive the burn.
 class TrackVerifier {
   public:
-    /// `bytes` were written, with one checksum for each piece that next() will be called for. The last
-    /// `preGapBlocks` of the pre-gap are verified, too, when the source receives what was read.
-    TrackVerifier(std::shared_ptr<MediumReader> reader, TrackInfo track, std::shared_ptr<TrackSource> source,
-                  Verification way, std::vector<uint64_t> checksums, uint64_t bytes, uint64_t preGapBlocks);
+    struct Written {
+        TrackInfo track;
+        uint64_t bytes = 0;
+        uint64_t preGapBlocks = 0;  ///< the last so many are shown to a source that receives what was read
+        std::vector<uint64_t> sums; ///< over all bytes up to the end of each piece
+        size_t pieceBytes = 0;
+    };
 
-    /// Reads the next piece into `buffer` and checks it; answers the bytes, 0 at the end. Throws Mismatch, or Failure
-    /// when the producer fails by itself; nothing more is asked after that.
-    size_t next(std::span<std::byte> buffer);
+    TrackVerifier(Written written, SignalRef signal, std::shared_ptr<MediumReader> reader,
+                  std::shared_ptr<TrackSource> source, Verification way);
+    TrackVerifier(const TrackVerifier&) = delete;
+    TrackVerifier& operator=(const TrackVerifier&) = delete;
+
+    size_t pieceBytes() const noexcept { return written_.pieceBytes; }
+
+    /// Checks the next piece, with `scratch` of pieceBytes() to work in; answers its bytes, 0 at the end. Throws Mismatch, or
+    /// Failure when the producer fails by itself; nothing more is asked after that.
+    size_t next(std::span<std::byte> scratch);
 
   private:
-    size_t check(std::span<std::byte> buffer);
-    void begin(std::span<std::byte> buffer);
+    size_t check(std::span<std::byte> scratch);
+    void begin(std::span<std::byte> scratch);
     void end();
     void cleanUp() noexcept;
-    size_t readFull(int64_t block, std::span<std::byte> buffer);
-    bool isRight(std::span<const std::byte> bytes);
-    [[noreturn]] void differs(uint64_t fromByte, uint64_t toByte, const std::string& how) const;
+    bool isRight(std::span<const std::byte> bytes, std::span<std::byte> scratch);
 
+    const Written written_;
+    SignalRef signal_;
     std::shared_ptr<MediumReader> reader_;
-    TrackInfo track_;
     std::shared_ptr<TrackSource> source_;
     Verification way_;
-    std::vector<uint64_t> checksums_;
-    uint64_t bytes_;
-    uint64_t preGapBlocks_;
     size_t blockBytes_;
+    std::optional<Pipeline> read_; ///< pieces of the medium, from the first on
+    TrackSum sum_;
     uint64_t position_ = 0;
     size_t piece_ = 0;
-    bool began_ = false, ended_ = false;
-    std::vector<std::byte> again_; ///< what the producer gives when asked once more
+    bool ended_ = false;
 };
 
 } // namespace engine

@@ -1,4 +1,5 @@
-// Abort in every state: idle soon, and the medium is as it was or openly incomplete.
+// Abort in every state: nothing more is begun, and the medium is as it was or openly incomplete. How soon,
+// benchmarks/burn.py measures.
 #include "Background.hpp"
 #include "Fixture.hpp"
 
@@ -7,36 +8,28 @@
 #include <thread>
 
 using namespace engine;
-using Clock = std::chrono::steady_clock;
-
-// The engine's aim is 50 ms, which burn-bench measures; here a machine that builds and tests at once is
-// forgiven some.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr auto limit = std::chrono::milliseconds(2000);
-#else
-constexpr auto limit = std::chrono::milliseconds(250);
-#endif
 
 class AbortTest : public EngineTest, public ::testing::WithParamInterface<BurnState> {
   protected:
-    // Aborts from another thread as soon as the state is entered, and checks how long it takes.
+    // Aborts from another thread as soon as the state is entered; after it comes the end and nothing else.
     BurnStatus abortIn(BurnState state, DriveRef drive, BurnOptions options) {
         BurnJob job(std::move(drive));
         std::promise<void> reached, asked;
         bool told = false;
+        std::string after;
         job.setObserver([&](const BurnStatus& status) {
+            if (told && status.state != state) after += std::string(nameOf(status.state)) + ' ';
             if (status.state != state || told) return;
             told = true;
             reached.set_value();
-            asked.get_future().wait_for(std::chrono::seconds(5)); // so that the abort meets this state
+            asked.get_future().wait(); // so that the abort meets this state
         });
         EXPECT_TRUE(job.start(layout(), options).ok());
         reached.get_future().wait();
-        const auto began = Clock::now();
         job.abort();
         asked.set_value();
         const BurnStatus last = job.wait();
-        EXPECT_LT(Clock::now() - began, limit);
+        EXPECT_EQ(after, "Failed ");
         return last;
     }
 };
@@ -101,23 +94,41 @@ TEST_P(AbortTest, leavesAWriteOnceMediumBlankOrOpenlyIncomplete) {
 }
 
 TEST_F(AbortTest, endsAWaitForTheRequestedSpeed) {
+    write("a.bin", noise(2'000'000));
+    BurnJob job(makeDrive());
+    BurnOptions options;
+    options.requestedSpeed = 0.25; // every step takes minutes: who waited it out would meet the test's limit
+    ASSERT_TRUE(job.start(layout(), options).ok());
+    // When the first step is in the image there is nothing left to do but to wait.
+    while (bytesOf(growingImage()).find("CD001") == std::string::npos && !job.status().isFinal())
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    EXPECT_EQ(nameOf(job.status().state), "TrackWrite");
+    job.abort();
+    const BurnStatus last = job.wait();
+    EXPECT_FAILED(last, UserCanceled, "The burn was canceled.");
+    EXPECT_EQ(last.bytesDone, 0u) << "the first step was over";
+}
+
+TEST_F(AbortTest, meetsABurnThatMoves) {
     write("a.bin", noise(20'000'000));
     BurnJob job(makeDrive());
+    std::promise<BurnStatus> moved;
+    bool told = false;
+    job.setObserver([&](const BurnStatus& status) {
+        if (told || (status.percent <= 0 && !status.isFinal())) return;
+        told = true;
+        moved.set_value(status);
+    });
     BurnOptions options;
     options.requestedSpeed = 500;
     ASSERT_TRUE(job.start(layout(), options).ok());
-    while (job.status().percent <= 0 && !job.status().isFinal())
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    const BurnStatus status = job.status();
+    const BurnStatus status = moved.get_future().get();
+    job.abort();
+    EXPECT_EQ(job.wait().error->code, ErrorCode::UserCanceled);
     EXPECT_EQ(nameOf(status.state), "TrackWrite");
-    EXPECT_GT(status.percent, 0);
     EXPECT_LT(status.percent, 0.5);
     EXPECT_EQ(status.currentTrack, 1u);
     EXPECT_EQ(status.totalTracks, 1u);
-    const auto asked = Clock::now();
-    job.abort();
-    EXPECT_EQ(job.wait().error->code, ErrorCode::UserCanceled);
-    EXPECT_LT(Clock::now() - asked, limit);
 }
 
 namespace {
@@ -142,12 +153,10 @@ TEST_F(AbortTest, doesNotWaitForAProducerThatSleeps) {
     ASSERT_TRUE(job.start(layoutOf(Content::folder("X", {Content::produced("p", producer)}))).ok());
     while (job.status().state < BurnState::TrackWrite)
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    const auto asked = Clock::now();
     job.abort();
     EXPECT_EQ(job.wait().error->code, ErrorCode::UserCanceled);
-    EXPECT_LT(Clock::now() - asked, limit);
-    release.set_value();
-    EXPECT_TRUE(waitForBackground(std::chrono::seconds(5)));
+    release.set_value(); // only now
+    EXPECT_TRUE(waitForBackground(std::chrono::minutes(1)));
 }
 
 TEST_F(AbortTest, happensWhenARunningJobIsDropped) {

@@ -2,6 +2,7 @@
 // silence.
 #include "Fixture.hpp"
 
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <functional>
@@ -109,6 +110,28 @@ TEST_F(FaultTest, aWriteOnceMediumIsOpenlyIncompleteAfterwards) {
     EXPECT_EQ(medium->state, MediumState::Incomplete);
     EXPECT_FALSE(medium->blank || medium->appendable || medium->overwritable);
     EXPECT_EQ(medium->blocksFree, 0u);
+}
+
+// Zeros are not written where they stand already; what a burn left behind that was cut off doesn't.
+TEST_F(FaultTest, zerosTakeThePlaceOfWhatFailed) {
+    const auto drive = makeDrive();
+    BurnOptions options;
+    options.appendable = true;
+    write("first", "stays");
+    EXPECT_DONE(burn(drive, layout(), options));
+    const std::string left = noise(9'000'000), part = left.substr(5'000'000, 4096);
+    const auto path = write("second", left);
+    EXPECT_FAILED(burnWith([&] { std::ofstream(path, std::ios::app) << 'x'; }, drive), FileModifiedDuringBurn,
+                  changed(path, "got longer"));
+    EXPECT_NE(bytesOf(image()).find(part), std::string::npos) << "or nothing is shown below";
+    write("second", std::string(left.size(), '\0'));
+    EXPECT_DONE(burn(drive, layout(), options));
+    const std::string disc = bytesOf(image());
+    EXPECT_EQ(disc.find(part), std::string::npos);
+    size_t zeros = 0, most = 0;
+    for (const char byte : disc)
+        most = std::max(most, zeros = byte == 0 ? zeros + 1 : 0);
+    EXPECT_GE(most, left.size());
 }
 
 namespace {

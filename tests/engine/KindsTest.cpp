@@ -25,14 +25,40 @@ TEST(Kinds, haveDistinctNames) {
     EXPECT_EQ(names.size(), 14u);
 }
 
-TEST(Kinds, haveTrueCapacities) {
-    EXPECT_EQ(factsOf(MediumKind::CDR).capacityBlocks, 359847u);
-    EXPECT_EQ(factsOf(MediumKind::DVDR).capacityBlocks, 2298496u);
-    EXPECT_EQ(factsOf(MediumKind::DVDRW).capacityBlocks, 2297888u);
-    EXPECT_EQ(factsOf(MediumKind::DVDPlusRW).capacityBlocks, 2295104u);
-    EXPECT_EQ(factsOf(MediumKind::DVDRAM).capacityBlocks, 2236704u);
-    EXPECT_EQ(factsOf(MediumKind::DVDPlusRDoubleLayer).capacityBlocks, 4173824u);
-    EXPECT_EQ(factsOf(MediumKind::BDRE).capacityBlocks, 12219392u);
+// A CD of 80 minutes ends at 79:59:72, and begins two seconds behind 0. The others' are the bytes that makers print on them
+// as 4.7, 8.5 and 25 GB; a DVD-RAM's are those that its spare areas leave. Speeds: from the slowest to the fastest that discs of the kind are made for.
+TEST(Kinds, haveTrueCapacitiesAndSpeeds) {
+    constexpr uint64_t disc80 = ((79 * 60 + 59) * 75 + 72 - 2 * 75) * uint64_t{2048};
+    struct Truth {
+        MediumKind kind;
+        uint64_t bytes;
+        int slowest, fastest;
+    };
+    constexpr Truth truths[] = {{MediumKind::CDROM, disc80, 0, 0},
+                                {MediumKind::CDR, disc80, 4, 52},
+                                {MediumKind::CDRW, disc80, 4, 24},
+                                {MediumKind::DVDROM, 4'700'372'992, 0, 0},
+                                {MediumKind::DVDR, 4'707'319'808, 2, 16},
+                                {MediumKind::DVDRDualLayer, 8'543'666'176, 2, 8},
+                                {MediumKind::DVDRW, 4'706'074'624, 1, 6},
+                                {MediumKind::DVDRAM, 4'580'769'792, 2, 5},
+                                {MediumKind::DVDPlusR, 4'700'372'992, 2, 16},
+                                {MediumKind::DVDPlusRDoubleLayer, 8'547'991'552, 2, 8},
+                                {MediumKind::DVDPlusRW, 4'700'372'992, 2, 8},
+                                {MediumKind::BDROM, 25'025'314'816, 0, 0},
+                                {MediumKind::BDR, 25'025'314'816, 2, 16},
+                                {MediumKind::BDRE, 25'025'314'816, 1, 2}};
+    EXPECT_EQ(std::size(truths), allMediumKinds().size());
+    for (const Truth& truth : truths) {
+        const MediumFacts& facts = factsOf(truth.kind);
+        EXPECT_EQ(facts.capacityBlocks * 2048, truth.bytes) << facts.name;
+        if (facts.speeds.empty()) {
+            EXPECT_EQ(truth.fastest, 0) << facts.name;
+            continue;
+        }
+        EXPECT_EQ(xFactorOf(facts.speeds.front(), facts.mediumClass), truth.slowest) << facts.name;
+        EXPECT_EQ(xFactorOf(facts.speeds.back(), facts.mediumClass), truth.fastest) << facts.name;
+    }
 }
 
 TEST(Kinds, offerAscendingSpeedsJustWhenTheyCanBeWritten) {

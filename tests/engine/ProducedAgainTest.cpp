@@ -1,4 +1,4 @@
-// Files whose producers are asked a second time when the disc is verified.
+// Files whose producers are asked a second time when the disc is verified, and told when all is over.
 #include "Fixture.hpp"
 
 #include <cstring>
@@ -41,12 +41,15 @@ class Maker : public FileProducer {
         if (prepareFault) prepareFault();
         return isPrepared;
     }
-    void cleanup() noexcept override { note("end:" + name_); }
+    void cleanup() override {
+        note("end:" + name_);
+        if (endFault) endFault();
+    }
 
     size_t most = SIZE_MAX;
     uint64_t spoilt = UINT64_MAX; ///< a byte that is another one the second time
     bool isPrepared = true;
-    std::function<void()> fault, prepareFault;
+    std::function<void()> fault, prepareFault, endFault;
 
   private:
     std::byte at(uint64_t offset) const {
@@ -191,6 +194,34 @@ TEST_F(ProducedAgainTest, whoHasNoBytesLeftFailsTheVerification) {
     EXPECT_EQ(status.error.value_or(Error{}).code, ErrorCode::VerificationFailed);
     EXPECT_EQ(status.error.value_or(Error{}).info,
               "The producer of the file \"a\" gave 0 bytes of the 5000 that it had announced. all gone");
+}
+
+TEST_F(ProducedAgainTest, whoFailsWhenAllIsOverFailsTheBurnOfADiscThatIsWhole) {
+    add("a", 5000);
+    add("b", 3000)->endFault = [] { throw std::runtime_error("no broom"); };
+    add("c", 0)->endFault = [] { throw 5; };
+    add("d", 100);
+    for (const MediumKind kind : {MediumKind::DVDPlusRW, MediumKind::DVDPlusR}) {
+        fs::remove_all(drivePath());
+        calls.clear();
+        const auto status = burn(makeDrive(kind), disc(Verification::Checksum));
+        EXPECT_FAILED(
+            status, DataProduction,
+            "The producer of the file \"b\" failed when it was to clean up; the burn itself was over.");
+        EXPECT_EQ(status.error->info, "no broom") << "what went wrong first";
+        EXPECT_EQ(calls, "a b d end:a end:b end:c end:d ") << "each once, also behind the one that failed";
+        EXPECT_EQ(openDrive()->mediumInfo()->state, MediumState::Complete);
+        EXPECT_NE(bytesOf(image()).find("B.;1"), std::string::npos);
+    }
+}
+
+// Deliberate: what went wrong in the burn is what is told.
+TEST_F(ProducedAgainTest, whoFailsWhenAllIsOverHidesNothing) {
+    const auto maker = add("a", 5000);
+    maker->isPrepared = false;
+    maker->endFault = [] { throw std::runtime_error("no broom"); };
+    EXPECT_EQ(verified().error.value_or(Error{}).code, ErrorCode::VerificationFailed);
+    EXPECT_EQ(calls, "a again:a end:a ");
 }
 
 } // namespace

@@ -62,9 +62,9 @@ char32_t stored(char32_t character) {
     }
 }
 
-bool appendUnits(std::u16string& to, char32_t character) {
+bool appendUnits(std::u16string& to, char32_t character, size_t limit) {
     const size_t units = character > 0xFFFF ? 2 : 1;
-    if (to.size() + units > nameLimit) return false;
+    if (to.size() + units > limit) return false;
     if (units == 2) {
         to += static_cast<char16_t>(0xD800 + ((character - 0x10000) >> 10));
         to += static_cast<char16_t>(0xDC00 + ((character - 0x10000) & 0x3FF));
@@ -76,11 +76,11 @@ bool appendUnits(std::u16string& to, char32_t character) {
 
 } // namespace
 
-std::u16string storedName(std::string_view utf8) {
+std::u16string storedName(std::string_view utf8, size_t limit) {
     if (utf8.empty()) return u"_";
     std::u16string result;
     // Most names are plain.
-    if (utf8.size() <= nameLimit && std::ranges::all_of(utf8, [](char c) { return c > 0; })) {
+    if (utf8.size() <= limit && std::ranges::all_of(utf8, [](char c) { return c > 0; })) {
         result.reserve(utf8.size());
         for (const char character : utf8)
             result += static_cast<char16_t>(stored(static_cast<char32_t>(character)));
@@ -94,7 +94,7 @@ std::u16string storedName(std::string_view utf8) {
     }
     sortMarks(apart);
     for (const char32_t character : apart)
-        if (!appendUnits(result, character)) break;
+        if (!appendUnits(result, character, limit)) break;
     return result;
 }
 

@@ -14,7 +14,7 @@ inline constexpr size_t nameLimit = 255;
 /// divider but part of the name, and the other way round: "1/2" of a Finder is "1:2" of a shell, which is what `utf8`
 /// is. What is no UTF-8 becomes '_', so does a zero, and a name without a character. Longer ones are cut between
 /// characters.
-std::u16string storedName(std::string_view utf8);
+std::u16string storedName(std::string_view utf8, size_t limit = nameLimit);
 
 /// The character that one with marks is put together of, first of all: E of \u00C9. Others are that themselves.
 char32_t withoutMarks(char32_t character);

@@ -4,6 +4,7 @@
 #include "RockRidge.hpp"
 
 #include <algorithm>
+#include <functional>
 #include <numeric>
 
 namespace engine::iso {
@@ -74,12 +75,16 @@ void Hierarchy::sortEntries(uint32_t node) {
     const auto begin = tree_.entries.begin() + tree_.firstEntry[node];
     const auto end = tree_.entries.begin() + tree_.firstEntry[node + 1];
     if (begin == end) return;
-    std::stable_sort(begin, end, [this](const Entry& a, const Entry& b) {
+    const auto isBefore = [this](const Entry& a, const Entry& b) {
         return compareNames(tree_.nameOf(a), tree_.nameOf(b), form_) < 0;
-    });
-    const auto twin = std::adjacent_find(begin, end, [this](const Entry& a, const Entry& b) {
-        return compareNames(tree_.nameOf(a), tree_.nameOf(b), form_) == 0;
-    });
+    };
+    // Most come in their order already.
+    const auto isNotBefore = std::not_fn(isBefore);
+    auto twin = std::adjacent_find(begin, end, isNotBefore);
+    if (twin != end) {
+        std::stable_sort(begin, end, isBefore);
+        twin = std::adjacent_find(begin, end, isNotBefore);
+    }
     if (twin != end)
         refuse(static_cast<uint32_t>(twin + 1 - tree_.entries.begin()),
                form_ == Form::Iso ? "in ISO 9660 another item of that folder has the same name"
@@ -91,8 +96,10 @@ void Hierarchy::expectDistinctRockRidgeNames(uint32_t node) const {
     std::vector<uint32_t> order(tree_.firstEntry[node + 1] - tree_.firstEntry[node]);
     std::iota(order.begin(), order.end(), tree_.firstEntry[node]);
     const auto name = [this](uint32_t entry) { return tree_.rockRidgeOf(tree_.entries[entry]); };
+    auto twin = std::ranges::adjacent_find(order, std::greater_equal(), name);
+    if (twin == order.end()) return;
     std::ranges::sort(order, {}, name);
-    const auto twin = std::ranges::adjacent_find(order, {}, name);
+    twin = std::ranges::adjacent_find(order, {}, name);
     if (twin != order.end()) refuse(*twin, "in Rock Ridge another item of that folder has the same name");
 }
 

@@ -63,36 +63,36 @@ int comparePadded(std::string_view a, std::string_view b, Form form) noexcept {
 bool isDCharacter(char c) noexcept { return (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_'; }
 
 std::string isoFaultOf(std::string_view name, bool isFolder, const Rules& rules) {
-    const std::string where = "in ISO 9660 level " + std::to_string(rules.level);
+    const auto where = [&rules] { return "in ISO 9660 level " + std::to_string(rules.level); };
     std::string_view plain = name;
     if (const size_t at = name.find(';'); !isFolder && at != std::string_view::npos) {
         if (versionOf(name.substr(at + 1)) == noVersion)
-            return where + " versions are numbers from 1 to 32767";
+            return where() + " versions are numbers from 1 to 32767";
         plain = name.substr(0, at);
     }
-    if (plain == "." || plain == "..") return where + " no item has that name";
+    if (plain == "." || plain == "..") return where() + " no item has that name";
     const size_t dots = static_cast<size_t>(std::ranges::count(plain, '.'));
     if (!rules.anyCharacter) {
-        if (isFolder && dots > 0) return where + " names of folders have no dot";
-        if (dots > 1) return where + " names have only one dot";
+        if (isFolder && dots > 0) return where() + " names of folders have no dot";
+        if (dots > 1) return where() + " names have only one dot";
     }
     for (const char c : plain) {
         if (c == '.' || isDCharacter(c)) continue;
-        if (!rules.anyCharacter) return where + " names are made of A to Z, 0 to 9 and _";
+        if (!rules.anyCharacter) return where() + " names are made of A to Z, 0 to 9 and _";
         if (static_cast<unsigned char>(c) < ' ' || c == 0x7F || c == '/' || c == ';')
-            return where + " names have no control characters, and no / and ;";
+            return where() + " names have no control characters, and no / and ;";
     }
     const Parts parts = isFolder ? Parts{plain, {}, 1} : partsOf(plain, Form::Iso);
-    if (parts.name.empty() && parts.extension.empty()) return where + " a name has one character at least";
+    if (parts.name.empty() && parts.extension.empty()) return where() + " a name has one character at least";
     if (isFolder) {
         const size_t most = rules.level == 1 ? 8 : 31;
         if (plain.size() > most)
-            return where + " names of folders have up to " + std::to_string(most) + " characters";
+            return where() + " names of folders have up to " + std::to_string(most) + " characters";
     } else if (rules.level == 1) {
         if (parts.name.size() > 8 || parts.extension.size() > 3)
-            return where + " names of files have up to 8 characters, and 3 behind the dot";
+            return where() + " names of files have up to 8 characters, and 3 behind the dot";
     } else if (parts.name.size() + parts.extension.size() > 30) {
-        return where + " names of files have up to 30 characters, without the dot";
+        return where() + " names of files have up to 30 characters, without the dot";
     }
     return {};
 }
@@ -114,7 +114,7 @@ std::string jolietFaultOf(std::string_view name, bool isFolder, const Rules& rul
     if (std::ranges::any_of(plain, forbidden))
         return "in Joliet names have no control characters, and none of * / ; ? \\";
     const size_t most = rules.longJoliet ? 103 : 64;
-    if (wideOf(plain).size() / 2 > most)
+    if (plain.size() > most && wideOf(plain).size() / 2 > most)
         return "in Joliet names have up to " + std::to_string(most) + " UTF-16 units";
     return {};
 }

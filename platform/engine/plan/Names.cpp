@@ -55,6 +55,11 @@ std::string withSuffix(std::string_view name, bool isFolder, std::string_view su
 template <typename Put>
 void forEachCharacter(std::string_view text, const Put& put) {
     while (!text.empty()) {
+        if (const auto first = static_cast<unsigned char>(text[0]); first < 0x80) {
+            put(char32_t{first}, text.substr(0, 1));
+            text.remove_prefix(1);
+            continue;
+        }
         const auto character = firstCharacter(text);
         const size_t bytes = character ? character->bytes : 1;
         put(character ? character->value : noText, text.substr(0, bytes));
@@ -126,6 +131,7 @@ void cutToUnits(std::string& utf8, size_t limit) {
 std::string jolietText(std::string_view text) {
     constexpr std::u32string_view others = U".\"$*/;<>?\\|";
     std::string result;
+    result.reserve(text.size());
     forEachCharacter(text, [&](char32_t c, std::string_view bytes) {
         const bool isControl = c < 0x20 || (c >= 0x7F && c < 0xA0);
         // Programs know bytes that are no text by these characters.
@@ -178,7 +184,14 @@ class Numbers {
         const size_t digits = ++wanted.digits;
         const std::string zeros = suffixOf(0, digits);
         wanted.cut = cutFor(name, isFolder, zeros, form_);
-        const std::string key = form_.keyOf(wanted.cut.stem + zeros + wanted.cut.extension);
+        const std::string first = wanted.cut.stem + zeros + wanted.cut.extension;
+        if (!form_.fits(first, isFolder))
+            fail(ErrorCode::TooManyNameConflicts,
+                 "More items of one folder would be named " + inQuotes(name) +
+                     " on the disc than numbers can tell apart there; rename some of them, or move them to "
+                     "other folders.",
+                 name);
+        const std::string key = form_.keyOf(first);
         wanted.number = &next_.try_emplace(key, digits == 3 ? 1 : powerOfTen(digits - 1)).first->second;
         wanted.end = powerOfTen(digits);
     }
@@ -232,6 +245,13 @@ std::string JolietForm::legal(std::string_view name, bool) const {
 
 // Those who read it don't tell capitals from small letters.
 std::string JolietForm::keyOf(std::string_view legal) const {
+    // A name of ASCII is the same as others of ASCII only, and no other's key looks like it.
+    if (std::ranges::all_of(legal, [](char c) { return static_cast<unsigned char>(c) < 0x80; })) {
+        std::string lower(legal);
+        for (char& c : lower)
+            if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + 32);
+        return lower;
+    }
     std::u32string key;
     forEachCharacter(legal, [&key](char32_t c, std::string_view) {
         const bool isBig = (c >= U'A' && c <= U'Z') || (c >= 0xC0 && c <= 0xDE && c != 0xD7) ||

@@ -68,7 +68,7 @@ struct GivenName {
 
 /// The names of one folder, all different: where two became one, the first keeps it, and others get a number such
 /// as _001 in front of the extension. Grows as the number of names does. Throws FileLocationConflict where two were
-/// the same to begin with.
+/// the same to begin with, TooManyNameConflicts where no number fits any more.
 std::vector<std::string> distinctNames(const std::vector<GivenName>& given, const NameForm& form);
 
 } // namespace engine::plan

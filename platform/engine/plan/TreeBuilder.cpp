@@ -2,7 +2,8 @@
 #include "TreeBuilder.hpp"
 #include "Failure.hpp"
 #include "FolderWalker.hpp"
-#include "ResourceFork.hpp"
+#include "ItemAttributes.hpp"
+#include "ProducedFiles.hpp"
 
 #include <algorithm>
 #include <unordered_map>
@@ -14,23 +15,24 @@ namespace {
 
 class TreeBuilder {
   public:
-    TreeBuilder(Tree& tree, const DataTrack& track, SourceList& sources, const Signal& signal)
+    TreeBuilder(Tree& tree, const DataTrack& track, uint8_t filesystems, SourceList& sources,
+                const Signal& signal)
         : tree_(tree), sources_(sources), signal_(signal), walker_(tree, sources, signal),
+          produced_(tree, sources, walker_, filesystems), filesystems_(filesystems),
           now_(track.defaultDate.value_or(std::time(nullptr))) {}
 
-    void build(const Content& root, uint8_t filesystems) {
-        hasHfsPlus_ = (filesystems & filesystem::hfsPlus) != 0;
+    void build(const Content& root) {
         reserve(root);
         if (const auto* folder = std::get_if<VirtualFolder>(&root.source)) {
             tree_.nodes[0] = virtualNode(tree_.nodes[0], 0755);
-            pending_.push_back({0, folder, filesystems});
+            pending_.push_back({0, folder, filesystems_});
         } else if (const auto* item = std::get_if<RealItem>(&root.source)) {
-            walker_.addRoot(item->path, filesystems);
+            walker_.addRoot(item->path, filesystems_);
         } else {
             fail(ErrorCode::BadLayout,
                  "The root of a disc must be a folder; " + inQuotes(root.name) + " is none.");
         }
-        apply(0, *root.attributes);
+        apply(tree_, 0, *root.attributes);
         if (root.identity != 0) identities_.emplace_back(root.identity, 0);
         while (!pending_.empty()) {
             const Pending folder = pending_.back();
@@ -161,7 +163,7 @@ class TreeBuilder {
                 continue;
             }
             const uint32_t node = add(folder.node, *child, names, filesystems);
-            apply(node, *child->attributes);
+            apply(tree_, node, *child->attributes);
             tree_.addEntry(folder.node, node, names, filesystems);
             if (child->identity != 0) identities_.emplace_back(child->identity, node);
         }
@@ -195,56 +197,11 @@ class TreeBuilder {
             file.data = data->bytes.empty() ? "" : data->bytes.data();
             file.fingerprint.size = data->bytes.size();
         } else {
-            prepare(std::get<ProducedFile>(item.source), file, names.name);
+            produced_.prepare(std::get<ProducedFile>(item.source), names.name, file);
         }
         node.first = walker_.addSource(file, names.name, names.name);
-        if (const auto* produced = std::get_if<ProducedFile>(&item.source)) {
-            if ((filesystems & filesystem::hfsPlus) != 0)
-                addResourceFork(node, *produced, names.name);
-            else if (hasHfsPlus_)
-                forkless_.emplace(node.first, &item);
-        }
+        if (std::holds_alternative<ProducedFile>(item.source)) produced_.add(node, item, filesystems);
         return tree_.addNode(node);
-    }
-
-    // Only where HFS+ shows the file, by whatever name: nothing else could show the fork.
-    void addResourceFork(const Node& node, const ProducedFile& produced, std::string_view name) {
-        SourceFile file;
-        try {
-            file.fingerprint.size = produced.producer->resourceSize();
-        } catch (const std::exception& problem) {
-            fail(ErrorCode::DataProduction,
-                 "The producer of the file " + inQuotes(name) + " can't tell the size of its resource fork.",
-                 problem.what());
-        }
-        if (file.fingerprint.size == 0) return;
-        auto fork = std::make_shared<ResourceFork>(produced.producer, tree_.extentOf(node) == nullptr);
-        file.producer = fork.get();
-        sources_.prepared.push_back(std::move(fork));
-        const uint32_t extent = walker_.addSource(file, name, std::string(name) + " (resource fork)");
-        tree_.resources.emplace(node.first, extent);
-    }
-
-    void prepare(const ProducedFile& produced, SourceFile& file, std::string_view name) {
-        if (!produced.producer)
-            fail(ErrorCode::DataProduction, "The file " + inQuotes(name) + " has no producer of its bytes.");
-        file.producer = produced.producer.get();
-        bool isPrepared = false;
-        std::string reason;
-        try {
-            // Before the call: what began is ended.
-            sources_.prepared.emplace_back(nullptr, [kept = produced.producer](void*) { kept->cleanup(); });
-            isPrepared = file.producer->prepare();
-            if (isPrepared) file.fingerprint.size = file.producer->size();
-        } catch (const std::exception& problem) {
-            isPrepared = false;
-            reason = problem.what();
-        }
-        if (!isPrepared)
-            fail(ErrorCode::DataProduction,
-                 "The producer of the file " + inQuotes(name) +
-                     " could not prepare it, or can't tell its size.",
-                 reason);
     }
 
     // A hard link is another name of the same node; one that is said to look otherwise is a node of its own around the same
@@ -260,10 +217,7 @@ class TreeBuilder {
             fail(ErrorCode::FileLocationConflict,
                  "The hard link " + inQuotes(names.name) +
                      " points at what is no file; a hard link is one more name of a file.");
-        if ((link.filesystems & filesystem::hfsPlus) != 0)
-            if (const auto left = forkless_.extract(tree_.nodes[node].first))
-                addResourceFork(tree_.nodes[node], std::get<ProducedFile>(left.mapped()->source),
-                                nameOf(*left.mapped()));
+        if ((link.filesystems & filesystem::hfsPlus) != 0) produced_.showInHfsPlus(tree_.nodes[node]);
         if (isChanged(*link.item->attributes)) {
             const uint32_t original = node;
             node = tree_.addNode(Node(tree_.nodes[original]));
@@ -276,7 +230,7 @@ class TreeBuilder {
                     const auto mac = found->second;
                     (*all)[node] = mac;
                 }
-            apply(node, *link.item->attributes);
+            apply(tree_, node, *link.item->attributes);
         }
         tree_.addEntry(link.folder, node, names, link.filesystems);
         return node;
@@ -299,7 +253,7 @@ class TreeBuilder {
         node.kind = NodeKind::Alias;
         node.first = target;
         const uint32_t index = tree_.addNode(node);
-        apply(index, *link.item->attributes);
+        apply(tree_, index, *link.item->attributes);
         tree_.addEntry(link.folder, index, names, filesystems);
         return index;
     }
@@ -312,78 +266,13 @@ class TreeBuilder {
         return node;
     }
 
-    static bool isChanged(const Attributes& given) {
-        return given.mode || given.owner || given.group || given.modified || given.accessed ||
-               given.changed || given.invisible || given.realTime || given.udfPermissions || given.mac ||
-               given.isoMac || given.own;
-    }
-
-    // What is said of an item goes before what its source says.
-    void apply(uint32_t index, const Attributes& given) {
-        Node& node = tree_.nodes[index];
-        if (given.mode) node.mode = static_cast<uint16_t>(*given.mode & 07777);
-        node.owner = given.owner.value_or(node.owner);
-        node.group = given.group.value_or(node.group);
-        node.modified = given.modified.value_or(node.modified);
-        node.accessed = given.accessed.value_or(node.accessed);
-        node.changed = given.changed.value_or(node.changed);
-        node.invisible = given.invisible.value_or(node.invisible);
-        node.isRealTime = given.realTime.value_or(node.isRealTime);
-        node.udfPermissions = given.udfPermissions.value_or(node.udfPermissions);
-        const auto lay = [index](const auto& over, auto& all) {
-            if (!over) return;
-            auto& known = all[index];
-            known = known ? merged(*known, *over) : over;
-        };
-        lay(given.mac, tree_.mac);
-        lay(given.isoMac, tree_.isoMac);
-        lay(given.own, tree_.own);
-    }
-
-    static std::shared_ptr<const FilesystemAttributes> merged(FilesystemAttributes own,
-                                                              const FilesystemAttributes& given) {
-        for (size_t i = 0; i < own.size(); ++i) {
-            OwnAttributes& to = own[i];
-            const OwnAttributes& from = given[i];
-            for (const auto part : {&OwnAttributes::mode, &OwnAttributes::owner, &OwnAttributes::group,
-                                    &OwnAttributes::version})
-                if (from.*part) to.*part = from.*part;
-            for (const auto date :
-                 {&OwnAttributes::created, &OwnAttributes::modified, &OwnAttributes::accessed,
-                  &OwnAttributes::changed, &OwnAttributes::backedUp, &OwnAttributes::recorded,
-                  &OwnAttributes::effective, &OwnAttributes::expires})
-                if (from.*date) to.*date = from.*date;
-            if (from.invisible) to.invisible = from.invisible;
-        }
-        return std::make_shared<const FilesystemAttributes>(own);
-    }
-
-    static std::shared_ptr<const MacAttributes> merged(MacAttributes mac, const MacAttributes& given) {
-        const auto take = [](auto& to, const auto& from) {
-            if (from) to = from;
-        };
-        take(mac.created, given.created);
-        take(mac.backedUp, given.backedUp);
-        take(mac.type, given.type);
-        take(mac.creator, given.creator);
-        take(mac.flags, given.flags);
-        take(mac.extendedFlags, given.extendedFlags);
-        take(mac.view, given.view);
-        take(mac.textEncoding, given.textEncoding);
-        take(mac.windowBounds, given.windowBounds);
-        take(mac.iconLocation, given.iconLocation);
-        take(mac.scrollPosition, given.scrollPosition);
-        return std::make_shared<const MacAttributes>(mac);
-    }
-
     Tree& tree_;
     SourceList& sources_;
     const Signal& signal_;
     FolderWalker walker_;
+    ProducedFiles produced_;
+    uint8_t filesystems_;
     std::time_t now_;
-    bool hasHfsPlus_ = false;
-    std::unordered_map<uint32_t, const Content*>
-        forkless_; ///< produced files that HFS+ doesn't show yet, by their extents
     std::vector<Pending> pending_;
     std::vector<Link> links_;
     std::vector<Identity> identities_;                 ///< nodes that links can point at
@@ -394,7 +283,7 @@ class TreeBuilder {
 
 void addTrack(Tree& tree, const DataTrack& track, uint8_t filesystems, SourceList& sources,
               const Signal& signal) {
-    TreeBuilder(tree, track, sources, signal).build(track.root, filesystems);
+    TreeBuilder(tree, track, filesystems, sources, signal).build(track.root);
 }
 
 } // namespace engine::plan

@@ -99,6 +99,32 @@ TEST(PlanNames, TwoThatWereTheSameAreRefused) {
         << "an item's own ones are numbered";
 }
 
+// Level 1 has room for ten million numbers; this one for 999 of them.
+TEST(PlanNames, MoreThanThereAreNumbersFor) {
+    class Short final : public NameForm {
+        std::string legal(std::string_view, bool) const override { return "SAME"; }
+        std::string keyOf(std::string_view legal) const override { return std::string(legal); }
+        bool fits(std::string_view legal, bool) const override { return legal.size() <= 4; }
+    };
+    std::vector<std::string> names;
+    for (int index = 0; index <= 1000; ++index)
+        names.push_back("a name of its own " + std::to_string(index));
+    std::vector<GivenName> given;
+    for (size_t index = 0; index < 1000; ++index)
+        given.push_back({names[index]});
+    const auto distinct = distinctNames(given, Short());
+    EXPECT_EQ(distinct.front(), "SAME");
+    EXPECT_EQ(distinct.back(), "_999");
+    given.push_back({names.back()});
+    const auto result = guarded([&] { distinctNames(given, Short()); });
+    ASSERT_FALSE(result.ok());
+    EXPECT_EQ(result.error().code, ErrorCode::TooManyNameConflicts);
+    EXPECT_EQ(
+        result.error().message,
+        "More items of one folder would be named \"SAME\" on the disc than numbers can tell apart there; "
+        "rename some of them, or move them to other folders.");
+}
+
 // As many as there are: names that all become one, and names that become one only when they are cut for a number.
 TEST(PlanNames, ManyCollidingNamesAreAllDifferent) {
     std::vector<std::string> raw;

@@ -28,6 +28,25 @@ TEST(PlanContent, ATreeEndsHoweverDeepItIs) {
 
 TEST(PlanContent, AnItemCostsLittle) { EXPECT_LE(sizeof(Content), 128u) << "trees have 100,000 of them"; }
 
+// A parent's number has 16 bits in the path table of ISO 9660, and of Joliet.
+TEST_F(PlanTrees, FoldersWithFoldersInThemHaveALimit) {
+    const auto disc = [](size_t parents) {
+        std::vector<Content> children(parents); // and the root is one, too
+        for (size_t i = 0; i < parents; ++i)
+            children[i] = Content::folder("p" + std::to_string(i), {Content::folder("in it")});
+        return discOf(Content::folder("Disc", std::move(children)), filesystem::iso9660);
+    };
+    const Layout most = disc(65534);
+    EXPECT_TRUE(plannedBlocks(std::get<DataTrack>(most.sessions[0].tracks[0].content)).ok());
+    const auto drive = makeDrive();
+    const auto refused = burn(drive, disc(65535));
+    EXPECT_FAILED(
+        refused, FileLocationConflict,
+        "\"p9999/in it\" can't be on the disc: ISO 9660 has no more than 65535 folders with folders "
+        "in them.");
+    EXPECT_TRUE(drive->mediumInfo()->blank);
+}
+
 // A tree is copied and its pieces go: what a burn has is whole all the same.
 TEST_F(PlanTrees, ACopyHasTheBytesAndAttributesOfItsOwn) {
     Content file = Content::file("file", std::string(5000, 'b'));

@@ -1,0 +1,65 @@
+// A second thread for work that can be halved.
+#include "Assistant.hpp"
+#include "Background.hpp"
+
+#include <condition_variable>
+#include <mutex>
+#include <system_error>
+#include <utility>
+
+namespace engine {
+
+struct Assistant::Shared {
+    std::mutex mutex;
+    std::condition_variable changed;
+    const std::function<void()>* work = nullptr; ///< given and not begun yet
+    bool isBusy = false, dismissed = false;
+};
+
+Assistant::~Assistant() {
+    if (!shared_) return;
+    const std::lock_guard lock(shared_->mutex);
+    shared_->dismissed = true;
+    shared_->changed.notify_all();
+}
+
+void Assistant::run(Shared& shared) {
+    std::unique_lock lock(shared.mutex);
+    while (true) {
+        shared.changed.wait(lock, [&] { return shared.work != nullptr || shared.dismissed; });
+        if (shared.work == nullptr) return;
+        const std::function<void()>& work = *std::exchange(shared.work, nullptr);
+        shared.isBusy = true;
+        lock.unlock();
+        work();
+        lock.lock();
+        shared.isBusy = false;
+        shared.changed.notify_all();
+    }
+}
+
+bool Assistant::hire() {
+    auto made = std::make_shared<Shared>();
+    try {
+        runInBackground("disc-read-2", [made] { run(*made); });
+    } catch (const std::system_error&) {
+        return false;
+    }
+    shared_ = std::move(made);
+    return true;
+}
+
+void Assistant::share(const std::function<void()>& own, const std::function<void()>& other) {
+    if (!shared_ && !hire()) return own();
+    {
+        const std::lock_guard lock(shared_->mutex);
+        shared_->work = &other;
+        shared_->changed.notify_all();
+    }
+    own();
+    std::unique_lock lock(shared_->mutex);
+    shared_->work = nullptr;
+    shared_->changed.wait(lock, [&] { return !shared_->isBusy; });
+}
+
+} // namespace engine
