@@ -1,16 +1,16 @@
 // BurnProcess: a job of the engine, and what is done with the medium after it.
 #include "BurnProcess.hpp"
+#include "InUse.hpp"
 
 namespace discrecording {
 namespace {
 
-constexpr std::chrono::milliseconds ejectPatience{3000}, ejectStep{20};
+constexpr std::chrono::milliseconds ejectStep{20};
 
 // Whether the burn failed because the drive was not its own.
 bool isForLackOfDrive(engine::ErrorCode code) noexcept {
     using engine::ErrorCode;
-    return code == ErrorCode::DeviceBusy || code == ErrorCode::DeviceInvalid ||
-           code == ErrorCode::MediaNotPresent;
+    return meansInUse(code) || code == ErrorCode::DeviceInvalid || code == ErrorCode::MediaNotPresent;
 }
 
 } // namespace
@@ -18,7 +18,8 @@ bool isForLackOfDrive(engine::ErrorCode code) noexcept {
 BurnProcess::BurnProcess(engine::DriveRef drive, BurnPlan plan, std::optional<engine::Error> refused,
                          engine::BurnJob::Observer observer)
     : observer_(std::move(observer)), job_(std::move(drive)), refused_(std::move(refused)),
-      ejectWhenDone_(plan.ejectWhenDone), ejectWhenFailed_(plan.ejectWhenFailed) {
+      ejectWhenDone_(plan.ejectWhenDone), ejectWhenFailed_(plan.ejectWhenFailed),
+      ejectPatience_(plan.ejectPatience) {
     if (observer_) {
         job_.setObserver([this](const engine::BurnStatus& status) {
             if (!status.isFinal()) observer_(status); // the end is told when it has settled
@@ -52,7 +53,7 @@ void BurnProcess::finish() {
 // Another program may be looking at the disc just now, and will be done in a moment. A medium that can't be ejected
 // (someone else keeps the drive) stays inside: the burn itself went as it went.
 void BurnProcess::eject() const {
-    const auto until = std::chrono::steady_clock::now() + ejectPatience;
+    const auto until = std::chrono::steady_clock::now() + ejectPatience_;
     for (;;) {
         const auto ejected = job_.drive()->eject();
         if (ejected.ok() || ejected.error().code != engine::ErrorCode::DeviceBusy) return;

@@ -15,6 +15,7 @@ struct BurnPlan {
     engine::BurnOptions options;
     bool ejectWhenDone = true;
     bool ejectWhenFailed = true;
+    std::chrono::milliseconds ejectPatience{3000}; ///< with whoever has the drive when the burn is over
 };
 
 /// Starts at once. status() and abort() may be called from any thread.
@@ -46,6 +47,7 @@ class BurnProcess {
     std::optional<engine::Error> refused_; // set before the thread starts, when no job was started
     bool ejectWhenDone_;
     bool ejectWhenFailed_;
+    std::chrono::milliseconds ejectPatience_;
     std::atomic<bool> settled_ = false;
     std::thread finisher_;
 };

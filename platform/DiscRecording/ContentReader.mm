@@ -1,7 +1,9 @@
 // ContentReader: turns a tree of files and folders into the content that the engine burns.
 #include "ContentReader.hpp"
 
+#include "ChildNames.hpp"
 #include "ContentAttributes.hpp"
+#include "ContentLinks.hpp"
 #import "DRFSObjectPrivate.h"
 #import "DRFilePrivate.h"
 #import "DRFolderPrivate.h"
@@ -11,12 +13,11 @@
 #import "Filesystems.h"
 #include "NameRules.hpp"
 #include "PathStrings.hpp"
+#include "PropertyLimits.hpp"
 #include "UdfProperties.hpp"
 #include "plan/Names.hpp"
 
 #include <algorithm>
-#include <unordered_map>
-#include <unordered_set>
 
 #include <sys/stat.h>
 
@@ -32,14 +33,30 @@ namespace filesystem = engine::filesystem;
 // No file system of a disc holds paths this deep; a tree beyond it is a mistake, and would exhaust the stack.
 constexpr int deepestTree = 1000;
 
+bool isASCII(const auto& text) {
+    return std::ranges::all_of(text, [](auto unit) { return unit >= 0 && unit < 0x80; });
+}
+
 // The engine asks for composed text.
 std::string composedBytes(NSString* name) {
     std::string bytes = pathnames::bytesOf(name);
-    if (std::all_of(bytes.begin(), bytes.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; }))
-        return bytes; // ASCII is composed
+    if (isASCII(bytes))
+        return bytes; // which is composed
     NSString* composed = [name precomposedStringWithCanonicalMapping];
     // A name that is no proper text (a surrogate without its partner) can't be composed and goes as it is.
     return [composed length] == 0 ? bytes : pathnames::bytesOf(composed);
+}
+
+std::string composedBytes(const std::u16string& name) {
+    if (isASCII(name))
+        return pathnames::encode(name);
+    const auto* units = reinterpret_cast<const unichar*>(name.data());
+    return composedBytes([NewStringOfUnits(units, name.size()) autorelease]);
+}
+
+std::u16string composedUnits(NSString* name) {
+    std::u16string units = unitsOf(name);
+    return isASCII(units) ? units : pathnames::decode(composedBytes(name));
 }
 
 Error conflict(DRFSObject* object, const char* problem) {
@@ -104,8 +121,9 @@ class KeptFiles {
 class ContentReader {
   public:
     ContentReader(DRFolder* root, const engine::DataTrack& track, bool estimating)
-        : root_(root), estimating_(estimating), hasMacExtensions_(track.macExtensions),
-          isoForm_(track.isoLevel), isoNames_(track.isoLevel == 1 ? DRISO9660LevelOne : DRISO9660LevelTwo) {}
+        : root_(root), links_(root), estimating_(estimating), hasMacExtensions_(track.macExtensions),
+          isoForm_(track.isoLevel),
+          isoRule_(track.isoLevel == 1 ? NameRule::ISOLevelOne : NameRule::ISOLevelTwo) {}
 
     Result<ReadContent> read() {
         uint32_t mask = [root_ explicitFilesystemMask] & filesystem::all;
@@ -118,23 +136,20 @@ class ContentReader {
         if (!content.ok())
             return content.error();
         content->names = volumeNames();
-        if (!links_.empty())
-            list(*content);
-        for (const Link& link : links_)
-            if (const auto done = finish(link, *content); !done.ok())
-                return done.error();
+        if (const auto done = links_.finish(*content); !done.ok())
+            return done.error();
         return ReadContent{std::move(*content), filesystems};
     }
 
   private:
-    // A symbolic link's path is known when all names are. It lies where these indices lead to.
-    struct Link {
-        DRFile* file;
-        std::vector<size_t> way;
-    };
     struct Member {
         DRFSObject* object;
         uint8_t mask;
+        size_t place; ///< among the folder's children
+    };
+    /// Of a folder's children, in their order; empty where the folder isn't.
+    struct ChildNames {
+        std::vector<std::u16string> joliet, udf, hfsPlus, iso;
     };
 
     Result<Content> contentOf(DRFSObject* object, std::string name, uint8_t mask, int depth) {
@@ -144,6 +159,8 @@ class ContentReader {
                              "\" lies too deep in the tree; use fewer folders inside each other.",
                          std::to_string(deepestTree) + " levels"};
         }
+        if (const auto checked = checkProperties(object, mask); !checked.ok())
+            return checked.error();
         auto content = sourceOf(object, std::move(name), mask, depth);
         if (!content.ok())
             return content;
@@ -157,8 +174,6 @@ class ContentReader {
         if (hasMacExtensions_ && (mask & filesystem::iso9660) != 0 && [object isKindOfClass:[DRFile class]])
             if (auto mac = isoMacOf(object))
                 content->attributes->isoMac = std::move(mac);
-        if (depth > 0)
-            content->names = namesOf(object, mask, content->name);
         content->identity = reinterpret_cast<uintptr_t>(object);
         return content;
     }
@@ -167,28 +182,33 @@ class ContentReader {
         if (![object isVirtual])
             return realContent(object, std::move(name));
         if ([object isKindOfClass:[DRFile class]])
-            return fileContent(static_cast<DRFile*>(object), std::move(name));
+            return fileContent(static_cast<DRFile*>(object), std::move(name), mask);
         return folderContent(static_cast<DRFolder*>(object), std::move(name), mask, depth);
     }
 
     Result<Content> folderContent(DRFolder* folder, std::string name, uint8_t mask, int depth) {
+        NSArray* all = [folder children];
         std::vector<Member> members;
         std::vector<Sibling> siblings;
-        members.reserve([folder count]);
-        siblings.reserve([folder count]);
-        for (DRFSObject* child : Elements<DRFSObject*>([folder children])) {
+        members.reserve([all count]);
+        siblings.reserve([all count]);
+        size_t place = 0;
+        for (DRFSObject* child : Elements<DRFSObject*>(all)) {
+            const size_t here = place++;
             const uint32_t set = [child explicitFilesystemMask];
             const auto childMask = static_cast<uint8_t>(set == 0 ? mask : set & mask);
             if (childMask == 0) {
                 if ([child isKindOfClass:[DRFile class]] && [static_cast<DRFile*>(child) linkType] != nil)
-                    return leftOut(child);
+                    return ContentLinks::leftOut(static_cast<DRFile*>(child),
+                                                 composedBytes([child baseName]));
                 continue; // its mask says so
             }
-            members.push_back({child, childMask});
+            members.push_back({child, childMask, here});
             const bool isFolder = [child isKindOfClass:[DRFolder class]];
-            siblings.push_back({rockRidgeName(unitsOf([child baseName]), isFolder), isFolder});
+            siblings.push_back({rockRidgeName(composedUnits([child baseName]), isFolder), isFolder});
         }
         const std::vector<std::u16string> names = mangledNames(NameRule::RockRidge, siblings);
+        const ChildNames inFilesystems = namesIn(mask, all);
         std::vector<Content> children;
         children.reserve(members.size());
         for (size_t i = 0; i < members.size(); ++i) {
@@ -198,6 +218,8 @@ class ContentReader {
             NSAutoreleasePool* left = [NSAutoreleasePool new];
             auto content =
                 contentOf(members[i].object, pathnames::encode(names[i]), members[i].mask, depth + 1);
+            if (content.ok())
+                content->names = namesOf(members[i], siblings[i].isFolder, names[i], *content, inFilesystems);
             [left release];
             way_.pop_back();
             if (!content.ok())
@@ -208,9 +230,9 @@ class ContentReader {
         return Content::folder(std::move(name), std::move(children));
     }
 
-    Result<Content> fileContent(DRFile* file, std::string name) {
+    Result<Content> fileContent(DRFile* file, std::string name, uint8_t mask) {
         if ([file linkType] != nil)
-            return linkContent(file, std::move(name));
+            return links_.contentOf(file, std::move(name), mask, way_);
         if ([file producer] != nil)
             return Content::produced(std::move(name), producerOfFile(file, estimating_));
         if (![file hasData]) {
@@ -223,111 +245,37 @@ class ContentReader {
                        engine::DataFile{{static_cast<const char*>([file bytes]), [file length]}, kept_}};
     }
 
-    Result<Content> linkContent(DRFile* file, std::string name) {
-        DRFSObject* target = [file target];
-        DRFSObject* top = target;
-        while ([top parent] != nil)
-            top = [top parent];
-        if (target == nil || top != root_)
-            return lost(name);
-        if ([[file linkType] isEqualToString:DRLinkTypeHardLink])
-            return Content{std::move(name), engine::HardLink{reinterpret_cast<uintptr_t>(target)}};
-        if ([[file linkType] isEqualToString:DRLinkTypeFinderAlias])
-            return Content{std::move(name), engine::FinderAlias{reinterpret_cast<uintptr_t>(target)}};
-        links_.push_back({file, way_});
-        return Content::link(std::move(name), "."); // finished when all names are known
-    }
-
-    // Deliberate: a link has its mask from when it was made, so that it is nowhere on the disc is no wish of the program's.
-    static Error leftOut(DRFSObject* link) {
-        std::string filesystems;
-        const std::pair<uint8_t, const char*> all[] = {{filesystem::iso9660, "ISO 9660"},
-                                                       {filesystem::joliet, "Joliet"},
-                                                       {filesystem::udf, "UDF"},
-                                                       {filesystem::hfsPlus, "HFS+"}};
-        for (const auto& [bit, name] : all)
-            if (([link explicitFilesystemMask] & bit) != 0)
-                filesystems += (filesystems.empty() ? "" : " or ") + std::string(name);
-        return {ErrorCode::FilesystemsNotSupported,
-                "The link \"" + composedBytes([link baseName]) + "\" is for " + filesystems +
-                    ", and its folder is not on the disc there; put the folder there, too, or leave the link "
-                    "out.",
-                {}};
-    }
-
-    static Error lost(const std::string& name) {
-        return {ErrorCode::FileLocationConflict,
-                "The link \"" + name +
-                    "\" points at nothing that is on the disc; add what it points at, or leave "
-                    "the link out.",
-                {}};
-    }
-
-    // What became of each object.
-    void list(const Content& root) {
-        std::vector<const Content*> waiting{&root};
-        while (!waiting.empty()) {
-            const Content* item = waiting.back();
-            waiting.pop_back();
-            items_[reinterpret_cast<DRFSObject*>(static_cast<uintptr_t>(item->identity))] = item;
-            if (const auto* folder = std::get_if<engine::VirtualFolder>(&item->source))
-                for (const Content& child : folder->children)
-                    waiting.push_back(&child);
-        }
-    }
-
-    // From the link's folder up as far as it must be, and down to the target.
-    Result<void> finish(const Link& link, Content& root) {
-        const auto mask = static_cast<uint8_t>([link.file explicitFilesystemMask]);
-        std::unordered_set<DRFSObject*> above;
-        for (DRFSObject* folder = [link.file parent]; folder != nil; folder = [folder parent])
-            above.insert(folder);
-        std::string down;
-        DRFSObject* meeting = [link.file target];
-        for (; !above.contains(meeting); meeting = [meeting parent]) {
-            const auto found = items_.find(meeting);
-            if (found == items_.end() || (found->second->filesystems & mask) == 0)
-                return lost(items_.at(link.file)->name);
-            down = down.empty() ? nameIn(mask, meeting) : nameIn(mask, meeting) + '/' + down;
-        }
-        std::string path;
-        for (DRFSObject* folder = [link.file parent]; folder != meeting; folder = [folder parent])
-            path += path.empty() ? ".." : "/..";
-        if (!down.empty())
-            path += path.empty() ? down : '/' + down;
-        Content* place = &root;
-        for (const size_t index : link.way)
-            place = &std::get<engine::VirtualFolder>(place->source).children[index];
-        place->source = engine::SymbolicLink{path.empty() ? "." : path};
-        return {};
-    }
-
-    std::string nameIn(uint8_t mask, DRFSObject* object) {
-        const NameRule rule = mask == filesystem::hfsPlus ? NameRule::HFSPlus : NameRule::UDF;
-        return mask == filesystem::iso9660
-                   ? items_.at(object)->name
-                   : composedBytes(
-                         [object mangledNameForFilesystem:DRFilesystems()[static_cast<int>(rule)].name]);
+    ChildNames namesIn(uint8_t mask, NSArray* children) const {
+        const auto found = [&](uint8_t wanted, NameRule rule) {
+            return (mask & wanted) == 0 ? std::vector<std::u16string>() : namesOfChildren(children, rule);
+        };
+        return {found(filesystem::joliet, NameRule::Joliet), found(filesystem::udf, NameRule::UDF),
+                found(filesystem::hfsPlus, NameRule::HFSPlus), found(filesystem::iso9660, isoRule_)};
     }
 
     // What differs from the item's name, or in ISO 9660 from what the engine makes of that. Rock Ridge has the name itself.
-    std::shared_ptr<const engine::FilesystemNames> namesOf(DRFSObject* object, uint8_t mask,
-                                                           const std::string& name) const {
+    std::shared_ptr<const engine::FilesystemNames> namesOf(const Member& member, bool isFolder,
+                                                           const std::u16string& units,
+                                                           const Content& content,
+                                                           const ChildNames& all) const {
         engine::FilesystemNames names;
-        const auto add = [&](uint8_t wanted, NSString* filesystemName, std::string& place) {
-            if ((mask & wanted) == 0)
+        const auto add = [&](uint8_t wanted, const std::vector<std::u16string>& found, std::string& to) {
+            if ((member.mask & wanted) == 0 || found[member.place] == units)
                 return;
-            std::string found = composedBytes([object mangledNameForFilesystem:filesystemName]);
-            if (found != name)
-                place = std::move(found);
+            std::string name = composedBytes(found[member.place]);
+            if (name != content.name)
+                to = std::move(name);
         };
-        add(filesystem::joliet, DRJoliet, names.joliet);
-        add(filesystem::udf, DRUDF, names.udf);
-        add(filesystem::hfsPlus, DRHFSPlus, names.hfsPlus);
-        if ((mask & filesystem::iso9660) != 0) {
-            std::string found = pathnames::bytesOf([object mangledNameForFilesystem:isoNames_]);
-            if (found != isoForm_.legal(name, [object isKindOfClass:[DRFolder class]]))
-                names.iso = std::move(found);
+        add(filesystem::joliet, all.joliet, names.joliet);
+        add(filesystem::udf, all.udf, names.udf);
+        add(filesystem::hfsPlus, all.hfsPlus, names.hfsPlus);
+        if ((member.mask & filesystem::iso9660) != 0) {
+            const std::u16string& found = all.iso[member.place];
+            if (!isASCII(units) || found != legalName(isoRule_, units, isFolder)) {
+                std::string name = pathnames::encode(found);
+                if (name != isoForm_.legal(content.name, isFolder))
+                    names.iso = std::move(name);
+            }
         }
         if (names.joliet.empty() && names.udf.empty() && names.hfsPlus.empty() && names.iso.empty())
             return nullptr;
@@ -341,20 +289,18 @@ class ContentReader {
             return name == nil ? std::string() : composedBytes(name);
         };
         return std::make_shared<const engine::FilesystemNames>(
-            engine::FilesystemNames{given(DRJoliet), given(DRUDF), given(DRHFSPlus), given(isoNames_)});
+            engine::FilesystemNames{given(DRJoliet), given(DRUDF), given(DRHFSPlus),
+                                    given(DRFilesystems()[static_cast<size_t>(isoRule_)].name)});
     }
 
-    static std::u16string unitsOf(NSString* text) { return pathnames::decode(composedBytes(text)); }
-
     DRFolder* root_;
+    ContentLinks links_;
     bool estimating_;
     bool hasMacExtensions_;
     engine::plan::IsoForm isoForm_;
-    NSString* isoNames_;      ///< the file system that they are asked for
+    NameRule isoRule_;
     std::vector<size_t> way_; ///< to the item that is read
-    std::vector<Link> links_;
     std::shared_ptr<KeptFiles> kept_ = std::make_shared<KeptFiles>();
-    std::unordered_map<DRFSObject*, const Content*> items_; ///< only where there are links to be finished
 };
 
 } // namespace

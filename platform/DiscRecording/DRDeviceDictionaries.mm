@@ -122,7 +122,7 @@ NSDictionary* mediaInfo(DRDevice* device, const engine::MediumInfo& medium) {
                                      classText(engine::factsOf(medium.kind).mediumClass),
                                      DRDeviceMediaClassKey, DRMediaTypeOfKind(medium.kind),
                                      DRDeviceMediaTypeKey,
-                                     // Documented one level up; programs look for them here as well.
+                                     // Deliberate: one level up as well, for programs that look there.
                                      burnSpeeds(medium), DRDeviceBurnSpeedsKey, nil];
     if (medium.doubleLayerL0DataZoneBlocks) {
         [told setObject:number(*medium.doubleLayerL0DataZoneBlocks)

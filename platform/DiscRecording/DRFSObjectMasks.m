@@ -4,10 +4,6 @@
 #import "DRFolder.h"
 #import "Filesystems.h"
 
-static uint64_t maskChanges;
-
-uint64_t DRMaskChanges(void) { return __atomic_load_n(&maskChanges, __ATOMIC_RELAXED); }
-
 @implementation DRFSObject (DRFSObjectMasks)
 
 - (uint32_t)explicitFilesystemMask {
@@ -22,7 +18,7 @@ uint64_t DRMaskChanges(void) { return __atomic_load_n(&maskChanges, __ATOMIC_REL
                            mask];
     }
     _explicitMask = mask;
-    __atomic_add_fetch(&maskChanges, 1, __ATOMIC_RELAXED);
+    [self nameChanged]; // whether it stands in its siblings' way
 }
 
 // What a folder lacks, nothing in it has. So the masks that are set, up to the root, restrict each other.

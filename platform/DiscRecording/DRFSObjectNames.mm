@@ -1,37 +1,15 @@
 // DRFSObjectNames: the names of files and folders in each file system.
+#include "ChildNames.hpp"
 #import "DRFSObject.h"
 #import "DRFSObjectPrivate.h"
 #import "DRFolderPrivate.h"
 #import "Filesystems.h"
-#include "NameRules.hpp"
 #include "PathStrings.hpp"
 
 namespace {
 
-// As it is: names on a disc have no bytes that are no text.
-std::u16string unitsOf(NSString* text) {
-    std::u16string units([text length], u'\0');
-    if (!units.empty())
-        [text getCharacters:reinterpret_cast<unichar*>(units.data()) range:NSMakeRange(0, units.size())];
-    return units;
-}
-
-// A text that is no proper one (a surrogate without its partner) has no other form, and stays as it is; ASCII has no other.
-std::u16string inFormOf(discrecording::NameRule rule, NSString* name) {
-    std::u16string units = unitsOf(name);
-    if (AreASCII(reinterpret_cast<const unichar*>(units.data()), units.size()))
-        return units;
-    const bool composed = rule == discrecording::NameRule::Joliet || rule == discrecording::NameRule::UDF;
-    NSString* form =
-        composed ? [name precomposedStringWithCanonicalMapping] : [name decomposedStringWithCanonicalMapping];
-    return [form length] == 0 ? units : unitsOf(form);
-}
-
-NSString* legal(NSString* name, int rule, DRFSObject* object) {
-    const auto names = static_cast<discrecording::NameRule>(rule);
-    const std::u16string found =
-        discrecording::legalName(names, inFormOf(names, name), [object isKindOfClass:[DRFolder class]]);
-    return [NewStringOfUnits(reinterpret_cast<const unichar*>(found.data()), found.size()) autorelease];
+NSString* textOf(const std::u16string& name) {
+    return [NewStringOfUnits(reinterpret_cast<const unichar*>(name.data()), name.size()) autorelease];
 }
 
 } // namespace
@@ -43,7 +21,9 @@ NSString* legal(NSString* name, int rule, DRFSObject* object) {
     if (found->nameRule == DRBaseNameRule)
         return [self baseName];
     NSString* set = [_specificNames objectForKey:found->name];
-    return set != nil ? [[set retain] autorelease] : legal([self baseName], found -> nameRule, self);
+    if (set != nil)
+        return [[set retain] autorelease];
+    return textOf(discrecording::specificName(self, static_cast<discrecording::NameRule>(found->nameRule)));
 }
 
 - (void)setSpecificName:(NSString*)name forFilesystem:(NSString*)filesystem {
@@ -58,7 +38,10 @@ NSString* legal(NSString* name, int rule, DRFSObject* object) {
     } else {
         if (_specificNames == nil)
             _specificNames = [[NSMutableDictionary alloc] init];
-        [_specificNames setObject:legal(name, found->nameRule, self) forKey:found->name];
+        [_specificNames
+            setObject:textOf(discrecording::legalName(static_cast<discrecording::NameRule>(found->nameRule),
+                                                      name, [self isKindOfClass:[DRFolder class]]))
+               forKey:found->name];
     }
     [self nameChanged];
 }

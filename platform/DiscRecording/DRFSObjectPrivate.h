@@ -32,11 +32,4 @@
 - (void)forgetTarget;
 @end
 
-/** Counts changes of masks in all trees: names depend on who is in a file system. */
-#ifdef __cplusplus
-extern "C"
-#endif
-    uint64_t
-    DRMaskChanges(void);
-
 #endif

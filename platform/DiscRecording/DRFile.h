@@ -85,7 +85,10 @@ union DRFileMore {
  * track has DRVerificationTypeProduceAgain. Not for an empty file. NO fails the burn.
  */
 - (BOOL)prepareFileForVerification:(DRFile*)file;
-/** After success and failure, once for each file that was prepared. */
+/**
+ * After success and failure, once for each file that was prepared. Raising here fails the burn with 0x80020062, though the disc
+ * is whole by then and stays so.
+ */
 - (void)cleanupFileAfterBurn:(DRFile*)file;
 @end
 

@@ -1,11 +1,10 @@
 // DRFolder: a folder of a disc's content.
 #import "DRFolder.h"
+#include "ChildNames.hpp"
 #import "DRFSObjectPrivate.h"
 #import "DRFile.h"
 #import "DRFolderPrivate.h"
 #include "Elements.hpp"
-#import "Filesystems.h"
-#include "NameRules.hpp"
 #include "PathStrings.hpp"
 
 #include <algorithm>
@@ -14,6 +13,7 @@
 #include <cstring>
 #include <optional>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include <dirent.h>
@@ -58,42 +58,48 @@ int listFolder(const std::string& path, struct stat& self, std::vector<Entry>& e
 
 } // namespace
 
-// The mangled names of all children, for each rule that was asked for since something changed.
+// The mangled names of the first children, for each rule that was asked for since anything else than an addition changed.
 struct DRFolderNames {
-    using OfOneRule = std::unordered_map<const void*, std::u16string>;
+    struct OfOneRule {
+        std::unordered_map<const void*, std::u16string> names;
+        std::unordered_set<std::u16string>
+            keys; ///< of those in the file system; empty until a child comes behind them
+    };
     std::array<std::optional<OfOneRule>, discrecording::nameRules> byRule;
-    uint64_t maskChanges = 0;
 };
 
 namespace {
 
-// Only those that are in the file system can stand in each other's way. All others keep their names.
-DRFolderNames::OfOneRule namesOfChildren(NSArray* children, int rule) {
-    const DRFilesystem& filesystem = DRFilesystems()[rule];
-    std::vector<DRFSObject*> members;
-    std::vector<discrecording::Sibling> siblings;
-    members.reserve([children count]);
-    siblings.reserve([children count]);
-    NSAutoreleasePool* pool = [NSAutoreleasePool new];
-    for (DRFSObject* child : discrecording::Elements<DRFSObject*>(children)) {
-        const uint32_t mask = [child explicitFilesystemMask];
-        if (mask != 0 && (mask & filesystem.mask) == 0)
-            continue;
-        NSString* name = [child specificNameForFilesystem:filesystem.name];
-        std::u16string units([name length], u'\0');
-        [name getCharacters:reinterpret_cast<unichar*>(units.data()) range:NSMakeRange(0, units.size())];
-        siblings.push_back({std::move(units), bool([child isKindOfClass:[DRFolder class]])});
-        members.push_back(child);
-    }
-    [pool release];
-    std::vector<std::u16string> names =
-        discrecording::mangledNames(static_cast<discrecording::NameRule>(rule), siblings);
+DRFolderNames::OfOneRule namesOfAll(NSArray* children, discrecording::NameRule rule) {
+    std::vector<std::u16string> names = discrecording::namesOfChildren(children, rule);
     DRFolderNames::OfOneRule result;
-    result.reserve(names.size());
+    result.names.reserve(names.size());
     for (size_t i = 0; i < names.size(); ++i)
-        result.emplace(members[i], std::move(names[i]));
+        result.names.emplace([children objectAtIndex:i], std::move(names[i]));
     return result;
 }
+
+// A name that is unlike all others changes none of them, so that a program can ask for names while it adds children. False
+// where one is like another: then all are found anew.
+bool addNamesBehind(DRFolderNames::OfOneRule& known, NSArray* children, discrecording::NameRule rule) {
+    const NSUInteger first = known.names.size(), count = [children count];
+    if (first < count && known.keys.empty())
+        for (NSUInteger i = 0; i < first; ++i)
+            if (discrecording::isIn([children objectAtIndex:i], rule))
+                known.keys.insert(discrecording::nameKey(rule, known.names.at([children objectAtIndex:i])));
+    for (NSUInteger i = first; i < count; ++i) {
+        DRFSObject* child = [children objectAtIndex:i];
+        std::u16string name = discrecording::specificName(child, rule);
+        if (discrecording::isIn(child, rule) && !known.keys.insert(discrecording::nameKey(rule, name)).second)
+            return false;
+        known.names.emplace(child, std::move(name));
+    }
+    return true;
+}
+
+} // namespace
+
+namespace {
 
 // A tree may be deeper than the stack: what the end of a folder would end with it waits until the outermost folder that ends
 // on this thread has come to its own children.
@@ -206,7 +212,6 @@ void endChildren(NSMutableArray* children) {
     [_children addObject:child]; // before it leaves its old parent, which may hold its last reference
     [[child parent] removeChild:child];
     [child setParent:self];
-    [self childNamesChanged];
 }
 
 - (void)removeChild:(DRFSObject*)child {
@@ -240,19 +245,13 @@ void endChildren(NSMutableArray* children) {
 }
 
 - (NSString*)mangledNameOfChild:(DRFSObject*)child byRule:(int)rule {
-    if (_names != nullptr && _names->maskChanges != DRMaskChanges())
-        [self childNamesChanged];
-    if (_names == nullptr) {
+    if (_names == nullptr)
         _names = new DRFolderNames;
-        _names->maskChanges = DRMaskChanges();
-    }
     auto& known = _names->byRule[static_cast<size_t>(rule)];
-    if (!known)
-        known = namesOfChildren(_children, rule);
-    const auto found = known->find(child);
-    if (found == known->end())
-        return [child specificNameForFilesystem:DRFilesystems()[rule].name];
-    const std::u16string& name = found->second;
+    const auto names = static_cast<discrecording::NameRule>(rule);
+    if (!known || !addNamesBehind(*known, _children, names))
+        known = namesOfAll(_children, names);
+    const std::u16string& name = known->names.at(child);
     return [NewStringOfUnits(reinterpret_cast<const unichar*>(name.data()), name.size()) autorelease];
 }
 

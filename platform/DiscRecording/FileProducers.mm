@@ -59,14 +59,9 @@ class ObjectProducer final : public engine::FileProducer {
         return isPrepared;
     }
 
-    void cleanup() noexcept override {
-        if (estimating_ || ![producer_ respondsToSelector:@selector(cleanupFileAfterBurn:)])
-            return;
-        try {
+    void cleanup() override {
+        if (!estimating_ && [producer_ respondsToSelector:@selector(cleanupFileAfterBurn:)])
             call([this] { [producer_ cleanupFileAfterBurn:file_]; });
-        } catch (const std::exception& problem) {
-            NSLog(@"A producer could not clean up: %s", problem.what());
-        }
     }
 
   private:

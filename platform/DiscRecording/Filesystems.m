@@ -3,6 +3,9 @@
 
 const DRFilesystem* DRFilesystems(void) {
     static DRFilesystem rows[DRFilesystemCount];
+    static BOOL isFilled = NO;
+    if (__atomic_load_n(&isFilled, __ATOMIC_ACQUIRE))
+        return rows;
     const DRFilesystem filled[DRFilesystemCount] = {
         {DRISO9660LevelOne, DRISO9660, DRFilesystemInclusionMaskISO9660, 0},
         {DRISO9660LevelTwo, DRISO9660, DRFilesystemInclusionMaskISO9660, 1},
@@ -12,11 +15,10 @@ const DRFilesystem* DRFilesystems(void) {
         {DRISO9660, DRISO9660, DRFilesystemInclusionMaskISO9660, DRNoNameRule},
         {DRAllFilesystems, DRAllFilesystems, DREveryFilesystem, DRBaseNameRule},
     };
-    static BOOL isFilled = NO;
     @synchronized([NSString class]) {
         if (!isFilled)
             memcpy(rows, filled, sizeof rows);
-        isFilled = YES;
+        __atomic_store_n(&isFilled, YES, __ATOMIC_RELEASE);
     }
     return rows;
 }

@@ -1,7 +1,10 @@
 // NameRules: what becomes of a name in each file system of a disc, alone and among its siblings.
 #include "NameRules.hpp"
+#include "PathNames.hpp"
+#include "hfsplus/Names.hpp"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <unordered_map>
 
@@ -35,10 +38,12 @@ std::u16string cut(std::u16string text, size_t limit) {
     return text;
 }
 
-bool isControl(char16_t unit) { return unit < 0x20 || (unit >= 0x7F && unit < 0xA0); }
+constexpr bool isControl(char16_t unit) { return unit < 0x20 || (unit >= 0x7F && unit < 0xA0); }
+
+constexpr char16_t noText = 0xEFFF;
 
 // Stands for a byte of a name on disk that is no text. Rock Ridge holds the byte itself.
-bool isNoText(char16_t unit) { return unit >= 0xEF80 && unit <= 0xEFFF; }
+constexpr bool isNoText(char16_t unit) { return unit >= 0xEF80 && unit <= 0xEFFF; }
 
 // Of UTF-8: a character of two units has four, one half each. A byte that is no text is itself.
 size_t bytesOf(char16_t unit) {
@@ -60,12 +65,12 @@ std::u16string cutToBytes(std::u16string text, size_t limit) {
     return cut(std::move(text), units);
 }
 
-char16_t upper(char16_t unit) {
+constexpr char16_t upper(char16_t unit) {
     return unit >= u'a' && unit <= u'z' ? static_cast<char16_t>(unit - u'a' + u'A') : unit;
 }
 
 // The unit as the file system holds it, 0 for one that is left out. Dots are seen to before.
-char16_t legalUnit(NameRule rule, char16_t unit) {
+constexpr char16_t legalUnit(NameRule rule, char16_t unit) {
     constexpr std::u16string_view levelTwo = u" !\"%&'()*+-:<=>?_";
     constexpr std::u16string_view notInJoliet = u"\"$*/;<>?\\|";
     switch (rule) {
@@ -87,12 +92,52 @@ char16_t legalUnit(NameRule rule, char16_t unit) {
     return u'\0';
 }
 
-bool isISO(NameRule rule) { return rule == NameRule::ISOLevelOne || rule == NameRule::ISOLevelTwo; }
-bool hasOneDot(NameRule rule) { return isISO(rule) || rule == NameRule::Joliet; }
+bool isASCII(std::u16string_view text) {
+    return std::ranges::all_of(text, [](char16_t unit) { return unit < 0x80; });
+}
+
+constexpr bool isISO(NameRule rule) { return rule == NameRule::ISOLevelOne || rule == NameRule::ISOLevelTwo; }
+constexpr bool hasOneDot(NameRule rule) { return isISO(rule) || rule == NameRule::Joliet; }
+
+// What becomes of ASCII's units, by rule.
+constexpr auto plainUnits = [] {
+    std::array<std::array<char16_t, 128>, nameRules + 1> units{};
+    for (size_t rule = 0; rule < units.size(); ++rule)
+        for (char16_t unit = 0; unit < 128; ++unit)
+            units[rule][unit] = unit == u'.' ? unit : legalUnit(static_cast<NameRule>(rule), unit);
+    return units;
+}();
+// No name of ASCII is cut that has no more units than that; nor one in level 1, when it has no extension.
+constexpr std::array<size_t, nameRules + 1> plainLengths{8, 30, 64, 255, 253, rockRidgeLimit};
+
+// The short way for most names: of ASCII, short enough, and no unit or dot is to be left out. Empty for all others.
+std::u16string plainName(NameRule rule, std::u16string_view name, bool isFolder) {
+    const auto index = static_cast<size_t>(rule);
+    if (name.empty() || name.size() > plainLengths[index] || name.front() == u'.') return {};
+    std::u16string plain(name.size(), u'\0');
+    size_t dots = 0;
+    for (size_t i = 0; i < name.size(); ++i) {
+        if (name[i] >= 128 || plainUnits[index][name[i]] == 0) return {};
+        plain[i] = plainUnits[index][name[i]];
+        dots += name[i] == u'.';
+    }
+    const bool maySplit = rule != NameRule::ISOLevelOne && !(isFolder && isISO(rule));
+    if (hasOneDot(rule) && dots > 0 && (dots > 1 || !maySplit || name.back() == u'.')) return {};
+    return plain;
+}
+
+// No file system holds half of a character.
+bool isPartnerless(std::u16string_view text, size_t at) {
+    const auto isFirst = [](char16_t unit) { return unit >= 0xD800 && unit < 0xDC00; };
+    const auto isSecond = [](char16_t unit) { return unit >= 0xDC00 && unit < 0xE000; };
+    if (isFirst(text[at])) return at + 1 == text.size() || !isSecond(text[at + 1]);
+    return isSecond(text[at]) && (at == 0 || !isFirst(text[at - 1]));
+}
 
 std::u16string legalUnits(NameRule rule, const std::u16string& text) {
     std::u16string legal;
-    for (const char16_t unit : text) {
+    for (size_t i = 0; i < text.size(); ++i) {
+        const char16_t unit = isPartnerless(text, i) ? noText : text[i];
         if (unit == u'.' && hasOneDot(rule)) continue;
         if (const char16_t held = unit == u'.' ? unit : legalUnit(rule, unit)) legal += held;
     }
@@ -149,11 +194,12 @@ std::u16string withoutSpacesAtEnds(const std::u16string& name) {
     return key += trimmed(std::u16string_view(name).substr(std::min(dot + 1, name.size())));
 }
 
-// Two names that the file system takes for the same have the same key. HFS+ and Joliet's readers don't tell
-// capitals from small letters: the scripts that have them, accents aside, for HFS+ holds those apart.
+// Two names that the file system takes for the same have the same key. HFS+ has a table of its own, as the volume has that is
+// written; Joliet's readers don't tell capitals from small letters in the scripts that have them.
 std::u16string keyOf(NameRule rule, std::u16string name) {
     if (rule == NameRule::ISOLevelTwo) return withoutSpacesAtEnds(name);
     if (rule != NameRule::HFSPlus && rule != NameRule::Joliet) return name;
+    if (rule == NameRule::HFSPlus && !isASCII(name)) return engine::hfsplus::foldedName(name);
     for (char16_t& unit : name) {
         if ((unit >= u'A' && unit <= u'Z') || (unit >= 0xC0 && unit <= 0xDE && unit != 0xD7) ||
             (unit >= 0x391 && unit <= 0x3A9) || (unit >= 0x410 && unit <= 0x42F)) {
@@ -163,6 +209,15 @@ std::u16string keyOf(NameRule rule, std::u16string name) {
         }
     }
     return name;
+}
+
+// As the volume that is written holds it: what comes may be composed in part, and has its limit in units of the other form.
+Parts apart(const Parts& parts) {
+    const std::u16string name = joined(parts);
+    if (isASCII(name)) return parts;
+    std::u16string stored = engine::hfsplus::storedName(pathnames::encode(name), SIZE_MAX);
+    std::ranges::replace(stored, u'/', u':'); // the other one is stored
+    return split(stored, parts.extension.empty());
 }
 
 size_t powerOfTen(size_t exponent) {
@@ -253,9 +308,11 @@ class Names {
 } // namespace
 
 std::u16string legalName(NameRule rule, std::u16string_view name, bool isFolder) {
+    if (std::u16string plain = plainName(rule, name, isFolder); !plain.empty()) return plain;
     Parts parts = split(name, isFolder && isISO(rule));
     parts.stem = legalUnits(rule, parts.stem);
     parts.extension = legalUnits(rule, parts.extension);
+    if (rule == NameRule::HFSPlus) parts = apart(parts);
     if (parts.stem.empty()) parts.stem += u'_';
     // "." and ".." are no names of their own anywhere.
     if (parts.extension.empty() && (parts.stem == u"." || parts.stem == u".."))
@@ -264,8 +321,11 @@ std::u16string legalName(NameRule rule, std::u16string_view name, bool isFolder)
 }
 
 std::u16string rockRidgeName(std::u16string_view name, bool isFolder) {
+    if (bytesOf(name) <= rockRidgeLimit) return std::u16string(name);
     return joined(fitting(NameRule::RockRidge, split(name, isFolder), 0));
 }
+
+std::u16string nameKey(NameRule rule, std::u16string name) { return keyOf(rule, std::move(name)); }
 
 std::vector<std::u16string> mangledNames(NameRule rule, const std::vector<Sibling>& siblings) {
     std::vector<std::u16string> result(siblings.size());

@@ -21,7 +21,8 @@ inline constexpr size_t nameRules = 5; ///< of file systems
 ///   level 2   capitals, digits, space and punctuation but for $ , / ; and the like: 30 with the extension,
 ///             which is kept where the name is cut (the version behind it takes two more); also what level 3 has
 ///
-/// ISO 9660's rules are the engine's, too, which names what lies in real folders: a test compares them.
+/// The rules are the engine's, too, which names what lies in real folders, and must leave these names as they are: tests
+/// compare them. Half a character is left out, or becomes "_", as a byte that is no text does.
 ///
 ///   Joliet    64 UTF-16 units, one "."
 ///   HFS+      255 UTF-16 units; "/" becomes ":", as the two are each other's on that system
@@ -31,6 +32,9 @@ std::u16string legalName(NameRule rule, std::u16string_view name, bool isFolder)
 
 /// Any name, cut to 255 bytes of UTF-8 with its extension kept. What no item can be called is left to be refused.
 std::u16string rockRidgeName(std::u16string_view name, bool isFolder);
+
+/// The same for two legal names that the file system takes for the same.
+std::u16string nameKey(NameRule rule, std::u16string name);
 
 struct Sibling {
     std::u16string name; ///< legal

@@ -5,9 +5,16 @@
 #include <string.h>
 
 char* DRCallProducer(void (*body)(void* context), void* context) {
-    GSRegisterCurrentThread(); // once is enough, more is harmless
+    static __thread BOOL isRegistered; // until the thread's end
+    static Class pools;                // looking it up takes as long as making one
+    if (!isRegistered) {
+        GSRegisterCurrentThread();
+        isRegistered = YES;
+    }
     char* reason = NULL;
-    NSAutoreleasePool* pool = [NSAutoreleasePool new];
+    if (__atomic_load_n(&pools, __ATOMIC_RELAXED) == Nil)
+        __atomic_store_n(&pools, [NSAutoreleasePool class], __ATOMIC_RELAXED);
+    NSAutoreleasePool* pool = [__atomic_load_n(&pools, __ATOMIC_RELAXED) new];
     @try {
         body(context);
     } @catch (NSException* raised) {

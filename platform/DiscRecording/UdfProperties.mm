@@ -95,7 +95,7 @@ void readUdfAttributes(DRFSObject* object, engine::Rare<engine::Attributes>& att
     if (id realTime = propertyOf(object, DRUDFRealTimeFile); realTime != nil)
         attributes->realTime = [realTime boolValue];
     if (id permissions = propertyOf(object, DRUDFExtendedFilePermissions); permissions != nil)
-        attributes->udfPermissions = static_cast<uint8_t>([permissions unsignedIntValue] & 63);
+        attributes->udfPermissions = static_cast<uint8_t>([permissions unsignedIntValue]);
 }
 
 } // namespace discrecording

@@ -177,7 +177,7 @@ static void TestTesting(void) {
     DRDevice* device = Device("CD-R");
     ExpectDone("audio with texts", BurnOn(device, [NSArray arrayWithObjects:Song(1), Song(2), nil], test));
     PASS("is tested, too", [device mediaIsBlank] && [Files(device) objectForKey:@"medium.cdt"] == nil);
-    // Documented: a drive that can't test does a real burn.
+    // Deliberate: a drive that can't test does a real burn.
     device = DeviceWithout("test-write-cd", "CD-R");
     ExpectDone("a drive that can't", BurnOn(device, Data(1), test));
     PASS("burns", ![device mediaIsBlank]);

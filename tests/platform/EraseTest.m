@@ -113,6 +113,15 @@ static void TestRefusals(void) {
     [empty start];
     ExpectError(Await(empty), 0x80020041, @"put one in");
     [device closeTray];
+
+    NSString* medium = [[device ioRegistryEntryPath] stringByAppendingPathComponent:@"medium.json"];
+    [@"{\"format\": 1, \"kind\": \"CD-R\", \"capacityBlocks\": 359847, \"state\": \"blank\", "
+     @"\"sessions\": []}" writeToFile:medium
+                           atomically:YES];
+    DRErase* once = [DRErase eraseForDevice:device];
+    [once start];
+    ExpectError(Await(once), 0x80020045, @"The CD-R in");
+    PASS("what is written once is not erased", ![device mediaIsErasable]);
 }
 
 // The erase goes on without its object, and another one finds the drive busy or the medium blank.

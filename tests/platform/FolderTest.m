@@ -170,9 +170,78 @@ static void TestDeepTrees(void) {
     [file release];
 }
 
+// Names that become the same in one file system or another, with numbers or without.
+static NSString* AnyName(void) {
+    NSString* const stems[] = {
+        @"a", @"A", @"a_001", @"\u0142", @"\u0141", @"a#", @"measurement 1", @"measurement 2", @"b", @"_"};
+    NSString* const extensions[] = {@"", @"", @".txt", @".TXT"};
+    return [stems[(size_t)random() % 10] stringByAppendingString:extensions[(size_t)random() % 4]];
+}
+
+// What a folder that is asked all the time answers is what one answers that is asked for the first time.
+static void TestNamesThatAreAskedBetweenChanges(void) {
+    NSString* const filesystems[] = {DRISO9660LevelOne, DRISO9660LevelTwo, DRJoliet, DRUDF, DRHFSPlus};
+    const uint32_t masks[] = {0, 0, 0, 1, 2, 4, 8, 15, 6};
+    srandom(7);
+    int asked = 0, numbered = 0, wrong = 0;
+    for (int round = 0; round < 60; round++) {
+        NSAutoreleasePool* pool = [NSAutoreleasePool new];
+        DRFolder* folder = [DRFolder virtualFolderWithName:@"asked"];
+        for (int step = 0; step < 40; step++) {
+            NSArray* children = [folder children];
+            DRFSObject* one = [children count] == 0
+                                  ? nil
+                                  : [children objectAtIndex:(NSUInteger)random() % [children count]];
+            const long action = random() % 12;
+            if (one == nil || action < 7) {
+                DRFSObject* child = random() % 4 == 0
+                                        ? (DRFSObject*)[DRFolder virtualFolderWithName:AnyName()]
+                                        : [DRFile virtualFileWithName:AnyName() data:nil];
+                [child setExplicitFilesystemMask:masks[(size_t)random() % 9]];
+                [folder addChild:child];
+            } else if (action == 7) {
+                [folder removeChild:one];
+            } else if (action == 8) {
+                [one setBaseName:AnyName()];
+            } else if (action == 9) {
+                [one setExplicitFilesystemMask:masks[(size_t)random() % 9]];
+            } else {
+                [one setSpecificName:AnyName() forFilesystem:filesystems[(size_t)random() % 5]];
+            }
+            if (random() % 3 == 0)
+                continue; // several changes at once
+            children = [folder children];
+            NSString* filesystem = filesystems[(size_t)random() % 5];
+            NSMutableArray* told = [NSMutableArray array];
+            for (DRFSObject* child in children)
+                [told addObject:[child mangledNameForFilesystem:filesystem]];
+            DRFolder* fresh = [DRFolder virtualFolderWithName:@"fresh"];
+            for (DRFSObject* child in children) {
+                DRFSObject* copy = [child isKindOfClass:[DRFolder class]]
+                                       ? (DRFSObject*)[DRFolder virtualFolderWithName:[child baseName]]
+                                       : [DRFile virtualFileWithName:[child baseName] data:nil];
+                [copy setExplicitFilesystemMask:[child explicitFilesystemMask]];
+                [copy setSpecificName:[child specificNameForFilesystem:filesystem] forFilesystem:filesystem];
+                [fresh addChild:copy];
+            }
+            for (NSUInteger i = 0; i < [children count]; i++) {
+                NSString* wanted = [[[fresh children] objectAtIndex:i] mangledNameForFilesystem:filesystem];
+                asked++;
+                wrong += ![[told objectAtIndex:i] isEqual:wanted];
+                numbered +=
+                    ![wanted isEqual:[[children objectAtIndex:i] specificNameForFilesystem:filesystem]];
+            }
+        }
+        [pool release];
+    }
+    PASS("names are the same however often they are asked", wrong == 0);
+    PASS("many of them have numbers, and many don't", numbered > 1000 && asked > 3 * numbered);
+}
+
 int main(void) {
     NSAutoreleasePool* pool = [NSAutoreleasePool new];
     TestNames();
+    TestNamesThatAreAskedBetweenChanges();
     TestChildren();
     TestRealFolders();
     TestMakeVirtual();

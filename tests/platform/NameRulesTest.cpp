@@ -1,11 +1,13 @@
 // NameRulesTest: what becomes of a name in each file system, and of names that collide.
 #include "NameRules.hpp"
 #include "PathNames.hpp"
+#include "hfsplus/Tables.hpp"
 #include "plan/Names.hpp"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <memory>
 #include <random>
 #include <set>
 
@@ -48,6 +50,27 @@ TEST(NameRules, DotsAndEmptyNames) {
         EXPECT_EQ(file(rule, u""), u"_");
         const std::u16string dots = file(rule, u"..");
         EXPECT_TRUE(dots != u".." && dots != u"." && !dots.empty());
+    }
+}
+
+// Names of ASCII that need little take a short way. A unit that is left out, or becomes "_", sends the same name the long one.
+TEST(NameRules, TheShortWayOfPlainNamesEndsWhereTheLongOneDoes) {
+    constexpr std::u16string_view units = u"abYZ09_....  -+~$/;\x07";
+    std::mt19937 random(7);
+    for (int i = 0; i < 8000; ++i) {
+        std::u16string name;
+        for (size_t left = 1 + random() % (i % 4 == 0 ? 260 : i % 2 == 0 ? 34 : 12); left > 0; --left)
+            name += units[random() % (i % 3 == 0 ? units.size() : 9)];
+        const size_t place = 1 + random() % name.size();
+        for (const NameRule rule : {ISOLevelOne, ISOLevelTwo, Joliet, HFSPlus, UDF})
+            for (const bool isFolder : {false, true}) {
+                const bool leavesOut = rule == ISOLevelOne || rule == ISOLevelTwo || rule == Joliet;
+                std::u16string plain = name, other = name;
+                other.insert(place, 1, leavesOut ? u'\x80' : u'\xEF80');
+                if (!leavesOut) plain.insert(place, 1, u'_');
+                EXPECT_EQ(legalName(rule, plain, isFolder), legalName(rule, other, isFolder))
+                    << pathnames::encode(plain) << (isFolder ? ", a folder" : "");
+            }
     }
 }
 
@@ -249,6 +272,106 @@ TEST(NameRules, TheEngineMakesTheSameOfNamesInJoliet) {
         for (size_t i = 0; i < names.size(); ++i)
             ASSERT_EQ(made[i], pathnames::encode(told[i])) << names[i];
     }
+}
+
+// ---- names that the engine leaves as they are --------------------------------------------------------------------
+
+// What a program is told is on the disc: the engine numbers nothing more.
+void expectKept(NameRule rule, const engine::plan::NameForm& form, const std::vector<Sibling>& all) {
+    std::vector<std::string> told;
+    for (const std::u16string& name : mangledNames(rule, all))
+        told.push_back(pathnames::encode(name));
+    std::vector<engine::plan::GivenName> given;
+    for (size_t i = 0; i < told.size(); ++i)
+        given.push_back({told[i], all[i].isFolder, true});
+    const auto made = engine::plan::distinctNames(given, form);
+    for (size_t i = 0; i < told.size(); ++i)
+        ASSERT_EQ(made[i], told[i]) << "of " << pathnames::encode(all[i].name);
+}
+
+TEST(NameRules, LettersThatHFSPlusTakesForTheSameGetNumbers) {
+    size_t letters = 0;
+    for (const auto& [character, as] : engine::hfsplus::foldings) {
+        if (character == 0) continue;
+        // Between others, as some count for nothing; the one as which it counts comes first.
+        std::u16string one = u"x", other = u"x";
+        if (as != 0) one += as;
+        other += character;
+        const auto names = mangledNames(HFSPlus, {{one, false}, {other, false}});
+        ASSERT_EQ(names[0], one);
+        ASSERT_EQ(names[1], other + u"_001") << std::hex << static_cast<int>(character);
+        ++letters;
+    }
+    EXPECT_GT(letters, 300u);
+    EXPECT_EQ(mangledNames(HFSPlus, {{u"\u0141\u00F3d\u017A", false}, {u"\u0142\u00F3d\u017A", false}})[1],
+              u"\u0142\u00F3d\u017A_001");
+    EXPECT_EQ(mangledNames(HFSPlus, {{u"a:b", false}, {u"A:\u200Cb", false}})[1], u"A:\u200Cb_001")
+        << "one of ASCII and one of more";
+    EXPECT_EQ(mangledNames(HFSPlus, {{u"\u00DF", false}, {u"ss", false}, {u"SS", false}}),
+              (std::vector<std::u16string>{u"\u00DF", u"ss", u"SS_001"}));
+}
+
+TEST(NameRules, TheEngineKeepsTheNamesOfAllFileSystemsWithoutCase) {
+    std::mt19937 random(3);
+    const auto upTo = [&](size_t most) { return std::uniform_int_distribution<size_t>(0, most)(random); };
+    const auto foldings = engine::hfsplus::foldings;
+    const auto parts = engine::hfsplus::parts;
+    constexpr std::u16string_view others =
+        u"aAbB.:/_1 \u0301\u0323\u00DF\u6F22\uAC01\uEF93\u200C\xD834\xDD1E\xD834\xDD1E";
+    const auto letter = [&](size_t kind) {
+        switch (kind % 4) {
+        case 0:
+            return others[upTo(others.size() - 1)]; // halves of characters among them
+        case 1:
+            return std::max(foldings[upTo(foldings.size() - 1)].character, char16_t{1});
+        case 2:
+            return std::max(foldings[upTo(foldings.size() - 1)].as, char16_t{1});
+        default:
+            return parts[upTo(parts.size() - 1)].character;
+        }
+    };
+    const std::pair<NameRule, std::shared_ptr<const engine::plan::NameForm>> forms[] = {
+        {HFSPlus, std::make_shared<engine::plan::HfsPlusForm>()},
+        {Joliet, std::make_shared<engine::plan::JolietForm>()},
+        {UDF, std::make_shared<engine::plan::UdfForm>()}};
+    for (int round = 0; round < 600; ++round) {
+        const auto& [rule, form] = forms[round % 3];
+        // Few letters, so that many names are nearly the same, short or at the limit.
+        std::u16string alphabet;
+        for (size_t count = 1 + upTo(6); count > 0; --count)
+            alphabet += letter(upTo(7));
+        std::vector<Sibling> all;
+        for (size_t count = 1 + upTo(40); count > 0; --count) {
+            std::u16string name;
+            for (size_t length = 1 + upTo(3); length > 0; --length)
+                name += alphabet[upTo(alphabet.size() - 1)];
+            if (upTo(9) == 0) name.append(245 + upTo(15), alphabet[0]);
+            const bool isFolder = upTo(4) == 0;
+            all.push_back({legalName(rule, name, isFolder), isFolder});
+        }
+        expectKept(rule, *form, all);
+        if (HasFatalFailure()) return;
+    }
+}
+
+// ASCII goes a shorter way.
+TEST(NameRules, TheEngineKeepsTheNamesOfHFSPlusInAscii) {
+    std::vector<Sibling> all;
+    for (char16_t unit = 1; unit < 0x80; ++unit)
+        for (const auto& around : {u"", u"\u200C"})
+            all.push_back({legalName(HFSPlus, std::u16string(u"n") + unit + around, false), false});
+    const auto names = mangledNames(HFSPlus, all);
+    size_t kept = 0;
+    for (size_t i = 0; i < names.size(); ++i)
+        kept += names[i] == all[i].name;
+    EXPECT_EQ(kept, 127u - 26 - 1) << "one of each, but capitals and small letters are the same, and : and /";
+    expectKept(HFSPlus, engine::plan::HfsPlusForm(), all);
+}
+
+TEST(NameRules, HalfACharacterIsNotKept) {
+    EXPECT_EQ(file(Joliet, u"a\xD834"), u"a");
+    EXPECT_EQ(file(HFSPlus, u"\xDD1E\xD834\xDD1E\xD834z"), u"_\U0001D11E_z");
+    EXPECT_EQ(file(UDF, u"\xD834\xD834"), u"__");
 }
 
 } // namespace

@@ -8,8 +8,12 @@
 #import "DRFile.h"
 #import "DRNotificationCenter.h"
 
+#include <fcntl.h>
 #include <pthread.h>
+#include <signal.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 static NSString* drives;
 
@@ -155,6 +159,55 @@ static void TestDrives(void) {
     PASS("the last one hears of the third", HearName(late, DRDeviceAppearedNotification));
     PASS("removed ones no more", [listener->names count] == heard);
     [Center() removeObserver:late name:nil object:nil];
+}
+
+// Another program writes to the drive, or keeps it for itself, until that ends.
+static pid_t AnotherProgram(DRDevice* device) {
+    NSString* lock = [[device ioRegistryEntryPath] stringByAppendingPathComponent:@"lock"];
+    const char* path = [lock fileSystemRepresentation];
+    int said[2];
+    if (pipe(said) != 0)
+        return -1;
+    pid_t child = fork();
+    if (child == 0) {
+        struct flock all = {.l_type = F_WRLCK, .l_whence = SEEK_SET};
+        int file = open(path, O_RDWR | O_CREAT, 0666);
+        char ready = file >= 0 && fcntl(file, F_SETLK, &all) == 0;
+        if (write(said[1], &ready, 1) == 1)
+            pause();
+        _exit(1);
+    }
+    char ready = 0;
+    PASS("another program has the drive", read(said[0], &ready, 1) == 1 && ready);
+    close(said[0]);
+    close(said[1]);
+    return child;
+}
+
+static BOOL HearBusy(Listener* listener, BOOL busy) {
+    for (int i = 0; i < 600; i++) {
+        if ([[[listener->infos lastObject] objectForKey:DRDeviceIsBusyKey]
+                isEqual:[NSNumber numberWithBool:busy]])
+            return YES;
+        Hear(listener, [listener->names count] + 1, 0.1);
+    }
+    return NO;
+}
+
+static void TestAnotherProgram(void) {
+    DRDevice* device = [[DRDevice devices] objectAtIndex:0];
+    Listener* listener = NewListener();
+    [Center() addObserver:listener
+                 selector:@selector(hear:)
+                     name:DRDeviceStatusChangedNotification
+                   object:device];
+    pid_t other = AnotherProgram(device);
+    PASS("that it is busy is told", HearBusy(listener, YES));
+    PASS("of that drive", [listener->objects lastObject] == device);
+    int status = 0;
+    PASS("it goes", kill(other, SIGKILL) == 0 && waitpid(other, &status, 0) == other);
+    PASS("and that it is free again", HearBusy(listener, NO));
+    [Center() removeObserver:listener name:nil object:nil];
 }
 
 static void TestReservation(void) {
@@ -363,6 +416,7 @@ int main(void) {
     setenv("DISC_DRIVES", [drives UTF8String], 1);
     TestCenters();
     TestDrives();
+    TestAnotherProgram();
     TestReservation();
     TestBurn();
     TestErase();

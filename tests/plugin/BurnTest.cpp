@@ -1,6 +1,7 @@
 // BurnTest.cpp: burns, through the members that DRBurnQRX declares.
 #include "host/runtime/Array.hpp"
 #include "host/runtime/FolderItem.hpp"
+#include "host/runtime/MemoryBlock.hpp"
 #include "plugin/bridge/Dictionaries.hpp"
 #include "plugin/bridge/Registry.hpp"
 #include "plugin/bridge/Wrappers.hpp"
@@ -9,6 +10,7 @@
 #include "tests/plugin/PluginTest.hpp"
 
 #include <chrono>
+#include <cstring>
 #include <thread>
 
 namespace {
@@ -310,6 +312,14 @@ TEST_F(Burn, EveryPropertyOfAKeyReadsEmptyUntilItIsSetAndThenWhatWasSet) {
     EXPECT_EQ((call<double>(className, zone, burn.get())), 0.75);
     const char* number = "MediaCatalogNumber as memoryblock";
     EXPECT_EQ((call<REALmemoryBlock>(className, number, burn.get())), nullptr);
+    const std::string digits = "0123456789012";
+    const Ref block = host::newMemoryBlock(static_cast<int64_t>(digits.size()));
+    std::memcpy(REALMemoryBlockGetPtr(block.get()), digits.data(), digits.size());
+    harness::setterOf<void(REALobject, REALmemoryBlock)>(className, number)(burn.get(), block.get());
+    const Ref now = Ref::adopt(call<REALmemoryBlock>(className, number, burn.get()));
+    ASSERT_TRUE(now);
+    ASSERT_EQ(REALMemoryBlockGetSize(now.get()), static_cast<int>(digits.size()));
+    EXPECT_EQ(std::memcmp(REALMemoryBlockGetPtr(now.get()), digits.data(), digits.size()), 0);
     EXPECT_EQ(raised(), std::nullopt);
 }
 

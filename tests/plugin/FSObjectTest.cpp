@@ -158,11 +158,15 @@ TEST_F(FSObject, AnEmptyOneAnswersEmptyAndItsSettersDoNothing) {
     EXPECT_EQ((call<REALdictionary>("DRFSObjectQRX", "specificNames as dictionary", empty.get())), nullptr);
     EXPECT_EQ((call<REALdictionary>("DRFSObjectQRX", "mangledNames as dictionary", empty.get())), nullptr);
     EXPECT_EQ((call<REALobject>("DRFSObjectQRX", "parent as DRFolderQRX", empty.get())), nullptr);
-    EXPECT_EQ(text(empty, "sourcePath as string"), "");
-    EXPECT_EQ(text(empty, "baseName as string"), "");
+    // Texts are nil, no texts of nothing.
+    for (const char* declaration : {"sourcePath as string", "baseName as string"})
+        EXPECT_EQ((call<REALstring>("DRFSObjectQRX", declaration, empty.get())), nullptr) << declaration;
     EXPECT_FALSE((call<bool>("DRFSObjectQRX", "isVirtual as boolean", empty.get())));
-    EXPECT_EQ(specificName(empty, "DRUDF"), "");
-    EXPECT_EQ(mangledName(empty, "DRUDF"), "");
+    for (const char* declaration : {"specificNameForFilesystem(filesystem as string) as string",
+                                    "mangledNameForFilesystem(filesystem as string) as string"})
+        EXPECT_EQ((call<REALstring>("DRFSObjectQRX", declaration, empty.get(), String("DRUDF").get())),
+                  nullptr)
+            << declaration;
     EXPECT_EQ(mask(empty, "explicitFilesystemMask as integer"), 0);
     EXPECT_EQ(mask(empty, "effectiveFilesystemMask as integer"), 0);
     setSpecificName(empty, "no file system", "name");

@@ -99,6 +99,70 @@ TEST_F(FileObjects, NilReachesThePlatformFromTheFilesFactoriesToo) {
     EXPECT_EQ(raised(), std::nullopt);
 }
 
+// What the platform is asked with is noted.
+objc::Id given[2];
+objc::Id noteOne(objc::Id self, objc::Sel, objc::Id first) {
+    given[0] = first;
+    objc::release(self);
+    return nullptr;
+}
+objc::Id noteTwo(objc::Id self, objc::Sel selector, objc::Id first, objc::Id second) {
+    given[1] = second;
+    return noteOne(self, selector, first);
+}
+objc::Id noteShared(objc::Id, objc::Sel, objc::Id first) {
+    given[0] = first;
+    return nullptr;
+}
+objc::Id noteSharedTwo(objc::Id self, objc::Sel selector, objc::Id first, objc::Id second) {
+    given[1] = second;
+    return noteShared(self, selector, first);
+}
+
+// Nil, and not a text or data of nothing that stands for it; and the text of nothing as it is.
+TEST_F(FileObjects, NilIsForwardedAsNilAndAnEmptyTextAsThat) {
+    replaceMethod<"initWithName:data:", noteTwo>("DRFile");
+    replaceMethod<"initWithName:dataProducer:", noteTwo>("DRFile");
+    replaceMethod<"initWithPath:", noteOne>("DRFile");
+    replaceClassMethod<"fileWithPath:", noteShared>("DRFile");
+    replaceClassMethod<"virtualFileWithName:data:", noteSharedTwo>("DRFile");
+    const objc::Id nothing = nsString("not asked");
+    const auto expectGiven = [&](const char* what, bool isNil, const auto& ask) {
+        given[0] = given[1] = nothing;
+        ask();
+        ASSERT_NE(given[0], nothing) << what;
+        EXPECT_EQ(given[0] == nullptr, isNil) << what;
+        // A nil receiver answers 0, too.
+        EXPECT_EQ((objc::send<"length", unsigned long>(given[0])), 0u) << what;
+    };
+    for (const bool isNil : {true, false}) {
+        const String empty("");
+        const REALstring name = isNil ? nullptr : empty.get();
+        const Ref file = make("DRFileQRX");
+        expectGiven("data", isNil, [&] {
+            call<void>("DRFileQRX", "Constructor(name as string, data as memoryblock)", file.get(), name,
+                       REALmemoryBlock{nullptr});
+        });
+        EXPECT_EQ(given[1], nullptr);
+        expectGiven("produced", isNil,
+                    [&] { call<void>("DRFileQRX", "Constructor(name as string)", file.get(), name); });
+        expectGiven("fileWithPath", isNil, [&] {
+            call<REALobject>("DRFileQRX", "fileWithPath(path as string) as DRFileQRX", name);
+        });
+        expectGiven("virtualFileWithName", isNil, [&] {
+            call<REALobject>("DRFileQRX",
+                             "virtualFileWithName(name as string, data as memoryblock) as DRFileQRX", name,
+                             REALmemoryBlock{nullptr});
+        });
+        EXPECT_EQ(given[1], nullptr);
+    }
+    given[0] = nothing;
+    call<void>("DRFileQRX", "Constructor(path as folderitem)", make("DRFileQRX").get(),
+               REALfolderItem{nullptr});
+    EXPECT_EQ(given[0], nullptr);
+    EXPECT_EQ(raised(), std::nullopt);
+}
+
 // Initialisers that give up what was allocated, as one does that fails.
 objc::Id refuseOne(objc::Id self, objc::Sel, objc::Id) {
     objc::release(self);
@@ -253,6 +317,35 @@ TEST_F(FileObjects, ChildrenAreAddedCountedAndTakenOut) {
     call<void>("DRFolderQRX", "removeChild(child as DRFSObjectQRX)", folder.get(), one.get());
     EXPECT_EQ(count(folder), 1);
     EXPECT_EQ((call<REALobject>("DRFSObjectQRX", "parent as DRFolderQRX", one.get())), nullptr);
+}
+
+TEST_F(FileObjects, AFolderInItselfOrInOneInsideOfItIsAHostExceptionAndTheTreeStays) {
+    const Ref root = virtualFolder("root"), sub = virtualFolder("sub"), deep = virtualFolder("deep");
+    addChild(root, sub);
+    addChild(sub, deep);
+    const auto parentOf = [this](const Ref& item) {
+        return Ref::adopt(call<REALobject>("DRFSObjectQRX", "parent as DRFolderQRX", item.get()));
+    };
+    for (const auto& [folder, child] :
+         {std::pair(&root, &root), {&sub, &sub}, {&sub, &root}, {&deep, &root}, {&deep, &sub}}) {
+        testing::internal::CaptureStderr();
+        addChild(*folder, *child);
+        testing::internal::GetCapturedStderr();
+        const auto exception = raised();
+        ASSERT_TRUE(exception);
+        EXPECT_EQ(exception->message, "The folder \"" + text(*child, "baseName as string") +
+                                          "\" can't be put into itself or into a folder inside it.");
+        EXPECT_EQ(parentOf(root).get(), nullptr);
+        EXPECT_EQ(parentOf(sub).get(), root.get());
+        EXPECT_EQ(parentOf(deep).get(), sub.get());
+        EXPECT_EQ(count(root), 1);
+        EXPECT_EQ(count(sub), 1);
+        EXPECT_EQ(count(deep), 0);
+    }
+    addChild(root, deep);
+    EXPECT_EQ(count(root), 2) << "the other way round it moves";
+    EXPECT_EQ(count(sub), 0);
+    EXPECT_EQ(raised(), std::nullopt);
 }
 
 // What the platform is given is noted.

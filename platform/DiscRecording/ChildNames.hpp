@@ -1,0 +1,28 @@
+// ChildNames: the names that files and folders have in a file system, as units and for a whole folder at once.
+#pragma once
+
+#import "DRFSObject.h"
+#include "NameRules.hpp"
+
+#include <string>
+#include <vector>
+
+namespace discrecording {
+
+/// The name that was set for the rule's file system, else what becomes of the base name there.
+std::u16string specificName(DRFSObject* object, NameRule rule);
+
+/// The mangled names of a folder's children, in their order. Only those that are in the file system, as far as their own masks
+/// say, can stand in each other's way; all others keep their specific names.
+std::vector<std::u16string> namesOfChildren(NSArray* children, NameRule rule);
+
+/// What becomes of a name that is no name of the file system's yet.
+std::u16string legalName(NameRule rule, NSString* name, bool isFolder);
+
+/// Whether it stands in the way of its siblings there, as far as its own mask says.
+bool isIn(DRFSObject* object, NameRule rule);
+
+/// As it is, text or not.
+std::u16string unitsOf(NSString* text);
+
+} // namespace discrecording

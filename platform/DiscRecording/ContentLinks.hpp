@@ -1,0 +1,52 @@
+// ContentLinks: what becomes of the links in a tree of files and folders.
+#pragma once
+
+#import "DRFile.h"
+#import "DRFolder.h"
+
+#include "Content.hpp"
+#include "Error.hpp"
+
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace discrecording {
+
+/// The links of one tree. Each stands in the file systems of its mask, where it may have a path of its own.
+class ContentLinks {
+  public:
+    explicit ContentLinks(DRFolder* root) : root_(root) {}
+
+    /// A link of the tree, in the file systems of `mask`; `way` are the indices that lead to it. The path of a symbolic link is
+    /// known when all names are.
+    engine::Result<engine::Content> contentOf(DRFile* link, std::string name, uint8_t mask,
+                                              const std::vector<size_t>& way);
+
+    /// Gives symbolic links their paths.
+    engine::Result<void> finish(engine::Content& root);
+
+    /// Why there is no disc when the mask of a link leaves it nowhere.
+    static engine::Error leftOut(DRFile* link, const std::string& name);
+
+  private:
+    struct Link {
+        DRFile* file;
+        std::vector<size_t> way;
+    };
+    struct Path {
+        std::string text;
+        uint8_t filesystems; ///< where it is that
+    };
+
+    void list(const engine::Content& root);
+    engine::Result<std::vector<Path>> pathsOf(const Link& link) const;
+    engine::Result<std::string> pathIn(uint8_t bit, const char* filesystemName, const Link& link) const;
+    static void place(const Link& link, const std::vector<Path>& paths, engine::Content& root);
+
+    DRFolder* root_;
+    std::vector<Link> links_;                                       ///< symbolic ones
+    std::unordered_map<DRFSObject*, const engine::Content*> items_; ///< what became of each
+};
+
+} // namespace discrecording
