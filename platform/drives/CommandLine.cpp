@@ -22,7 +22,8 @@ Examples:
   disc-drives --json show burner
 
 The drives are folders in the folder that DISC_DRIVES names, else in
-$XDG_DATA_HOME/disc-drives, else in ~/.local/share/disc-drives.
+$XDG_DATA_HOME/disc-drives, else in ~/.local/share/disc-drives. Recorders are
+found beside them unless DISC_PHYSICAL is 0; with DISC_DRIVES only if it is 1.
 
 Exit status: 0 done, 1 failed (one sentence on standard error says why),
 2 wrong arguments, 130 interrupted.)";

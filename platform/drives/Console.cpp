@@ -96,8 +96,10 @@ Progress::~Progress() {
 
 void Progress::show(uint64_t bytesDone) {
     done_ = bytesDone;
-    const double part =
-        total_ > 0 ? std::min(1.0, static_cast<double>(done_) / static_cast<double>(total_)) : 1;
+    showPart(total_ > 0 ? std::min(1.0, static_cast<double>(done_) / static_cast<double>(total_)) : 1);
+}
+
+void Progress::showPart(double part) {
     const auto now = Clock::now();
     // What is over in a moment needs no bar.
     if (onTerminal_) {
@@ -125,8 +127,9 @@ void Progress::drawBar(double part) {
     const double seconds = std::chrono::duration<double>(Clock::now() - began_).count();
     std::string line = '[' + std::string(static_cast<size_t>(filled), '#') +
                        std::string(static_cast<size_t>(width - filled), '-') + "] " +
-                       std::to_string(static_cast<int>(part * 100)) + "%  " + label_ + "  " +
-                       engine::megabytes(static_cast<uint64_t>(static_cast<double>(done_) / seconds)) + "/s";
+                       std::to_string(static_cast<int>(part * 100)) + "%  " + label_;
+    if (done_ > 0)
+        line += "  " + engine::megabytes(static_cast<uint64_t>(static_cast<double>(done_) / seconds)) + "/s";
     if (part > 0 && part < 1) line += "  " + clockText(seconds / part * (1 - part)) + " left";
     std::fprintf(stderr, "\r%-*s", static_cast<int>(terminalWidth()) - 1, line.c_str());
     std::fflush(stderr);

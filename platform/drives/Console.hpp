@@ -40,6 +40,8 @@ class Progress {
     void show(uint64_t bytesDone);
     /// For work whose size is known later, or anew for each of its parts.
     void show(uint64_t bytesDone, uint64_t totalBytes);
+    /// For work that isn't counted in bytes: 0 to 1.
+    void showPart(double part);
 
   private:
     void drawBar(double part);

@@ -2,9 +2,10 @@
 #include "CopyFile.hpp"
 #include "Failure.hpp"
 #include "Files.hpp"
+#include "LeftBehind.hpp"
+#include "VirtualMedium.hpp"
 
 #include <cerrno>
-#include <csignal>
 #include <fcntl.h>
 #include <filesystem>
 #include <linux/fs.h>
@@ -23,6 +24,7 @@ using engine::inQuotes;
 
 constexpr size_t pieceBytes = 4u << 20;
 constexpr std::string_view stagingPrefix = ".staging-";
+constexpr char marker[] = ".disc-drives"; // by which a folder that was left behind is known as ours
 
 [[noreturn]] void writingFailed(const std::string& path) {
     const int number = errno;
@@ -84,12 +86,6 @@ void copyContents(int from, int to, off_t size, const std::string& source, const
     progress.add(static_cast<uint64_t>(size - offset));
 }
 
-// A folder that a process left behind is named after it; what lives is not touched.
-bool isDead(const std::string& name) {
-    const int process = std::atoi(name.c_str() + stagingPrefix.size());
-    return process > 0 && ::kill(process, 0) != 0 && errno == ESRCH;
-}
-
 } // namespace
 
 uint64_t fileSize(const std::string& path) {
@@ -120,14 +116,20 @@ void copyFile(const std::string& from, const std::string& to, Progress& progress
 
 Staging::Staging(const std::string& parent) {
     std::error_code ignored;
-    for (const auto& entry : fs::directory_iterator(parent, ignored)) {
-        const std::string name = entry.path().filename().string();
-        if (name.starts_with(stagingPrefix) && isDead(name)) fs::remove_all(entry.path(), ignored);
-    }
+    std::vector<fs::path> left;
+    for (const auto& entry : fs::directory_iterator(parent, ignored))
+        if (isOfDeadProcess(entry.path().filename().string(), stagingPrefix)) left.push_back(entry.path());
+    // A drive's folder is ours. In a person's, what has our name may be theirs all the same.
+    const bool isDrive = fs::exists(fs::path(parent) / engine::names::drive, ignored);
+    for (const fs::path& each : left)
+        if (isDrive || fs::is_regular_file(fs::symlink_status(each / marker, ignored)))
+            fs::remove_all(each, ignored);
     path_ = parent + '/' + std::string(stagingPrefix) + std::to_string(::getpid()) + "-XXXXXX";
     if (::mkdtemp(path_.data()) == nullptr)
         fail(ErrorCode::DeviceAccess, "Nothing can be written to " + inQuotes(parent) + '.',
              engine::systemText(errno));
+    const engine::Descriptor made(
+        ::open((path_ + '/' + marker).c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
 }
 
 Staging::~Staging() {

@@ -18,7 +18,7 @@ void copyFile(const std::string& from, const std::string& to, Progress& progress
 /// A new folder beside or in what it becomes part of, and gone again with all in it when this object goes.
 class Staging {
   public:
-    /// Makes `parent`/.staging-…; what earlier ones left behind that died is removed. Throws Failure.
+    /// Makes `parent`/.staging-…; what earlier ones left behind that died is removed, of those that are known as such. Throws Failure.
     explicit Staging(const std::string& parent);
     Staging(const Staging&) = delete;
     Staging& operator=(const Staging&) = delete;

@@ -1,8 +1,10 @@
 // disc-drives create, disc-drives delete
+#include "Asked.hpp"
 #include "Commands.hpp"
 #include "Console.hpp"
 #include "Describe.hpp"
 #include "DrivesFolder.hpp"
+#include "LeftBehind.hpp"
 #include "MediumNames.hpp"
 #include "Utf8.hpp"
 
@@ -33,6 +35,7 @@ void checkDriveName(const std::string& name) {
 
 int createDrive(const Common& common, const NewDrive& drive) {
     checkDriveName(drive.name);
+    clearDrivesFolder();
     const fs::path folder = fs::path(engine::virtualDrivesFolder()) / drive.name;
     if (std::error_code ignored; fs::exists(folder, ignored))
         fail(ErrorCode::DeviceAccess,
@@ -65,22 +68,23 @@ int createDrive(const Common& common, const NewDrive& drive) {
 }
 
 int deleteDrive(const Common& common, const std::string& name) {
-    Found found = driveNamed(name);
-    const fs::path folder = found.drive ? fs::path(virtualDriveNamed(name, "be deleted")->path())
+    clearDrivesFolder();
+    const Found found = driveNamed(name);
+    requireVirtual(found, "be deleted");
+    const fs::path folder = found.drive ? fs::path(found.drive->identity().id)
                                         : fs::path(engine::virtualDrivesFolder()) / found.name;
     std::optional<Exclusive> mine;
     if (found.drive) {
-        const PresentMedium medium = mediumIn(*found.drive);
-        if (medium.info && medium.info->blocksUsed > 0)
-            requireConsent(common.force, whatItHolds(*medium.info, found.name), "Delete drive and medium");
+        const Asked asked(common, found, "Delete drive and medium");
         mine.emplace(*found.drive);
-    }
-    if (!found.drive || mediumIn(*found.drive).problem)
+        asked.requireUnchanged();
+    } else {
         requireConsent(common.force, "What is on the medium in " + inQuotes(found.name) + " can't be told.",
                        "Delete drive and medium");
+    }
     // Out of sight in one step; what is cut off while the files go is no drive any more.
     const fs::path away =
-        folder.parent_path() / (".deleted-" + std::to_string(::getpid()) + '-' + found.name);
+        folder.parent_path() / (std::string(deletedPrefix) + std::to_string(::getpid()) + '-' + found.name);
     if (::rename(folder.c_str(), away.c_str()) != 0)
         fail(ErrorCode::DeviceAccess, "The drive " + inQuotes(found.name) + " can't be deleted.",
              engine::systemText(errno));

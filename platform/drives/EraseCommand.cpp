@@ -1,4 +1,5 @@
 // disc-drives erase
+#include "Asked.hpp"
 #include "Commands.hpp"
 #include "Console.hpp"
 #include "Describe.hpp"
@@ -10,18 +11,19 @@ int eraseMedium(const Common& common, const std::string& name, bool complete) {
     const Found found = driveNamed(name);
     if (!found.drive) throw engine::Failure(found.problem);
     const auto medium = take(found.drive->readMedium());
-    if (medium && medium->erasable && !medium->blank)
-        requireConsent(common.force, whatItHolds(*medium, found.name), "Erase it");
+    const Asked asked(common, found, "Erase it", medium && medium->erasable);
     engine::EraseJob job(found.drive);
+    {
+        const Exclusive mine(*found.drive);
+        asked.requireUnchanged();
+        job.keep(engine::DriveHold(found.drive));
+    }
     take(job.start(complete ? engine::EraseType::Complete : engine::EraseType::Quick));
     {
-        constexpr uint64_t whole = 1000;
-        const uint64_t bytes = medium ? medium->blocksUsed * engine::blockSize : 0;
-        Progress progress("Erasing", bytes, common.json);
+        Progress progress("Erasing", 0, common.json);
         while (!job.waitFor(std::chrono::milliseconds(50))) {
             const double percent = job.status().percent;
-            if (percent >= 0)
-                progress.show(bytes / whole * static_cast<uint64_t>(percent * static_cast<double>(whole)));
+            if (percent >= 0) progress.showPart(percent);
             if (isInterrupted()) // a recorder goes on by itself, a virtual drive leaves the medium openly incomplete
                 throw Interrupted{"the medium may be erased in part; erase it again before it is used."};
         }

@@ -1,6 +1,8 @@
 // disc-drives list, disc-drives show
 #include "Commands.hpp"
 #include "Describe.hpp"
+#include "InUse.hpp"
+#include "LeftBehind.hpp"
 #include "Sizes.hpp"
 #include "Table.hpp"
 #include "Utf8.hpp"
@@ -20,7 +22,7 @@ std::string stateText(const engine::Drive& drive, const PresentMedium& medium) {
 }
 
 std::vector<std::string> rowOf(const Found& found) {
-    const bool isInUse = found.problem.code == engine::ErrorCode::DeviceBusy;
+    const bool isInUse = engine::meansInUse(found.problem.code);
     if (!found.drive) return {found.name, "", "", isInUse ? "in use" : "unusable", "", ""};
     const PresentMedium medium = mediumIn(*found.drive);
     std::vector<std::string> row = {found.name, found.drive->displayName(), "",
@@ -85,7 +87,7 @@ void describeMedium(std::string& text, const engine::MediumInfo& medium) {
         for (const engine::TrackInfo& track : session.tracks)
             table.add({std::to_string(session.number), std::to_string(track.number), modeText(track),
                        std::to_string(track.startBlock), std::to_string(track.blocks),
-                       sizeOfBlocks(track.blocks), track.volumeName});
+                       sizeText(track.blocks * engine::bytesPerBlock(track.form)), track.volumeName});
     text += '\n' + table.text();
 }
 
@@ -119,6 +121,7 @@ void printAll(const std::vector<Found>& all) {
 } // namespace
 
 int listDrives(const Common& common) {
+    clearDrivesFolder();
     const std::vector<Found> all = allDrives();
     if (common.json) {
         printAll(all);

@@ -19,14 +19,8 @@ std::string nameOf(const engine::Drive& drive) {
 
 // Programs don't see them: a drive is asked who it is when it is free.
 void addInUse(std::vector<Found>& found) {
-    for (const std::string& path : engine::physicalDrivesInUse())
-        found.push_back({path,
-                         nullptr,
-                         {engine::ErrorCode::DeviceBusy,
-                          "The drive " + engine::inQuotes(path) +
-                              " is in use by another program, or its disc is mounted; try again later.",
-                          path,
-                          {}}});
+    for (engine::DriveInUse& each : engine::physicalDrivesInUse())
+        found.push_back({std::move(each.path), nullptr, std::move(each.problem), false});
 }
 
 void addBroken(std::vector<Found>& found) {
@@ -50,7 +44,8 @@ std::vector<Found> allDrives() {
     std::vector<Found> found;
     for (engine::DriveRef& drive : take(engine::drives())) {
         std::string name = nameOf(*drive);
-        found.push_back({std::move(name), std::move(drive), {}});
+        const bool isVirtual = drive->identity().isVirtual;
+        found.push_back({std::move(name), std::move(drive), {}, isVirtual});
     }
     addInUse(found);
     addBroken(found);
@@ -75,13 +70,34 @@ Found driveNamed(const std::string& name) {
 
 std::shared_ptr<engine::VirtualDrive> virtualDriveNamed(const std::string& name, const std::string& deed) {
     const Found found = driveNamed(name);
+    requireVirtual(found, deed);
     if (!found.drive) throw engine::Failure(found.problem);
-    auto drive = std::dynamic_pointer_cast<engine::VirtualDrive>(found.drive);
-    if (!drive)
+    return std::dynamic_pointer_cast<engine::VirtualDrive>(found.drive);
+}
+
+void requireVirtual(const Found& found, const std::string& deed) {
+    if (!found.isVirtual)
         engine::fail(engine::ErrorCode::FunctionNotSupported,
-                     "The drive " + engine::inQuotes(found.drive->displayName()) +
+                     "The drive " + engine::inQuotes(found.drive ? found.drive->displayName() : found.name) +
                          " is no virtual one: it can't " + deed + '.');
-    return drive;
+}
+
+void requirePlaceOutsideDrives(const std::string& path) {
+    std::error_code ignored;
+    const fs::path folder = engine::virtualDrivesFolder();
+    const fs::path place = fs::weakly_canonical(fs::absolute(path), ignored);
+    bool belongs = fs::exists(place / engine::names::drive, ignored);
+    // By what the folders are, not by their names: a link leads to the same place.
+    for (fs::path each = place; !belongs; each = each.parent_path()) {
+        belongs = fs::equivalent(each, folder, ignored);
+        if (each == each.parent_path()) break;
+    }
+    if (belongs)
+        engine::fail(
+            engine::ErrorCode::FileLocationConflict,
+            engine::inQuotes(path) +
+                " belongs to the drives; choose a folder elsewhere, or give the medium to a drive with "
+                "\"disc-drives insert\".");
 }
 
 Exclusive::Exclusive(engine::Drive& drive) : drive_(drive) { take(drive.acquireExclusiveAccess()); }

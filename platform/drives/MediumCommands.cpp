@@ -1,4 +1,5 @@
 // disc-drives insert, eject, export, blank-medium, open, close
+#include "Asked.hpp"
 #include "Commands.hpp"
 #include "Console.hpp"
 #include "Describe.hpp"
@@ -36,16 +37,6 @@ Found usableDrive(const std::string& name) {
     return found;
 }
 
-// Asks before a medium's data is lost; a medium that can't be read may hold anything.
-void askAbout(const Common& common, const std::string& name, const engine::Drive& drive,
-              const std::string& deed) {
-    const PresentMedium medium = mediumIn(drive);
-    if (medium.problem)
-        requireConsent(common.force, "What is on the medium in " + inQuotes(name) + " can't be told.", deed);
-    if (medium.info && medium.info->blocksUsed > 0)
-        requireConsent(common.force, whatItHolds(*medium.info, name), deed);
-}
-
 } // namespace
 
 int openTray(const Common& common, const std::string& name) {
@@ -72,11 +63,14 @@ int ejectMedium(const Common& common, const Ejecting& ejecting) {
                 (medium.info || medium.problem ? ", with the medium on it." : "; there is no medium."));
     }
     const auto drive = virtualDriveNamed(ejecting.name, "lose its medium to a folder");
+    if (!ejecting.takeTo.empty()) requirePlaceOutsideDrives(ejecting.takeTo);
     const PresentMedium medium = mediumIn(*drive);
     if (!medium.info && !medium.problem)
         fail(ErrorCode::MediaNotPresent, "There is no disc in " + inQuotes(found.name) + '.');
-    if (ejecting.discard) askAbout(common, found.name, *drive, "Throw it away");
+    std::optional<Asked> asked;
+    if (ejecting.discard) asked.emplace(common, found, "Throw it away");
     const Exclusive mine(*drive);
+    if (asked) asked->requireUnchanged();
     if (!ejecting.takeTo.empty()) {
         std::error_code ignored;
         if (fs::exists(fs::path(ejecting.takeTo) / engine::names::medium, ignored))
@@ -93,9 +87,11 @@ int ejectMedium(const Common& common, const Ejecting& ejecting) {
 
 int insertMedium(const Common& common, const Inserting& inserting) {
     const auto drive = virtualDriveNamed(inserting.name, "be given a medium");
-    const std::string name = driveNamed(inserting.name).name;
-    askAbout(common, name, *drive, "Replace it");
+    const Found found = driveNamed(inserting.name);
+    const std::string& name = found.name;
+    const Asked asked(common, found, "Replace it");
     const Exclusive mine(*drive);
+    asked.requireUnchanged();
     const Staging staging(drive->path());
     const MediumFiles medium = stageMedium(inserting.medium, inserting.kind, staging, common.json);
     checkInterruption();
@@ -110,6 +106,7 @@ int makeBlankMedium(const Common& common, const NewMedium& medium) {
     const engine::MediumKind kind = kindNamed(medium.kind);
     requireWritable(kind);
     const auto record = engine::MediumRecord::blank(kind, capacityFor(kind, medium.capacity));
+    requirePlaceOutsideDrives(fs::absolute(medium.file).parent_path().string());
     std::error_code ignored;
     if (fs::is_directory(medium.file, ignored))
         fail(ErrorCode::FileLocationConflict, inQuotes(medium.file) + " is a folder; give a file's name.");
@@ -127,6 +124,7 @@ int makeBlankMedium(const Common& common, const NewMedium& medium) {
 
 int exportMedium(const Common& common, const std::string& name, const std::string& folder) {
     const auto drive = virtualDriveNamed(name, "give its medium to a folder");
+    requirePlaceOutsideDrives(folder);
     std::error_code ignored;
     if (fs::exists(folder, ignored) && !fs::is_directory(folder, ignored))
         fail(ErrorCode::FileLocationConflict, inQuotes(folder) + " is no folder.");

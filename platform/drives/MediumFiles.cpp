@@ -192,7 +192,10 @@ MediumFiles stageMedium(const std::string& path, const std::string& kind, const 
 }
 
 void putInto(const engine::VirtualDrive& drive, const MediumFiles& staged) {
-    engine::recoverMedium(drive.folder());
+    // A medium that can't be read is replaced as it is: it names nothing that is to be brought to an end.
+    const auto recovered = engine::guarded([&] { engine::recoverMedium(drive.folder()); });
+    if (!recovered && recovered.error().code != ErrorCode::MediaInvalid)
+        throw engine::Failure(recovered.error());
     engine::MediumRecord record = staged.record;
     std::map<std::string, std::string> renamed;
     forEachFile(record, [&](std::string& name) {

@@ -156,6 +156,18 @@ Result verifyDrive(const Common& common, const Found& found) {
     return result;
 }
 
+// One that can't be verified, in use by another program for instance, is told of like a bad one; the others' turn comes.
+Result verifyOneOfAll(const Common& common, const Found& found) {
+    try {
+        return verifyDrive(common, found);
+    } catch (const engine::Failure& failure) {
+        Result result;
+        result.drive = found.name;
+        result.problem = failure.error().message;
+        return result;
+    }
+}
+
 Json jsonOf(const Result& result) {
     Json tracks = Json::array();
     for (const TrackResult& each : result.tracks)
@@ -214,7 +226,7 @@ int verifyMedia(const Common& common, const std::string& name) {
     Json list = Json::array();
     bool good = true;
     for (const Found& each : all) {
-        const Result result = verifyDrive(common, each);
+        const Result result = name.empty() ? verifyOneOfAll(common, each) : verifyDrive(common, each);
         if (!name.empty() && !result.medium && result.problem.empty())
             engine::fail(engine::ErrorCode::MediaNotPresent,
                          "There is no disc in " + inQuotes(each.name) + " to verify; is the tray open?");

@@ -73,6 +73,20 @@ class DrivesCase(unittest.TestCase):
                        capture_output=True)
         return made
 
+    @staticmethod
+    def dead_process():
+        """The number of one that lives no more."""
+        process = subprocess.Popen(["true"])
+        process.wait(LIMIT)
+        return process.pid
+
+    def while_asked(self, deed, *arguments):
+        """What another program does meanwhile, and then yes; gives status and screen."""
+        def answer(process, main):
+            deed()
+            os.write(main, b"y\n")
+        return self.on_screen(arguments, answer)
+
     def used(self, name="used", kind="DVD+RW"):
         """A drive with a medium that holds data."""
         self.succeed("create", name, "--kind", "none")

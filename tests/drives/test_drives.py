@@ -244,6 +244,19 @@ class Drives(DrivesCase):
         self.succeed("delete", "broken", "-f")
         self.assertFalse(os.path.exists(self.drive("broken")))
 
+    def test_what_a_killed_process_left_goes(self):
+        """At the next create, delete or list; what still lives is left alone."""
+        self.succeed("create", "one")
+        dead = self.dead_process()
+        stays = [f".deleted-{os.getpid()}-x", f".new-{os.getpid()}-abcdef", ".new-of-mine", f".newer-{dead}-x"]
+        for name in stays:
+            os.makedirs(self.drive(name))
+        for command in (("create", "two"), ("delete", "two"), ("list",), ("--json", "list")):
+            for name in (f".deleted-{dead}-old", f".new-{dead}-abcdef"):
+                os.makedirs(self.drive(name, "below"))
+            self.succeed(*command)
+            self.assertEqual(sorted(name for name in os.listdir(self.drives) if name != "two"), sorted(stays + ["one"]))
+
     def test_a_drive_that_is_not_there(self):
         self.succeed("create", "one")
         for command in ("show", "delete", "eject", "open", "close", "verify", "erase"):

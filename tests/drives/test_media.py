@@ -202,6 +202,36 @@ class Media(DrivesCase):
         self.assertEqual(self.on_terminal("insert", "burner", other, answer=b"y\n")[0], 0)
         self.assertEqual(self.shown("burner")["medium"]["sessions"][0]["tracks"][0]["volumeName"], "Other")
 
+    def test_a_medium_that_cannot_be_read_is_replaced_by_force_only(self):
+        for damage in ('{"format": 1, "kind": "CD', '{"format": 99, "kind": "a later one"}'):
+            self.used("burner")
+            with open(self.drive("burner", "medium.json"), "w") as file:
+                file.write(damage)
+            self.refuse("can't be told. Give --force, and nobody will be asked: Replace it", "insert", "burner",
+                        self.path("holiday.iso"))
+            with open(self.drive("burner", "medium.json")) as file:
+                self.assertEqual(file.read(), damage)
+            self.assertIn('is in "burner"', self.succeed("insert", "burner", self.path("holiday.iso"), "--force"))
+            self.succeed("verify", "burner")
+            self.assertEqual(sorted(os.listdir(self.drive("burner"))),
+                             ["drive.json", "lock", "medium.iso", "medium.json"])
+            self.succeed("delete", "burner", "--force")
+
+    def test_consent_is_for_the_medium_that_was_asked_about(self):
+        """Who answers a question has seen one medium; another one that is there by then is not lost."""
+        other = self.image("other.iso", "Other")
+        for command in (("insert", "one", self.path("holiday.iso")), ("eject", "one", "--discard"), ("delete", "one"),
+                        ("erase", "one")):
+            self.used("one")
+            status, screen = self.while_asked(
+                lambda: self.succeed("insert", "one", other, "--kind", "DVD+RW", "--force"), *command)
+            self.assertEqual(status, 1, screen)
+            self.assertIn("is not the one any more that was asked about; nothing was changed", screen)
+            self.assertEqual(self.shown("one")["medium"]["sessions"][0]["tracks"][0]["volumeName"], "Other")
+            self.assertEqual(self.on_terminal(*command, answer=b"y\n")[0], 0)
+            if command[0] != "delete":
+                self.succeed("delete", "one", "--force")
+
     def test_an_open_tray_closes_with_what_was_put_on_it(self):
         self.succeed("create", "reader", "--kind", "none")
         self.succeed("open", "reader")
@@ -282,6 +312,43 @@ class Media(DrivesCase):
         self.assertEqual(self.shown("one")["medium"]["state"], "complete")
         self.refuse("holds a medium.* Give --force", "eject", "one", "--to", self.path("shelf"))
 
+    def test_no_medium_is_taken_to_where_drives_are(self):
+        """Its own folder above all: there its files would be gone with the medium."""
+        self.used("one")
+        self.used("two", "CD-R")
+        os.symlink(self.drive("one"), self.path("link"))
+        elsewhere = self.path("elsewhere")
+        shutil.copytree(self.drive("two"), elsewhere)
+        before = self.medium("one"), self.medium("two")
+        shutil.copy(self.drive("one", "medium.iso"), self.path("kept.iso"))
+        for folder in (self.drive("one"), self.drive("two"), self.drive("two", "below", "it"), self.drives,
+                       self.drive("new"), self.path("link"), self.drive("one", "..", "two"), elsewhere):
+            for command in (("eject", "one", "--to", folder), ("export", "one", folder),
+                            ("blank-medium", "CD-R", os.path.join(folder, "medium.json"))):
+                self.refuse("belongs to the drives; choose a folder elsewhere", *command, "--force")
+        self.assertEqual((self.medium("one"), self.medium("two")), before)
+        self.same(self.drive("one", "medium.iso"), self.path("kept.iso"))
+        self.assertEqual(sorted(os.listdir(self.drives)), ["one", "two"])
+        self.succeed("verify")
+
+    def test_what_looks_like_ours_in_a_persons_folder_stays(self):
+        """What a killed export left is known by what is in it."""
+        self.used("one")
+        dead = self.dead_process()
+        mine, ours = self.path("shelf", f".staging-{dead}-mine"), self.path("shelf", f".staging-{dead}-ours")
+        for folder, file in ((mine, "letter.txt"), (ours, ".disc-drives")):
+            os.makedirs(folder)
+            with open(os.path.join(folder, file), "w"):
+                pass
+        self.succeed("export", "one", self.path("shelf"), "--force")
+        self.assertEqual(sorted(os.listdir(self.path("shelf"))), [os.path.basename(mine), "medium.iso", "medium.json"])
+        self.assertEqual(os.listdir(mine), ["letter.txt"])
+        os.makedirs(self.drive("one", f".staging-{dead}-old"))
+        os.makedirs(self.drive("one", f".staging-{os.getpid()}-alive"))
+        self.succeed("insert", "one", self.path("holiday.iso"), "--force")
+        self.assertEqual(sorted(os.listdir(self.drive("one"))),
+                         [f".staging-{os.getpid()}-alive", "drive.json", "lock", "medium.iso", "medium.json"])
+
     def test_a_medium_is_thrown_away_by_force_only(self):
         self.used("one")
         self.refuse("Give --force.*: Throw it away", "eject", "one", "--discard")
@@ -311,6 +378,19 @@ class Media(DrivesCase):
         self.assertIn("three: There is no medium to verify.", said)
         os.truncate(self.drive("one", "medium.iso"), 4096)
         self.assertEqual(self.run_command("verify").returncode, 1)
+
+    def test_a_drive_in_use_keeps_no_other_from_being_verified(self):
+        for name in ("one", "two", "three"):
+            self.used(name)
+        self.busy("two")
+        done = self.run_command("verify")
+        self.assertEqual(done.returncode, 1, done.stderr)
+        self.assertRegex(done.stdout, r"(?m)^two: The drive .* is in use by another program; try again later\.$")
+        for name in ("one", "three"):
+            self.assertIn(f"{name}: Every block of the DVD+RW can be read", done.stdout)
+        told = json.loads(self.run_command("--json", "verify").stdout)
+        self.assertEqual([told["good"]] + [(each["name"], each["good"]) for each in told["drives"]],
+                         [False, ("one", True), ("three", True), ("two", False)])
 
     def test_no_medium_to_verify(self):
         self.succeed("create", "one", "--kind", "none")
@@ -433,6 +513,16 @@ class Media(DrivesCase):
         self.assertEqual(status, 0, screen)
         self.assertNotIn("25%\r\n", screen)
         self.assertEqual(self.run_command("--json", "verify", "one").stderr, "")
+
+    def test_a_tracks_size_is_that_of_its_sectors(self):
+        with open(self.path("song.bin"), "wb") as file:
+            file.write(os.urandom(2352 * 1000))
+        with open(self.path("song.cue"), "w") as file:
+            file.write('FILE "song.bin" BINARY\n  TRACK 01 AUDIO\n    INDEX 01 00:00:00\n')
+        self.succeed("create", "one", "--kind", "none")
+        self.succeed("insert", "one", self.path("song.cue"))
+        for command in ("show", "verify"):
+            self.assertRegex(self.succeed(command, "one"), r"(?m)^ +1 +1  audio .*2\.4 MB")
 
     # ---- erase ----------------------------------------------------------------------------------------------------
 
