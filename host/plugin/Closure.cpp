@@ -56,7 +56,8 @@ Value readArgument(const Parameter& parameter, void* address) {
 void writeArgument(const Parameter& parameter, void* address, const Value& value) {
     void* to = *static_cast<void**>(address);
     if (!to) return;
-    const Value fitting = convert(value, parameter.type, "ByRef parameter " + parameter.name);
+    const Value fitting =
+        convertOr(value, parameter.type, [&] { return "ByRef parameter " + parameter.name; });
     const std::size_t size = parameter.type.isReference() ? sizeof(void*) : sizeOf(parameter.type.kind);
     Slot before{}, after{};
     std::memcpy(&before, to, size);
@@ -68,16 +69,19 @@ void writeArgument(const Parameter& parameter, void* address, const Value& value
 // What a pointer block points at is the plug-in's for no longer than the call.
 class PointersEnd {
   public:
-    explicit PointersEnd(const std::vector<Value>& arguments) : arguments_(arguments) {}
+    explicit PointersEnd(const std::vector<Value>& arguments) {
+        for (const Value& argument : arguments)
+            if (argument.isObject() && isMemoryBlock(argument.object())) blocks_.push_back(argument);
+    }
     PointersEnd(const PointersEnd&) = delete;
     PointersEnd& operator=(const PointersEnd&) = delete;
     ~PointersEnd() {
-        for (const Value& argument : arguments_)
-            if (argument.isObject() && isMemoryBlock(argument.object())) endPointerBlock(argument.object());
+        for (const Value& block : blocks_)
+            endPointerBlock(block.object());
     }
 
   private:
-    const std::vector<Value>& arguments_;
+    std::vector<Value> blocks_; // of its own: a handler may assign its parameters
 };
 
 void callBody(const Closure& closure, void* result, void** addresses) {
@@ -86,19 +90,20 @@ void callBody(const Closure& closure, void* result, void** addresses) {
     const Ref alive = Ref::borrowAlive(self);
     if (self && !alive) return; // ended while the plug-in was about to call
     std::vector<Value> arguments;
+    arguments.reserve(parameters.size());
     for (std::size_t i = 0; i < parameters.size(); ++i)
         arguments.push_back(readArgument(parameters[i], addresses[i]));
-    const std::vector<Value> given = arguments; // a handler may assign its parameters
-    const PointersEnd end(given);
+    const PointersEnd end(arguments);
     const Value value = closure.member->body(self, arguments);
     for (std::size_t i = 0; i < parameters.size(); ++i)
         if (parameters[i].byRef) writeArgument(parameters[i], addresses[i], arguments[i]);
     const Type& type = closure.declaration.result;
     if (type.kind != Kind::None)
-        storeResult(convert(value, type, "the result of " + closure.declaration.name), type, result);
+        storeResult(convertOr(value, type, [&] { return "the result of " + closure.declaration.name; }), type,
+                    result);
 }
 
-// Under the lock; what is no exception of a program's leaves both as they are.
+// Under the lock.
 void describe(const std::exception_ptr& thrown, std::string& name, std::string& reason) {
     try {
         std::rethrow_exception(thrown);
@@ -106,6 +111,8 @@ void describe(const std::exception_ptr& thrown, std::string& name, std::string& 
         name = exception.className();
         reason = exception.message().empty() ? name : exception.message();
     } catch (...) {
+        name = "RuntimeException";
+        reason = "the program ended inside an event handler";
     }
 }
 
@@ -113,7 +120,7 @@ void enter(ffi_cif*, void* result, void** addresses, void* user) {
     const auto& closure = *static_cast<Closure*>(user);
     zeroResult(closure.declaration.result, result);
     std::exception_ptr thrown;
-    std::string name = "RuntimeException", reason = "the program ended inside an event handler";
+    std::string name, reason;
     {
         const ThreadEntry entry;
         const Locked lock;
@@ -150,7 +157,8 @@ auto& closures() {
     return known;
 }
 
-/// By where the declaration stands: an event is asked for at each of its calls, and its text takes longer than the rest.
+/// By where the declaration stands, which is a member's for ever: an event is asked for at each of its calls, and its text takes
+/// longer than the rest.
 auto& asked() {
     static auto& known = *new std::map<std::pair<const Member*, const Declaration*>, const Closure*>;
     return known;
@@ -161,7 +169,7 @@ auto& asked() {
 REALproc closureFor(const Member& member, const Declaration& declaration) {
     std::lock_guard guard(mutex);
     const Closure*& before = asked()[{&member, &declaration}];
-    if (before && before->declaration.matches(declaration)) return reinterpret_cast<REALproc>(before->code);
+    if (before) return reinterpret_cast<REALproc>(before->code);
     auto& entry = closures()[{&member, declaration.text()}];
     if (!entry) {
         entry = std::make_unique<Closure>();

@@ -69,6 +69,7 @@ const std::vector<const Plugin*>& loadedPlugins() {
 std::vector<Listed> listDeclarations(const Class& listed) {
     std::vector<Listed> list;
     for (const auto& member : listed.members()) {
+        if (member->scope == Scope::Private) continue; // not for programs
         std::string kind = member->kind == MemberKind::Method     ? "method"
                            : member->kind == MemberKind::Property ? "property"
                            : member->kind == MemberKind::Event    ? "event"

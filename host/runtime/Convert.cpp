@@ -39,9 +39,13 @@ int fitObject(const Value& value, const Type& type) {
     if (value.isNil()) return kNilCost;
     if (!value.isObject()) return -1;
     if (type.className.empty()) return kNarrower;
+    // Written as it was declared, nearly always: the registry needn't be asked.
+    int distance = 0;
+    for (const Class* c = &classOf(value.object()); c; c = c->superOrNull(), ++distance)
+        if (c->name() == type.className) return distance;
     const Class* wanted = findClass(type.className);
     if (!wanted) return -1;
-    int distance = 0;
+    distance = 0;
     for (const Class* c = &classOf(value.object()); c; c = c->superOrNull(), ++distance)
         if (c == wanted) return distance;
     return -1;
@@ -94,6 +98,10 @@ Value convert(const Value& value, const Type& type, std::string_view what) {
         raise("TypeMismatchException",
               std::string(what) + " must be " + due + ", not " + (value.isNil() ? "nil" : value.typeName()));
     }
+    return fitted(value, type);
+}
+
+Value fitted(const Value& value, const Type& type) {
     if (type.isReference() || value.kind() == type.kind) return value;
     if (type.kind == Kind::Boolean) return value.toInt64() != 0;
     return toKind(value, type.kind);

@@ -76,7 +76,8 @@ void assignMembers(const std::vector<const Member*>& members, REALobject self, A
 Value callBody(const Member& member, REALobject self, Arguments arguments) {
     Value result = member.body(self, arguments);
     if (member.declaration.result.kind == Kind::None) return {};
-    return convert(result, member.declaration.result, "the result of " + member.declaration.name);
+    return convertOr(result, member.declaration.result,
+                     [&] { return "the result of " + member.declaration.name; });
 }
 
 Value readStored(const Member& member, REALobject self) {
@@ -99,7 +100,8 @@ std::vector<Value> fullArguments(const Member& member, Arguments arguments) {
                                            std::to_string(arguments.size()));
     for (std::size_t i = 0; i < parameters.size(); ++i) {
         if (i < arguments.size())
-            full.push_back(convert(arguments[i], parameters[i].type, argumentName(member, i)));
+            full.push_back(
+                convertOr(arguments[i], parameters[i].type, [&] { return argumentName(member, i); }));
         else if (parameters[i].defaultValue)
             full.push_back(*parameters[i].defaultValue);
         else
@@ -218,7 +220,6 @@ Value call(const Member& member, REALobject self, Arguments arguments) {
 }
 
 void callSetter(const Member& member, REALobject self, Arguments parameters, const Value& value) {
-    const auto what = "the value of " + member.declaration.name;
     if (!member.canAssign())
         raise("UnsupportedOperationException", member.declaration.name + " can't be assigned to");
     if (member.shared)
@@ -227,7 +228,8 @@ void callSetter(const Member& member, REALobject self, Arguments parameters, con
         refuseNil(member.declaration.name);
     const Ref alive = Ref::borrow(self);
     auto full = fullArguments(member, parameters);
-    Value converted = convert(value, member.declaration.result, what);
+    Value converted = convertOr(value, member.declaration.result,
+                                [&] { return "the value of " + member.declaration.name; });
     if (member.setter || member.setterBody) {
         full.push_back(std::move(converted));
         if (member.setter)
@@ -255,7 +257,8 @@ Value raiseEvent(REALobject object, std::string_view eventName, Arguments argume
     Value result = handler->body(object, full);
     writeBack(*event, full, arguments);
     if (event->declaration.result.kind == Kind::None) return {};
-    return convert(result, event->declaration.result, "the result of " + event->declaration.name);
+    return convertOr(result, event->declaration.result,
+                     [&] { return "the result of " + event->declaration.name; });
 }
 
 } // namespace host

@@ -157,16 +157,21 @@ void addTexts(std::vector<MemberSpec>& m) {
     }));
 }
 
+Class& blockClass() { // the host's own, so it is there for ever
+    static Class& known = requireClass("MemoryBlock");
+    return known;
+}
+
 } // namespace
 
 Ref newMemoryBlock(int64_t bytes) {
-    Ref block = Ref::adopt(newObject(requireClass("MemoryBlock")));
+    Ref block = Ref::adopt(newObject(blockClass()));
     if (!allocate(data(block.get()), bytes)) return {};
     return block;
 }
 
 Ref newPointerBlock(void* pointer) {
-    Ref block = Ref::adopt(newObject(requireClass("MemoryBlock")));
+    Ref block = Ref::adopt(newObject(blockClass()));
     auto& held = data(block.get());
     held.bytes = static_cast<std::byte*>(pointer);
     held.isOwn = false;

@@ -27,6 +27,7 @@ constexpr auto kNames =
 } // namespace
 
 bool sameName(std::string_view a, std::string_view b) {
+    if (a == b) return true; // nearly always, and quickly
     return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(),
                                               [](char x, char y) { return lowerChar(x) == lowerChar(y); });
 }

@@ -109,6 +109,13 @@ int fit(const Value& value, const Type& type);
 // path of folderWithPath"), when it does not fit. Numbers convert to numbers, anything to Variant; text never
 // to a number.
 Value convert(const Value& value, const Type& type, std::string_view what);
+// The value as a type that it fits.
+Value fitted(const Value& value, const Type& type);
+// As convert(), but what the message begins with is made only for a message.
+template <class Describe>
+Value convertOr(const Value& value, const Type& type, const Describe& what) {
+    return fit(value, type) < 0 ? convert(value, type, what()) : fitted(value, type);
+}
 // BASIC's "=": numbers by value, text without regard to case, objects by identity, nil equals only nil.
 bool equalValues(const Value& a, const Value& b);
 // Negative, 0 or positive; text is compared without regard to case. Raises TypeMismatchException for mixed

@@ -3,6 +3,7 @@
 
 #include "host/runtime/Lock.hpp"
 #include "host/runtime/String.hpp"
+#include "host/services/TimeRules.hpp"
 
 #include <algorithm>
 #include <atomic>
@@ -85,7 +86,7 @@ CFStringRef fromBytes(std::string_view bytes, uint32_t encoding) {
 
 } // namespace
 
-void givePlatformTheTimeZone() {
+void nameTheTimeZone() {
     const char* const given = std::getenv("TZ");
     if (!given) return;
     std::string zone = given;
@@ -98,23 +99,90 @@ void givePlatformTheTimeZone() {
     setenv("GNUSTEP_TZ", zone.c_str(), 0); // whoever has set it means it
 }
 
+void givePlatformTheTimeZone() {
+    const Id zones = classNamed("NSTimeZone");
+    if (!zones || !std::getenv("TZ") || std::getenv("GNUSTEP_TZ")) return;
+    const Pool pool;
+    const std::string rules = timeRules();
+    const Id data =
+        send<Id>(classNamed("NSData"), "dataWithBytes:length:", static_cast<const void*>(rules.data()),
+                 static_cast<unsigned long>(rules.size()));
+    auto* const text =
+        const_cast<void*>(static_cast<const void*>(fromBytes("Rules of TZ", kREALEncodingUTF8)));
+    const Id name = send<Id>(text, "autorelease");
+    if (const Id zone = send<Id>(zones, "timeZoneWithName:data:", name, data))
+        send<void>(zones, "setDefaultTimeZone:", zone);
+}
+
 bool hasPlatform() { return classNamed("NSAutoreleasePool") != nullptr; }
 
-Pool::Pool() : pool_(send<Id>(send<Id>(classNamed("NSAutoreleasePool"), "alloc"), "init")) {}
+namespace {
 
-Pool::~Pool() { send<void>(pool_, "release"); }
+// Made and ended with each statement and each event: what a message takes is looked up once.
+class PoolMessages {
+  public:
+    // Null as long as there is no platform.
+    static const PoolMessages* known() {
+        static std::atomic<const PoolMessages*> found{nullptr};
+        if (const auto* before = found.load(std::memory_order_acquire)) return before;
+        const Id pools = classNamed("NSAutoreleasePool");
+        if (!pools) return nullptr;
+        static const PoolMessages messages(pools);
+        found.store(&messages, std::memory_order_release);
+        return &messages;
+    }
+
+    Id make() const { return make_(pools_, new_); }
+    // Pools of one class have one way to end.
+    void end(Id pool) const { release_(pool, releaseName_); }
+
+  private:
+    explicit PoolMessages(Id pools) : pools_(pools) {
+        auto* const selector = symbol<void*(const char*)>("sel_registerName");
+        auto* const lookUp = symbol<void*(Id, void*)>("objc_msg_lookup");
+        auto* const message = symbol<void>("objc_msgSend");
+        new_ = selector("new");
+        releaseName_ = selector("release");
+        make_ = reinterpret_cast<Make*>(lookUp ? lookUp(pools, new_) : reinterpret_cast<void*>(message));
+        const Id first = make();
+        release_ =
+            reinterpret_cast<End*>(lookUp ? lookUp(first, releaseName_) : reinterpret_cast<void*>(message));
+        end(first);
+    }
+
+    using Make = Id(Id, void*);
+    using End = void(Id, void*);
+    Id pools_;
+    void* new_;
+    void* releaseName_;
+    Make* make_;
+    End* release_;
+};
+
+} // namespace
+
+Pool::Pool() {
+    const auto* const messages = PoolMessages::known();
+    pool_ = messages ? messages->make() : nullptr;
+}
+
+Pool::~Pool() {
+    if (pool_) PoolMessages::known()->end(pool_);
+}
 
 void registerThread() {
-    // Told to the platform once for each thread, and taken back when the thread ends.
+    // Told to the platform once for each thread, and taken back when the thread ends, by whoever was first.
     struct Registration {
-        bool isDone = false;
+        bool isKnown = false, isOurs = false;
         ~Registration() {
-            if (auto* forget = symbol<void()>("GSUnregisterCurrentThread"); isDone && forget) forget();
+            if (auto* forget = symbol<void()>("GSUnregisterCurrentThread"); isOurs && forget) forget();
         }
     };
     thread_local Registration registration;
-    if (registration.isDone) return;
-    if (auto* make = symbol<uint8_t()>("GSRegisterCurrentThread")) registration.isDone = make() != 0;
+    if (registration.isKnown) return;
+    auto* const make = symbol<uint8_t()>("GSRegisterCurrentThread");
+    registration.isOurs = make && make() != 0;
+    registration.isKnown = make != nullptr;
 }
 
 namespace {

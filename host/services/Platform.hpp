@@ -12,8 +12,11 @@ namespace host {
 bool hasPlatform();
 
 // Tells the platform the time zone that TZ names: its own classes don't look there, so a program's dates and theirs would
-// differ. Before the platform is loaded, since it reads its own variable once, and before there are threads. Zones by name
-// only; what else TZ may say (CET-1CEST) the platform doesn't know.
+// differ. Before the platform is loaded, since it reads its own variable once, and before there are threads.
+void nameTheTimeZone();
+
+// What else TZ may say (CET-1CEST,M3.5.0,M10.5.0/3) the platform gets as rules, once it is there: those of the C library, which
+// the program's dates go by.
 void givePlatformTheTimeZone();
 
 // An autorelease pool around a top-level statement, or around an event handler on a thread of the platform's.

@@ -1,5 +1,6 @@
 // The command disc-basic: runs programs, and lists what plug-ins declare.
 #include "Program.hpp"
+#include "host/basic/library/Library.hpp"
 #include "host/plugin/PluginLoader.hpp"
 #include "host/runtime/Exceptions.hpp"
 #include "host/runtime/Lock.hpp"
@@ -36,7 +37,7 @@ Options stand before PROGRAM:
   --help                print this
 
 Examples:
-  disc-basic hello.bas
+  disc-basic examples/list-drives.bas
   disc-basic run examples/burn-folder.bas Pictures "My Pictures"
   disc-basic list DRDeviceQRX
   disc-basic --plugin ./Other.so list
@@ -121,9 +122,10 @@ int list(const Options& options) {
         return kExitUnusable;
     }
     if (options.rest.size() == 1) {
+        defineLibraryClasses();
         const Class* wanted = findClass(options.rest[0]);
         if (!wanted) {
-            std::fprintf(stderr, "There is no class %s; disc-basic list shows all of them.\n",
+            std::fprintf(stderr, "There is no class %s; disc-basic list shows those of the plug-ins.\n",
                          options.rest[0].c_str());
             return kExitUnusable;
         }
@@ -149,6 +151,7 @@ int start(const Options& options) {
     {
         const Locked locked;
         loadPlugins(options);
+        givePlatformTheTimeZone();
         if (options.command == "list") {
             const int status = list(options);
             if (std::fflush(stdout) != 0 || std::ferror(stdout)) {
@@ -188,7 +191,7 @@ int main(int count, char** words) {
     }
     if (options.help) return std::fputs(kHelp, stdout) < 0 ? 1 : 0;
     if (options.version) return std::puts("disc-basic " DISC_VERSION) < 0 ? 1 : 0;
-    givePlatformTheTimeZone();
+    nameTheTimeZone();
     try {
         return start(options);
     } catch (const PluginError& error) {

@@ -8,6 +8,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <ctime>
+#include <filesystem>
 
 namespace host::basic {
 
@@ -44,6 +45,38 @@ void waitFor(Context& context, double milliseconds) {
 Value environment(const Value& name) {
     const char* value = std::getenv(name.toText().c_str());
     return Value(value ? value : "");
+}
+
+// The bytes that a path of the platform stands for: it writes one that is no text as U+EF80 to U+EFFF.
+std::string bytesOfPath(std::string_view path) {
+    std::string bytes;
+    for (size_t i = 0; i < path.size(); ++i) {
+        const auto at = [&](size_t offset) {
+            return i + offset < path.size() ? static_cast<unsigned char>(path[i + offset]) : 0u;
+        };
+        if (at(0) == 0xEE && (at(1) == 0xBE || at(1) == 0xBF) && at(2) >= 0x80 && at(2) <= 0xBF) {
+            bytes += static_cast<char>((at(1) == 0xBE ? 0x80u : 0xC0u) | (at(2) & 0x3Fu));
+            i += 2;
+        } else {
+            bytes += path[i];
+        }
+    }
+    return bytes;
+}
+
+// Deliberate: a path means what it says, and only where nothing is there what the platform would mean by it. So the paths
+// that plug-ins answer lead to their files, and a name that holds such a character can be given as it is.
+Ref itemAt(const std::string& path) {
+    Ref item = newFolderItem(path);
+    const std::string bytes = bytesOfPath(path);
+    if (bytes == path) return item;
+    std::error_code ignored;
+    const auto isThere = [&](const Ref& each) {
+        return std::filesystem::symlink_status(pathOf(each.get()), ignored).type() !=
+               std::filesystem::file_type::not_found;
+    };
+    Ref other = newFolderItem(bytes);
+    return !isThere(item) && isThere(other) ? other : item;
 }
 
 constexpr NativeEntry kEntries[] = {
@@ -89,7 +122,7 @@ constexpr NativeEntry kEntries[] = {
          return {};
      }},
     {"GetFolderItem(path As String) As FolderItem",
-     [](Context&, Arguments a) -> Value { return Value(newFolderItem(a[0].toText())); }},
+     [](Context&, Arguments a) -> Value { return Value(itemAt(a[0].toText())); }},
     {"System.EnvironmentVariable(name As String) As String",
      [](Context&, Arguments a) -> Value { return environment(a[0]); }},
     {"System.EnvironmentVariable(name As String, Assigns value As String)",

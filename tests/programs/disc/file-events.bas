@@ -20,7 +20,7 @@ Class Produced Inherits DRFileQRX
     Event produceFile(fork As Integer, buffer As MemoryBlock, Bufferlen As UInt32, address As UInt64, blocksize As UInt32) As UInt32
         If Mode = "raises" Then Raise New UnsupportedOperationException("no bytes today")
         If Mode = "short" And address >= 3000 Then Return 0
-        If Mode = "short" Or Mode = "slow" Then
+        If Mode = "short" Or Mode = "slow" Or Mode = "untidy" Then
             Dim count As Integer = Min(1000, Bufferlen)
             For i As Integer = 0 To count - 1
                 buffer.UInt8Value(i) = (address + i) Mod 251
@@ -32,6 +32,7 @@ Class Produced Inherits DRFileQRX
 
     Event cleanupFileAfterBurn()
         Produced.CleanedUp = Produced.CleanedUp + 1
+        If Mode = "untidy" Then Raise New UnsupportedOperationException("no broom today")
     End Event
 End Class
 
@@ -50,6 +51,7 @@ Function BurnOf(mode As String) As String
     Dim root As DRFolderQRX = DRFolderQRX.virtualFolderWithName("Events")
     root.addChild(file)
     Dim burn As New DRBurnQRX(DRDeviceQRX.device(0))
+    burn.Overwrite = Not DRDeviceQRX.device(0).mediaIsBlank
     burn.BurnFailureAction = DRBurnQRX.DRBurnFailureActionNone
     burn.completionAction = DRBurnQRX.DRBurnCompletionActionMount
     Dim raised As String
@@ -81,7 +83,12 @@ Print BurnOf("nil") ' expect: 80020062: The producer of the file "produced.bin" 
 Print BurnOf("short") ' expect: 80020062: The producer of the file "produced.bin" gave 3000 bytes of the 5000 that it had announced.
 Print BurnOf("more") ' expect: 80020062: The producer of the file "produced.bin" says that it gave more than it was asked for.
 Print DRDeviceQRX.device(0).mediaIsBlank ' expect: True
+' By then the disc is whole, and stays so.
+Print BurnOf("untidy") ' expect: 80020062: The producer of the file "produced.bin" failed when it was to clean up; the burn itself was over. (no broom today) and no broom today
+For Each onDisc As DRTrackQRX In DRDeviceQRX.device(0).status.Value(DRDeviceQRX.DRDeviceTrackRefsKey)
+    Print onDisc.properties.Value(DRTrackQRX.DRTrackTypeKey) ' expect: DRTrackTypeClosed
+Next
 Print BurnOf("slow") ' expect: done
 App.DoEvents(200)
-Print Produced.Prepared ' expect: 7
-Print Produced.CleanedUp ' expect: 7
+Print Produced.Prepared ' expect: 8
+Print Produced.CleanedUp ' expect: 8
