@@ -7,15 +7,38 @@
 '   --title=TITLE       the disc's title (default: the first file's album)
 '   --performer=NAME    the disc's performer (default: the first file's artist)
 '   --gap=SECONDS       silence between tracks (default: none)
+'   --drive=NAME        the drive, by its folder's name or the one it shows (default: the first one)
 '
 ' A re-writable disc that holds data is overwritten.
 
-Const Usage = "Usage: audio-cd.bas [--title=TITLE] [--performer=NAME] [--gap=SECONDS] FILE …"
+Const Usage = "Usage: audio-cd.bas [--title=TITLE] [--performer=NAME] [--gap=SECONDS] [--drive=NAME] FILE …"
 
 Sub Fail(message As String)
     StdErr.WriteLine("audio-cd: " + message)
     Quit(1)
 End Sub
+
+' The drive that a person means: by the name of its folder, its path, or the name that it shows. "" is the first one.
+Function DriveNamed(name As String) As DRDeviceQRX
+    Dim shown() As DRDeviceQRX
+    For Each drive As DRDeviceQRX In DRDeviceQRX.devices
+        Dim place As FolderItem = GetFolderItem(drive.ioRegistryEntryPath)
+        If name = "" Or StrComp(name, place.Name, 0) = 0 Or StrComp(name, place.NativePath, 0) = 0 Then Return drive
+        If StrComp(name, drive.displayName, 0) = 0 Then shown.Append(drive)
+    Next
+    If name = "" Then Fail("there is no drive that can write discs; disc-drives list names those in use")
+    If shown.Count = 0 Then Fail("there is no drive " + name + "; list-drives.bas shows which there are")
+    If shown.Count > 1 Then Fail("several drives are called " + name + "; take a path that list-drives.bas shows")
+    Return shown(0)
+End Function
+
+' How a disc gets into a drive: a command for a virtual one, a hand for a recorder.
+Function HowToInsert(drive As DRDeviceQRX, kind As String) As String
+    Dim place As FolderItem = GetFolderItem(drive.ioRegistryEntryPath)
+    If Not place.Directory Then Return " and try again"
+    Return " with: disc-drives blank-medium " + kind + " blank.medium && disc-drives insert '" + _
+        ReplaceAll(place.Name, "'", "'\''") + "' blank.medium"
+End Function
 
 ' ---- what a file says about itself --------------------------------------------------------------------------
 
@@ -312,6 +335,7 @@ End Class
 ' ---- what to burn -------------------------------------------------------------------------------------------
 
 Dim files() As FolderItem
+Dim driveName As String
 Dim discTitle As String
 Dim discPerformer As String
 Dim gap As Double
@@ -324,6 +348,8 @@ For Each argument As String In App.Arguments
         discPerformer = value
     ElseIf word = "--gap" And (value = "0" Or Val(value) > 0) Then
         gap = Val(value)
+    ElseIf word = "--drive" And value <> "" Then
+        driveName = value
     ElseIf argument.BeginsWith("--") Then
         StdErr.WriteLine(Usage)
         Quit(2)
@@ -386,17 +412,23 @@ If discPerformer <> "" Then lines.Insert(0, "PERFORMER " + Quoted(discPerformer)
 
 ' ---- where to -----------------------------------------------------------------------------------------------
 
-If DRDeviceQRX.deviceCount = 0 Then Fail("there is no drive that can write discs; disc-drives list names those in use")
-Dim drive As DRDeviceQRX = DRDeviceQRX.device(0)
+Dim drive As DRDeviceQRX = DriveNamed(driveName)
 If drive.trayIsOpen Then Call drive.closeTray
-If Not drive.mediaIsPresent Then Fail("there is no disc in " + drive.displayName + "; insert one and try again")
-If Not drive.mediaType.BeginsWith("DRDeviceMediaTypeCD") Then Fail("an audio CD needs a CD-R or CD-RW; insert one and try again")
+If Not drive.mediaIsPresent Then
+    Fail("there is no disc in " + drive.displayName + "; insert one" + HowToInsert(drive, "CD-RW"))
+End If
+If Not drive.mediaType.BeginsWith("DRDeviceMediaTypeCD") Then
+    Fail("an audio CD needs a CD-R or CD-RW; insert one" + HowToInsert(drive, "CD-RW"))
+End If
+If Not drive.mediaIsBlank And Not drive.mediaIsOverwritable Then
+    Fail("the disc in " + drive.displayName + " holds data and can't be overwritten; insert a blank one" + HowToInsert(drive, "CD-RW"))
+End If
 
 Dim burn As New DRBurnQRX(drive)
 burn.completionAction = DRBurnQRX.DRBurnCompletionActionMount
 burn.BurnFailureAction = DRBurnQRX.DRBurnFailureActionNone
 If Not drive.mediaIsBlank Then
-    Print "The disc in " + drive.displayName + " is overwritten."
+    Print "The disc in " + drive.displayName + " holds data, which is overwritten."
     burn.Overwrite = True
 End If
 

@@ -2,8 +2,9 @@
 '
 '   disc-basic backup.bas [--drive=NAME] [--exclude=PATTERN]... FOLDER
 '
-'   --drive=NAME        the drive, by the name it shows (default: the first one)
+'   --drive=NAME        the drive, by its folder's name or the one it shows (default: the first one)
 '   --exclude=PATTERN   leaves out what has such a name, with all that is in it; * stands for any text: --exclude=*.o
+'                       (letters count as they are: *.o is not *.O)
 '
 ' The copy is a folder that is named after the time, with a listing of its files beside it.
 
@@ -14,20 +15,42 @@ Sub Fail(message As String)
     Quit(1)
 End Sub
 
+' The drive that a person means: by the name of its folder, its path, or the name that it shows. "" is the first one.
+Function DriveNamed(name As String) As DRDeviceQRX
+    Dim shown() As DRDeviceQRX
+    For Each drive As DRDeviceQRX In DRDeviceQRX.devices
+        Dim place As FolderItem = GetFolderItem(drive.ioRegistryEntryPath)
+        If name = "" Or StrComp(name, place.Name, 0) = 0 Or StrComp(name, place.NativePath, 0) = 0 Then Return drive
+        If StrComp(name, drive.displayName, 0) = 0 Then shown.Append(drive)
+    Next
+    If name = "" Then Fail("there is no drive that can write discs; disc-drives list names those in use")
+    If shown.Count = 0 Then Fail("there is no drive " + name + "; list-drives.bas shows which there are")
+    If shown.Count > 1 Then Fail("several drives are called " + name + "; take a path that list-drives.bas shows")
+    Return shown(0)
+End Function
+
+' How a disc gets into a drive: a command for a virtual one, a hand for a recorder.
+Function HowToInsert(drive As DRDeviceQRX, kind As String) As String
+    Dim place As FolderItem = GetFolderItem(drive.ioRegistryEntryPath)
+    If Not place.Directory Then Return " and try again"
+    Return " with: disc-drives blank-medium " + kind + " blank.medium && disc-drives insert '" + _
+        ReplaceAll(place.Name, "'", "'\''") + "' blank.medium"
+End Function
+
 ' Whether a name is what a pattern says: the parts between its stars, in their order.
 Function Matches(name As String, pattern As String) As Boolean
     Dim parts() As String = Split(pattern, "*")
-    If parts.LastIndex = 0 Then Return name = pattern
+    If parts.LastIndex = 0 Then Return StrComp(name, pattern, 0) = 0
     Dim first As String = parts(0)
     Dim last As String = parts(parts.LastIndex)
-    If Len(name) < Len(first) + Len(last) Then Return False
-    If Left(name, Len(first)) <> first Or Right(name, Len(last)) <> last Then Return False
-    Dim rest As String = Mid(name, Len(first) + 1, Len(name) - Len(first) - Len(last))
+    If LenB(name) < LenB(first) + LenB(last) Then Return False
+    If StrComp(LeftB(name, LenB(first)), first, 0) <> 0 Or StrComp(RightB(name, LenB(last)), last, 0) <> 0 Then Return False
+    Dim rest As String = MidB(name, LenB(first) + 1, LenB(name) - LenB(first) - LenB(last))
     For i As Integer = 1 To parts.LastIndex - 1
         If parts(i) <> "" Then
-            Dim place As Integer = InStr(rest, parts(i))
+            Dim place As Integer = InStrB(rest, parts(i))
             If place = 0 Then Return False
-            rest = Mid(rest, place + Len(parts(i)))
+            rest = MidB(rest, place + LenB(parts(i)))
         End If
     Next
     Return True
@@ -84,7 +107,7 @@ Dim driveName As String
 For Each argument As String In App.Arguments
     If argument.BeginsWith("--exclude=") And Len(argument) > 10 Then
         selection.patterns.Append(Mid(argument, 11))
-    ElseIf argument.BeginsWith("--drive=") Then
+    ElseIf argument.BeginsWith("--drive=") And Len(argument) > 8 Then
         driveName = Mid(argument, 9)
     ElseIf path = "" And Not argument.BeginsWith("--") Then
         path = argument
@@ -103,25 +126,27 @@ If Not source.Directory Then Fail(path + " is not a folder; give the folder that
 
 ' ---- where to ---------------------------------------------------------------------------------------------
 
-If DRDeviceQRX.deviceCount = 0 Then Fail("there is no drive that can write discs; disc-drives list names those in use")
-Dim drive As DRDeviceQRX = DRDeviceQRX.device(0)
-If driveName <> "" Then
-    drive = Nil
-    For Each candidate As DRDeviceQRX In DRDeviceQRX.devices
-        If drive Is Nil And candidate.displayName = driveName Then drive = candidate
-    Next
-    If drive Is Nil Then Fail("there is no drive " + driveName + "; list-drives.bas shows which there are")
-End If
+Dim drive As DRDeviceQRX = DriveNamed(driveName)
 If drive.trayIsOpen Then Call drive.closeTray
-If Not drive.mediaIsPresent Then Fail("there is no disc in " + drive.displayName + "; insert one and try again")
-If Not drive.mediaIsAppendable Then Fail("nothing can be added to the disc in " + drive.displayName + "; insert another one")
+If Not drive.mediaIsPresent Then
+    Fail("there is no disc in " + drive.displayName + "; insert one" + HowToInsert(drive, "DVD+R"))
+End If
+If Not drive.mediaIsAppendable Then
+    Dim advice As String = "insert a blank one" + HowToInsert(drive, "DVD+R")
+    If drive.mediaIsErasable Then advice = "erase.bas makes it blank, or " + advice
+    Fail("nothing can be added to the disc in " + drive.displayName + "; " + advice)
+End If
 
 ' ---- the tree: on the disc, a session shows what the earlier ones hold, too ---------------------------------
 
 Dim now As New Date
 Dim name As String = ReplaceAll(now.SQLDateTime, ":", ".")
 Dim copy As DRFolderQRX = DRFolderQRX.folderWithPath(source)
-selection.Take(copy, source.Name + "/")
+Try
+    selection.Take(copy, source.Name + "/")
+Catch problem As RuntimeException
+    Fail(problem.Message) ' a folder in it that can't be read
+End Try
 
 Dim text As String = "Backup of " + source.NativePath + ", " + now.SQLDateTime + EndOfLine + _
     Str(selection.fileCount) + " files, " + Format(selection.totalBytes, "#,##0") + " bytes" + EndOfLine + EndOfLine + selection.listing

@@ -2,7 +2,7 @@
 '
 '   disc-basic burn-folder.bas [OPTIONS] FOLDER [VOLUME NAME]
 '
-'   --drive=NAME     the drive, by the name it shows (default: the first one)
+'   --drive=NAME     the drive, by its folder's name or the one it shows (default: the first one)
 '   --speed=FACTOR   burns no faster than that many times the speed of one (default: as fast as it goes)
 '   --no-verify      doesn't read back what was written
 '   --then=eject     opens the tray when all is done; --then=mount keeps the disc in (default)
@@ -59,6 +59,28 @@ Sub Fail(message As String)
     StdErr.WriteLine("burn-folder: " + message)
     Quit(1)
 End Sub
+
+' The drive that a person means: by the name of its folder, its path, or the name that it shows. "" is the first one.
+Function DriveNamed(name As String) As DRDeviceQRX
+    Dim shown() As DRDeviceQRX
+    For Each drive As DRDeviceQRX In DRDeviceQRX.devices
+        Dim place As FolderItem = GetFolderItem(drive.ioRegistryEntryPath)
+        If name = "" Or StrComp(name, place.Name, 0) = 0 Or StrComp(name, place.NativePath, 0) = 0 Then Return drive
+        If StrComp(name, drive.displayName, 0) = 0 Then shown.Append(drive)
+    Next
+    If name = "" Then Fail("there is no drive that can write discs; disc-drives list names those in use")
+    If shown.Count = 0 Then Fail("there is no drive " + name + "; list-drives.bas shows which there are")
+    If shown.Count > 1 Then Fail("several drives are called " + name + "; take a path that list-drives.bas shows")
+    Return shown(0)
+End Function
+
+' How a disc gets into a drive: a command for a virtual one, a hand for a recorder.
+Function HowToInsert(drive As DRDeviceQRX, kind As String) As String
+    Dim place As FolderItem = GetFolderItem(drive.ioRegistryEntryPath)
+    If Not place.Directory Then Return " and try again"
+    Return " with: disc-drives blank-medium " + kind + " blank.medium && disc-drives insert '" + _
+        ReplaceAll(place.Name, "'", "'\''") + "' blank.medium"
+End Function
 
 ' Shows how far a burn is: a bar on a terminal, a line for each state and each quarter otherwise.
 Class Progress
@@ -140,17 +162,14 @@ If names.LastIndex = 1 Then root.baseName = names(1)
 
 ' ---- where to ---------------------------------------------------------------------------------------------
 
-If DRDeviceQRX.deviceCount = 0 Then Fail("there is no drive that can write discs; disc-drives list names those in use")
-Dim drive As DRDeviceQRX = DRDeviceQRX.device(0)
-If driveName <> "" Then
-    drive = Nil
-    For Each candidate As DRDeviceQRX In DRDeviceQRX.devices
-        If drive Is Nil And candidate.displayName = driveName Then drive = candidate
-    Next
-    If drive Is Nil Then Fail("there is no drive " + driveName + "; list-drives.bas shows which there are")
-End If
+Dim drive As DRDeviceQRX = DriveNamed(driveName)
 If drive.trayIsOpen Then Call drive.closeTray
-If Not drive.mediaIsPresent Then Fail("there is no disc in " + drive.displayName + "; insert one and try again")
+If Not drive.mediaIsPresent Then
+    Fail("there is no disc in " + drive.displayName + "; insert one" + HowToInsert(drive, "DVD+RW"))
+End If
+If Not drive.mediaIsBlank And Not drive.mediaIsOverwritable Then
+    Fail("the disc in " + drive.displayName + " holds data and can't be overwritten; insert a blank one" + HowToInsert(drive, "DVD+RW"))
+End If
 
 Dim kind As String = Replace(drive.mediaType, "DRDeviceMediaType", "")
 kind = Replace(kind, "Plus", "+")

@@ -4,18 +4,33 @@
 '
 '   disc-basic copy-disc.bas FROM TO
 '
-' FROM and TO are the drives' names, as list-drives.bas shows them. A re-writable disc that holds data is overwritten.
+' FROM and TO are the drives' names: of their folders, or as list-drives.bas shows them. A re-writable disc that holds data is overwritten.
 
 Sub Fail(message As String)
     StdErr.WriteLine("copy-disc: " + message)
     Quit(1)
 End Sub
 
+' The drive that a person means: by the name of its folder, its path, or the name that it shows. "" is the first one.
 Function DriveNamed(name As String) As DRDeviceQRX
+    Dim shown() As DRDeviceQRX
     For Each drive As DRDeviceQRX In DRDeviceQRX.devices
-        If drive.displayName = name Then Return drive
+        Dim place As FolderItem = GetFolderItem(drive.ioRegistryEntryPath)
+        If name = "" Or StrComp(name, place.Name, 0) = 0 Or StrComp(name, place.NativePath, 0) = 0 Then Return drive
+        If StrComp(name, drive.displayName, 0) = 0 Then shown.Append(drive)
     Next
-    Fail("there is no drive " + name + "; list-drives.bas shows which there are")
+    If name = "" Then Fail("there is no drive that can write discs; disc-drives list names those in use")
+    If shown.Count = 0 Then Fail("there is no drive " + name + "; list-drives.bas shows which there are")
+    If shown.Count > 1 Then Fail("several drives are called " + name + "; take a path that list-drives.bas shows")
+    Return shown(0)
+End Function
+
+' How a disc gets into a drive: a command for a virtual one, a hand for a recorder.
+Function HowToInsert(drive As DRDeviceQRX, kind As String) As String
+    Dim place As FolderItem = GetFolderItem(drive.ioRegistryEntryPath)
+    If Not place.Directory Then Return " and try again"
+    Return " with: disc-drives blank-medium " + kind + " blank.medium && disc-drives insert '" + _
+        ReplaceAll(place.Name, "'", "'\''") + "' blank.medium"
 End Function
 
 ' A number that the drive tells of its disc.
@@ -33,7 +48,9 @@ Dim target As DRDeviceQRX = DriveNamed(App.Arguments(1))
 If source.isEqualToDevice(target) Then Fail("a disc can't be copied onto itself; name two drives")
 For Each drive As DRDeviceQRX In Array(source, target)
     If drive.trayIsOpen Then Call drive.closeTray
-    If Not drive.mediaIsPresent Then Fail("there is no disc in " + drive.displayName + "; insert one and try again")
+    If Not drive.mediaIsPresent Then
+        Fail("there is no disc in " + drive.displayName + "; insert one" + HowToInsert(drive, "CD-RW"))
+    End If
 Next
 If source.mediaIsBlank Then Fail("the disc in " + source.displayName + " is blank; there is nothing to copy")
 ' What a burn left behind that didn't end well would look like a good disc, copied.
@@ -97,7 +114,14 @@ End If
 Dim burn As New DRBurnQRX(target)
 burn.completionAction = DRBurnQRX.DRBurnCompletionActionMount
 burn.BurnFailureAction = DRBurnQRX.DRBurnFailureActionNone
-burn.Overwrite = Not target.mediaIsBlank
+If Not target.mediaIsBlank Then
+    If Not target.mediaIsOverwritable Then
+        Fail("the disc in " + target.displayName + " holds data and can't be overwritten; insert a blank one" + _
+            HowToInsert(target, "CD-RW"))
+    End If
+    Print "The disc in " + target.displayName + " holds data, which is overwritten."
+    burn.Overwrite = True
+End If
 If Not burn.writeImageFile(image) Then Fail("the disc in " + source.displayName + " can't be read")
 
 Dim status As Dictionary

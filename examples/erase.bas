@@ -5,7 +5,7 @@
 '   --complete    overwrites every block, instead of only what it takes to be blank
 '   --yes         doesn't ask before data is lost
 '
-' Without DRIVE, a name that list-drives.bas shows, it is the first drive's disc.
+' DRIVE is the name of its folder, or the one that list-drives.bas shows. Without it, the first drive's disc is erased.
 
 Const Usage = "Usage: erase.bas [--complete] [--yes] [DRIVE]"
 
@@ -13,6 +13,28 @@ Sub Fail(message As String)
     StdErr.WriteLine("erase: " + message)
     Quit(1)
 End Sub
+
+' The drive that a person means: by the name of its folder, its path, or the name that it shows. "" is the first one.
+Function DriveNamed(name As String) As DRDeviceQRX
+    Dim shown() As DRDeviceQRX
+    For Each drive As DRDeviceQRX In DRDeviceQRX.devices
+        Dim place As FolderItem = GetFolderItem(drive.ioRegistryEntryPath)
+        If name = "" Or StrComp(name, place.Name, 0) = 0 Or StrComp(name, place.NativePath, 0) = 0 Then Return drive
+        If StrComp(name, drive.displayName, 0) = 0 Then shown.Append(drive)
+    Next
+    If name = "" Then Fail("there is no drive that can write discs; disc-drives list names those in use")
+    If shown.Count = 0 Then Fail("there is no drive " + name + "; list-drives.bas shows which there are")
+    If shown.Count > 1 Then Fail("several drives are called " + name + "; take a path that list-drives.bas shows")
+    Return shown(0)
+End Function
+
+' How a disc gets into a drive: a command for a virtual one, a hand for a recorder.
+Function HowToInsert(drive As DRDeviceQRX, kind As String) As String
+    Dim place As FolderItem = GetFolderItem(drive.ioRegistryEntryPath)
+    If Not place.Directory Then Return " and try again"
+    Return " with: disc-drives blank-medium " + kind + " blank.medium && disc-drives insert '" + _
+        ReplaceAll(place.Name, "'", "'\''") + "' blank.medium"
+End Function
 
 Dim eraseType As String = DREraseQRX.DREraseTypeQuick
 Dim isSure As Boolean
@@ -30,13 +52,11 @@ For Each argument As String In App.Arguments
     End If
 Next
 
-Dim drive As DRDeviceQRX
-For Each candidate As DRDeviceQRX In DRDeviceQRX.devices
-    If drive Is Nil And (name = "" Or candidate.displayName = name) Then drive = candidate
-Next
-If drive Is Nil And name <> "" Then Fail("there is no drive " + name + "; list-drives.bas shows which there are")
-If drive Is Nil Then Fail("there is no drive that can write discs; disc-drives list names those in use")
-If Not drive.mediaIsPresent Then Fail("there is no disc in " + drive.displayName + "; insert one and try again")
+Dim drive As DRDeviceQRX = DriveNamed(name)
+If drive.trayIsOpen Then Call drive.closeTray
+If Not drive.mediaIsPresent Then
+    Fail("there is no disc in " + drive.displayName + "; insert one" + HowToInsert(drive, "DVD+RW"))
+End If
 
 If Not drive.mediaIsBlank And Not isSure Then
     Dim used As String = Format(drive.mediaSpaceUsed.sectors * 2048 / 1000000, "#,##0.0") + " MB"

@@ -1,14 +1,42 @@
 ' Burns a track whose data the program makes while the disc is written: a tone on an audio CD, four seconds long, or
 ' as long as one wants; no track of a CD is shorter than that.
 '
-'   disc-basic generated-track.bas [SECONDS [HERTZ]]
+'   disc-basic generated-track.bas [--drive=NAME] [SECONDS [HERTZ]]
+'
+'   --drive=NAME   the drive, by its folder's name or the one it shows (default: the first one)
+'   SECONDS        how long (default: 4)
+'   HERTZ          how high (default: 440)
 '
 ' A re-writable disc that holds data is overwritten.
+
+Const Usage = "Usage: generated-track.bas [--drive=NAME] [SECONDS [HERTZ]]"
 
 Sub Fail(message As String)
     StdErr.WriteLine("generated-track: " + message)
     Quit(1)
 End Sub
+
+' The drive that a person means: by the name of its folder, its path, or the name that it shows. "" is the first one.
+Function DriveNamed(name As String) As DRDeviceQRX
+    Dim shown() As DRDeviceQRX
+    For Each drive As DRDeviceQRX In DRDeviceQRX.devices
+        Dim place As FolderItem = GetFolderItem(drive.ioRegistryEntryPath)
+        If name = "" Or StrComp(name, place.Name, 0) = 0 Or StrComp(name, place.NativePath, 0) = 0 Then Return drive
+        If StrComp(name, drive.displayName, 0) = 0 Then shown.Append(drive)
+    Next
+    If name = "" Then Fail("there is no drive that can write discs; disc-drives list names those in use")
+    If shown.Count = 0 Then Fail("there is no drive " + name + "; list-drives.bas shows which there are")
+    If shown.Count > 1 Then Fail("several drives are called " + name + "; take a path that list-drives.bas shows")
+    Return shown(0)
+End Function
+
+' How a disc gets into a drive: a command for a virtual one, a hand for a recorder.
+Function HowToInsert(drive As DRDeviceQRX, kind As String) As String
+    Dim place As FolderItem = GetFolderItem(drive.ioRegistryEntryPath)
+    If Not place.Directory Then Return " and try again"
+    Return " with: disc-drives blank-medium " + kind + " blank.medium && disc-drives insert '" + _
+        ReplaceAll(place.Name, "'", "'\''") + "' blank.medium"
+End Function
 
 ' A CD's sound: 44,100 samples a second, left and right, 16 bits each with the low byte first. A block is 2352 bytes,
 ' that is 588 samples.
@@ -77,22 +105,42 @@ Class ToneTrack Inherits DRTrackQRX
     End Event
 End Class
 
+Dim numbers() As Double
+Dim driveName As String
+For Each argument As String In App.Arguments
+    If argument.BeginsWith("--drive=") And Len(argument) > 8 Then
+        driveName = Mid(argument, 9)
+    ElseIf numbers.Count < 2 And Val(argument) > 0 Then
+        numbers.Append(Val(argument))
+    Else
+        StdErr.WriteLine(Usage)
+        Quit(2)
+    End If
+Next
 Dim seconds As Integer = 4
 Dim hertz As Double = 440
-If App.Arguments.LastIndex >= 0 Then seconds = Val(App.Arguments(0))
-If App.Arguments.LastIndex >= 1 Then hertz = Val(App.Arguments(1))
-If seconds < 4 Then seconds = 4
+If numbers.Count > 0 Then seconds = Max(4, Min(6000, numbers(0)))
+If numbers.Count > 1 Then hertz = numbers(1)
 
-If DRDeviceQRX.deviceCount = 0 Then Fail("there is no drive that can write discs; disc-drives list names those in use")
-Dim drive As DRDeviceQRX = DRDeviceQRX.device(0)
+Dim drive As DRDeviceQRX = DriveNamed(driveName)
 If drive.trayIsOpen Then Call drive.closeTray
-If Not drive.mediaIsPresent Then Fail("there is no disc in " + drive.displayName + "; insert one and try again")
-If Not drive.mediaType.BeginsWith("DRDeviceMediaTypeCD") Then Fail("an audio track needs a CD-R or CD-RW; insert one and try again")
+If Not drive.mediaIsPresent Then
+    Fail("there is no disc in " + drive.displayName + "; insert one" + HowToInsert(drive, "CD-RW"))
+End If
+If Not drive.mediaType.BeginsWith("DRDeviceMediaTypeCD") Then
+    Fail("an audio track needs a CD-R or CD-RW; insert one" + HowToInsert(drive, "CD-RW"))
+End If
+If Not drive.mediaIsBlank And Not drive.mediaIsOverwritable Then
+    Fail("the disc in " + drive.displayName + " holds data and can't be overwritten; insert a blank one" + HowToInsert(drive, "CD-RW"))
+End If
 
 Dim burn As New DRBurnQRX(drive)
 burn.completionAction = DRBurnQRX.DRBurnCompletionActionMount
 burn.BurnFailureAction = DRBurnQRX.DRBurnFailureActionNone
-burn.Overwrite = Not drive.mediaIsBlank
+If Not drive.mediaIsBlank Then
+    Print "The disc in " + drive.displayName + " holds data, which is overwritten."
+    burn.Overwrite = True
+End If
 
 Dim track As New ToneTrack(seconds, hertz)
 burn.writeLayout(track)

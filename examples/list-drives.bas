@@ -51,6 +51,15 @@ Function Writable(drive As DRDeviceQRX) As String
     Return Join(names, ", ")
 End Function
 
+' Whether a burn has left a track behind that it couldn't end.
+Function IsCutOff(drive As DRDeviceQRX) As Boolean
+    If Not drive.status.HasKey(DRDeviceQRX.DRDeviceTrackRefsKey) Then Return False
+    For Each track As DRTrackQRX In drive.status.Value(DRDeviceQRX.DRDeviceTrackRefsKey)
+        If track.properties.Value(DRTrackQRX.DRTrackTypeKey) = DRTrackQRX.DRTrackTypeIncomplete Then Return True
+    Next
+    Return False
+End Function
+
 Sub ShowMedium(drive As DRDeviceQRX)
     If drive.trayIsOpen Then
         Fact("Tray", "open")
@@ -65,10 +74,11 @@ Sub ShowMedium(drive As DRDeviceQRX)
     If drive.mediaIsAppendable And Not drive.mediaIsBlank Then can.Append("can be appended to")
     If drive.mediaIsOverwritable And Not drive.mediaIsBlank Then can.Append("can be overwritten")
     If drive.mediaIsErasable Then can.Append("can be erased")
+    If IsCutOff(drive) Then can.Append("incomplete, because its burn was stopped or failed")
     If can.Count = 0 Then can.Append("can only be read")
     Fact("Medium", Spoken(drive.mediaType, "DRDeviceMediaType") + ": " + Join(can, ", "))
     Fact("Room", Size(drive.mediaSpaceUsed.sectors) + " used, " + Size(drive.mediaSpaceFree.sectors) + " free")
-    If drive.mediaIsBusy Then Fact("In use", "by a program that writes")
+    If drive.mediaIsBusy Then Fact("In use", "by a program")
 End Sub
 
 Dim drives() As DRDeviceQRX = DRDeviceQRX.devices

@@ -37,7 +37,7 @@ class BurnImage(ExamplesCase):
                     os.path.join(self.source, "letter.txt"), lines=2)
         self.refuse("is a folder; burn-folder.bas burns folders", "burn-image.bas", self.source)
         self.refuse("there is no file /no/such.iso", "burn-image.bas", "/no/such.iso")
-        self.refuse("^Usage: burn-image.bas IMAGE", "burn-image.bas", status=2)
+        self.refuse(r"^Usage: burn-image.bas \[--drive=NAME\] IMAGE$", "burn-image.bas", status=2)
         sheet = self.write("disc.cue", b'FILE "lost.bin" BINARY\n  TRACK 01 AUDIO\n    INDEX 01 00:00:00\n',
                            self.scratch)
         self.refuse("lost.bin.*\n.* is no image that can be burned", "burn-image.bas", sheet, lines=2)

@@ -183,7 +183,45 @@ class Properties(ExamplesCase):
             said = self.burn('Dim f As DRFileQRX = DRFileQRX.virtualFileWithName("f", Nil)', version.format(number),
                              "root.addChild(f)")
             self.assertEqual(said[0], "DRStatusStateFailed")
-            self.assertIn("versions are numbers from 1 to 32767", said[1])
+            self.assertEqual(said[1], 'The DRISO9660VersionNumber of "f" is to be a whole number from 1 to 32767.')
+
+    # ---- values that no disc holds ----------------------------------------------------------------------------------
+
+    def test_what_an_item_cannot_hold_fails_the_burn(self):
+        for key, filesystem, values, wanted in (
+                ("DRPosixFileMode", "DRAllFilesystems", ("-1", "65536", "420.5"), "a whole number from 0 to 65535"),
+                ("DRPosixUID", "DRISO9660", ("-1", "4294967296"), "a whole number from 0 to 4294967295"),
+                ("DRPosixGID", "DRUDF", ("-1", "4294967296"), "a whole number from 0 to 4294967295"),
+                ("DRISO9660VersionNumber", "DRISO9660", ("4294967297",), "a whole number from 1 to 32767"),
+                ("DRUDFExtendedFilePermissions", "DRUDF", ("-1", "64"), "a whole number from 0 to 63"),
+                ("DRHFSPlusTextEncodingHint", "DRHFSPlus", ("65536",), "a whole number from 0 to 65535"),
+                ("DRMacFinderFlags", "DRHFSPlus", ("-1", "65536"), "a whole number from 0 to 65535"),
+                ("DRMacExtendedFinderFlags", "DRHFSPlus", ("65536",), "a whole number from 0 to 65535"),
+                ("DRMacWindowView", "DRHFSPlus", ("65536",), "a whole number from 0 to 65535"),
+                ("DRMacFileType", "DRHFSPlus", ("New MemoryBlock(3)", "New MemoryBlock(5)"), "4 bytes"),
+                ("DRMacFileCreator", "DRISO9660", ("New MemoryBlock(8)",), "4 bytes"),
+                ("DRMacWindowBounds", "DRHFSPlus", ("New MemoryBlock(4)",), "8 bytes"),
+                ("DRMacIconLocation", "DRHFSPlus", ("New MemoryBlock(8)",), "4 bytes"),
+                ("DRMacScrollPosition", "DRHFSPlus", ("New MemoryBlock(2)",), "4 bytes")):
+            for value in values:
+                with self.subTest(key, value=value):
+                    said = self.burn(*self.ITEMS, f"f.setProperty({value}, DRFSObjectQRX.{key}, DRFSObjectQRX.{filesystem})")
+                    self.assertEqual(said, ["DRStatusStateFailed", f'The {key} of "f" is to be {wanted}.'])
+        said = self.burn(*self.ITEMS, "d.setProperty(-1, DRFSObjectQRX.DRPosixUID, DRFSObjectQRX.DRAllFilesystems)")
+        self.assertEqual(said[1], 'The DRPosixUID of "d" is to be a whole number from 0 to 4294967295.', "folders, too")
+        self.assertEqual(self.medium()["state"], "blank")
+
+    ITEMS = ('Dim f As DRFileQRX = DRFileQRX.virtualFileWithName("f", Nil)', "root.addChild(f)",
+             'Dim d As DRFolderQRX = DRFolderQRX.virtualFolderWithName("d")', "root.addChild(d)")
+
+    def test_the_largest_values_that_an_item_can_have(self):
+        """A mode may have the bits of the file's type; what is said of a file system that isn't there doesn't count."""
+        self.assertEqual(self.burn(
+            *self.ITEMS, "f.setProperty(&o100640, DRFSObjectQRX.DRPosixFileMode, DRFSObjectQRX.DRAllFilesystems)",
+            "f.setProperty(4294967295, DRFSObjectQRX.DRPosixUID, DRFSObjectQRX.DRAllFilesystems)",
+            "f.setProperty(4294967294, DRFSObjectQRX.DRPosixGID, DRFSObjectQRX.DRAllFilesystems)",
+            "d.setProperty(-1, DRFSObjectQRX.DRPosixGID, DRFSObjectQRX.DRUDF)", mask=1), ["DRStatusStateDone"])
+        self.assertEqual(self.rock_ridge("/f")[:3], (0o640, 4294967295, 4294967294))
 
     # ---- names --------------------------------------------------------------------------------------------------
 
@@ -231,23 +269,32 @@ class Properties(ExamplesCase):
 
     # ---- the time zone ----------------------------------------------------------------------------------------
 
-    def modified(self, zone):
-        """When a file that is of noon on 1 July 2026 was modified, in hours of that day in UTC."""
+    def modified(self, zone, month=7):
+        """When a file that is of noon on the first of a month of 2026 was modified, in hours of that day in UTC."""
         with unittest.mock.patch.dict(os.environ, TZ=zone):
             os.environ.pop("GNUSTEP_TZ", None)
             said = self.burn('Dim f As DRFileQRX = DRFileQRX.virtualFileWithName("f", Nil)',
-                             "f.setProperty(New Date(2026, 7, 1, 12, 0, 0), DRFSObjectQRX.DRContentModificationDate, "
+                             f"f.setProperty(New Date(2026, {month}, 1, 12, 0, 0), DRFSObjectQRX.DRContentModificationDate, "
                              "DRFSObjectQRX.DRAllFilesystems)", "root.addChild(f)")
         self.assertEqual(said, ["DRStatusStateDone"])
         times = {jury.rr_bsdtar(self.image())["f"]["time"], jury.hfs_fls(self.image())["f"]["time"],
                  jury.udf_entries(self.image())["f"]["time"]}
-        return [(time - 1782864000) / 3600 for time in times]
+        return [(time - calendar.timegm((2026, month, 1, 0, 0, 0))) / 3600 for time in times]
 
     def test_tz_alone_says_what_dates_mean(self):
         for zone, hour in (("Europe/Berlin", 10), (":America/St_Johns", 14.5), ("", 12), ("UTC", 12),
                            ("/usr/share/zoneinfo/Asia/Tokyo", 3)):
             with self.subTest(zone):
                 self.assertEqual(self.modified(zone), [hour])
+                self.fresh()
+
+    def test_a_zone_that_tz_describes_has_its_rules(self):
+        for zone, summer, winter in (("CET-1CEST,M3.5.0,M10.5.0/3", 10, 11), ("AEST-10AEDT,M10.1.0,M4.1.0/3", 2, 1),
+                                     ("<+0330>-3:30", 8.5, 8.5), ("PST8PDT,J60,J300", 19, 20), ("EST5", 17, 17)):
+            with self.subTest(zone):
+                self.assertEqual(self.modified(zone), [summer])
+                self.fresh()
+                self.assertEqual(self.modified(zone, 1), [winter])
                 self.fresh()
 
     def fresh(self):

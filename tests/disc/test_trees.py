@@ -1,21 +1,26 @@
 #!/usr/bin/python3
 """Trees made in memory: what each file system of the disc shows of them, read by programs that are not ours."""
+import datetime
+import io
 import os
 import random
 import subprocess
+import tarfile
 import unicodedata
 import unittest
+import unittest.mock
 
 import pycdlib
 
+import jury
 from examples_case import ExamplesCase
 
 
 class Trees(ExamplesCase):
     def virtual_tree(self):
         said = self.succeed("virtual-tree.bas")
-        self.assertIn("measurement 1.txt is MEASUREM.TXT in ISO 9660 level 1\n", said)
-        self.assertIn("measurement 3.txt is MEAS_002.TXT in ISO 9660 level 1\n", said)
+        self.assertIn("measurement 1.txt is MEASUREM.TXT in ISO 9660\n", said)
+        self.assertIn("measurement 3.txt is MEAS_002.TXT in ISO 9660\n", said)
         self.assertIn("Burned Virtual Tree in Virtual Disc Drive 1.\n", said)
         return self.image()
 
@@ -46,6 +51,14 @@ class Trees(ExamplesCase):
 
     # ---- virtual-tree -----------------------------------------------------------------------------------------
 
+    def test_virtual_tree_tells_the_names_that_are_on_its_disc(self):
+        said = self.succeed("virtual-tree.bas")
+        told = [line.split(" is ")[1].removesuffix(" in ISO 9660") for line in said.splitlines() if " is " in line]
+        listed = subprocess.run(["isoinfo", "-f", "-i", self.image()], capture_output=True, text=True, check=True).stdout
+        found = [os.path.basename(self.plain(line)) for line in listed.splitlines() if line.startswith("/MEASUREM/")]
+        self.assertEqual(sorted(told), sorted(found))
+        self.assertEqual(len(told), 3)
+
     def test_virtual_tree_in_rock_ridge(self):
         image = self.virtual_tree()
         done = subprocess.run(["bsdtar", "-tvf", image], capture_output=True, text=True, check=True,
@@ -56,8 +69,16 @@ class Trees(ExamplesCase):
             ".", "letter.txt", "links", "links/again.txt link to letter.txt", "links/way to the letter -> ../letter.txt",
             "measurements", "measurements/measurement 1.txt", "measurements/measurement 2.txt",
             "measurements/measurement 3.txt"])
-        self.assertEqual(names["letter.txt"][0], "-rw-r-----")
-        self.assertEqual(names["letter.txt"][7], "2001")
+        self.assertEqual({name: line[0] for name, line in names.items()}, {
+            ".": "drwxr-xr-x", "letter.txt": "-rw-r-----", "links": "drwxr-xr-x",
+            "links/again.txt link to letter.txt": "-rw-r-----", "links/way to the letter -> ../letter.txt": "lrwxrwxrwx",
+            "measurements": "drwxr-xr-x", **{f"measurements/measurement {n}.txt": "-rw-r--r--" for n in (1, 2, 3)}})
+        self.assertEqual({tuple(line[2:4]) for line in names.values()}, {("0", "0")})
+        written = datetime.datetime(2001, 2, 3, 4, 5, 6)  # where the program runs
+        with tarfile.open(fileobj=io.BytesIO(jury.run("bsdtar", "-cf", "-", "--format=gnutar", "@" + image))) as archive:
+            times = {member.name.removeprefix("./"): member.mtime for member in archive}
+        self.assertEqual({times["letter.txt"], times["links/again.txt"]}, {int(written.timestamp())})
+        self.assertLess(abs(times["measurements/measurement 1.txt"] - os.stat(image).st_mtime), 3600)
         files = self.files_on(image)
         self.assertEqual(files["letter.txt"], b"Dear reader,\n")
         self.assertEqual(files["links/again.txt"], b"Dear reader,\n")
@@ -142,11 +163,49 @@ class Trees(ExamplesCase):
         self.assertEqual(sorted(self.files_on(self.image())), sorted(names))
         self.assertEqual(self.joliet(self.image()), sorted("/" + name for name in names))
 
+    def test_folders_deeper_than_eight_levels_stay_where_they_are(self):
+        """Deliberate: ISO 9660 allows eight, but readers find more where they are, and not all know what was moved."""
+        real = os.path.join(self.scratch, "on disk")
+        for level in range(12):
+            self.write("/".join(["down"] * level + [f"of {level}.txt"]), str(level).encode(), real)
+        said = self.burn_tree([
+            f'root.addChild(DRFolderQRX.folderWithPath("{real}"))', "root.explicitFilesystemMask = 15",
+            "Dim bytes As New MemoryBlock(2)", "Dim folder As DRFolderQRX = root", "Dim inner As DRFolderQRX",
+            "For level As Integer = 1 To 12", 'inner = DRFolderQRX.virtualFolderWithName("level " + Str(level))',
+            'bytes.StringValue(0, 2) = Format(level, "00")', "folder.addChild(inner)", "folder = inner",
+            'folder.addChild(DRFileQRX.virtualFileWithName("file.txt", bytes))', "Next"])
+        self.assertEqual(said, ["DRStatusStateDone"])
+        wanted = {"on disk/" + "/".join(["down"] * level + [f"of {level}.txt"]): str(level).encode() for level in range(12)}
+        for last in range(1, 13):
+            wanted["/".join([f"level {level}" for level in range(1, last + 1)] + ["file.txt"])] = b"%02d" % last
+        image = self.image()
+        for reader in (jury.rr_bsdtar, jury.rr_pycdlib, jury.joliet_bsdtar, jury.joliet_7zz, jury.joliet_pycdlib,
+                       jury.udf_pycdlib, jury.hfs_7zz):
+            self.assertEqual({path: entry["data"] for path, entry in reader(image).items() if entry["kind"] == "f"}, wanted,
+                             reader)
+        for reader in (jury.rr_isoinfo, jury.hfs_fls):
+            self.assertEqual({path: entry["size"] for path, entry in reader(image).items() if entry["kind"] == "f"},
+                             {path: len(data) for path, data in wanted.items()}, reader)
+        out = os.path.join(self.scratch, "restored")
+        jury.run("xorriso", "-osirrox", "on", "-indev", image, "-extract", "/", out)
+        found = {path: entry["data"] for path, entry in jury.on_disk(out).items() if entry["kind"] == "f"}
+        self.assertEqual(found, wanted)
+
     def test_a_file_larger_than_any_disc_is_refused(self):
         path = self.write("large", b"")
         os.truncate(path, 200_000_000_001)  # a hole
         said = self.burn_tree([f'root.addChild(DRFileQRX.fileWithPath("{path}"))'])
         self.assertEqual(said, ["DRStatusStateFailed", f'The file "{path}" of 200000.0 MB is larger than any disc.'])
+
+    def test_a_file_that_goes_away_while_its_folder_is_read_is_named(self):
+        self.write("going.txt", b"still here")
+        with unittest.mock.patch.dict(os.environ, LD_PRELOAD=os.environ["DISC_VANISHING"], VANISHING="going.txt",
+                                      ASAN_OPTIONS=os.environ.get("ASAN_OPTIONS", "") + ":verify_asan_link_order=0"):
+            said = self.burn_tree([f'root.addChild(DRFolderQRX.folderWithPath("{self.source}"))'])
+        self.assertEqual(said, ["DRStatusStateFailed", f'"{self.source}/going.txt" went away while its folder was read.'])
+        self.assertEqual(os.listdir(self.source), ["letter.txt"])
+        said = self.burn_tree([f'root.addChild(DRFolderQRX.folderWithPath("{self.source}"))'])
+        self.assertEqual(said, ["DRStatusStateDone"], "the disc was left alone")
 
     # ---- one file system and another --------------------------------------------------------------------------
 
@@ -320,12 +379,19 @@ class Trees(ExamplesCase):
         files = self.files_on(self.image())
         for exponent in (2, 3):
             self.assertEqual(files[f"powers of {exponent}.txt"].decode(),
-                             "".join(f"{n:10}{n ** exponent:13}\n" for n in range(1, 301)))
+                             "".join(f"{n:10}{n ** exponent:20}\n" for n in range(1, 301)))
 
     def test_generated_files_of_more_than_one_buffer(self):
-        self.succeed("generated-files.bas", "20000")
-        self.assertEqual(self.files_on(self.image())["powers of 2.txt"].decode(),
-                         "".join(f"{n:10}{n * n:13}\n" for n in range(1, 20001)))
+        self.succeed("generated-files.bas", "30000")
+        files = self.files_on(self.image())
+        for exponent in (2, 3):
+            self.assertTrue(files[f"powers of {exponent}.txt"].decode() ==
+                            "".join(f"{n:10}{n ** exponent:20}\n" for n in range(1, 30001)), exponent)
+
+    def test_generated_files_refuse_what_is_no_number_of_rows(self):
+        for words in (("0",), ("abc",), ("500x",), ("-5",), ("1.5",), ("1000001",), ("4294967301",), ("5", "5"), ("",), ("--rows=5",)):
+            self.refuse("^Usage: generated-files.bas ", "generated-files.bas", *words, status=2)
+        self.assertEqual(os.listdir(self.drives), [])
 
     # ---- random trees -----------------------------------------------------------------------------------------
 
