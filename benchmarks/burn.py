@@ -186,9 +186,13 @@ def abort(bench, sets, rounds, kinds):
         idle = []
         for _ in range(rounds):
             bench.insert(kind)
-            idle.append(float(bench.ours(sets["1 GiB"], "abort")[1].split()[-1]))
-        print(f"\nabort to idle, {kind}: min {min(idle):.1f} ms, median {statistics.median(idle):.1f} ms, "
-              f"worst {max(idle):.1f} ms", flush=True)
+            idle += [float(said) for said in bench.ours(sets["1 GiB"], "abort")[1].split()[-1:]]
+        if len(idle) < rounds:
+            print(f"\nabort to idle, {kind}: {rounds - len(idle)} burns were over before a third of them was seen; "
+                  "take a larger --scale", flush=True)
+        if idle:
+            print(f"\nabort to idle, {kind}: min {min(idle):.1f} ms, median {statistics.median(idle):.1f} ms, "
+                  f"worst {max(idle):.1f} ms", flush=True)
 
 
 def main():

@@ -29,6 +29,9 @@ End Class
 Function MadeTree(isProduced As Boolean, count As Integer, size As Integer) As DRFolderQRX
     Dim root As DRFolderQRX = DRFolderQRX.virtualFolderWithName("BENCHMARK")
     Dim bytes As New MemoryBlock(size)
+    For i As Integer = 0 To size - 1 ' zeros alone would be a hole in the medium's file
+        bytes.Byte(i) = 1 + i Mod 255
+    Next
     Dim folder As DRFolderQRX
     Produced.Size = size
     Produced.Content = bytes.StringValue(0, size)
