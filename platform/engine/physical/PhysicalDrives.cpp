@@ -56,6 +56,11 @@ void leave(Attached& all, const std::string& path) {
     all.drives.erase(known);
 }
 
+bool isLeaving(const Attached& all, const std::string& path) {
+    return std::any_of(all.leaving.begin(), all.leaving.end(),
+                       [&](const auto& drive) { return drive->path() == path; });
+}
+
 std::string pathOf(int number) { return "/dev/sr" + std::to_string(number); }
 
 // The kernel has asked the drive when it was attached, and tells whoever opens it, also while somebody has it.
@@ -120,6 +125,12 @@ std::vector<std::shared_ptr<PhysicalDrive>> physicalDrives() {
             known = all.drives.end();
         }
         if (known == all.drives.end()) {
+            // Deliberate: no patience with a refusal of ours. The library lets go in a moment, and what has been plugged in
+            // again is found at the next look.
+            if (isLeaving(all, path)) {
+                all.refused[path] = {{}, inUseError(path, path), isRecorder(path)};
+                continue;
+            }
             const auto refused = all.refused.find(path);
             if (refused != all.refused.end() && Clock::now() - refused->second.when < patience) continue;
             if (const Refusal refusal = refusalOf(path); refusal.use) {
