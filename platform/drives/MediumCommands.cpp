@@ -37,6 +37,27 @@ Found usableDrive(const std::string& name) {
     return found;
 }
 
+// Asks before a copy of the drive's medium takes the place of a person's files, and answers whether there are any. The
+// caller has the drive for himself.
+bool requireConsentToReplace(const Common& common, const engine::VirtualDrive& drive,
+                             const std::string& folder) {
+    engine::recoverMedium(drive.folder());
+    const auto record = engine::loadMedium(drive.folder());
+    if (!record) return false;
+    std::vector<std::string> names = dataFilesOf(*record);
+    names.insert(names.begin(), engine::names::medium);
+    std::string there;
+    for (const std::string& name : names) {
+        std::error_code ignored;
+        if (fs::exists(fs::symlink_status(fs::path(folder) / name, ignored)))
+            there += (there.empty() ? "" : ", ") + engine::printable(name);
+    }
+    if (!there.empty())
+        requireConsent(common.force, inQuotes(folder) + " has files of these names: " + there + '.',
+                       "Overwrite them");
+    return !there.empty();
+}
+
 } // namespace
 
 int openTray(const Common& common, const std::string& name) {
@@ -72,9 +93,7 @@ int ejectMedium(const Common& common, const Ejecting& ejecting) {
     const Exclusive mine(*drive);
     if (asked) asked->requireUnchanged();
     if (!ejecting.takeTo.empty()) {
-        std::error_code ignored;
-        if (fs::exists(fs::path(ejecting.takeTo) / engine::names::medium, ignored))
-            requireConsent(common.force, inQuotes(ejecting.takeTo) + " holds a medium.", "Overwrite it");
+        requireConsentToReplace(common, *drive, ejecting.takeTo);
         copyOut(*drive, ejecting.takeTo, common.json);
     }
     take(drive->eject());
@@ -128,10 +147,11 @@ int exportMedium(const Common& common, const std::string& name, const std::strin
     std::error_code ignored;
     if (fs::exists(folder, ignored) && !fs::is_directory(folder, ignored))
         fail(ErrorCode::FileLocationConflict, inQuotes(folder) + " is no folder.");
-    if (fs::is_directory(folder, ignored) && !fs::is_empty(folder, ignored))
+    const Exclusive mine(*drive);
+    if (!requireConsentToReplace(common, *drive, folder) && fs::is_directory(folder, ignored) &&
+        !fs::is_empty(folder, ignored))
         requireConsent(common.force, "The folder " + inQuotes(folder) + " is not empty.",
                        "Write the medium's files into it");
-    const Exclusive mine(*drive);
     copyOut(*drive, folder, common.json);
     const auto record = engine::loadMedium(drive->folder());
     Json files = Json::array({engine::names::medium});

@@ -275,11 +275,16 @@ class Media(DrivesCase):
         os.makedirs(self.path("shelf"))
         with open(self.path("shelf", "medium.iso"), "w") as file:
             file.write("mine")
-        self.refuse("is not empty.* Give --force", "export", "one", self.path("shelf"))
+        self.refuse("has files of these names: medium.iso. Give --force", "export", "one", self.path("shelf"))
         with open(self.path("shelf", "medium.iso")) as file:
             self.assertEqual(file.read(), "mine")
         self.succeed("export", "one", self.path("shelf"), "--force")
         self.same(self.drive("one", "medium.iso"), self.path("shelf", "medium.iso"))
+        os.makedirs(self.path("desk"))
+        with open(self.path("desk", "letter.txt"), "w"):
+            pass
+        self.refuse("is not empty.* Give --force", "export", "one", self.path("desk"))
+        self.assertEqual(os.listdir(self.path("desk")), ["letter.txt"])
 
     def test_exports_that_cannot_be(self):
         self.succeed("create", "empty", "--kind", "none")
@@ -310,7 +315,35 @@ class Media(DrivesCase):
         self.assertEqual(sorted(os.listdir(self.drive("one"))), ["drive.json", "lock", "tray"])
         self.succeed("insert", "one", self.path("shelf"))
         self.assertEqual(self.shown("one")["medium"]["state"], "complete")
-        self.refuse("holds a medium.* Give --force", "eject", "one", "--to", self.path("shelf"))
+
+    def test_no_file_of_a_persons_is_replaced_unasked(self):
+        """What lies in the folder by the name of one of the medium's files, with or without a medium's description."""
+        sheet, _ = self.album()
+        for number, mine in enumerate(("medium.json", "medium.bin", "medium.cue", "medium.iso")):
+            self.succeed("create", "one", "--kind", "none")
+            self.succeed("insert", "one", self.path("holiday.iso") if mine == "medium.iso" else sheet, "--kind", "CD-R")
+            folder = self.path(f"desk{number}")
+            os.makedirs(folder)
+            os.symlink("a disk that is not there", os.path.join(folder, mine))
+            for command in (("eject", "one", "--to", folder), ("export", "one", folder)):
+                self.refuse(f"has files of these names: {mine}. Give --force, and nobody will be asked: Overwrite them",
+                            *command)
+                status, screen = self.on_terminal(*command, answer=b"n\n")
+                self.assertEqual(status, 1, screen)
+                self.assertEqual(screen.count("[y/N]"), 1)
+                self.assertEqual(os.listdir(folder), [mine])
+                self.assertTrue(os.path.islink(os.path.join(folder, mine)))
+            self.assertEqual(self.shown("one")["medium"]["state"], "complete")
+            self.assertEqual(self.on_terminal("eject", "one", "--to", folder, answer=b"y\n")[0], 0)
+            self.succeed("insert", "one", folder)
+            self.refuse("has files of these names: medium.json, medium", "eject", "one", "--to", folder)
+            self.succeed("delete", "one", "--force")
+        os.makedirs(self.path("other"))
+        with open(self.path("other", "letter.txt"), "w"):
+            pass
+        self.used("one")
+        self.succeed("eject", "one", "--to", self.path("other"))
+        self.assertEqual(sorted(os.listdir(self.path("other"))), ["letter.txt", "medium.iso", "medium.json"])
 
     def test_no_medium_is_taken_to_where_drives_are(self):
         """Its own folder above all: there its files would be gone with the medium."""
