@@ -439,7 +439,9 @@ Class Sheet
     File As FolderItem
 
     Sub Constructor(lines() As String)
-        File = GetFolderItem(System.EnvironmentVariable("TMPDIR"))
+        Dim temporary As String = System.EnvironmentVariable("TMPDIR")
+        If temporary = "" Then temporary = "/tmp" ' an empty path is the folder that the program is run in
+        File = GetFolderItem(temporary)
         If File Is Nil Or Not File.Directory Then File = GetFolderItem("/tmp")
         File = File.Child("audio-cd-" + Str(Floor(Microseconds)) + ".cue")
         Dim stream As TextOutputStream = TextOutputStream.Create(File)

@@ -152,6 +152,7 @@ For Each argument As String In App.Arguments
     End If
 Next
 If names.LastIndex < 0 Or names.LastIndex > 1 Then ShowUsage
+If names(0) = "" Then ShowUsage ' else it would be the folder that the program is run in
 
 Dim source As FolderItem = GetFolderItem(names(0))
 If source Is Nil Or Not source.Exists Then Fail("there is no folder " + names(0))

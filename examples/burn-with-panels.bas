@@ -66,13 +66,15 @@ Class Progress
     End Event
 End Class
 
-If App.Arguments.Ubound <> 0 Then
+Dim path As String
+If App.Arguments.Ubound = 0 Then path = App.Arguments(0)
+If path = "" Then
     StdErr.WriteLine(Usage)
     Quit(2)
 End If
-Dim folder As FolderItem = GetFolderItem(App.Arguments(0))
+Dim folder As FolderItem = GetFolderItem(path)
 If folder Is Nil Or Not folder.Exists Or Not folder.Directory Then
-    StdErr.WriteLine("There is no folder " + App.Arguments(0) + ".")
+    StdErr.WriteLine("There is no folder " + path + ".")
     Quit(1)
 End If
 

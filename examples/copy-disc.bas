@@ -39,7 +39,27 @@ Function OnDisc(drive As DRDeviceQRX, key As String) As Integer
     Return medium.Value(key)
 End Function
 
-If App.Arguments.LastIndex <> 1 Then
+' The kind of the disc in a drive, or where that can't be written one that can.
+Function KindForCopy(drive As DRDeviceQRX) As String
+    Dim kind As String = Replace(drive.mediaType, "DRDeviceMediaType", "")
+    Select Case kind
+    Case "CDROM"
+        Return "CD-RW"
+    Case "DVDROM"
+        Return "DVD+RW"
+    Case "BDROM"
+        Return "BD-RE"
+    Case "DVDRDualLayer"
+        Return "'DVD-R DL'"
+    Case "DVDPlusRDoubleLayer"
+        Return "'DVD+R DL'"
+    End Select
+    If InStr(kind, "Plus") > 0 Then Return Replace(kind, "Plus", "+")
+    If kind.BeginsWith("DVD") Then Return "DVD-" + Mid(kind, 4)
+    Return Left(kind, 2) + "-" + Mid(kind, 3)
+End Function
+
+If App.Arguments.LastIndex <> 1 Or App.Arguments.IndexOf("") >= 0 Then
     StdErr.WriteLine("Usage: copy-disc.bas FROM TO")
     Quit(2)
 End If
@@ -48,10 +68,8 @@ Dim target As DRDeviceQRX = DriveNamed(App.Arguments(1))
 If source.isEqualToDevice(target) Then Fail("a disc can't be copied onto itself; name two drives")
 For Each drive As DRDeviceQRX In Array(source, target)
     If drive.trayIsOpen Then Call drive.closeTray
-    If Not drive.mediaIsPresent Then
-        Fail("there is no disc in " + drive.displayName + "; insert one" + HowToInsert(drive, "CD-RW"))
-    End If
 Next
+If Not source.mediaIsPresent Then Fail("there is no disc in " + source.displayName + "; put the disc to be copied in")
 If source.mediaIsBlank Then Fail("the disc in " + source.displayName + " is blank; there is nothing to copy")
 ' What a burn left behind that didn't end well would look like a good disc, copied.
 For Each track As DRTrackQRX In source.status.Value(DRDeviceQRX.DRDeviceTrackRefsKey)
@@ -59,6 +77,9 @@ For Each track As DRTrackQRX In source.status.Value(DRDeviceQRX.DRDeviceTrackRef
         Fail("the disc in " + source.displayName + " isn't whole: its burn was stopped or failed; burn it again")
     End If
 Next
+If Not target.mediaIsPresent Then
+    Fail("there is no disc in " + target.displayName + "; insert one" + HowToInsert(target, KindForCopy(source)))
+End If
 
 Function Clock(blocks As Integer) As String
     Return Format(blocks \ 4500, "00") + ":" + Format((blocks \ 75) Mod 60, "00") + ":" + Format(blocks Mod 75, "00")
@@ -72,7 +93,9 @@ Class Sheet
         If InStr(image.NativePath, Chr(10)) > 0 Or InStr(image.NativePath, Chr(13)) > 0 Then
             Fail("the path of the drive's folder has an end of a line in it; rename the folder")
         End If
-        File = GetFolderItem(System.EnvironmentVariable("TMPDIR"))
+        Dim temporary As String = System.EnvironmentVariable("TMPDIR")
+        If temporary = "" Then temporary = "/tmp" ' an empty path is the folder that the program is run in
+        File = GetFolderItem(temporary)
         If File Is Nil Or Not File.Directory Then File = GetFolderItem("/tmp")
         File = File.Child("copy-disc-" + Str(Floor(Microseconds)) + ".cue")
         Dim stream As TextOutputStream = TextOutputStream.Create(File)
@@ -117,7 +140,7 @@ burn.BurnFailureAction = DRBurnQRX.DRBurnFailureActionNone
 If Not target.mediaIsBlank Then
     If Not target.mediaIsOverwritable Then
         Fail("the disc in " + target.displayName + " holds data and can't be overwritten; insert a blank one" + _
-            HowToInsert(target, "CD-RW"))
+            HowToInsert(target, KindForCopy(source)))
     End If
     Print "The disc in " + target.displayName + " holds data, which is overwritten."
     burn.Overwrite = True

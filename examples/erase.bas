@@ -44,7 +44,7 @@ For Each argument As String In App.Arguments
         eraseType = DREraseQRX.DREraseTypeComplete
     ElseIf argument = "--yes" Then
         isSure = True
-    ElseIf argument.BeginsWith("--") Or name <> "" Then
+    ElseIf argument.BeginsWith("--") Or argument = "" Or name <> "" Then
         StdErr.WriteLine(Usage)
         Quit(2)
     Else

@@ -1,6 +1,11 @@
 ' The first program: burns the small example folder onto the first drive.
 Dim drive As DRDeviceQRX = DRDeviceQRX.device(0)
 If drive.trayIsOpen Then Call drive.closeTray
+' A virtual drive is a folder. The disc in a recorder may be somebody's.
+If drive.mediaIsPresent And Not drive.mediaIsBlank And Not GetFolderItem(drive.ioRegistryEntryPath).Directory Then
+    Print drive.displayName + ": the disc is not blank; put in a blank one"
+    Quit(1)
+End If
 Dim burn As New DRBurnQRX(drive)
 burn.Overwrite = True
 burn.completionAction = DRBurnQRX.DRBurnCompletionActionMount

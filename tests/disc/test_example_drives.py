@@ -75,6 +75,15 @@ class ExampleDrives(ExamplesCase):
         self.assertRegex(done.stdout, "^Virtual Disc Drive 1: DRStatusStateFailed\n.* needs .*\n$")
         self.assertNotIn("Tray", self.succeed("list-drives.bas"))
 
+    def test_the_first_program_is_what_the_readme_shows_and_prints_what_it_says(self):
+        def read(*path):
+            with open(os.path.join(ROOT, *path), encoding="utf-8") as file:
+                return file.read()
+        shown, printed = re.search(r"(?s)```basic\n(.*?)```\n\n`./run examples/first.bas` prints:\n\n```\n(.*?)```",
+                                   read("README.md")).groups()
+        self.assertEqual(read("examples", "first.bas").split("\n", 1)[1], shown)
+        self.assertEqual(self.run_program("first.bas", cwd=ROOT).stdout, printed)
+
     def test_after_the_first_burn_erase_makes_room_for_sessions(self):
         for program in ADDING:
             self.first_burn()
@@ -92,6 +101,20 @@ class ExampleDrives(ExamplesCase):
                 self.tool("eject", "drive-1", "--discard", "--force")  # nobody is here who could say that data may go
                 self.does_what_it_says(program, *self.words(program))
                 shutil.rmtree(os.path.join(self.drives, "drive-1"))
+
+    # ---- words that are none -------------------------------------------------------------------------------------
+
+    # An empty text as a path is the folder that the program is run in; nobody means to burn it.
+    def test_an_empty_word_is_no_folder_no_file_and_no_drive(self):
+        self.first_burn()
+        before = self.medium()
+        for program, *words in (("burn-folder.bas", ""), ("burn-folder.bas", "", "NAME"), ("burn-with-panels.bas", ""),
+                                ("append-session.bas", ""), ("backup.bas", ""), ("burn-image.bas", ""),
+                                ("erase.bas", "--yes", ""), ("copy-disc.bas", "", "drive-1"), ("copy-disc.bas", "drive-1", "")):
+            with self.subTest(program=program, words=words):
+                self.refuse("^Usage: " + program, program, *words, status=2)
+        self.refuse("no sound file", "audio-cd.bas", "", lines=2)
+        self.assertEqual(self.medium(), before)
 
     # ---- discs that won't do -------------------------------------------------------------------------------------
 

@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""The script that a newcomer starts with: what it runs, and that a first look keeps its hands off recorders."""
+"""The script that a newcomer starts with: what it runs, and that a first look keeps its hands off others' discs."""
 import os
 import shutil
 import subprocess
@@ -17,7 +17,7 @@ class Run(unittest.TestCase):
         shutil.copy(os.path.join(ROOT, "run"), self.scratch)
         self.script("tools/setup", "true")
         self.script("tools/build", "true")
-        self.script("build/release/bin/disc-basic", 'echo "$DISC_PHYSICAL"; for each; do echo "$each"; done; exit ${STATUS:-0}')
+        self.script("build/release/bin/disc-basic", 'echo "$DISC_PHYSICAL $DISC_DRIVES"; for each; do echo "$each"; done; exit ${STATUS:-0}')
 
     def script(self, name, line):
         path = os.path.join(self.scratch, name)
@@ -28,17 +28,17 @@ class Run(unittest.TestCase):
 
     def environment(self, **variables):
         """What a newcomer has, and not what ./test says to its own builds."""
-        ours = ("DISC_PHYSICAL", "DISC_TESTS", "DISC_CMAKE_ARGS")
+        ours = ("DISC_PHYSICAL", "DISC_DRIVES", "DISC_TESTS", "DISC_CMAKE_ARGS")
         return {**{name: value for name, value in os.environ.items() if name not in ours}, **variables}
 
     def run_it(self, *arguments, **variables):
         return subprocess.run([os.path.join(self.scratch, "run"), *arguments], capture_output=True, text=True, timeout=60,
                               env=self.environment(**variables), check=False)
 
-    def test_without_arguments_it_burns_on_virtual_drives_only(self):
-        burn = ["0", os.path.join(self.scratch, "examples/burn-folder.bas"), os.path.join(self.scratch, "examples/hello-disc"),
+    def test_without_arguments_it_burns_onto_a_virtual_disc_of_its_own(self):
+        burn = ["0 " + os.path.join(self.scratch, "build/first-look"), os.path.join(self.scratch, "examples/burn-folder.bas"), os.path.join(self.scratch, "examples/hello-disc"),
                 "HELLO DISC"]
-        for variables in ({}, {"DISC_PHYSICAL": "1"}):
+        for variables in ({}, {"DISC_PHYSICAL": "1", "DISC_DRIVES": "/mine"}):
             done = self.run_it(**variables)
             self.assertEqual((done.returncode, done.stderr), (0, ""))
             lines = done.stdout.splitlines()
@@ -68,7 +68,7 @@ class Run(unittest.TestCase):
             subprocess.run([os.path.join(self.scratch, "run"), "mine.bas"], stdout=file, check=True, timeout=60,
                            env=self.environment(PATH=path))
         with open(said, encoding="utf-8") as file:
-            self.assertEqual(file.read(), "Building the release build (a few minutes the first time)\n\nmine.bas\n")
+            self.assertEqual(file.read(), "Building the release build (a few minutes the first time)\n \nmine.bas\n")
         self.script("fake/cmake", "echo one line of the compiler; exit 1")
         done = self.run_it("mine.bas", PATH=path)
         self.assertEqual(done.returncode, 1)
@@ -77,8 +77,8 @@ class Run(unittest.TestCase):
 
     def test_a_program_is_run_as_it_is_given(self):
         done = self.run_it("mine.bas", "two words", STATUS="3")
-        self.assertEqual((done.returncode, done.stdout, done.stderr), (3, "\nmine.bas\ntwo words\n", ""))
-        self.assertEqual(self.run_it("mine.bas", DISC_PHYSICAL="1").stdout, "1\nmine.bas\n")
+        self.assertEqual((done.returncode, done.stdout, done.stderr), (3, " \nmine.bas\ntwo words\n", ""))
+        self.assertEqual(self.run_it("mine.bas", DISC_PHYSICAL="1", DISC_DRIVES="/mine").stdout, "1 /mine\nmine.bas\n")
 
 
 if __name__ == "__main__":

@@ -77,6 +77,16 @@ class Case(RecorderTest):
         self.assertEqual(done.returncode, 1, done.stdout)
         self.assertIn(sentence, done.stdout)
 
+    def test_the_first_program_overwrites_nothing_in_a_recorder(self):
+        self.file("Holiday/letter.txt", b"Dear reader")
+        os.symlink(EXAMPLES, os.path.join(self.scratch, "examples"))
+        self.insert("DVD+RW")
+        self.assertEqual(self.example("first.bas"), "TESTLAB MMC RECORDER: DRStatusStateDone\n")
+        self.example("burn-folder.bas", os.path.join(self.scratch, "Holiday"))
+        before = self.sectors(0, 1000, 2048)
+        self.refuses("TESTLAB MMC RECORDER: the disc is not blank; put in a blank one\n", "first.bas")
+        self.assertEqual(self.sectors(0, 1000, 2048), before)
+
     def test_a_recorder_is_named_by_its_path_and_gets_its_disc_from_a_hand(self):
         self.file("Holiday/letter.txt", b"Dear reader")
         folder = os.path.join(self.scratch, "Holiday")
