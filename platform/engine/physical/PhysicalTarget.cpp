@@ -17,6 +17,11 @@ namespace {
 constexpr uint64_t runOutBlocks = 2; // behind a track that is written at once
 constexpr uint64_t leastTrack = 300; // blocks of a CD's track
 
+// Of a track that is written at once.
+uint64_t endOnDisc(const TrackInfo& track) noexcept {
+    return track.startBlock + std::max(track.blocks, leastTrack) + runOutBlocks;
+}
+
 class PhysicalTarget final : public BurnTarget {
   public:
     PhysicalTarget(std::shared_ptr<PhysicalDrive::Hold> hold, const MediumInfo& medium)
@@ -80,15 +85,23 @@ class PhysicalTarget final : public BurnTarget {
     }
 
     void place(BurnPlan& plan, size_t session, size_t track) override {
+        PlannedTrack& planned = plan.sessions[session][track];
+        if (isCD_ && !atOnce_) {
+            // The drive's own; one that must be another was refused.
+            planned.info.preGapBlocks = usualPreGap;
+            planned.preGapIsProduced = false;
+        }
         placeTrack(plan, session, track, medium_.kind, before_, renewsStart_ ? MediumStart::blocks : 0);
-        TrackInfo& info = plan.sessions[session][track].info;
+        TrackInfo& info = planned.info;
         // The drive knows best where it goes on.
         if (session == 0 && track == 0 && !before_.empty() && medium_.nextWritableBlock)
             info.startBlock = *medium_.nextWritableBlock + (isCD_ ? info.preGapBlocks - usualPreGap : 0);
-        if (track > 0 && isCD_ && !atOnce_) {
-            const TrackInfo& last = plan.sessions[session][track - 1].info;
-            info.startBlock =
-                last.startBlock + std::max(last.blocks, leastTrack) + runOutBlocks + usualPreGap;
+        if (!isCD_ || atOnce_) return;
+        if (track > 0) {
+            info.startBlock = endOnDisc(plan.sessions[session][track - 1].info) + usualPreGap;
+        } else if (session > 0) {
+            const TrackInfo& last = plan.sessions[session - 1].back().info;
+            info.startBlock += endOnDisc(last) - (last.startBlock + last.blocks);
         }
     }
 
