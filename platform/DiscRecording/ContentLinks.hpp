@@ -9,6 +9,7 @@
 
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 namespace discrecording {
@@ -32,6 +33,7 @@ class ContentLinks {
   private:
     struct Link {
         DRFile* file;
+        DRFSObject* target;
         std::vector<size_t> way;
     };
     struct Path {
@@ -39,12 +41,14 @@ class ContentLinks {
         uint8_t filesystems; ///< where it is that
     };
 
+    bool isInTree(DRFSObject* target);
     void list(const engine::Content& root);
     engine::Result<std::vector<Path>> pathsOf(const Link& link) const;
     engine::Result<std::string> pathIn(uint8_t bit, const char* filesystemName, const Link& link) const;
     static void place(const Link& link, const std::vector<Path>& paths, engine::Content& root);
 
     DRFolder* root_;
+    std::unordered_set<DRFSObject*> tree_;                          ///< all in it, once there is a link
     std::vector<Link> links_;                                       ///< symbolic ones
     std::unordered_map<DRFSObject*, const engine::Content*> items_; ///< what became of each
 };

@@ -4,8 +4,9 @@
 #import "DRFSObjectPrivate.h"
 #import "DRFilePrivate.h"
 
+#include "Elements.hpp"
+
 #include <algorithm>
-#include <unordered_set>
 #include <utility>
 
 namespace discrecording {
@@ -58,10 +59,7 @@ std::vector<Content>& childrenOf(Content& folder) {
 Result<Content> ContentLinks::contentOf(DRFile* link, std::string name, uint8_t mask,
                                         const std::vector<size_t>& way) {
     DRFSObject* target = [link target];
-    DRFSObject* top = target;
-    while ([top parent] != nil)
-        top = [top parent];
-    if (target == nil || top != root_)
+    if (!isInTree(target))
         return lost(name);
     if ([[link linkType] isEqualToString:DRLinkTypeHardLink])
         return Content{std::move(name), engine::HardLink{reinterpret_cast<uintptr_t>(target)}};
@@ -72,7 +70,7 @@ Result<Content> ContentLinks::contentOf(DRFile* link, std::string name, uint8_t 
     }
     if ((mask & filesystem::joliet) != 0)
         return notHeld("symbolic link \"" + name + "\"", "Joliet, which holds none", "without Joliet");
-    links_.push_back({link, way});
+    links_.push_back({link, target, way});
     return Content::link(std::move(name), ".");
 }
 
@@ -104,6 +102,22 @@ Error ContentLinks::leftOut(DRFile* link, const std::string& name) {
                 ", and its folder is not on the disc there; put the folder there, too, or leave the link "
                 "out.",
             {}};
+}
+
+// Asked of the tree, which keeps all in it: the target itself may be going on another thread.
+bool ContentLinks::isInTree(DRFSObject* target) {
+    if (tree_.empty()) {
+        std::vector<DRFSObject*> waiting{root_};
+        while (!waiting.empty()) {
+            DRFSObject* object = waiting.back();
+            waiting.pop_back();
+            tree_.insert(object);
+            if ([object isKindOfClass:[DRFolder class]])
+                for (DRFSObject* child : Elements<DRFSObject*>([static_cast<DRFolder*>(object) children]))
+                    waiting.push_back(child);
+        }
+    }
+    return tree_.contains(target);
 }
 
 void ContentLinks::list(const Content& root) {
@@ -143,7 +157,7 @@ Result<std::string> ContentLinks::pathIn(uint8_t bit, const char* filesystemName
     for (DRFSObject* folder = [link.file parent]; folder != nil; folder = [folder parent])
         above.insert(folder);
     std::string down;
-    DRFSObject* meeting = [link.file target];
+    DRFSObject* meeting = link.target;
     for (; !above.contains(meeting); meeting = [meeting parent]) {
         const auto found = items_.find(meeting);
         if (found == items_.end())

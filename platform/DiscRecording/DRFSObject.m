@@ -3,6 +3,14 @@
 #import "DRFSObjectPrivate.h"
 #import "DRFolderPrivate.h"
 
+#include <pthread.h>
+
+static pthread_mutex_t linksLock = PTHREAD_MUTEX_INITIALIZER;
+
+void DRLockLinks(void) { pthread_mutex_lock(&linksLock); }
+
+void DRUnlockLinks(void) { pthread_mutex_unlock(&linksLock); }
+
 // The last part of a path. Foundation's lastPathComponent is not asked: it reads more than "/" into names.
 static NSString* LastPart(NSString* path) {
     NSUInteger end = [path length];
@@ -20,8 +28,13 @@ static NSString* LastPart(NSString* path) {
 @implementation DRFSObject
 
 - (void)dealloc {
-    [self targetGoes];
-    [_links release];
+    if (_links != nil) {
+        DRLockLinks();
+        for (NSValue* link in _links)
+            [[link nonretainedObjectValue] forgetTarget];
+        DRUnlockLinks();
+        [_links release];
+    }
     [_baseName release];
     [_sourcePath release];
     [_properties release];
@@ -124,11 +137,6 @@ static NSString* LastPart(NSString* path) {
         [_links removeObjectAtIndex:i];
         return;
     }
-}
-
-- (void)targetGoes {
-    for (NSValue* link in _links)
-        [[link nonretainedObjectValue] forgetTarget];
 }
 
 - (void)forgetTarget {

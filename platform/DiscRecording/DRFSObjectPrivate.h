@@ -23,13 +23,18 @@
 @end
 
 @interface DRFSObject (PrivateLinks)
-/** A link does not keep what it points at, or one to a folder around it would never go. So it is told. */
+/**
+ * A link does not keep what it points at, or one to a folder around it would never go. So it is told. Either may go on a
+ * thread of a burn while the other is used, so all of this is done under DRLockLinks().
+ */
 - (void)addLink:(DRFSObject*)link;
 - (void)removeLink:(DRFSObject*)link;
-/** Tells all links; for dealloc. */
-- (void)targetGoes;
 /** Told to a link. */
 - (void)forgetTarget;
 @end
+
+/** For what links and their targets know of each other, in all trees. */
+void DRLockLinks(void);
+void DRUnlockLinks(void);
 
 #endif

@@ -110,8 +110,10 @@ static uint32_t MaskOfLink(NSString* linkType, DRFSObject* original, NSString* f
         return nil;
     _sort = Link;
     _content.linkType = [linkType copy];
+    DRLockLinks();
     _more.target = original;
     [original addLink:self];
+    DRUnlockLinks();
     [self setExplicitFilesystemMask:mask];
     return self;
 }
@@ -122,7 +124,9 @@ static uint32_t MaskOfLink(NSString* linkType, DRFSObject* original, NSString* f
     if (_sort == WithProducer && _content.producer != self)
         [_content.producer release];
     if (_sort == Link) {
+        DRLockLinks();
         [_more.target removeLink:self];
+        DRUnlockLinks();
         [_content.linkType release];
     }
     [super dealloc];
@@ -153,7 +157,12 @@ static uint32_t MaskOfLink(NSString* linkType, DRFSObject* original, NSString* f
 }
 
 - (DRFSObject*)target {
-    return _sort == Link ? _more.target : nil;
+    if (_sort != Link)
+        return nil;
+    DRLockLinks();
+    DRFSObject* target = _more.target;
+    DRUnlockLinks();
+    return target;
 }
 
 - (void)forgetTarget {

@@ -13,7 +13,10 @@
 - (id)producer;
 /** Nil for a file that is no link. */
 - (NSString*)linkType;
-/** What a link points at; nil when that is gone. */
+/**
+ * What a link points at; nil when that is gone. Nothing keeps it: who doesn't know otherwise that it lives, such as by the tree
+ * that it is in, may compare it only.
+ */
 - (DRFSObject*)target;
 @end
 

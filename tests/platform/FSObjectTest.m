@@ -1,7 +1,52 @@
 // FSObjectTest: names, properties, masks and links of files and folders.
 #import "Check.h"
+#import "DRFSObjectPrivate.h"
 #import "DRFile.h"
 #import "DRFolder.h"
+
+#include <pthread.h>
+#include <unistd.h>
+
+// A file that another thread lets go of while one tells it, or is told by it, of a link's end or a target's.
+@interface Meeting : DRFile
+@end
+
+static DRFile* letGoElsewhere;
+static int isGone; // between threads
+static BOOL wasThere;
+static pthread_t elsewhere;
+
+static void* LetGo(void* file) {
+    GSRegisterCurrentThread();
+    [(DRFile*)file release];
+    GSUnregisterCurrentThread();
+    return NULL;
+}
+
+// The other thread has time to go through with it, if nothing holds it.
+static void LetGoElsewhere(void) {
+    pthread_create(&elsewhere, NULL, LetGo, letGoElsewhere);
+    for (int i = 0; i < 200 && !__atomic_load_n(&isGone, __ATOMIC_SEQ_CST); i++)
+        usleep(1000);
+    wasThere = !__atomic_load_n(&isGone, __ATOMIC_SEQ_CST);
+}
+
+@implementation Meeting
+- (void)forgetTarget {
+    LetGoElsewhere();
+    if (wasThere)
+        [super forgetTarget];
+}
+- (void)removeLink:(DRFSObject*)link {
+    LetGoElsewhere();
+    if (wasThere)
+        [super removeLink:link];
+}
+- (void)dealloc {
+    [super dealloc];
+    __atomic_store_n(&isGone, 1, __ATOMIC_SEQ_CST);
+}
+@end
 
 static void TestNames(void) {
     DRFile* file = [DRFile virtualFileWithName:@"this: is an unusual$ filename.with_extension" data:nil];
@@ -140,6 +185,28 @@ static void TestLinks(void) {
     [inside release];
 }
 
+// A burn's threads let go of files while the program drops their tree.
+static void TestLinksAndTargetsThatGoOnTwoThreads(void) {
+    DRFile* target = [[DRFile alloc] initWithName:@"target" data:nil];
+    letGoElsewhere = [[Meeting alloc] initWithLinkType:DRLinkTypeSymbolicLink
+                                            pointingTo:target
+                                          inFilesystem:DRUDF];
+    [target release];
+    PASS("a link is there as long as it is told that its target goes", wasThere);
+    pthread_join(elsewhere, NULL);
+    PASS("and then goes", isGone);
+
+    isGone = 0;
+    letGoElsewhere = [[Meeting alloc] initWithName:@"target" data:nil];
+    DRFile* link = [[DRFile alloc] initWithLinkType:DRLinkTypeSymbolicLink
+                                         pointingTo:letGoElsewhere
+                                       inFilesystem:DRUDF];
+    [link release];
+    PASS("a target is there as long as it is told that a link goes", wasThere);
+    pthread_join(elsewhere, NULL);
+    PASS("and then goes", isGone);
+}
+
 int main(void) {
     NSAutoreleasePool* pool = [NSAutoreleasePool new];
     TestNames();
@@ -147,6 +214,7 @@ int main(void) {
     TestProperties();
     TestMasks();
     TestLinks();
+    TestLinksAndTargetsThatGoOnTwoThreads();
     [pool release];
     return Finish();
 }
