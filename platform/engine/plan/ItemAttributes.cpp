@@ -41,6 +41,21 @@ std::shared_ptr<const MacAttributes> merged(MacAttributes mac, const MacAttribut
     return std::make_shared<const MacAttributes>(mac);
 }
 
+// What is said for all file systems goes before what the node had for one.
+void outdo(std::shared_ptr<const FilesystemAttributes>& known, const Attributes& given) {
+    FilesystemAttributes own = *known;
+    for (OwnAttributes& its : own) {
+        if (given.mode) its.mode.reset();
+        if (given.owner) its.owner.reset();
+        if (given.group) its.group.reset();
+        if (given.modified) its.modified.reset();
+        if (given.accessed) its.accessed.reset();
+        if (given.changed) its.changed.reset();
+        if (given.invisible) its.invisible.reset();
+    }
+    known = std::make_shared<const FilesystemAttributes>(own);
+}
+
 } // namespace
 
 bool isChanged(const Attributes& given) {
@@ -60,6 +75,7 @@ void apply(Tree& tree, uint32_t index, const Attributes& given) {
     node.invisible = given.invisible.value_or(node.invisible);
     node.isRealTime = given.realTime.value_or(node.isRealTime);
     node.udfPermissions = given.udfPermissions.value_or(node.udfPermissions);
+    if (const auto known = tree.own.find(index); known != tree.own.end()) outdo(known->second, given);
     const auto lay = [index](const auto& over, auto& all) {
         if (!over) return;
         auto& known = all[index];

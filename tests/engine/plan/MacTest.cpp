@@ -1,5 +1,10 @@
 // What a Macintosh keeps of items: aliases, dates and the Finder's values; and what is hidden in each file system.
 #include "Discs.hpp"
+#include "plan/TreeBuilder.hpp"
+#include "plan/ViewMaker.hpp"
+#include "plan/Views.hpp"
+
+#include <sstream>
 
 using namespace engine;
 
@@ -101,6 +106,55 @@ TEST_F(PlanForMacintosh, AHardLinkWithValuesOfItsOwnKeepsTheOthers) {
     EXPECT_EQ(valuesOf("file"), text + "74747874  ttxt");
     EXPECT_EQ(valuesOf("other creator"), text + "6f746872  othr");
     EXPECT_EQ(valuesOf("other mode"), text + "74747874  ttxt");
+}
+
+TEST_F(PlanForMacintosh, AHardLinksValuesForAllFileSystemsGoBeforeItsOriginalsForOne) {
+    FilesystemAttributes forOne;
+    forOne[3].mode = 0400;
+    forOne[3].owner = 7;
+    forOne[3].group = 8;
+    forOne[3].modified = forOne[3].accessed = forOne[3].changed = 1000000000;
+    forOne[3].invisible = true;
+    std::vector<Content> children;
+    children.push_back(Content::file("file", "bytes"));
+    children[0].identity = 1;
+    children[0].attributes->own = std::make_shared<const FilesystemAttributes>(forOne);
+    const auto addLink = [&](const std::string& name) -> Attributes& {
+        children.push_back({name, HardLink{1}, {}});
+        return *children.back().attributes.operator->();
+    };
+    addLink("mode").mode = 0666;
+    addLink("owner").owner = 9;
+    addLink("group").group = 9;
+    addLink("modified").modified = 1300000000;
+    addLink("accessed").accessed = 1300000000;
+    addLink("changed").changed = 1300000000;
+    addLink("shown").invisible = false;
+    DataTrack track;
+    track.root = Content::folder("Disc", std::move(children));
+    SourceList sources;
+    plan::Tree tree;
+    plan::addTrack(tree, track, filesystem::hfsPlus, sources, Signal());
+    std::string shown;
+    for (const plan::Entry& entry : tree.entries) {
+        hfsplus::Node node;
+        plan::describe(node, tree.nodes[entry.node], tree.ownOf(entry.node, filesystem::hfsPlus));
+        const bool isInvisible = tree.isInvisible(entry.node, filesystem::hfsPlus);
+        const auto date = [](std::time_t time) { return time == 1000000000 ? " old" : " new"; };
+        std::ostringstream line;
+        line << tree.nameOf(entry) << std::oct << ' ' << node.mode << ' ' << node.owner << ' ' << node.group
+             << date(node.modified) << date(node.accessed) << date(node.changed) << (isInvisible ? " x" : "")
+             << '\n';
+        shown += line.str();
+    }
+    EXPECT_EQ(shown, "file 400 7 10 old old old x\n"
+                     "accessed 400 7 10 old new old x\n"
+                     "changed 400 7 10 old old new x\n"
+                     "group 400 7 11 old old old x\n"
+                     "mode 666 7 10 old old old x\n"
+                     "modified 400 7 10 new old old x\n"
+                     "owner 400 11 10 old old old x\n"
+                     "shown 400 7 10 old old old\n");
 }
 
 // As another program writes them: in front of all else that a record has.
