@@ -17,7 +17,7 @@ namespace discrecording {
 /// The links of one tree. Each stands in the file systems of its mask, where it may have a path of its own.
 class ContentLinks {
   public:
-    explicit ContentLinks(DRFolder* root) : root_(root) {}
+    ContentLinks(DRFolder* root, bool hasRockRidge) : root_(root), hasRockRidge_(hasRockRidge) {}
 
     /// A link of the tree, in the file systems of `mask`; `way` are the indices that lead to it. The path of a symbolic link is
     /// known when all names are.
@@ -48,6 +48,7 @@ class ContentLinks {
     static void place(const Link& link, const std::vector<Path>& paths, engine::Content& root);
 
     DRFolder* root_;
+    bool hasRockRidge_;
     std::unordered_set<DRFSObject*> tree_;                          ///< all in it, once there is a link
     std::vector<Link> links_;                                       ///< symbolic ones
     std::unordered_map<DRFSObject*, const engine::Content*> items_; ///< what became of each

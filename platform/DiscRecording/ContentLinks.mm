@@ -70,6 +70,9 @@ Result<Content> ContentLinks::contentOf(DRFile* link, std::string name, uint8_t 
     }
     if ((mask & filesystem::joliet) != 0)
         return notHeld("symbolic link \"" + name + "\"", "Joliet, which holds none", "without Joliet");
+    if ((mask & filesystem::iso9660) != 0 && !hasRockRidge_)
+        return notHeld("symbolic link \"" + name + "\"", "ISO 9660, which holds none without Rock Ridge",
+                       "without ISO 9660");
     links_.push_back({link, target, way});
     return Content::link(std::move(name), ".");
 }

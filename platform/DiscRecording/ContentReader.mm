@@ -121,8 +121,8 @@ class KeptFiles {
 class ContentReader {
   public:
     ContentReader(DRFolder* root, const engine::DataTrack& track, bool estimating)
-        : root_(root), links_(root), estimating_(estimating), hasMacExtensions_(track.macExtensions),
-          isoForm_(track.isoLevel),
+        : root_(root), links_(root, track.rockRidge), estimating_(estimating),
+          hasMacExtensions_(track.macExtensions), isoForm_(track.isoLevel),
           isoRule_(track.isoLevel == 1 ? NameRule::ISOLevelOne : NameRule::ISOLevelTwo) {}
 
     Result<ReadContent> read() {

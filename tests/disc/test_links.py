@@ -140,11 +140,15 @@ class Links(ExamplesCase):
                    "Dim settings As Dictionary = track.properties", "settings.Value(DRTrackQRX.DRISORockRidgeExtensions) = False",
                    "track.properties = settings"]
         text = "\n".join(['Dim root As DRFolderQRX = DRFolderQRX.virtualFolderWithName("Disc")', "root.explicitFilesystemMask = 5",
-                          "Dim data As New MemoryBlock(1)", *self.file("a", "a", "x"), *self.NAMES[:1],
-                          *self.link("way", "a", mask=5), *without]) + BURN.replace("DRTrackQRX.trackForRootFolder(root)", "track")
-        said = self.succeed(self.write("program.bas", text.encode(), self.scratch)).splitlines()
-        self.assertEqual(said[0], "DRStatusStateFailed")
-        self.assertIn('None of the disc\'s file systems can hold the symbolic link "way"', said[1])
+                          "Dim data As New MemoryBlock(1)", *self.file("a", "a", "x"), "{names}",
+                          *self.link("way", "a", mask="{mask}"), *without]) + BURN.replace("DRTrackQRX.trackForRootFolder(root)", "track")
+        for names, mask in ((self.NAMES[0], 5), ("", 5), ("", 0), ("", 1)):
+            with self.subTest(names=names, mask=mask):
+                program = text.replace("{names}", names).replace("{mask}", str(mask))
+                said = self.succeed(self.write("program.bas", program.encode(), self.scratch)).splitlines()
+                self.assertEqual(said, ["DRStatusStateFailed", '80020103 The symbolic link "way" is to be in ISO 9660, which holds none '
+                                        "without Rock Ridge; set an explicitFilesystemMask without ISO 9660 for it, or leave it out."])
+        self.assertEqual(self.medium()["state"], "blank")
 
     def fresh(self):
         """Another drive with a blank medium."""
