@@ -3,6 +3,8 @@
 
 #include "PathStrings.hpp"
 
+#include <cmath>
+
 namespace discrecording {
 namespace {
 
@@ -38,8 +40,9 @@ engine::Result<void> readUdfProperties(DRFolder* root, engine::DataTrack& track)
             return {};
         // Compared as a floating number, which has room for all that a program may say.
         const double given = [value doubleValue];
-        if (!(given >= static_cast<double>(from) && given <= static_cast<double>(to)))
-            return wrong(key, [NSString stringWithFormat:@"a number from %lld to %lld", from, to]);
+        if (!(given >= static_cast<double>(from) && given <= static_cast<double>(to) &&
+              given == std::floor(given)))
+            return wrong(key, [NSString stringWithFormat:@"a whole number from %lld to %lld", from, to]);
         place = static_cast<std::remove_reference_t<decltype(place)>>([value longLongValue]);
         isGiven = true;
         return {};

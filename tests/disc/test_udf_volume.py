@@ -106,10 +106,12 @@ class UdfVolumes(ExamplesCase):
         for key, value, words in (
                 ("DRUDFWriteVersion", '"2.01"', "DRUDFVersion102 or DRUDFVersion150"),
                 ("DRUDFWriteVersion", '""', "DRUDFVersion102 or DRUDFVersion150"),
-                ("DRUDFPrimaryVolumeDescriptorNumber", "-1", "a number from 0 to 4294967295"),
-                ("DRUDFVolumeSequenceNumber", "0", "a number from 1 to 65535"),
-                ("DRUDFMaxVolumeSequenceNumber", "65536", "a number from 1 to 65535"),
-                ("DRUDFInterchangeLevel", "4", "a number from 1 to 3"),
+                ("DRUDFPrimaryVolumeDescriptorNumber", "-1", "a whole number from 0 to 4294967295"),
+                ("DRUDFVolumeSequenceNumber", "0", "a whole number from 1 to 65535"),
+                ("DRUDFMaxVolumeSequenceNumber", "65536", "a whole number from 1 to 65535"),
+                ("DRUDFInterchangeLevel", "4", "a whole number from 1 to 3"),
+                ("DRUDFInterchangeLevel", "2.5", "a whole number from 1 to 3"),
+                ("DRUDFPrimaryVolumeDescriptorNumber", "7.9", "a whole number from 0 to 4294967295"),
                 ("DRUDFMaxInterchangeLevel", "1", "no higher than its DRUDFMaxInterchangeLevel"),
                 ("DRUDFApplicationIdentifierSuffix", "New MemoryBlock(9)", "at most 8 bytes"),
                 ("DRUDFVolumeSetImplementationUse", "New MemoryBlock(7)", "8 bytes")):
