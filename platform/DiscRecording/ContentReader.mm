@@ -122,7 +122,7 @@ class ContentReader {
   public:
     ContentReader(DRFolder* root, const engine::DataTrack& track, bool estimating)
         : root_(root), links_(root, track.rockRidge), estimating_(estimating),
-          hasMacExtensions_(track.macExtensions), isoForm_(track.isoLevel),
+          hasMacExtensions_(track.macExtensions), hasRockRidge_(track.rockRidge), isoForm_(track.isoLevel),
           isoRule_(track.isoLevel == 1 ? NameRule::ISOLevelOne : NameRule::ISOLevelTwo) {}
 
     Result<ReadContent> read() {
@@ -159,7 +159,7 @@ class ContentReader {
                              "\" lies too deep in the tree; use fewer folders inside each other.",
                          std::to_string(deepestTree) + " levels"};
         }
-        if (const auto checked = checkProperties(object, mask); !checked.ok())
+        if (const auto checked = checkProperties(object, mask, hasRockRidge_); !checked.ok())
             return checked.error();
         auto content = sourceOf(object, std::move(name), mask, depth);
         if (!content.ok())
@@ -297,6 +297,7 @@ class ContentReader {
     ContentLinks links_;
     bool estimating_;
     bool hasMacExtensions_;
+    bool hasRockRidge_;
     engine::plan::IsoForm isoForm_;
     NameRule isoRule_;
     std::vector<size_t> way_; ///< to the item that is read

@@ -8,7 +8,7 @@
 namespace discrecording {
 
 /// BadLayout for a value that would be another one on the disc, or none, among those for all file systems and for those of
-/// `mask`.
-engine::Result<void> checkProperties(DRFSObject* object, uint8_t mask);
+/// `mask`; dates are looked at in the file systems that show them.
+engine::Result<void> checkProperties(DRFSObject* object, uint8_t mask, bool hasRockRidge);
 
 } // namespace discrecording

@@ -7,6 +7,7 @@
 #include "PathStrings.hpp"
 
 #include <cmath>
+#include <vector>
 
 namespace discrecording {
 namespace {
@@ -57,30 +58,77 @@ NSString* wantedBy(const Limit& limit) {
                : [NSString stringWithFormat:@"a whole number from %lld to %lld", limit.from, limit.to];
 }
 
+// Seconds since 1970, UTC.
+struct DatesHeld {
+    NSTimeInterval from, end;
+    const char* text;
+    const char* name;
+};
+constexpr DatesHeld datesHeld[] = {
+    {-2'208'988'800, 5'869'584'000, "1900-01-01 to 2155-12-31", "ISO 9660"},
+    {-2'208'988'800, 5'869'584'000, "1900-01-01 to 2155-12-31", "Joliet"},
+    {-62'135'596'800, 253'402'300'800, "0001-01-01 to 9999-12-31", "UDF"},
+    {-2'082'844'800, -2'082'844'800.0 + 4'294'967'296.0, "1904-01-01 to 2040-02-06", "HFS+"}};
+NSString* const filesystems[] = {DRISO9660, DRJoliet, DRUDF, DRHFSPlus, DRAllFilesystems}; // bit by bit
+
+// Those that a file system of the disc shows.
+std::vector<NSString*> datesOnDisc(size_t bit, NSDictionary* properties, bool hasRockRidge) {
+    constexpr size_t iso = 0, joliet = 1, udf = 2;
+    std::vector<NSString*> keys;
+    if (bit == iso || bit == joliet)
+        keys = {[properties objectForKey:DRRecordingDate] == nil ? DRContentModificationDate
+                                                                 : DRRecordingDate};
+    if (bit == joliet || (bit == iso && !hasRockRidge))
+        return keys;
+    keys.insert(keys.end(), {DRContentModificationDate, DRAccessDate, DRAttributeModificationDate,
+                             DRCreationDate, DRBackupDate});
+    if (bit == iso || bit == udf)
+        keys.push_back(DREffectiveDate);
+    if (bit == iso)
+        keys.push_back(DRExpirationDate);
+    return keys;
+}
+
 } // namespace
 
-engine::Result<void> checkProperties(DRFSObject* object, uint8_t mask) {
+engine::Result<void> checkProperties(DRFSObject* object, uint8_t mask, bool hasRockRidge) {
     if (![object hasProperties])
         return {};
-    NSString* const filesystems[] = {DRISO9660, DRJoliet, DRUDF, DRHFSPlus, DRAllFilesystems}; // bit by bit
     NSString* wrong = nil;
+    NSString* wanted = nil;
+    const auto refuse = [&](NSString* key, NSString* what) {
+        if (wrong != nil && [key compare:wrong] != NSOrderedAscending) // the same one each time
+            return;
+        wrong = key;
+        wanted = what;
+    };
     for (size_t i = 0; i < std::size(filesystems); ++i) {
-        if (i < 4 && (mask >> i & 1) == 0)
+        if (i < std::size(datesHeld) && (mask >> i & 1) == 0)
             continue;
         NSDictionary* properties = [object propertiesForFilesystem:filesystems[i]
                                          mergeWithOtherFilesystems:NO];
         for (NSString* key : Elements<NSString*>([properties allKeys])) {
             const Limit* limit = limitOf(key);
-            if (limit == nullptr || isHeld(*limit, [properties objectForKey:key]))
+            if (limit != nullptr && !isHeld(*limit, [properties objectForKey:key]))
+                refuse(key, wantedBy(*limit));
+        }
+        if (i == std::size(datesHeld))
+            continue;
+        const DatesHeld& held = datesHeld[i];
+        NSDictionary* merged = [object propertiesForFilesystem:filesystems[i] mergeWithOtherFilesystems:YES];
+        for (NSString* key : datesOnDisc(i, merged, hasRockRidge)) {
+            NSDate* date = [merged objectForKey:key];
+            if (date == nil)
                 continue;
-            if (wrong == nil || [key compare:wrong] == NSOrderedAscending) // the same one each time
-                wrong = key;
+            const NSTimeInterval seconds = [date timeIntervalSince1970];
+            if (!(seconds >= held.from && seconds < held.end))
+                refuse(key, [NSString stringWithFormat:@"a date from %s in %s", held.text, held.name]);
         }
     }
     if (wrong == nil)
         return {};
-    NSString* sentence = [NSString stringWithFormat:@"The %@ of \"%@\" is to be %@.", wrong,
-                                                    [object baseName], wantedBy(*limitOf(wrong))];
+    NSString* sentence =
+        [NSString stringWithFormat:@"The %@ of \"%@\" is to be %@.", wrong, [object baseName], wanted];
     return engine::Error{engine::ErrorCode::BadLayout, pathnames::bytesOf(sentence), {}};
 }
 

@@ -211,6 +211,34 @@ class Properties(ExamplesCase):
         self.assertEqual(said[1], 'The DRPosixUID of "d" is to be a whole number from 0 to 4294967295.', "folders, too")
         self.assertEqual(self.medium()["state"], "blank")
 
+    def test_a_date_that_a_file_system_cannot_hold_fails_the_burn(self):
+        iso, hfs_plus, udf = "1900-01-01 to 2155-12-31", "1904-01-01 to 2040-02-06", "0001-01-01 to 9999-12-31"
+        for key, filesystem, year, wanted in (
+                ("DRContentModificationDate", "DRISO9660", 1850, iso + " in ISO 9660"), ("DRExpirationDate", "DRISO9660", 2156, iso + " in ISO 9660"),
+                ("DRRecordingDate", "DRISO9660", 2200, iso + " in ISO 9660"), ("DRRecordingDate", "DRJoliet", 1899, iso + " in Joliet"),
+                ("DRContentModificationDate", "DRJoliet", 1899, iso + " in Joliet"),
+                ("DRAccessDate", "DRHFSPlus", 2150, hfs_plus + " in HFS+"), ("DRBackupDate", "DRHFSPlus", 1903, hfs_plus + " in HFS+"),
+                ("DRCreationDate", "DRAllFilesystems", 2041, hfs_plus + " in HFS+"),
+                ("DRContentModificationDate", "DRAllFilesystems", 1901, hfs_plus + " in HFS+"),
+                ("DRAttributeModificationDate", "DRAllFilesystems", 2160, iso + " in ISO 9660"),
+                ("DREffectiveDate", "DRUDF", 10000, udf + " in UDF")):
+            with self.subTest(key, filesystem=filesystem, year=year):
+                said = self.burn(*self.ITEMS, f"f.setProperty(New Date({year}, 1, 1), DRFSObjectQRX.{key}, DRFSObjectQRX.{filesystem})")
+                self.assertEqual(said, ["DRStatusStateFailed", f'The {key} of "f" is to be a date from {wanted}.'])
+        self.assertEqual(self.medium()["state"], "blank")
+
+    def test_a_date_does_not_count_where_it_is_not_on_the_disc(self):
+        lines = [f"f.setProperty(New Date({date}), DRFSObjectQRX.{key}, DRFSObjectQRX.{filesystem})" for date, key, filesystem in (
+            ("1850, 1, 1", "DRContentModificationDate", "DRAllFilesystems"), ("1904, 1, 2", "DRContentModificationDate", "DRHFSPlus"),
+            ("2040, 2, 5", "DRAccessDate", "DRHFSPlus"), ("1850, 1, 1", "DRExpirationDate", "DRHFSPlus"),
+            ("1850, 1, 1", "DRExpirationDate", "DRUDF"), ("1850, 1, 1", "DRAccessDate", "DRJoliet"),
+            # Where there is a date of recording, that of the modification isn't on the disc.
+            ("2155, 12, 30", "DRRecordingDate", "DRJoliet"), ("1900, 1, 2", "DRContentModificationDate", "DRISO9660"))]
+        self.burn_tree(*lines)
+        self.assertEqual(self.udf("f")[3]["DRContentModificationDate"], calendar.timegm((1850, 1, 1, 0, 0, 0)))
+        self.assertEqual(self.rock_ridge("/f")[3]["DRContentModificationDate"], calendar.timegm((1900, 1, 2, 0, 0, 0)))
+        self.assertEqual(self.fls("/f")[3]["DRAccessDate"], calendar.timegm((2040, 2, 5, 0, 0, 0)))
+
     ITEMS = ('Dim f As DRFileQRX = DRFileQRX.virtualFileWithName("f", Nil)', "root.addChild(f)",
              'Dim d As DRFolderQRX = DRFolderQRX.virtualFolderWithName("d")', "root.addChild(d)")
 
