@@ -4,7 +4,9 @@
 #include "host/plugin/Marshal.hpp"
 #include "host/runtime/Pending.hpp"
 
-#include <deque>
+#include <array>
+#include <memory_resource>
+#include <vector>
 
 namespace host {
 namespace {
@@ -43,7 +45,12 @@ class ArgumentList {
         ffi_call(&cif, function, &result, addresses_.data());
     }
 
-    ArgumentList() = default;
+    explicit ArgumentList(std::size_t values) {
+        slots_.reserve(2 * values + 1);
+        held_.reserve(values);
+        types_.reserve(values + 1);
+        addresses_.reserve(values + 1);
+    }
     ArgumentList(const ArgumentList&) = delete;
     ArgumentList& operator=(const ArgumentList&) = delete;
     ~ArgumentList() {
@@ -56,10 +63,12 @@ class ArgumentList {
         Slot* slot;
         const Parameter* parameter;
     };
-    std::deque<Slot> slots_; // addresses stay
-    std::vector<Held> held_;
-    std::vector<ffi_type*> types_;
-    std::vector<void*> addresses_;
+    std::array<std::byte, 1024> room_; // for some twenty arguments; more are kept elsewhere
+    std::pmr::monotonic_buffer_resource memory_{room_.data(), room_.size()};
+    std::pmr::vector<Slot> slots_{&memory_}; // never more than it has room for: addresses stay
+    std::pmr::vector<Held> held_{&memory_};
+    std::pmr::vector<ffi_type*> types_{&memory_};
+    std::pmr::vector<void*> addresses_ = std::pmr::vector<void*>(&memory_); // braces would make it an element
 
     Slot& add(ffi_type* type) {
         types_.push_back(type);
@@ -74,7 +83,7 @@ Value foreignCall(const Member& member, REALobject self, std::vector<Value>& arg
     const auto& declaration = member.declaration;
     Value value;
     {
-        ArgumentList list;
+        ArgumentList list(arguments.size());
         if (!member.shared) list.addObject(self);
         for (std::size_t i = 0; i < arguments.size(); ++i)
             list.addValue(arguments[i], declaration.parameters[i]);
@@ -94,7 +103,7 @@ void foreignSet(const Member& member, REALobject self, std::vector<Value>& argum
     assigned.name = "value";
     assigned.type = declaration.result;
     {
-        ArgumentList list;
+        ArgumentList list(arguments.size());
         if (!member.shared) list.addObject(self);
         for (std::size_t i = 0; i + 1 < arguments.size(); ++i)
             list.addValue(arguments[i], declaration.parameters[i]);

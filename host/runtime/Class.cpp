@@ -3,6 +3,8 @@
 
 #include "host/runtime/Exceptions.hpp"
 
+#include <algorithm>
+
 namespace host {
 namespace {
 
@@ -75,13 +77,40 @@ std::size_t Class::dataOffset() const {
     return base ? aligned(base->dataOffset() + base->dataSize_, 16) : kHeaderSize;
 }
 
-std::size_t Class::fieldsOffset() const { return aligned(dataOffset() + dataSize_, alignof(Value)); }
-
 std::size_t Class::fieldCount() const {
     const Class* base = superOrNull();
     return ownFields_ + (base ? base->fieldCount() : 0);
 }
 
-std::size_t Class::objectSize() const { return fieldsOffset() + fieldCount() * sizeof(Value); }
+ClassShape Class::makeShape() const {
+    ClassShape made;
+    for (auto* c = const_cast<Class*>(this); c; c = c->super())
+        made.chain.insert(made.chain.begin(), c);
+    made.fieldsOffset = aligned(dataOffset() + dataSize_, alignof(Value));
+    made.fieldCount = fieldCount();
+    made.objectSize = made.fieldsOffset + made.fieldCount * sizeof(Value);
+    for (const Class* c : made.chain) {
+        made.endsUnderLock |= c->destructor_ || (c->definition_ && c->nativeDestructor_);
+        made.isKeptByAddress |= c->definition_ && c->definition_->eventCount > 0;
+    }
+    for (const Member* member : find("Constructor")) {
+        if (member->kind != MemberKind::Constant && member->shared) continue;
+        if (made.constructors.empty() || member->owner == made.constructors[0]->owner)
+            made.constructors.push_back(member);
+    }
+    made.isNotMadeWithNew = !made.constructors.empty() && made.constructors[0]->owner == this &&
+                            std::ranges::all_of(made.constructors, &Member::notForPrograms);
+    return made;
+}
+
+const ClassShape& Class::shape() const {
+    if (const ClassShape* known = shape_.load(std::memory_order_acquire)) return *known;
+    auto made = std::make_unique<ClassShape>(makeShape());
+    const ClassShape* before = nullptr;
+    if (!shape_.compare_exchange_strong(before, made.get(), std::memory_order_acq_rel)) return *before;
+    return *made.release();
+}
+
+Class::~Class() { delete shape_.load(); }
 
 } // namespace host

@@ -75,8 +75,26 @@ struct ClassSpec {
     std::function<void(REALobject self)> initializer;
 };
 
+// What follows from a class and its superclasses together, and is asked for at every object. It stays as it is: a class
+// that is registered never changes.
+struct ClassShape {
+    std::vector<Class*> chain; // the root first
+    std::size_t fieldsOffset = 0, fieldCount = 0, objectSize = 0;
+    // Whether others may find an object without a reference: plug-ins keep tables of their objects, from which the
+    // object's destructor takes it out, and a program's destructor is a part of the program.
+    bool endsUnderLock = false;
+    // Whether a plug-in may keep an object's address without a reference: it does where it calls events. Some drop a
+    // reference that they never took, so also an object that was never asked for an event is met after its end.
+    bool isKeptByAddress = false;
+    // Those of the most derived class that declares any; they hide those of its superclasses.
+    std::vector<const Member*> constructors;
+    bool isNotMadeWithNew = false; // it declares constructors, and none for programs
+};
+
 class Class {
   public:
+    Class() = default;
+    ~Class();
     const std::string& name() const { return name_; }
     const std::string& superName() const { return superName_; }
     // The superclass, found when first asked for; null for a root class. Raises UnsupportedOperationException
@@ -103,10 +121,9 @@ class Class {
     const Member* handler(const Member& event) const;
 
     // ---- for the runtime itself
-    std::size_t dataOffset() const;   // of this class's own instance data, from the start of the object
-    std::size_t fieldsOffset() const; // of the fields, all classes' together
-    std::size_t fieldCount() const;   // fields of this class and its superclasses
-    std::size_t objectSize() const;
+    const ClassShape& shape() const; // made when first asked for; raises as super() does
+    std::size_t dataOffset() const;  // of this class's own instance data, from the start of the object
+    std::size_t fieldCount() const;  // fields of this class and its superclasses
     std::atomic<std::size_t> liveCount{0};
     const std::function<void(REALobject)>& initializer() const { return initializer_; }
     const std::function<void(REALobject)>& destructor() const { return destructor_; }
@@ -117,6 +134,7 @@ class Class {
 
   private:
     friend class Registry;
+    ClassShape makeShape() const;
     std::string name_, superName_;
     mutable std::atomic<Class*> super_{nullptr};
     const REALclassDefinition* definition_ = nullptr;
@@ -129,6 +147,7 @@ class Class {
     std::function<void(REALobject)> initializer_, destructor_;
     std::size_t ownFields_ = 0;
     std::map<std::string, std::vector<const Member*>, NameLess> byName_;
+    mutable std::atomic<const ClassShape*> shape_{nullptr};
 };
 
 // ---- the registry: all classes of the process, by name -----------------------------------------------

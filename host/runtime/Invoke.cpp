@@ -118,22 +118,17 @@ void writeBack(const Member& member, std::vector<Value>& full, Arguments argumen
 } // namespace
 
 Value construct(Class& objectClass, Arguments arguments) {
-    const auto constructors = onlyShared(objectClass.find("Constructor"), false);
-    const bool isHidden = !constructors.empty() && constructors[0]->owner == &objectClass &&
-                          std::all_of(constructors.begin(), constructors.end(), [&](const Member* m) {
-                              return m->owner != &objectClass || m->notForPrograms();
-                          });
-    if (isHidden)
+    const ClassShape& shape = objectClass.shape();
+    if (shape.isNotMadeWithNew)
         raise("UnsupportedOperationException",
               objectClass.name() + " objects are not made with New: ask the members that answer one");
     Value object = Value::adopt(newObject(objectClass));
     throwPendingException();
-    // The constructors of the most derived class that declares any; they hide those of its superclasses.
-    std::vector<const Member*> own;
-    for (const auto* member : constructors)
-        if (member->owner == constructors[0]->owner) own.push_back(member);
-    if (!own.empty()) {
-        call(select(own, arguments, false, nameFor(objectClass, "Constructor")), object.object(), arguments);
+    if (!shape.constructors.empty()) {
+        const Member* constructor = bestOf(shape.constructors, arguments, false);
+        if (!constructor)
+            refuseAll(shape.constructors, arguments, false, nameFor(objectClass, "Constructor"));
+        call(*constructor, object.object(), arguments);
     } else if (!arguments.empty()) {
         raise("TypeMismatchException", "New " + objectClass.name() + " takes no arguments");
     }

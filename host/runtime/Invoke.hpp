@@ -40,6 +40,11 @@ void assignFrom(Class& start, const Value& self, std::string_view name, Argument
 // class's over its superclasses'. `forAssign`: arguments end with the assigned value. Raises when none fits.
 const Member& select(std::span<const Member* const> overloads, std::span<const Value> arguments,
                      bool forAssign, std::string_view what);
+// Null when none fits; and what is raised then.
+const Member* bestOf(std::span<const Member* const> overloads, std::span<const Value> arguments,
+                     bool forAssign);
+[[noreturn]] void refuseAll(std::span<const Member* const> overloads, std::span<const Value> arguments,
+                            bool forAssign, std::string_view what);
 // Calls one member with arguments that are converted here; missing optional ones are filled in.
 Value call(const Member& member, REALobject self, Arguments arguments);
 void callSetter(const Member& member, REALobject self, Arguments parameters, const Value& value);

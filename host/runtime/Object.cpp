@@ -36,29 +36,6 @@ uintptr_t addToCount(REALobject object, intptr_t change) {
         __atomic_fetch_add(&object->header[kCountWord], change, __ATOMIC_ACQ_REL));
 }
 
-std::vector<Class*> chainOf(Class& objectClass) { // the root first
-    std::vector<Class*> chain;
-    for (Class* c = &objectClass; c; c = c->super())
-        chain.insert(chain.begin(), c);
-    return chain;
-}
-
-// Whether others may find the object without a reference: plug-ins keep tables of their objects, from which the
-// object's destructor takes it out, and a program's destructor is a part of the program.
-bool endsUnderLock(const Class& objectClass) {
-    for (const Class* c = &objectClass; c; c = c->superOrNull())
-        if (c->destructor() || (c->definition() && c->nativeDestructor())) return true;
-    return false;
-}
-
-// Whether a plug-in may keep an object's address without a reference: it does where it calls events. Some drop a
-// reference that they never took, so also an object that was never asked for an event is met after its end.
-bool isKeptByAddress(const Class& objectClass) {
-    for (const Class* c = &objectClass; c; c = c->superOrNull())
-        if (c->definition() && c->definition()->eventCount > 0) return true;
-    return false;
-}
-
 // Drops a reference that is not the last one; false when it is.
 bool dropsOneOfMany(REALobject object) {
     auto* word = &object->header[kCountWord];
@@ -118,7 +95,7 @@ void destroy(REALobject object) {
     const void* mark = __atomic_exchange_n(&object->header[kMarkWord], nullptr, __ATOMIC_ACQ_REL);
     for (const Class* c = &objectClass; c; c = c->superOrNull())
         runDestructor(*c, object);
-    for (std::size_t i = objectClass.fieldCount(); i-- > 0;)
+    for (std::size_t i = objectClass.shape().fieldCount; i-- > 0;)
         fieldOf(object, i).~Value();
     for (const Class* c = &objectClass; c; c = c->superOrNull())
         if (c->nativeDestructor()) c->nativeDestructor()(object);
@@ -130,19 +107,19 @@ void destroy(REALobject object) {
 } // namespace
 
 REALobject newObject(Class& objectClass) {
-    const auto chain = chainOf(objectClass);
-    auto* object = static_cast<REALobject>(std::calloc(1, objectClass.objectSize()));
+    const ClassShape& shape = objectClass.shape();
+    auto* object = static_cast<REALobject>(std::calloc(1, shape.objectSize));
     if (!object) throw std::bad_alloc();
     object->header[kClassWord] = &objectClass;
     object->header[kCountWord] = reinterpret_cast<void*>(uintptr_t{1});
-    object->header[kMarkWord] = const_cast<char*>(isKeptByAddress(objectClass) ? &kOutlived : &kAlive);
+    object->header[kMarkWord] = const_cast<char*>(shape.isKeptByAddress ? &kOutlived : &kAlive);
     ++objectClass.liveCount;
-    for (std::size_t i = 0; i < objectClass.fieldCount(); ++i)
+    for (std::size_t i = 0; i < shape.fieldCount; ++i)
         new (&fieldOf(object, i)) Value();
     Ref guard = Ref::adopt(object); // an initializer may raise
-    for (Class* c : chain)
+    for (Class* c : shape.chain)
         if (c->nativeConstructor()) c->nativeConstructor()(object);
-    for (Class* c : chain) {
+    for (Class* c : shape.chain) {
         setInitialFields(*c, object);
         if (c->initializer()) c->initializer()(object);
     }
@@ -158,7 +135,7 @@ void release(REALobject object) {
     // The lock comes before the last reference goes, not only before the destructors: else who holds it would find
     // in a table an object that can't be saved any more. Found in time it lives on, and this was not the last.
     std::optional<Locked> lock;
-    if (endsUnderLock(classOf(object))) lock.emplace();
+    if (classOf(object).shape().endsUnderLock) lock.emplace();
     if (dropsTheLast(object)) destroy(object);
 }
 
@@ -199,7 +176,7 @@ bool isA(REALobject object, std::string_view className) {
 void* instanceData(REALobject object) { return object + 1; }
 
 Value& fieldOf(REALobject object, std::size_t index) {
-    auto* fields = reinterpret_cast<Value*>(reinterpret_cast<char*>(object) + classOf(object).fieldsOffset());
+    auto* fields = reinterpret_cast<Value*>(reinterpret_cast<char*>(object) + classOf(object).shape().fieldsOffset);
     return fields[index];
 }
 

@@ -56,8 +56,8 @@ int costOf(const Member& member, std::span<const Value> arguments, bool forAssig
 
 } // namespace
 
-const Member& select(std::span<const Member* const> overloads, std::span<const Value> arguments,
-                     bool forAssign, std::string_view what) {
+const Member* bestOf(std::span<const Member* const> overloads, std::span<const Value> arguments,
+                     bool forAssign) {
     const Member* best = nullptr;
     int bestCost = 0;
     for (const auto* member : overloads) {
@@ -66,7 +66,11 @@ const Member& select(std::span<const Member* const> overloads, std::span<const V
         best = member;
         bestCost = cost;
     }
-    if (best) return *best;
+    return best;
+}
+
+void refuseAll(std::span<const Member* const> overloads, std::span<const Value> arguments, bool forAssign,
+               std::string_view what) {
     std::string takes;
     for (const auto* member : overloads) {
         if (forAssign && !member->canAssign() && !member->declaration.isAssigning()) continue;
@@ -77,6 +81,12 @@ const Member& select(std::span<const Member* const> overloads, std::span<const V
         raise("UnsupportedOperationException",
               std::string(what) + (forAssign ? " can't be assigned to" : " can only be assigned to"));
     raise("TypeMismatchException", std::string(what) + " takes " + takes + ", not " + typesOf(arguments));
+}
+
+const Member& select(std::span<const Member* const> overloads, std::span<const Value> arguments,
+                     bool forAssign, std::string_view what) {
+    if (const Member* best = bestOf(overloads, arguments, forAssign)) return *best;
+    refuseAll(overloads, arguments, forAssign, what);
 }
 
 } // namespace host

@@ -71,7 +71,7 @@ Value::Value(const Value& other) : kind_(other.kind_), word_(other.word_) {
     if (kind_ == Kind::Object) retain(word_.object);
 }
 
-Value::~Value() {
+void Value::drop() {
     if (kind_ == Kind::String) release(word_.string);
     if (kind_ == Kind::Object) release(word_.object);
 }

@@ -39,7 +39,9 @@ class Value {
         std::swap(word_, other.word_);
         return *this;
     }
-    ~Value();
+    ~Value() {
+        if (kind_ == Kind::String || kind_ == Kind::Object) drop();
+    }
 
     // A null object is nil; a null string is the empty string.
     static Value adopt(REALobject object) { return Ref::adopt(object); }
@@ -92,6 +94,8 @@ class Value {
             return isSigned ? Kind::Int64 : Kind::UInt64;
         }
     }
+
+    void drop();
 
     Kind kind_ = Kind::Nil;
     union {

@@ -19,14 +19,19 @@ std::unordered_set<REALobject>& alive() {
     return objects;
 }
 
+// What has none can hold nobody.
+bool hasFields(REALobject object) { return classOf(object).shape().fieldCount > 0; }
+
 } // namespace
 
 void noteAlive(REALobject object) {
+    if (!hasFields(object)) return;
     const std::lock_guard guard(mutex);
     alive().insert(object);
 }
 
 void noteGone(REALobject object) {
+    if (!hasFields(object)) return;
     const std::lock_guard guard(mutex);
     alive().erase(object);
 }
@@ -40,7 +45,7 @@ void dropCycles() {
     }
     std::vector<Value> fields; // dropped only when no object refers to another any more
     for (const Ref& object : left) {
-        const size_t count = classOf(object.get()).fieldCount();
+        const size_t count = classOf(object.get()).shape().fieldCount;
         for (size_t i = 0; i < count; ++i)
             fields.push_back(std::exchange(fieldOf(object.get(), i), Value()));
     }
