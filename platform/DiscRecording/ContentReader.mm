@@ -54,9 +54,8 @@ std::string composedBytes(const std::u16string& name) {
     return composedBytes([NewStringOfUnits(units, name.size()) autorelease]);
 }
 
-std::u16string composedUnits(NSString* name) {
-    std::u16string units = unitsOf(name);
-    return isASCII(units) ? units : pathnames::decode(composedBytes(name));
+std::u16string composedUnits(const NamedChild& child) {
+    return child.isASCII ? child.baseName : pathnames::decode(composedBytes([child.object baseName]));
 }
 
 Error conflict(DRFSObject* object, const char* problem) {
@@ -70,7 +69,7 @@ Result<Content> realContent(DRFSObject* object, std::string name) {
     if (path.find('\0') != std::string::npos)
         return conflict(object, "has a zero character in it; no path has that.");
     struct stat status {};
-    const bool wantsFolder = [object isKindOfClass:[DRFolder class]];
+    const bool wantsFolder = isFolder(object);
     // What is not there at all is the engine's to report, with the system's reason.
     if (wantsFolder && ::stat(path.c_str(), &status) == 0 && !S_ISDIR(status.st_mode)) {
         return conflict(object, "is no folder; add it as a file.");
@@ -93,7 +92,7 @@ uint8_t masksBelow(DRFolder* root) {
         waiting.pop_back();
         const uint32_t set = [object explicitFilesystemMask];
         mask |= set == UINT32_MAX ? 0 : set;
-        if (![object isKindOfClass:[DRFolder class]])
+        if (!isFolder(object))
             continue;
         for (DRFSObject* child : Elements<DRFSObject*>([static_cast<DRFolder*>(object) children]))
             waiting.push_back(child);
@@ -166,12 +165,12 @@ class ContentReader {
             return content;
         content->filesystems = mask;
         content->attributes = attributesOf(object, mask);
-        if ([object isKindOfClass:[DRFolder class]])
+        if (isFolder(object))
             if (const struct stat* source = [static_cast<DRFolder*>(object) source])
                 keepSource(*source, content->attributes);
         if ((mask & filesystem::udf) != 0)
             readUdfAttributes(object, content->attributes);
-        if (hasMacExtensions_ && (mask & filesystem::iso9660) != 0 && [object isKindOfClass:[DRFile class]])
+        if (hasMacExtensions_ && (mask & filesystem::iso9660) != 0 && isFile(object))
             if (auto mac = isoMacOf(object))
                 content->attributes->isoMac = std::move(mac);
         content->identity = reinterpret_cast<uintptr_t>(object);
@@ -181,51 +180,55 @@ class ContentReader {
     Result<Content> sourceOf(DRFSObject* object, std::string name, uint8_t mask, int depth) {
         if (![object isVirtual])
             return realContent(object, std::move(name));
-        if ([object isKindOfClass:[DRFile class]])
+        if (isFile(object))
             return fileContent(static_cast<DRFile*>(object), std::move(name), mask);
         return folderContent(static_cast<DRFolder*>(object), std::move(name), mask, depth);
     }
 
     Result<Content> folderContent(DRFolder* folder, std::string name, uint8_t mask, int depth) {
-        NSArray* all = [folder children];
+        const std::vector<NamedChild> all = namedChildren([folder children]);
         std::vector<Member> members;
         std::vector<Sibling> siblings;
-        members.reserve([all count]);
-        siblings.reserve([all count]);
+        members.reserve(all.size());
+        siblings.reserve(all.size());
         size_t place = 0;
-        for (DRFSObject* child : Elements<DRFSObject*>(all)) {
+        for (const NamedChild& child : all) {
             const size_t here = place++;
-            const uint32_t set = [child explicitFilesystemMask];
-            const auto childMask = static_cast<uint8_t>(set == 0 ? mask : set & mask);
+            const auto childMask = static_cast<uint8_t>(child.mask == 0 ? mask : child.mask & mask);
             if (childMask == 0) {
-                if ([child isKindOfClass:[DRFile class]] && [static_cast<DRFile*>(child) linkType] != nil)
-                    return ContentLinks::leftOut(static_cast<DRFile*>(child),
-                                                 composedBytes([child baseName]));
+                auto* file = static_cast<DRFile*>(child.object);
+                if (!child.isFolder && [file linkType] != nil)
+                    return ContentLinks::leftOut(file, composedBytes([file baseName]));
                 continue; // its mask says so
             }
-            members.push_back({child, childMask, here});
-            const bool isFolder = [child isKindOfClass:[DRFolder class]];
-            siblings.push_back({rockRidgeName(composedUnits([child baseName]), isFolder), isFolder});
+            members.push_back({child.object, childMask, here});
+            siblings.push_back({rockRidgeName(composedUnits(child), child.isFolder), child.isFolder});
         }
         const std::vector<std::u16string> names = mangledNames(NameRule::RockRidge, siblings);
         const ChildNames inFilesystems = namesIn(mask, all);
         std::vector<Content> children;
         children.reserve(members.size());
+        // What the items' names and properties leave behind goes with some of them, not with the whole tree. An exception
+        // that passes is left to the caller's pool, since it may lie in this one.
+        NSAutoreleasePool* left = [NSAutoreleasePool new];
         for (size_t i = 0; i < members.size(); ++i) {
             way_.push_back(i);
-            // What an item's names and properties leave behind goes with it, not with the whole tree. An exception that
-            // passes is left to the caller's pool, since it may lie in this one.
-            NSAutoreleasePool* left = [NSAutoreleasePool new];
             auto content =
                 contentOf(members[i].object, pathnames::encode(names[i]), members[i].mask, depth + 1);
             if (content.ok())
                 content->names = namesOf(members[i], siblings[i].isFolder, names[i], *content, inFilesystems);
-            [left release];
             way_.pop_back();
-            if (!content.ok())
+            if (!content.ok()) {
+                [left release];
                 return content.error();
+            }
             children.push_back(std::move(*content));
+            if (i % 64 == 63) {
+                [left release];
+                left = [NSAutoreleasePool new];
+            }
         }
+        [left release];
         [folder childNamesChanged]; // so that what it kept of them isn't in memory while the disc is written
         return Content::folder(std::move(name), std::move(children));
     }
@@ -245,7 +248,7 @@ class ContentReader {
                        engine::DataFile{{static_cast<const char*>([file bytes]), [file length]}, kept_}};
     }
 
-    ChildNames namesIn(uint8_t mask, NSArray* children) const {
+    ChildNames namesIn(uint8_t mask, const std::vector<NamedChild>& children) const {
         const auto found = [&](uint8_t wanted, NameRule rule) {
             return (mask & wanted) == 0 ? std::vector<std::u16string>() : namesOfChildren(children, rule);
         };

@@ -71,7 +71,8 @@ struct DRFolderNames {
 namespace {
 
 DRFolderNames::OfOneRule namesOfAll(NSArray* children, discrecording::NameRule rule) {
-    std::vector<std::u16string> names = discrecording::namesOfChildren(children, rule);
+    std::vector<std::u16string> names =
+        discrecording::namesOfChildren(discrecording::namedChildren(children), rule);
     DRFolderNames::OfOneRule result;
     result.names.reserve(names.size());
     for (size_t i = 0; i < names.size(); ++i)

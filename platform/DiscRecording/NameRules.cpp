@@ -194,6 +194,12 @@ std::u16string withoutSpacesAtEnds(const std::u16string& name) {
     return key += trimmed(std::u16string_view(name).substr(std::min(dot + 1, name.size())));
 }
 
+// Of ASCII: what the file systems that don't tell capitals from small letters take for the same.
+constexpr char16_t lower(NameRule rule, char16_t unit) {
+    const bool folds = rule == NameRule::HFSPlus || rule == NameRule::Joliet;
+    return folds && unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + 32) : unit;
+}
+
 // Two names that the file system takes for the same have the same key. HFS+ has a table of its own, as the volume has that is
 // written; Joliet's readers don't tell capitals from small letters in the scripts that have them.
 std::u16string keyOf(NameRule rule, std::u16string name) {
@@ -235,16 +241,15 @@ class Taken {
 
     // False when a name that is the same is taken already. The name must not change any more.
     bool take(size_t index) {
-        const std::u16string key = keyOf(rule_, names_[index]);
-        const size_t hash = std::hash<std::u16string>()(key);
+        const std::u16string& name = names_[index];
+        const uint32_t hash = hashOf(name);
         for (size_t at = hash & (slots_.size() - 1);; at = (at + 1) & (slots_.size() - 1)) {
             Slot& slot = slots_[at];
             if (slot.next == 0) {
-                slot = {static_cast<uint32_t>(hash), static_cast<uint32_t>(index + 1)};
+                slot = {hash, static_cast<uint32_t>(index + 1)};
                 return true;
             }
-            if (slot.hash == static_cast<uint32_t>(hash) && keyOf(rule_, names_[slot.next - 1]) == key)
-                return false;
+            if (slot.hash == hash && keyOf(rule_, names_[slot.next - 1]) == keyOf(rule_, name)) return false;
         }
     }
 
@@ -252,6 +257,23 @@ class Taken {
     struct Slot {
         uint32_t hash = 0, next = 0; // the place behind it; 0 for none
     };
+
+    // The same for two names of one key, and for most names made without the key. The multiplier is 2 to the 64th by the
+    // golden ratio (Knuth, The Art of Computer Programming 6.4): the high half then depends on every unit.
+    uint32_t hashOf(const std::u16string& name) const {
+        uint64_t hash = 0;
+        const auto add = [&](char16_t unit) { hash = (hash + unit + 1) * 0x9E3779B97F4A7C15; };
+        const bool dots = rule_ == NameRule::ISOLevelTwo; // its keys have a dot and no spaces at ends
+        if (!isASCII(name) || (dots && name.find(u' ') != name.npos)) {
+            for (const char16_t unit : keyOf(rule_, name))
+                add(unit);
+        } else {
+            for (const char16_t unit : name)
+                add(lower(rule_, unit));
+            if (dots && name.find(u'.') == name.npos) add(u'.');
+        }
+        return static_cast<uint32_t>(hash >> 32);
+    }
 
     NameRule rule_;
     const std::vector<std::u16string>& names_;

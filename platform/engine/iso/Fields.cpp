@@ -15,8 +15,7 @@ struct LocalTime {
     int hour, minute, second;
 };
 
-// Not gmtime_r: that is asked four times for each record of a folder.
-LocalTime localTimeOf(std::time_t seconds, int8_t zone) {
+LocalTime calendarTimeOf(std::time_t seconds, int8_t zone) {
     using namespace std::chrono;
     // The years 1 to 9999, give or take a zone: no field holds others.
     const int64_t kept = std::clamp<int64_t>(seconds, -62'135'596'800, 253'402'300'799);
@@ -30,6 +29,18 @@ LocalTime localTimeOf(std::time_t seconds, int8_t zone) {
             static_cast<int>(time.hours().count()),
             static_cast<int>(time.minutes().count()),
             static_cast<int>(time.seconds().count())};
+}
+
+// Not gmtime_r: that is asked four times for each record of a folder, mostly for the time before.
+LocalTime localTimeOf(std::time_t seconds, int8_t zone) {
+    struct Known {
+        std::time_t seconds;
+        int8_t zone;
+        LocalTime time;
+    };
+    thread_local Known last{0, 0, {1970, 1, 1, 0, 0, 0}};
+    if (last.seconds != seconds || last.zone != zone) last = {seconds, zone, calendarTimeOf(seconds, zone)};
+    return last.time;
 }
 
 } // namespace

@@ -133,7 +133,13 @@ void appendWide(std::string& to, char32_t character) {
 
 std::string wideOf(std::string_view utf8) {
     std::string result;
+    result.reserve(2 * utf8.size());
     while (!utf8.empty()) {
+        if (static_cast<unsigned char>(utf8[0]) < 0x80) {
+            result.append({'\0', utf8[0]});
+            utf8.remove_prefix(1);
+            continue;
+        }
         const auto character = firstCharacter(utf8);
         appendWide(result, character ? character->value : U'_');
         utf8.remove_prefix(character ? character->bytes : 1);

@@ -129,7 +129,15 @@ void cutToUnits(std::string& utf8, size_t limit) {
 // Without what can't stand in Joliet; dots are seen to before. Deliberate: the standard forbids ":", which programs are told
 // that a name keeps; readers take it.
 std::string jolietText(std::string_view text) {
-    constexpr std::u32string_view others = U".\"$*/;<>?\\|";
+    static constexpr std::u32string_view others = U".\"$*/;<>?\\|";
+    static constexpr auto plain = [] {
+        std::array<bool, 256> units{};
+        for (char32_t c = 0x20; c < 0x7F; ++c)
+            units[c] = others.find(c) == others.npos;
+        return units;
+    }();
+    if (std::ranges::all_of(text, [](char c) { return plain[static_cast<unsigned char>(c)]; }))
+        return std::string(text);
     std::string result;
     result.reserve(text.size());
     forEachCharacter(text, [&](char32_t c, std::string_view bytes) {
