@@ -176,7 +176,8 @@ bool isA(REALobject object, std::string_view className) {
 void* instanceData(REALobject object) { return object + 1; }
 
 Value& fieldOf(REALobject object, std::size_t index) {
-    auto* fields = reinterpret_cast<Value*>(reinterpret_cast<char*>(object) + classOf(object).shape().fieldsOffset);
+    auto* fields =
+        reinterpret_cast<Value*>(reinterpret_cast<char*>(object) + classOf(object).shape().fieldsOffset);
     return fields[index];
 }
 

@@ -3,6 +3,7 @@
 #include "Background.hpp"
 
 #include <condition_variable>
+#include <exception>
 #include <mutex>
 #include <system_error>
 #include <utility>
@@ -41,7 +42,7 @@ void Assistant::run(Shared& shared) {
 bool Assistant::hire() {
     auto made = std::make_shared<Shared>();
     try {
-        runInBackground("disc-read-2", [made] { run(*made); });
+        runInBackground("disc-assist", [made] { run(*made); });
     } catch (const std::system_error&) {
         return false;
     }
@@ -60,6 +61,32 @@ void Assistant::share(const std::function<void()>& own, const std::function<void
     std::unique_lock lock(shared_->mutex);
     shared_->work = nullptr;
     shared_->changed.wait(lock, [&] { return !shared_->isBusy; });
+}
+
+void doBoth(size_t items, const std::function<void()>& first, const std::function<void()>& second) {
+    constexpr size_t worthAThread = 1000;
+    if (items < worthAThread) {
+        first();
+        return second();
+    }
+    std::exception_ptr thrown[2];
+    const auto keeping = [](const std::function<void()>& work, std::exception_ptr& to) {
+        try {
+            work();
+        } catch (...) {
+            to = std::current_exception();
+        }
+    };
+    bool isDone = false;
+    const auto other = [&] {
+        keeping(second, thrown[1]);
+        isDone = true;
+    };
+    Assistant assistant;
+    assistant.share([&] { keeping(first, thrown[0]); }, other);
+    if (!isDone && !thrown[0]) other();
+    for (const std::exception_ptr& each : thrown)
+        if (each) std::rethrow_exception(each);
 }
 
 } // namespace engine

@@ -1,6 +1,7 @@
 // A second thread for work that can be halved.
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <memory>
 
@@ -25,5 +26,9 @@ class Assistant {
 
     std::shared_ptr<Shared> shared_; ///< with the thread, which may outlive this
 };
+
+/// Does both, on two threads where there are items enough and a second thread comes in time. What `first` throws goes before
+/// what `second` throws.
+void doBoth(size_t items, const std::function<void()>& first, const std::function<void()>& second);
 
 } // namespace engine

@@ -1,5 +1,6 @@
 // The descriptors of a volume, and which block is whose.
 #include "Volume.hpp"
+#include "Assistant.hpp"
 #include "Failure.hpp"
 
 #include <algorithm>
@@ -21,16 +22,20 @@ void checkRules(const VolumeSettings& settings) {
 } // namespace
 
 Volume::Volume(Tree tree, std::optional<Tree> joliet, VolumeSettings settings)
-    : settings_((checkRules(settings), std::move(settings))),
-      iso_(std::move(tree), Form::Iso, settings_.rules, settings_.zone) {
-    if (joliet) joliet_.emplace(std::move(*joliet), Form::Joliet, settings_.rules, settings_.zone);
+    : settings_((checkRules(settings), std::move(settings))) {
+    const size_t shared = joliet ? tree.entries.size() : 0;
+    const auto makeIso = [&] { iso_.emplace(std::move(tree), Form::Iso, settings_.rules, settings_.zone); };
+    const auto makeJoliet = [&] {
+        if (joliet) joliet_.emplace(std::move(*joliet), Form::Joliet, settings_.rules, settings_.zone);
+    };
+    doBoth(shared, makeIso, makeJoliet);
     const uint32_t front = firstDescriptorBlock + descriptorBlocks();
     if (settings_.structureStart == 0) settings_.structureStart = front;
     if (settings_.structureStart < front)
         fail(ErrorCode::BadLayout, "A disc's folders lie behind its descriptors.");
     const uint32_t start = settings_.sessionStart + settings_.structureStart;
-    iso_.place(start);
-    if (joliet_) joliet_->place(start + iso_.blocks());
+    iso_->place(start);
+    if (joliet_) joliet_->place(start + iso_->blocks());
 }
 
 bool Volume::has(uint64_t number) const noexcept {
@@ -42,11 +47,11 @@ void Volume::block(uint64_t number, std::span<std::byte, blockBytes> block) cons
     const auto at = static_cast<uint32_t>(number);
     if (at >= settings_.structureStart) {
         const uint32_t structure = at - settings_.structureStart;
-        if (structure < iso_.blocks()) return iso_.block(structure, block);
-        return joliet_->block(structure - iso_.blocks(), block);
+        if (structure < iso_->blocks()) return iso_->block(structure, block);
+        return joliet_->block(structure - iso_->blocks(), block);
     }
     std::ranges::fill(block, std::byte{0});
-    if (at == firstDescriptorBlock) return descriptor(iso_, false, block);
+    if (at == firstDescriptorBlock) return descriptor(*iso_, false, block);
     if (joliet_ && at == firstDescriptorBlock + 1) return descriptor(*joliet_, true, block);
     Fields(block).u8(terminator).raw("CD001").u8(1);
 }

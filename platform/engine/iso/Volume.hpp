@@ -30,13 +30,13 @@ class Volume {
     /// and joliet(). Throws what Hierarchy throws, and BadLayout for structures in front of the descriptors' end.
     Volume(Tree tree, std::optional<Tree> joliet, VolumeSettings settings);
 
-    Tree& tree() noexcept { return iso_.tree(); }
+    Tree& tree() noexcept { return iso_->tree(); }
     /// Null without Joliet.
     Tree* joliet() noexcept { return joliet_ ? &joliet_->tree() : nullptr; }
 
     uint32_t descriptorBlocks() const noexcept { return joliet_ ? 3 : 2; }
     uint32_t structureStart() const noexcept { return settings_.structureStart; }
-    uint32_t structureBlocks() const noexcept { return iso_.blocks() + (joliet_ ? joliet_->blocks() : 0); }
+    uint32_t structureBlocks() const noexcept { return iso_->blocks() + (joliet_ ? joliet_->blocks() : 0); }
     /// What the session has. Before block().
     void setTotalBlocks(uint64_t total) noexcept { totalBlocks_ = static_cast<uint32_t>(total); }
 
@@ -49,8 +49,7 @@ class Volume {
     void descriptor(const Hierarchy& hierarchy, bool wide, std::span<std::byte> block) const;
 
     VolumeSettings settings_;
-    Hierarchy iso_;
-    std::optional<Hierarchy> joliet_;
+    std::optional<Hierarchy> iso_, joliet_; // the first one always
     uint32_t totalBlocks_ = 0;
 };
 

@@ -1,5 +1,6 @@
 // Lays an image out.
 #include "Volumes.hpp"
+#include "Assistant.hpp"
 #include "Failure.hpp"
 #include "Views.hpp"
 #include "VolumeSettings.hpp"
@@ -80,9 +81,13 @@ Volumes::Volumes(Tree& tree, const DataTrack& track, uint8_t filesystems, const 
     }
     iso::VolumeSettings settings = isoSettings(track, start, now);
     settings.structureStart = next;
-    View<iso::Tree> view = isoView(tree, settings.rules);
+    View<iso::Tree> view;
     std::optional<View<iso::Tree>> joliet;
-    if (hasJoliet) joliet = jolietView(tree);
+    const auto viewIso = [&] { view = isoView(tree, settings.rules); };
+    const auto viewJoliet = [&] {
+        if (hasJoliet) joliet = jolietView(tree);
+    };
+    doBoth(hasJoliet ? tree.entries.size() : 0, viewIso, viewJoliet);
     tree.entries = {}; // from here on it is about contents; the names have gone where they are needed
     iso_.emplace(std::move(view.tree), joliet ? std::optional(std::move(joliet->tree)) : std::nullopt,
                  settings);
