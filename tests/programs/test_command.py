@@ -184,8 +184,12 @@ class Command(unittest.TestCase):
     # ---- signals
 
     def start(self, text):
-        running = subprocess.Popen([DISC_BASIC, "--without-plugins", self.file(text)], stdout=subprocess.PIPE,
-                                   stderr=subprocess.PIPE, stdin=subprocess.PIPE)
+        """A program that has begun; nothing comes in, and that never ends."""
+        reading, writing = os.pipe()
+        self.addCleanup(os.close, writing)
+        with open(reading, "rb") as nothing:
+            running = subprocess.Popen([DISC_BASIC, "--without-plugins", self.file(text)], stdout=subprocess.PIPE,
+                                       stderr=subprocess.PIPE, stdin=nothing)
         self.addCleanup(running.kill)
         self.assertEqual(running.stdout.readline(), b"ready\n")
         return running
@@ -209,25 +213,34 @@ End Try
 Print "never"
 """
 
-    def interrupted(self, body, number=signal.SIGINT, status=130):
+    # What is interrupted would never end by itself: that it ends is what shows that it was.
+    ENDLESS_SLEEP = "Sleep 2000000000"
+
+    def interrupted(self, body, number=signal.SIGINT, status=130, waits=True):
         running = self.start(self.CLEANING % body)
-        before = time.monotonic()
+        while waits and not self.sleeps(running.pid):
+            self.assertIsNone(running.poll(), "it waits")
+            time.sleep(0.002)
         running.send_signal(number)
-        out, err = running.communicate(timeout=20)
-        self.assertLess(time.monotonic() - before, 5)
+        out, err = running.communicate(timeout=100)
         self.assertEqual((running.returncode, out, err), (status, b"finally\naborted\n", b"Interrupted.\n"))
 
+    @staticmethod
+    def sleeps(process):
+        with open(f"/proc/{process}/stat", encoding="ascii") as file:
+            return file.read().rpartition(")")[2].split()[0] == "S"
+
     def test_interrupt_wakes_sleep_and_cleans_up(self):
-        self.interrupted("Sleep 60000")
+        self.interrupted(self.ENDLESS_SLEEP)
 
     def test_interrupt_leaves_endless_loop(self):
-        self.interrupted("While True\nWend")
+        self.interrupted("While True\nWend", waits=False)
 
     def test_interrupt_wakes_waiting_for_input(self):
         self.interrupted("Print StdIn.ReadLine")
 
     def test_terminate_cleans_up_too(self):
-        self.interrupted("Sleep 60000", signal.SIGTERM, 143)
+        self.interrupted(self.ENDLESS_SLEEP, signal.SIGTERM, 143)
 
     def test_second_interrupt_does_not_stop_the_clean_up(self):
         running = self.start("Try\nPrint \"ready\"\nStdOut.Flush\nWhile True\nWend\nFinally\n"
