@@ -150,9 +150,9 @@ class MediumReader {
     MediumReader& operator=(const MediumReader&) = delete;
     virtual ~MediumReader() = default;
 
-    /// Fills the front of `buffer` with whole blocks of the track, from `block` on, with their subchannel data behind each
-    /// where the track has such; blocks of the pre-gap have negative numbers. Answers the bytes: fewer than fit only at the end of the track, then 0. MediaInvalid,
-    /// with the block's address in `info`, for what can't be read.
+    /// Fills `buffer` with whole blocks of the track from `block` on, subchannel data behind each where the track has such.
+    /// Those of the pre-gap are negative; one call ends with -1 at most. Answers the bytes: fewer than fit only in the pre-gap
+    /// or at the track's end, then 0. MediaInvalid, with the block's address in `info`, for what can't be read.
     virtual Result<size_t> read(const TrackInfo& track, int64_t block, std::span<std::byte> buffer) = 0;
 
     /// The packs of 18 bytes from the lead-in; empty when there are none.

@@ -14,11 +14,17 @@ namespace {
 
 constexpr size_t blockBytes = 2048, piece = 8 * blockBytes;
 
-// A medium in memory that counts what was read.
+// A medium in memory that counts what was read. Of a pre-gap it gives two blocks at a time.
 class Medium final : public MediumReader {
   public:
     Result<size_t> read(const TrackInfo& track, int64_t block, std::span<std::byte> buffer) override {
         return guarded([&]() -> size_t {
+            if (block < 0) {
+                const size_t left = static_cast<size_t>(-block) * blockBytes;
+                const size_t count = std::min({buffer.size(), left, 2 * blockBytes});
+                std::copy_n(std::as_bytes(std::span(preGap).last(left)).begin(), count, buffer.begin());
+                return count;
+            }
             const auto from = static_cast<size_t>(block) * blockBytes;
             if (from == damagedAt) fail(ErrorCode::MediaInvalid, "A scratch.", "here");
             if (inside.exchange(true)) ADD_FAILURE() << "two threads read";
@@ -38,7 +44,7 @@ class Medium final : public MediumReader {
         return changed.wait_for(lock, 10s, [&] { return reads >= times; });
     }
 
-    std::string bytes;
+    std::string bytes, preGap;
     size_t damagedAt = SIZE_MAX;
     std::atomic<bool> inside{false};
     std::mutex mutex;
@@ -46,7 +52,7 @@ class Medium final : public MediumReader {
     int reads = 0;
 };
 
-// Gives the same bytes once more.
+// Gives the same bytes once more, and notes what it is shown.
 class Again final : public TrackSource {
   public:
     explicit Again(std::string all) : bytes(std::move(all)) {}
@@ -64,8 +70,20 @@ class Again final : public TrackSource {
         ++ends;
         return true;
     }
+    bool verifyPreGap(uint64_t block, std::span<const std::byte> read) override {
+        EXPECT_EQ(block, preGapFrom + preGap.size() / blockBytes);
+        EXPECT_TRUE(received.empty()) << "the pre-gap comes first";
+        preGap.append(reinterpret_cast<const char*>(read.data()), read.size());
+        return true;
+    }
+    bool verify(uint64_t block, std::span<const std::byte> read) override {
+        EXPECT_EQ(block, received.size() / blockBytes);
+        received.append(reinterpret_cast<const char*>(read.data()), read.size());
+        return true;
+    }
 
-    std::string bytes;
+    std::string bytes, preGap, received;
+    uint64_t preGapFrom = 0; ///< the first block that is expected
     size_t given = 0;
     int ends = 0;
     std::function<void()> whenAsked;
@@ -83,6 +101,8 @@ class TrackVerifierTest : public EngineTest {
         written.track.blocks = source->bytes.size() / blockBytes;
         written.bytes = source->bytes.size();
         written.pieceBytes = piece;
+        written.track.preGapBlocks = preGapBlocks;
+        written.preGapBlocks = medium->preGap.size() / blockBytes;
         TrackSum sum;
         for (size_t from = 0; from < source->bytes.size(); from += piece) {
             sum.add(std::as_bytes(std::span(source->bytes))
@@ -109,6 +129,7 @@ class TrackVerifierTest : public EngineTest {
     SignalRef signal = std::make_shared<Signal>();
     std::shared_ptr<Medium> medium = std::make_shared<Medium>();
     std::shared_ptr<Again> source;
+    uint64_t preGapBlocks = 0;
 };
 
 TEST_F(TrackVerifierTest, findsTheFirstPieceThatDiffers) {
@@ -145,6 +166,15 @@ TEST_F(TrackVerifierTest, findsThatTheEndIsMissing) {
     EXPECT_EQ(found(Verification::Checksum), "132: block 132 to 139 after 4");
     medium->bytes.resize(0);
     EXPECT_EQ(found(Verification::Checksum), "100: block 100 to 107 after 0");
+}
+
+TEST_F(TrackVerifierTest, showsThePreGapAndNothingBehindItAsOne) {
+    medium->preGap = noise(11 * blockBytes, 2);
+    preGapBlocks = 150; // a medium may keep less of it
+    source->preGapFrom = 139;
+    EXPECT_EQ(found(Verification::ReceiveData), "all");
+    EXPECT_TRUE(source->preGap == medium->preGap);
+    EXPECT_TRUE(source->received == source->bytes);
 }
 
 TEST_F(TrackVerifierTest, readsOnWhileTheSourceIsAsked) {

@@ -91,6 +91,53 @@ TEST_P(PhysicalVerify, ADifferenceOnAnOverwrittenDiscShowsNoOldTree) {
     EXPECT_EQ(medium().blank, facts.overwritable);
 }
 
+// The blocks of the track lie right behind: they are no part of its pre-gap.
+TEST_F(PhysicalTest, APreGapIsVerifiedToItsEnd) {
+    class Song final : public TrackProducer {
+      public:
+        bool producesPreGap() override { return true; }
+        size_t producePreGap(uint64_t, std::span<std::byte> buffer, ProduceFlags&) override {
+            std::fill(buffer.begin(), buffer.end(), std::byte{'g'});
+            return buffer.size();
+        }
+        size_t produce(uint64_t, std::span<std::byte> buffer, ProduceFlags&) override {
+            std::fill(buffer.begin(), buffer.end(), std::byte{'s'});
+            return buffer.size();
+        }
+        bool verifyPreGap(uint64_t block, std::span<const std::byte> bytes) override {
+            EXPECT_EQ(block, preGap.size() / 2352);
+            preGap.append(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+            return true;
+        }
+        bool verify(uint64_t block, std::span<const std::byte> bytes) override {
+            EXPECT_EQ(block, data.size() / 2352);
+            data.append(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+            return true;
+        }
+        std::string preGap, data;
+    };
+    insert("CD-R");
+    const std::shared_ptr<Song> songs[] = {std::make_shared<Song>(), std::make_shared<Song>()};
+    Layout disc;
+    disc.sessions.emplace_back();
+    for (const auto& song : songs) {
+        Track track;
+        ProducedTrack content;
+        content.form = BlockForm::Audio;
+        content.blocks = 600;
+        content.producer = song;
+        track.content = content;
+        track.verification = Verification::ReceiveData;
+        disc.sessions.front().tracks.push_back(track);
+    }
+    disc.sessions.front().tracks[1].preGapBlocks = 75;
+    EXPECT_DONE(burn(disc));
+    EXPECT_EQ(songs[0]->preGap, "") << "the drive makes the one at the start";
+    EXPECT_TRUE(songs[1]->preGap == std::string(75 * 2352, 'g')) << songs[1]->preGap.size();
+    for (const auto& song : songs)
+        EXPECT_TRUE(song->data == std::string(600 * 2352, 's')) << song->data.size();
+}
+
 INSTANTIATE_TEST_SUITE_P(All, PhysicalVerify, ::testing::Values("CD-R", "DVD-RW", "BD-R", "DVD+RW", "BD-RE"),
                          [](const auto& each) {
                              std::string name = each.param;

@@ -21,7 +21,7 @@ Result<size_t> PhysicalReader::read(const TrackInfo& track, int64_t block, std::
         if (!isAudio && track.form != BlockForm::Data)
             fail(ErrorCode::FunctionNotSupported, "Tracks of this form can't be read through a drive.");
         const size_t bytes = bytesPerBlock(track.form);
-        const int64_t left = static_cast<int64_t>(track.blocks) - block;
+        const int64_t left = block < 0 ? -block : static_cast<int64_t>(track.blocks) - block;
         if (left <= 0) return 0;
         const auto wanted = static_cast<off_t>(
             std::min<uint64_t>(static_cast<uint64_t>(left), buffer.size() / bytes) * bytes);
