@@ -47,11 +47,11 @@ TrackVerifier::TrackVerifier(Written written, SignalRef signal, std::shared_ptr<
 size_t TrackVerifier::next(std::span<std::byte> scratch) {
     try {
         return check(scratch);
-    } catch (const Mismatch&) {
-        cleanUp();
-        throw;
     } catch (const Failure& failure) {
         if (failure.error().code != ErrorCode::UserCanceled) cleanUp();
+        throw;
+    } catch (...) {
+        cleanUp();
         throw;
     }
 }

@@ -200,4 +200,11 @@ TEST_F(TrackVerifierTest, endsWhenTheBurnIsCanceled) {
     EXPECT_TRUE(waitForBackground(10s));
 }
 
+// Whoever was asked to prepare is told of the end, whatever ended it.
+TEST_F(TrackVerifierTest, letsTheSourceCleanUpWhateverIsThrown) {
+    source->whenAsked = [] { throw std::bad_alloc(); };
+    EXPECT_THROW(found(Verification::ProduceAgain), std::bad_alloc);
+    EXPECT_EQ(source->ends, 1);
+}
+
 } // namespace
