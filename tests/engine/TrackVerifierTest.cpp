@@ -77,6 +77,7 @@ class Again final : public TrackSource {
         return true;
     }
     bool verify(uint64_t block, std::span<const std::byte> read) override {
+        EXPECT_FALSE(read.empty());
         EXPECT_EQ(block, received.size() / blockBytes);
         received.append(reinterpret_cast<const char*>(read.data()), read.size());
         return true;
@@ -143,7 +144,7 @@ TEST_F(TrackVerifierTest, findsTheFirstPieceThatDiffers) {
         medium->bytes = source->bytes;
         medium->bytes.back() ^= 1;
         source->given = 0;
-        EXPECT_EQ(found(way), "140: block 140 to 147 after 5");
+        EXPECT_EQ(found(way), "140: block 140 to 142 after 5");
         medium->bytes = source->bytes;
     }
     EXPECT_EQ(source->ends, 3) << "after each where the source was asked";
@@ -162,10 +163,20 @@ TEST_F(TrackVerifierTest, tellsWhatCantBeReadBehindAllThatCan) {
 }
 
 TEST_F(TrackVerifierTest, findsThatTheEndIsMissing) {
-    medium->bytes.resize(4 * piece);
-    EXPECT_EQ(found(Verification::Checksum), "132: block 132 to 139 after 4");
-    medium->bytes.resize(0);
-    EXPECT_EQ(found(Verification::Checksum), "100: block 100 to 107 after 0");
+    for (const Verification way :
+         {Verification::Checksum, Verification::ProduceAgain, Verification::ReceiveData}) {
+        for (const auto& [left, what] :
+             {std::pair(4 * piece + 2 * blockBytes, "134: 69632"), std::pair(4 * piece, "132: 65536"),
+              std::pair(size_t{0}, "100: 0")}) {
+            medium->bytes = source->bytes.substr(0, left);
+            source->given = 0;
+            source->received.clear();
+            EXPECT_EQ(found(way), what + (" bytes read back of 88064 after " + std::to_string(left / piece)));
+            if (way == Verification::ReceiveData) {
+                EXPECT_TRUE(source->received == medium->bytes);
+            }
+        }
+    }
 }
 
 TEST_F(TrackVerifierTest, showsThePreGapAndNothingBehindItAsOne) {
