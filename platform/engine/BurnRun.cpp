@@ -168,4 +168,9 @@ void BurnRun::pace(uint64_t bytesDone) {
     signal_->check();
 }
 
+void BurnRun::wrote(uint64_t bytesDone) {
+    pace(bytesDone);
+    progress(bytesDone);
+}
+
 } // namespace engine

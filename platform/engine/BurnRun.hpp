@@ -48,13 +48,14 @@ class BurnRun {
     void writeSessions(BurnTarget& target);
     void writeTrack(BurnTarget& target, Item& item);
     void writePreGap(BurnTarget& target, const Item& item);
-    void fillUp(BurnTarget& target, const PlannedTrack& track, uint64_t from, TrackSum& sum) const;
+    void fillUp(BurnTarget& target, const PlannedTrack& track, uint64_t preGap, uint64_t from, TrackSum& sum);
     void verify(BurnTarget& target);
     void verifyTrack(const std::shared_ptr<TrackVerifier>& verifier, uint64_t before, BurnTarget& target);
     void enter(BurnState state, uint64_t bytesTotal = 0);
     void progress(uint64_t bytesDone);
     bool isPaced() const;
     void pace(uint64_t bytesDone);
+    void wrote(uint64_t bytesDone); ///< of a track, its pre-gap first
 
     DriveRef drive_;
     std::shared_ptr<const Layout> layout_;

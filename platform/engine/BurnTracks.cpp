@@ -49,7 +49,8 @@ void BurnRun::writeTrack(BurnTarget& target, Item& item) {
     const PlannedTrack& track = planned(item);
     const size_t blockBytes = track.blockBytes();
     const uint64_t total = track.info.blocks * blockBytes;
-    enter(BurnState::TrackWrite, total);
+    const uint64_t preGap = track.preGapIsProduced ? track.info.preGapBlocks * blockBytes : 0;
+    enter(BurnState::TrackWrite, preGap + total);
     signal_->check();
     if (track.preGapIsProduced) writePreGap(target, item);
     const bool isSummed = options_.verify && !plan_.isTest && item.verification == Verification::Checksum;
@@ -66,8 +67,7 @@ void BurnRun::writeTrack(BurnTarget& target, Item& item) {
             target.write(part);
             offset += part.size();
             written += part.size();
-            pace(written);
-            progress(written);
+            wrote(preGap + written);
         }
         pipeline.giveBack(std::move(piece));
     }
@@ -75,10 +75,10 @@ void BurnRun::writeTrack(BurnTarget& target, Item& item) {
     if (auto start = item.source->start(); !start.empty()) target.writeStart(std::move(start));
     // A track that ends early makes room only when nothing follows it: the rest has its addresses already.
     if (written < total && !plan_.isLast(item.session, item.track)) {
-        fillUp(target, track, written / blockBytes, *sum);
+        fillUp(target, track, preGap, written / blockBytes, *sum);
         written = total;
     }
-    status_.bytesTotal = written;
+    status_.bytesTotal = preGap + written;
     enter(BurnState::TrackClose);
     signal_->check();
     target.closeTrack(written / blockBytes, sum->value());
@@ -95,6 +95,7 @@ void BurnRun::writePreGap(BurnTarget& target, const Item& item) {
         target.writePreGap(piece->content());
         written += piece->filled;
         pipeline.giveBack(std::move(piece));
+        wrote(written);
     }
     if (written < track.info.preGapBlocks * track.blockBytes())
         fail(ErrorCode::DataProduction, "The producer of track " + std::to_string(track.info.number) +
@@ -102,9 +103,10 @@ void BurnRun::writePreGap(BurnTarget& target, const Item& item) {
 }
 
 // The blocks of a track from that one on are empty ones.
-void BurnRun::fillUp(BurnTarget& target, const PlannedTrack& track, uint64_t from, TrackSum& sum) const {
+void BurnRun::fillUp(BurnTarget& target, const PlannedTrack& track, uint64_t preGap, uint64_t from,
+                     TrackSum& sum) {
     const size_t blockBytes = track.blockBytes();
-    const size_t most = wholeBlocks(blockBytes, pieceBytes) / blockBytes;
+    const size_t most = wholeBlocks(blockBytes, isPaced() ? pacedBytes : pieceBytes) / blockBytes;
     const std::unique_ptr<std::byte, Piece::Free> memory(
         static_cast<std::byte*>(std::aligned_alloc(4096, pieceBytes)));
     if (!memory) throw std::bad_alloc();
@@ -119,6 +121,7 @@ void BurnRun::fillUp(BurnTarget& target, const PlannedTrack& track, uint64_t fro
         sum.add(blocks);
         target.write(blocks);
         from += count;
+        wrote(preGap + from * blockBytes);
     }
 }
 

@@ -13,6 +13,7 @@ namespace {
 struct Notes {
     std::string calls;
     std::vector<std::pair<const std::byte*, size_t>> written;
+    std::function<void()> whenWritten;
     void add(const std::string& call) {
         if (!calls.ends_with(call + ' ')) calls += call + ' ';
     }
@@ -47,6 +48,7 @@ class NotingTarget final : public BurnTarget {
         notes_.add("write");
         notes_.written.emplace_back(buffer.data(), buffer.size());
         EXPECT_EQ(reinterpret_cast<uintptr_t>(buffer.data()) % 4096, 0u);
+        if (notes_.whenWritten) notes_.whenWritten();
     }
     void closeTrack(uint64_t blocks, uint64_t) override {
         notes_.add("closeTrack:" + std::to_string(blocks));
@@ -111,8 +113,67 @@ class TargetTest : public EngineTest {
         options.verify = false;
         return burn(std::make_shared<NotingDrive>(notes), layout, options);
     }
+    // Bytes and their total, as they are told while the first of two tracks is written; it ends after so many blocks, which
+    // its pre-gap comes before.
+    using Told = std::vector<std::pair<uint64_t, uint64_t>>;
+    Told toldOfATrackThatEndsEarly(double speed, uint64_t blocks, uint64_t brought, uint64_t preGap) {
+        const auto early = std::make_shared<TestProducer>(2048);
+        early->preGap = true;
+        early->fault = [&](uint64_t, std::span<std::byte>, ProduceFlags& flags) {
+            flags.noMoreData = true;
+            return static_cast<size_t>(brought * 2048);
+        };
+        Layout layout;
+        layout.sessions.push_back(
+            {{producedTrack(early, BlockForm::Data, blocks),
+              producedTrack(std::make_shared<TestProducer>(2048), BlockForm::Data, 300)}});
+        layout.sessions[0].tracks[0].preGapBlocks = preGap;
+        BurnOptions options;
+        options.verify = false;
+        options.requestedSpeed = speed;
+        Told told;
+        BurnJob job(std::make_shared<NotingDrive>(notes));
+        job.setObserver([&](const BurnStatus& status) {
+            if (status.state == BurnState::TrackWrite && status.currentTrack == 1)
+                told.emplace_back(status.bytesDone, status.bytesTotal);
+        });
+        if (endsWithTheFill)
+            notes.whenWritten = [&] {
+                if (notes.written.size() == 2) job.abort();
+            };
+        EXPECT_TRUE(job.start(layout, options).ok());
+        EXPECT_EQ(nameOf(job.wait().state), endsWithTheFill ? "Failed" : "Done");
+        EXPECT_TRUE(std::is_sorted(told.begin(), told.end()));
+        return told;
+    }
+    bool endsWithTheFill = false; ///< aborted there
     Notes notes;
 };
+
+TEST_F(TargetTest, whatAPreGapTakesAndWhatIsFilledUpIsTold) {
+    const Told told = toldOfATrackThatEndsEarly(maximumSpeed, 1000, 100, 150);
+    const uint64_t total = 1150 * 2048;
+    ASSERT_FALSE(told.empty());
+    EXPECT_EQ(told.front(), std::pair(uint64_t{0}, total));
+    EXPECT_EQ(told.back(), std::pair(total, total));
+}
+
+// It takes longer than the interval between two reports, so the first of its pieces is told.
+TEST_F(TargetTest, aPreGapTakesItsTime) {
+    const Told told = toldOfATrackThatEndsEarly(slowly, 300, 300, 150);
+    EXPECT_TRUE(std::find(told.begin(), told.end(), std::pair<uint64_t, uint64_t>(150 * 2048, 450 * 2048)) !=
+                told.end());
+}
+
+// One write fills it up. Who waits for the speed behind it meets the abort there, before the track is told to be whole.
+TEST_F(TargetTest, whatIsFilledUpTakesItsTime) {
+    endsWithTheFill = true;
+    const Told told = toldOfATrackThatEndsEarly(slowly, 32, 1, 20);
+    ASSERT_EQ(notes.written.size(), 2u);
+    EXPECT_EQ(notes.written[1].second, 31u * 2048);
+    ASSERT_FALSE(told.empty());
+    EXPECT_LT(told.back().first, 52u * 2048);
+}
 
 TEST_F(TargetTest, isAskedInOrder) {
     const auto one = std::make_shared<TestProducer>(2352), two = std::make_shared<TestProducer>(2048);
