@@ -55,6 +55,7 @@ class Earlier {
             pending_.pop_back();
             addFolder(folder);
         }
+        keepJolietsHidden();
         tree_.oldExtents = tree_.extents.size();
     }
 
@@ -129,6 +130,7 @@ class Earlier {
             ItemNames names{item.name};
             bool isJolietsMade = false;
             if (volume_.joliet && item.partner != none) {
+                inJoliet_[node] |= others[item.partner].isHidden;
                 const std::string& other = others[item.partner].name;
                 // ISO 9660's own names are worse than Joliet's.
                 if (!volume_.rockRidge)
@@ -169,6 +171,17 @@ class Earlier {
         FilesystemAttributes own;
         own[0].version = version;
         tree_.own[node] = std::make_shared<const FilesystemAttributes>(own);
+    }
+
+    // An item is hidden in all file systems as it is in ISO 9660; in Joliet it may be otherwise.
+    void keepJolietsHidden() {
+        for (const auto& [node, isHidden] : inJoliet_) {
+            if (isHidden == tree_.nodes[node].invisible) continue;
+            std::shared_ptr<const FilesystemAttributes>& known = tree_.own[node];
+            FilesystemAttributes own = known ? *known : FilesystemAttributes();
+            own[1].invisible = isHidden;
+            known = std::make_shared<const FilesystemAttributes>(own);
+        }
     }
 
     uint32_t nodeOf(const iso::Tree& from, uint32_t index, std::vector<uint32_t>& known) {
@@ -220,6 +233,7 @@ class Earlier {
     std::vector<uint32_t> blocks_, jolietBlocks_;
     std::vector<uint32_t> isoNodes_, jolietNodes_;   ///< what became of theirs
     std::unordered_map<uint32_t, uint32_t> extents_; ///< by first block
+    std::unordered_map<uint32_t, bool> inJoliet_;    ///< whether a node is hidden there
     std::vector<Folder> pending_;
 };
 

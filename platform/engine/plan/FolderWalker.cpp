@@ -85,6 +85,7 @@ uint32_t FolderWalker::addItem(const std::string& path, uint8_t filesystems, uin
     folder.kind = NodeKind::Folder;
     const uint32_t node = oldFolder == none ? tree_.addNode(folder) : oldFolder;
     describe(tree_.nodes[node], status);
+    tree_.own.erase(node); // where an old folder was hidden
     pending_.push_back({node, withoutSlash(path), Fingerprint::of(status), filesystems});
     return node;
 }
@@ -123,6 +124,7 @@ void FolderWalker::walk(const Pending& folder) {
             node = tree_.oldFolder(folder.node, names, folder.filesystems);
             if (node == none) node = tree_.addNode(made);
             describe(tree_.nodes[node], found.status);
+            tree_.own.erase(node);
             pending_.push_back({node, path, Fingerprint::of(found.status), folder.filesystems});
         } else {
             node = addLeaf({number, index, found.name, path}, found.status, false);

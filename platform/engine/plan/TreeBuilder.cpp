@@ -174,6 +174,7 @@ class TreeBuilder {
         if (const auto* folder = std::get_if<VirtualFolder>(&item.source)) {
             uint32_t node = tree_.oldFolder(parent, names, filesystems);
             if (node == none) node = tree_.addNode({});
+            tree_.own.erase(node); // where an old folder was hidden
             tree_.nodes[node].kind = NodeKind::Folder;
             tree_.nodes[node] = virtualNode(tree_.nodes[node], 0755);
             pending_.push_back({node, folder, filesystems});

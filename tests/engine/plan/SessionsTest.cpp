@@ -22,6 +22,28 @@ class PlanSessions : public test::Discs {
         std::get<DataTrack>(what.sessions[0].tracks[0].content).rockRidge = false;
         return what;
     }
+    /// Of the newest records in ISO 9660 and Joliet, which are the last ones: 1 for hidden, 2 for a folder.
+    std::string flagsOf(const std::string& name) const {
+        std::string iso, joliet;
+        for (const char letter : name) {
+            iso += letter == ' ' ? ' ' : static_cast<char>(letter - 'a' + 'A');
+            joliet += {'\0', letter};
+        }
+        const std::string disc = bytesOf(image());
+        std::string flags;
+        for (const std::string& stored : {iso, joliet}) {
+            // Its length stands in front of it, with a dot and a version for files.
+            const auto isName = [&](size_t at) {
+                const auto length = static_cast<size_t>(static_cast<unsigned char>(disc[at - 1]));
+                return length == stored.size() || length == stored.size() + 3 || length == stored.size() + 4;
+            };
+            size_t at = disc.rfind(stored);
+            while (at != std::string::npos && !isName(at))
+                at = disc.rfind(stored, at - 1);
+            flags += at == std::string::npos ? "?" : std::to_string(disc[at - 8] & 3);
+        }
+        return flags;
+    }
     static Content first() {
         std::vector<Content> inner;
         inner.push_back(named(Content::file("deep.txt", "deep"), "Deeper.txt"));
@@ -250,18 +272,47 @@ TEST_F(PlanSessions, WhatIsInvisibleStaysSoUntilItIsAddedAgain) {
     EXPECT_DONE(burn(drive, discOf(Content::folder("Disc", std::move(children)), isoAndJoliet), open()));
     EXPECT_DONE(
         burn(drive, discOf(Content::folder("Disc", {Content::folder("shown again")}), isoAndJoliet), open()));
-    // The newest session's records are the last ones; their flags stand eight bytes in front of the name.
-    const std::string disc = bytesOf(image());
-    for (const auto& [name, hidden] : {std::pair{"HIDDEN", 1}, {"SHOWN AGAIN", 0}}) {
-        const size_t at = disc.rfind(name);
-        ASSERT_NE(at, std::string::npos);
-        EXPECT_EQ(disc[at - 8] & 3, 2 | hidden) << name;
-        std::string wide;
-        for (const char* letter = name; *letter != '\0'; ++letter)
-            wide += {'\0', *letter == ' ' ? ' ' : static_cast<char>(*letter - 'A' + 'a')};
-        const size_t joliet = disc.rfind(wide);
-        ASSERT_NE(joliet, std::string::npos);
-        EXPECT_EQ(disc[joliet - 8] & 3, 2 | hidden) << name;
+    EXPECT_EQ(flagsOf("hidden"), "33");
+    EXPECT_EQ(flagsOf("shown again"), "22");
+}
+
+TEST_F(PlanSessions, WhatIsInvisibleInOneFileSystemStaysSoThere) {
+    const auto drive = makeDrive(MediumKind::DVDPlusRW);
+    std::vector<Content> children;
+    const auto add = [&](Content item, bool isHiddenInIso, bool isHiddenInJoliet) {
+        FilesystemAttributes own;
+        own[0].invisible = isHiddenInIso;
+        own[1].invisible = isHiddenInJoliet;
+        if (item.name == "version") own[0].version = 5;
+        item.attributes->own = std::make_shared<const FilesystemAttributes>(own);
+        children.push_back(std::move(item));
+    };
+    add(Content::file("iso", "1"), true, false);
+    add(Content::file("joliet", "2"), false, true);
+    add(Content::file("version", "3"), false, true);
+    add(Content::folder("folder", {Content::file("x", "x")}), false, true);
+    add(Content::folder("folder shown", {Content::file("y", "y")}), false, true);
+    write("walked/inner/z", "z");
+    add(Content::folder("walked", {Content::file("z", "z")}), false, true);
+    Content inner = Content::folder("inner", {Content::file("z", "z")});
+    inner.attributes = children.back().attributes;
+    std::get<VirtualFolder>(children.back().source).children.push_back(std::move(inner));
+    EXPECT_DONE(burn(drive, discOf(Content::folder("Disc", std::move(children)), isoAndJoliet), open()));
+    for (const char* name : {"joliet", "version"})
+        EXPECT_EQ(flagsOf(name), "01") << name;
+    for (int session = 0; session < 2; ++session) { // the second reads what the first kept
+        children.clear();
+        children.push_back(Content::folder("folder shown"));
+        children.push_back(Content::real((source / "walked").string()));
+        EXPECT_DONE(burn(drive, discOf(Content::folder("Disc", std::move(children)), isoAndJoliet), open()));
+        EXPECT_EQ(flagsOf("iso"), "10");
+        EXPECT_EQ(flagsOf("joliet"), "01");
+        EXPECT_EQ(flagsOf("version"), "01");
+        EXPECT_NE(bytesOf(image()).rfind("VERSION.;5"), std::string::npos);
+        EXPECT_EQ(flagsOf("folder"), "23");
+        EXPECT_EQ(flagsOf("folder shown"), "22");
+        EXPECT_EQ(flagsOf("walked"), "22");
+        EXPECT_EQ(flagsOf("inner"), "22");
     }
 }
 
