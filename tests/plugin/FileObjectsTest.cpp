@@ -1,4 +1,4 @@
-// FileObjectsTest.cpp: constructors, factories and links of files and folders, and who is in the registry.
+// FileObjectsTest.cpp: constructors, factories and links of files and folders.
 #include "host/runtime/Array.hpp"
 #include "host/runtime/FolderItem.hpp"
 #include "host/runtime/MemoryBlock.hpp"
@@ -200,18 +200,6 @@ TEST_F(FileObjects, AConstructorThatFailsLeavesTheSlotAsItWas) {
     EXPECT_EQ(frame::slot(folder.get()), heldFolder);
     EXPECT_EQ(text(file, "baseName as string"), "before");
     EXPECT_EQ(text(folder, "baseName as string"), "before");
-}
-
-TEST_F(FileObjects, ASecondConstructorCallOverwritesWithoutReleasingOrComplaining) {
-    const Ref file = make("DRFileQRX");
-    constructWithData(file, "first", "1");
-    const objc::Id first = frame::slot(file.get());
-    constructWithData(file, "second", "2");
-    EXPECT_EQ(text(file, "baseName as string"), "second");
-    EXPECT_NE(frame::slot(file.get()), first);
-    EXPECT_EQ(raised(), std::nullopt);
-    EXPECT_EQ((objc::send<"retainCount", unsigned long>(first)), 1u);
-    objc::release(first);
 }
 
 TEST_F(FileObjects, ConstructedOnesComeBackAsNewObjectsAndFactorysAsThemselves) {
