@@ -9,6 +9,7 @@
 #include "tests/plugin/Companion.hpp"
 #include "tests/plugin/Drives.hpp"
 #include "tests/plugin/PluginTest.hpp"
+#include "tests/plugin/Replaced.hpp"
 
 #include <stdexcept>
 #include <utility>
@@ -284,6 +285,29 @@ TEST_F(Startup, IsRunByTheFactoriesOfDrivesAndJobsAlsoWhenTheyFindNothing) {
     for (const char* name : {"deviceForBSDName(bsdName as string) as DRDeviceQRX",
                              "deviceForIORegistryEntryPath(path as string) as DRDeviceQRX"})
         expectRun(name, [&] { call<REALobject>("DRDeviceQRX", name, REALstring{nullptr}); });
+}
+
+Id nothingFrom(Id, objc::Sel, Id) { return nullptr; }
+Id nothingFromTwo(Id, objc::Sel, Id, Id) { return nullptr; }
+
+// The others of files and folders. Nothing is made, be it that the platform answers nothing: a wrapper would run it, too.
+TEST_F(Startup, IsRunByTheFactoriesOfFilesAndFolders) {
+    companion::offerRegistry();
+    CocoaInit();
+    replaceClassMethod<"fileWithPath:", nothingFrom>("DRFile");
+    replaceClassMethod<"virtualFileWithName:data:", nothingFromTwo>("DRFile");
+    const auto expectRun = [this](const char* className, const char* declaration, auto... arguments) {
+        instances = nullptr;
+        const int32_t before = companion::registryAsked;
+        EXPECT_EQ((call<REALobject>(className, declaration, arguments...)), nullptr) << declaration;
+        EXPECT_EQ(companion::registryAsked, before + 1) << declaration;
+    };
+    expectRun("DRFileQRX", "fileWithPath(path as string) as DRFileQRX", REALstring{nullptr});
+    expectRun("DRFileQRX", "fileWithPath(path as folderitem) as DRFileQRX", REALfolderItem{nullptr});
+    expectRun("DRFileQRX", "virtualFileWithName(name as string, data as memoryblock) as DRFileQRX",
+              REALstring{nullptr}, REALmemoryBlock{nullptr});
+    expectRun("DRFolderQRX", "folderWithPath(path as string) as DRFolderQRX", REALstring{nullptr});
+    expectRun("DRFolderQRX", "folderWithPath(path as folderitem) as DRFolderQRX", REALfolderItem{nullptr});
 }
 
 // The links, made of nothing, so that no wrapper runs it. One of the four does not, deliberately: an original that has a
