@@ -13,7 +13,6 @@
 #include <cstring>
 #include <optional>
 #include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 #include <dirent.h>
@@ -62,8 +61,7 @@ int listFolder(const std::string& path, struct stat& self, std::vector<Entry>& e
 struct DRFolderNames {
     struct OfOneRule {
         std::unordered_map<const void*, std::u16string> names;
-        std::unordered_set<std::u16string>
-            keys; ///< of those in the file system; empty until a child comes behind them
+        std::optional<discrecording::GrowingNames> growing; ///< once a child comes behind them
     };
     std::array<std::optional<OfOneRule>, discrecording::nameRules> byRule;
 };
@@ -80,19 +78,31 @@ DRFolderNames::OfOneRule namesOfAll(NSArray* children, discrecording::NameRule r
     return result;
 }
 
-// A name that is unlike all others changes none of them, so that a program can ask for names while it adds children. False
-// where one is like another: then all are found anew.
+// A child behind the others changes none of their names, so that a program can ask for names while it adds children. False
+// where it would: then all are found anew.
 bool addNamesBehind(DRFolderNames::OfOneRule& known, NSArray* children, discrecording::NameRule rule) {
     const NSUInteger first = known.names.size(), count = [children count];
-    if (first < count && known.keys.empty())
-        for (NSUInteger i = 0; i < first; ++i)
-            if (discrecording::isIn([children objectAtIndex:i], rule))
-                known.keys.insert(discrecording::nameKey(rule, known.names.at([children objectAtIndex:i])));
+    if (first < count && !known.growing) {
+        std::vector<discrecording::Sibling> siblings;
+        std::vector<std::u16string> names;
+        for (NSUInteger i = 0; i < first; ++i) {
+            DRFSObject* child = [children objectAtIndex:i];
+            if (!discrecording::isIn(child, rule))
+                continue;
+            siblings.push_back({discrecording::specificName(child, rule), discrecording::isFolder(child)});
+            names.push_back(known.names.at(child));
+        }
+        known.growing.emplace(rule, siblings, names);
+    }
     for (NSUInteger i = first; i < count; ++i) {
         DRFSObject* child = [children objectAtIndex:i];
         std::u16string name = discrecording::specificName(child, rule);
-        if (discrecording::isIn(child, rule) && !known.keys.insert(discrecording::nameKey(rule, name)).second)
-            return false;
+        if (discrecording::isIn(child, rule)) {
+            const auto added = known.growing->add({name, discrecording::isFolder(child)});
+            if (!added)
+                return false;
+            name = *added;
+        }
         known.names.emplace(child, std::move(name));
     }
     return true;

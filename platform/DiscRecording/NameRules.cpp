@@ -365,4 +365,34 @@ std::vector<std::u16string> mangledNames(NameRule rule, const std::vector<Siblin
     return result;
 }
 
+struct GrowingNames::State {
+    explicit State(NameRule wanted) : rule(wanted), others(wanted) {}
+
+    NameRule rule;
+    Names others; // begins anew with numbers that are taken, and passes over them once
+    std::unordered_map<std::u16string, bool> taken; // by key, and whether it's so for a suffix
+};
+
+GrowingNames::GrowingNames(NameRule rule, const std::vector<Sibling>& siblings,
+                           const std::vector<std::u16string>& mangled)
+    : state_(std::make_unique<State>(rule)) {
+    for (size_t i = 0; i < siblings.size(); ++i)
+        state_->taken.emplace(keyOf(rule, mangled[i]), mangled[i] != siblings[i].name);
+}
+
+GrowingNames::GrowingNames(GrowingNames&&) noexcept = default;
+GrowingNames& GrowingNames::operator=(GrowingNames&&) noexcept = default;
+GrowingNames::~GrowingNames() = default;
+
+std::optional<std::u16string> GrowingNames::add(const Sibling& sibling) {
+    auto& taken = state_->taken;
+    const auto [same, isNew] = taken.try_emplace(keyOf(state_->rule, sibling.name), false);
+    if (isNew) return sibling.name;
+    if (same->second) return {};
+    while (true) {
+        std::u16string name = state_->others.another(sibling);
+        if (taken.try_emplace(keyOf(state_->rule, name), true).second) return name;
+    }
+}
+
 } // namespace discrecording

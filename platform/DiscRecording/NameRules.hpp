@@ -3,6 +3,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -45,5 +47,23 @@ struct Sibling {
 /// suffix stands in front of the extension and inside the length limit, and no name that is there already is
 /// taken. Grows with the number of siblings as a sort does.
 std::vector<std::u16string> mangledNames(NameRule rule, const std::vector<Sibling>& siblings);
+
+/// Siblings to which others come one by one: each gets the name that mangledNames() has for it behind those that are there,
+/// in a step that doesn't grow with them.
+class GrowingNames {
+  public:
+    GrowingNames(NameRule rule, const std::vector<Sibling>& siblings,
+                 const std::vector<std::u16string>& mangled);
+    GrowingNames(GrowingNames&&) noexcept;
+    GrowingNames& operator=(GrowingNames&&) noexcept;
+    ~GrowingNames();
+
+    /// Nothing where another one must give its name away, which it has for its suffix: all are then to be named anew.
+    std::optional<std::u16string> add(const Sibling& sibling);
+
+  private:
+    struct State;
+    std::unique_ptr<State> state_;
+};
 
 } // namespace discrecording

@@ -274,6 +274,55 @@ TEST(NameRules, TheEngineMakesTheSameOfNamesInJoliet) {
     }
 }
 
+// ---- siblings that come one by one ---------------------------------------------------------------------------------
+
+TEST(NameRules, SiblingsThatComeLaterAreNamedAsIfAllHadComeAtOnce) {
+    const std::u16string_view parts[] = {u"A", u"a", u"B",    u"_001",         u"_002",
+                                         u" ", u".", u".TXT", u"MEASUREMENTS", u"\u00C4"};
+    std::mt19937 random(1);
+    const auto upTo = [&](size_t most) { return std::uniform_int_distribution<size_t>(0, most)(random); };
+    size_t numbered = 0, anew = 0;
+    for (const NameRule rule : {ISOLevelOne, ISOLevelTwo, Joliet, HFSPlus, UDF, RockRidge}) {
+        for (int round = 0; round < 100; ++round) {
+            std::vector<Sibling> all;
+            std::vector<std::u16string> told;
+            GrowingNames growing(rule, all, told);
+            for (int step = 0; step < 30; ++step) {
+                std::u16string name;
+                for (size_t length = 1 + upTo(2); length > 0; --length)
+                    name += parts[upTo(std::size(parts) - 1)];
+                const bool isFolder = upTo(4) == 0;
+                all.push_back({legalName(rule, name, isFolder), isFolder});
+                const auto added = growing.add(all.back());
+                const auto wanted = mangledNames(rule, all);
+                if (added) told.push_back(*added);
+                // Also from the middle on, as a folder does whose children were named at once.
+                if (!added || upTo(9) == 0) growing = GrowingNames(rule, all, told = wanted);
+                ASSERT_EQ(told, wanted);
+                anew += !added;
+                numbered += told.back() != all.back().name;
+            }
+        }
+    }
+    EXPECT_GT(numbered, 1000u);
+    EXPECT_GT(anew, 50u);
+}
+
+// Naming all of them anew each time would take as long as the square of their number.
+TEST(NameRules, NamesThatAllCollideAreNotNamedAnewForEachThatComes) {
+    const auto all = siblings(3000, u"COLLIDES.TXT");
+    for (const NameRule rule : {ISOLevelOne, ISOLevelTwo, Joliet, HFSPlus, UDF, RockRidge}) {
+        GrowingNames growing(rule, {}, {});
+        std::vector<std::u16string> told;
+        for (const Sibling& each : all) {
+            const auto added = growing.add(each);
+            ASSERT_TRUE(added);
+            told.push_back(*added);
+        }
+        EXPECT_EQ(told, mangledNames(rule, all));
+    }
+}
+
 // ---- names that the engine leaves as they are --------------------------------------------------------------------
 
 // What a program is told is on the disc: the engine numbers nothing more.
