@@ -94,9 +94,12 @@ static BOOL IsASCII(const unsigned char* bytes, size_t count) {
 }
 
 NSString* NewStringOfUTF8(const unsigned char* bytes, size_t count) {
-    static Class strings; // or the runtime looks it up by name each time
-    if (strings == Nil)
+    static Class known; // or the runtime looks it up by name each time
+    Class strings = __atomic_load_n(&known, __ATOMIC_RELAXED);
+    if (strings == Nil) {
         strings = [NSString class];
+        __atomic_store_n(&known, strings, __ATOMIC_RELAXED);
+    }
     // Foundation makes a string in one piece of what ends in a zero, and in two of any other bytes.
     char text[128];
     if (count < sizeof text && memchr(bytes, 0, count) == NULL) {

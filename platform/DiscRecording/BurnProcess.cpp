@@ -2,6 +2,8 @@
 #include "BurnProcess.hpp"
 #include "InUse.hpp"
 
+#include <system_error>
+
 namespace discrecording {
 namespace {
 
@@ -29,7 +31,12 @@ BurnProcess::BurnProcess(engine::DriveRef drive, BurnPlan plan, std::optional<en
         if (auto started = job_.start(std::move(plan.layout), plan.options); !started.ok())
             refused_ = started.error();
     }
-    finisher_ = std::thread([this] { finish(); });
+    try {
+        finisher_ = std::thread([this] { finish(); });
+    } catch (const std::system_error&) { // there are no threads left
+        job_.abort();
+        finish();
+    }
 }
 
 BurnProcess::~BurnProcess() {

@@ -62,10 +62,10 @@ class DriveWatcher {
     uint32_t wanted_ = 0;
     std::thread thread_;
 
-    // Of the thread, but for wake_, which lasts.
+    // Of the thread, but for wake_, which lasts and is any thread's.
     int notify_ = -1;
     std::map<int, std::string> watched_;
-    int wake_ = -1;
+    std::atomic<int> wake_ = -1;
     std::atomic<bool> stops_ = false;
 };
 

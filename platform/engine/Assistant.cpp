@@ -1,11 +1,11 @@
 // A second thread for work that can be halved.
 #include "Assistant.hpp"
 #include "Background.hpp"
+#include "Failure.hpp"
 
 #include <condition_variable>
 #include <exception>
 #include <mutex>
-#include <system_error>
 #include <utility>
 
 namespace engine {
@@ -43,7 +43,7 @@ bool Assistant::hire() {
     auto made = std::make_shared<Shared>();
     try {
         runInBackground("disc-assist", [made] { run(*made); });
-    } catch (const std::system_error&) {
+    } catch (const Failure&) {
         return false;
     }
     shared_ = std::move(made);

@@ -1,5 +1,6 @@
 // Work that a job can walk away from.
 #include "Background.hpp"
+#include "Failure.hpp"
 
 #include <csignal>
 #include <cstdio>
@@ -41,13 +42,21 @@ void runInBackground(const std::string& threadName, std::function<void()> work) 
             --all.count;
             all.changed.notify_all();
         }).detach();
-    } catch (...) {
+    } catch (const std::exception& problem) {
         pthread_sigmask(SIG_SETMASK, &before, nullptr);
         const std::lock_guard lock(all.mutex);
         --all.count;
-        throw;
+        fail(ErrorCode::BurnNotAllowed,
+             "The computer starts no thread any more; end other programs, and try again.", problem.what());
     }
     pthread_sigmask(SIG_SETMASK, &before, nullptr);
+}
+
+void dropInBackground(std::shared_ptr<void> what) noexcept {
+    try {
+        runInBackground("disc-close", [what = std::move(what)] {});
+    } catch (...) {
+    }
 }
 
 bool waitForBackground(std::chrono::milliseconds limit) {

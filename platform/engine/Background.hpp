@@ -6,14 +6,20 @@
 #include <chrono>
 #include <exception>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 
 namespace engine {
 
 /// Runs `work` on a thread of its own, which blocks all signals (the program's handlers run on the program's
-/// threads). `work` must own, or share, everything it touches, and must not throw.
+/// threads). `work` must own, or share, everything it touches, and must not throw. Throws BurnNotAllowed when the
+/// computer starts no thread any more.
 void runInBackground(const std::string& threadName, std::function<void()> work);
+
+/// What takes long to go, such as the last descriptor of a large file, goes on a thread of its own; here, when there is
+/// none.
+void dropInBackground(std::shared_ptr<void> what) noexcept;
 
 /// Waits until nothing runs in the background, at most `limit`; true when so.
 bool waitForBackground(std::chrono::milliseconds limit);

@@ -24,6 +24,7 @@ struct BurnJob::Shared : std::enable_shared_from_this<BurnJob::Shared> {
 
     void publish(const BurnStatus& now);
     void run(const std::shared_ptr<const Layout>& layout, const BurnOptions& options) noexcept;
+    void end(const Result<void>& result) noexcept;
 };
 
 namespace {
@@ -115,9 +116,12 @@ void BurnJob::Shared::run(const std::shared_ptr<const Layout>& layout, const Bur
         const std::lock_guard lock(mutex);
         thread = std::this_thread::get_id();
     }
-    const auto result = guarded([&] {
+    end(guarded([&] {
         BurnRun(drive, layout, options, signal, [this](const BurnStatus& now) { publish(now); }).run();
-    });
+    }));
+}
+
+void BurnJob::Shared::end(const Result<void>& result) noexcept {
     BurnStatus last;
     {
         const std::lock_guard lock(mutex);
@@ -165,9 +169,12 @@ Result<void> BurnJob::start(Layout layout, BurnOptions options) {
             const std::lock_guard lock(all.mutex);
             all.signals.insert(shared_->signal);
         }
-        runInBackground("disc-burn",
-                        [shared = shared_, kept = std::make_shared<const Layout>(std::move(layout)),
-                         options] { shared->run(kept, options); });
+        const auto begun = guarded([&] {
+            runInBackground("disc-burn",
+                            [shared = shared_, kept = std::make_shared<const Layout>(std::move(layout)),
+                             options] { shared->run(kept, options); });
+        });
+        if (!begun) shared_->end(begun);
     });
 }
 

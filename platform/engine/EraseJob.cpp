@@ -54,6 +54,7 @@ struct EraseJob::Shared {
         ended.notify_all();
     }
     void run() noexcept;
+    void end(EraseStatus& now, const Result<void>& result) noexcept;
     void erase(EraseStatus& now);
 };
 
@@ -103,7 +104,10 @@ void EraseJob::Shared::erase(EraseStatus& now) {
 void EraseJob::Shared::run() noexcept {
     EraseStatus now = status; // nobody else writes it
     publish(now);
-    const auto result = guarded([&] { erase(now); });
+    end(now, guarded([&] { erase(now); }));
+}
+
+void EraseJob::Shared::end(EraseStatus& now, const Result<void>& result) noexcept {
     now.state = result ? EraseState::Done : EraseState::Failed;
     now.percent = result ? 1 : -1;
     if (!result) now.error = result.error();
@@ -139,7 +143,11 @@ Result<void> EraseJob::start(EraseType type) {
             shared_->status.state = EraseState::Preparing;
             shared_->status.type = type;
         }
-        runInBackground("disc-erase", [shared = shared_] { shared->run(); });
+        const auto begun =
+            guarded([&] { runInBackground("disc-erase", [shared = shared_] { shared->run(); }); });
+        if (begun) return;
+        EraseStatus last = status();
+        shared_->end(last, begun);
     });
 }
 

@@ -55,13 +55,7 @@ ImageFile::ImageFile(int folder, std::string name, uint64_t from, bool mayBeDire
     if (from > 0 && ::ftruncate(file_->get(), static_cast<off_t>(from)) != 0) writingFailed(errno);
 }
 
-ImageFile::~ImageFile() {
-    try {
-        runInBackground("disc-close", [file = std::move(file_)] {});
-    } catch (...) {
-        file_.reset();
-    }
-}
+ImageFile::~ImageFile() { dropInBackground(std::move(file_)); }
 
 void ImageFile::reserve(uint64_t bytes, const std::string& driveName) {
     struct statvfs space {};

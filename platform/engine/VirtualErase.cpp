@@ -96,7 +96,7 @@ Result<void> VirtualDrive::erase(EraseType type, const EraseProgress& progress) 
         for (const MediumFile& each : files)
             ::unlinkat(folder(), each.name.c_str(), 0);
         // Freeing the blocks of large files takes long: the last descriptors go elsewhere.
-        runInBackground("disc-close", [files = std::move(files)] {});
+        dropInBackground(std::make_shared<std::vector<MediumFile>>(std::move(files)));
     });
 }
 

@@ -225,7 +225,7 @@ class VirtualTarget final : public BurnTarget {
         requireNewFiles(folder(), record_);
         committed_ = true; // from here on the journal says what the new files are
         commitNewFiles(folder(), record_);
-        runInBackground("disc-close", [old = std::move(old)] {});
+        dropInBackground(std::move(old));
     }
 
     void removeNewFiles() {

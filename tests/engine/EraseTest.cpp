@@ -1,6 +1,7 @@
 // Erasing: quick and complete, what can't be erased, and what is left when it is cut off.
 #include "EraseJob.hpp"
 #include "Fixture.hpp"
+#include "NoThreads.hpp"
 
 #include <csignal>
 #include <sys/resource.h>
@@ -285,4 +286,19 @@ TEST_F(EraseTest, cutOffBetweenTheBlocksItIsOpenlyIncompleteAndCanBeErasedAgain)
     EXPECT_FALSE(drive->isBusy());
     EXPECT_EQ(nameOf(erase(drive).state), "Done");
     expectBlank(*drive, MediumKind::DVDPlusRW);
+}
+
+TEST_F(EraseTest, withoutThreadsItFailsAndLetsTheDriveGo) {
+    const auto drive = burned(MediumKind::CDRW);
+    EraseJob job(drive);
+    job.keep(DriveHold(drive));
+    {
+        const NoThreads none;
+        EXPECT_TRUE(job.start(EraseType::Quick).ok());
+        ASSERT_TRUE(job.waitFor(std::chrono::milliseconds(0)));
+    }
+    expectFailed(job.wait(), ErrorCode::BurnNotAllowed,
+                 "The computer starts no thread any more; end other programs, and try again.");
+    EXPECT_FALSE(drive->isBusy());
+    EXPECT_EQ(nameOf(erase(drive).state), "Done");
 }

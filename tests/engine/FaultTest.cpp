@@ -1,11 +1,14 @@
 // Sources that change or fail while they are burned, and a computer without room: nothing is padded in
 // silence.
 #include "Fixture.hpp"
+#include "NoThreads.hpp"
+#include "Producers.hpp"
 
 #include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <functional>
+#include <optional>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <thread>
@@ -235,4 +238,50 @@ TEST_F(FaultTest, aDriveFolderThatIsRemovedMeanwhile) {
             EXPECT_FALSE(drive->isValid() || drive->isBusy());
             EXPECT_EQ(burn(drive, layout()).error->code, ErrorCode::DeviceInvalid);
         }
+}
+
+TEST_F(FaultTest, aComputerWithoutThreads) {
+    write("a.bin", noise(3'000'000));
+    auto drive = makeDrive();
+    BurnStatus told;
+    BurnJob job(drive);
+    job.setObserver([&](const BurnStatus& status) { told = status; });
+    {
+        const NoThreads none;
+        EXPECT_TRUE(job.start(layout()).ok());
+        ASSERT_TRUE(job.waitFor(std::chrono::milliseconds(0)));
+    }
+    EXPECT_FAILED(job.wait(), BurnNotAllowed,
+                  "The computer starts no thread any more; end other programs, and try again.");
+    EXPECT_EQ(nameOf(told.state), "Failed");
+    stillBlank();
+    EXPECT_DONE(burn(drive, layout()));
+}
+
+// What is on the disc by then counts, not that nobody tidies up beside it.
+TEST_F(FaultTest, aComputerThatStartsNoMoreThreadsAtTheEnd) {
+    class Last final : public TestProducer {
+      public:
+        Last() : TestProducer(blockSize) {}
+        bool cleanupAfterVerification() override {
+            none.emplace();
+            return true;
+        }
+        std::optional<NoThreads> none;
+    };
+    auto drive = makeDrive();
+    BurnOptions options;
+    options.overwrite = true;
+    for (int round = 0; round < 2; ++round) { // the second one replaces what the first one wrote
+        const auto last = std::make_shared<Last>();
+        Track track;
+        ProducedTrack data;
+        data.blocks = 640;
+        data.producer = last;
+        track.content = data;
+        track.verification = Verification::ProduceAgain;
+        EXPECT_DONE(burn(drive, Layout::ofTrack(track), options));
+        EXPECT_TRUE(last->none);
+    }
+    EXPECT_FALSE(drive->isBusy());
 }

@@ -3,7 +3,8 @@
 
 Usage: library.py DISC_BASIC PROJECT
 
-What the tables of functions name must stand in docs/library.md or docs/language.md.
+What the tables of functions name must stand in docs/library.md or docs/language.md. Numbers that have the size of a word are
+described as 64-bit programs have them.
 """
 import re
 import subprocess
@@ -42,10 +43,19 @@ def listed(command, name=None):
     return classes
 
 
+def as_declared_by(command, pages):
+    """The same in a 32-bit program, where the platform's structures have smaller numbers."""
+    if Path(command).read_bytes()[4] != 1:  # of an ELF file: its class
+        return pages
+    smaller = {"double": "single", "UInt64": "UInt32"}
+    return {name: [re.sub(r"\b(double|UInt64)\b", lambda word: smaller[word[0]], text) for text in texts]
+            if name.startswith("NS") else texts for name, texts in pages.items()}
+
+
 def main():
     command, project = sys.argv[1], Path(sys.argv[2])
     library, language = project / "docs" / "library.md", project / "docs" / "language.md"
-    pages, faults = described(library), []
+    pages, faults = as_declared_by(command, described(library)), []
     # The classes of discs have a reference of their own. Exceptions have nothing but what they inherit.
     wanted = {name for name in listed(command) if not name.startswith("DR")}
     words = {word for page in (library, language) for code in code_of(page) for word in re.findall(r"[\w.]+", code)}

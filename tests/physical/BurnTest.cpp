@@ -1,6 +1,8 @@
 // Burning, appending and erasing through libburn; what was burned is read back by programs that are not ours.
+#include "../engine/NoThreads.hpp"
 #include "Fixture.hpp"
 
+#include <optional>
 #include <thread>
 
 using namespace engine;
@@ -232,4 +234,22 @@ TEST_F(PhysicalTest, AbortStopsWritingAndTheDriveComesBack) {
     file("letter.txt", "Dear reader,\n");
     EXPECT_DONE(burn(layout(), options));
     EXPECT_EQ(extracted("letter.txt"), "Dear reader,\n");
+}
+
+TEST_F(PhysicalTest, WhereNoThreadStartsTheDriveIsLetGoAllTheSame) {
+    insert("DVD+RW");
+    file("a.bin", noise(900'000));
+    BurnOptions options;
+    options.verify = false;
+    BurnJob job(drive());
+    {
+        std::optional<NoThreads> none;
+        job.setObserver([&](const BurnStatus& status) {
+            if (status.state == BurnState::Finishing) none.emplace();
+        });
+        EXPECT_TRUE(job.start(layout(), options).ok());
+        EXPECT_DONE(job.wait());
+    }
+    EXPECT_FALSE(drive()->isBusy());
+    EXPECT_EQ(extracted("a.bin"), noise(900'000));
 }

@@ -1,4 +1,5 @@
 // The ejecting after a burn, when another program has the drive just then.
+#include "../engine/NoThreads.hpp"
 #include "BurnProcess.hpp"
 #include "BurnTarget.hpp"
 #include "VirtualDrive.hpp"
@@ -138,6 +139,15 @@ TEST_F(Eject, GivesUpInTheEnd) {
     EXPECT_FALSE(drive->isTrayOpen());
     other->releaseExclusiveAccess();
     EXPECT_FALSE(drive->isTrayOpen());
+}
+
+TEST_F(Eject, HappensWhereNoThreadStartsForTheBurn) {
+    const NoThreads none;
+    BurnProcess burn(drive, plan);
+    burn.wait();
+    ASSERT_TRUE(burn.status().error);
+    EXPECT_EQ(burn.status().error->code, ErrorCode::BurnNotAllowed);
+    EXPECT_TRUE(drive->isTrayOpen());
 }
 
 } // namespace

@@ -24,7 +24,7 @@ class Through final : public MediumReader {
         if (!count || track.form != BlockForm::Data || address < 0 ||
             address >= static_cast<int64_t>(MediumStart::blocks))
             return count;
-        const auto from = static_cast<size_t>(address) * blockSize;
+        const auto from = static_cast<size_t>(static_cast<uint64_t>(address) * blockSize);
         std::copy_n(start_->begin() + static_cast<std::ptrdiff_t>(from), std::min(*count, startBytes - from),
                     buffer.begin());
         return count;
@@ -64,7 +64,7 @@ void MediumStart::set(std::vector<std::byte> bytes) { bytes_ = std::make_shared<
 void MediumStart::holdBack(std::span<std::byte> buffer, uint64_t block) {
     if (block >= blocks) return;
     if (!bytes_) bytes_ = std::make_shared<Bytes>(startBytes);
-    const size_t from = static_cast<size_t>(block) * blockSize;
+    const auto from = static_cast<size_t>(block * blockSize);
     const auto kept = buffer.first(std::min(buffer.size(), startBytes - from));
     std::copy(kept.begin(), kept.end(), bytes_->begin() + static_cast<std::ptrdiff_t>(from));
     std::fill(kept.begin(), kept.end(), std::byte{});

@@ -43,10 +43,11 @@ class PhysicalTarget final : public BurnTarget {
             hold->drive().endBurn();
             hold = nullptr;
         };
+        const auto kept = std::make_shared<decltype(end)>(std::move(end));
         try {
-            runInBackground("disc-release", std::move(end));
+            runInBackground("disc-release", [kept] { (*kept)(); });
         } catch (...) {
-            end();
+            (*kept)();
         }
     }
 
