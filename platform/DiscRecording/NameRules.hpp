@@ -35,9 +35,6 @@ std::u16string legalName(NameRule rule, std::u16string_view name, bool isFolder)
 /// Any name, cut to 255 bytes of UTF-8 with its extension kept. What no item can be called is left to be refused.
 std::u16string rockRidgeName(std::u16string_view name, bool isFolder);
 
-/// The same for two legal names that the file system takes for the same.
-std::u16string nameKey(NameRule rule, std::u16string name);
-
 struct Sibling {
     std::u16string name; ///< legal
     bool isFolder;
