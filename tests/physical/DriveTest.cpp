@@ -66,6 +66,19 @@ TEST_F(PhysicalTest, DriveThatGoesAwayStaysInvalid) {
     EXPECT_TRUE(drive()->isValid() && drive()->mediumInfo());
 }
 
+// Unplugged and another one plugged in, between two looks.
+TEST_F(PhysicalTest, AnotherDriveAtItsPlaceIsAnotherOne) {
+    insert("CD-RW");
+    const DriveRef before = drive();
+    ASSERT_TRUE(before->mediumInfo());
+    insert("DVD+RW", {{"attachment", 1}, {"product", "OTHER"}});
+    EXPECT_FALSE(before->isValid());
+    EXPECT_EQ(before->readMedium().error().code, ErrorCode::DeviceInvalid);
+    EXPECT_NE(drive(), before);
+    EXPECT_EQ(drive()->identity().product, "OTHER");
+    EXPECT_EQ(drive()->mediumInfo()->kind, MediumKind::DVDPlusRW);
+}
+
 TEST_F(PhysicalTest, TwoDrives) {
     insert("CD-RW");
     insert("DVD+RW", {{"product", "OTHER"}}, second);
@@ -164,6 +177,20 @@ TEST(PhysicalCapabilities, PageOfModeSense) {
     EXPECT_EQ(capabilitiesIn(answer)->writeSpeed, 256);
     for (size_t size = 0; size < 8 + 8 + 7; ++size)
         EXPECT_FALSE(capabilitiesIn(std::span(answer).first(size))) << size;
+}
+
+// A drive that doesn't know yet whether there is a disc in it, or can't be asked, has none to be named.
+TEST_F(PhysicalTest, TrayOfADriveThatCanNotSay) {
+    insert("");
+    const DriveRef own = drive();
+    insert("CD-RW", {{"busyPolls", 1'000'000'000}, {"busyTotal", 1'000'000'000}});
+    const auto notReady = own->openTray();
+    EXPECT_EQ(notReady.error().code, ErrorCode::DeviceNotReady) << notReady.error().message;
+    insert("", {{"forbidden", true}});
+    const auto forbidden = own->openTray();
+    EXPECT_EQ(forbidden.error().code, ErrorCode::DeviceAccess) << forbidden.error().message;
+    insert("CD-RW");
+    EXPECT_EQ(own->openTray().error().code, ErrorCode::BurnNotAllowed);
 }
 
 TEST_F(PhysicalTest, EmptyDrive) {

@@ -1,6 +1,8 @@
 // Each kind of medium in a recorder: burned, appended to, overwritten and erased, as its kind allows.
 #include "Fixture.hpp"
 
+#include <numeric>
+
 using namespace engine;
 
 class PhysicalKinds : public PhysicalTest, public ::testing::WithParamInterface<const char*> {};
@@ -122,6 +124,34 @@ TEST_P(PhysicalOverwritten, CompleteEraseTakesEveryBlock) {
     }
     EXPECT_DONE(burn(layout()));
     EXPECT_TRUE(extracted("noise.bin") == noise(100'000, 2));
+}
+
+// Nobody knows what is on it, so it is nobody's to write over unasked.
+TEST_P(PhysicalOverwritten, AStartThatCanNotBeReadIsNotBlank) {
+    insert(GetParam(), {{"capacity", 4096}});
+    ASSERT_TRUE(drive()->closeTray().ok()); // what was seen before is forgotten
+    file("noise.bin", noise(360'000));
+    EXPECT_DONE(burn(layout()));
+    change("faults", {{"readErrors", {16}}});
+    ASSERT_TRUE(drive()->closeTray().ok());
+    const MediumInfo unreadable = medium();
+    EXPECT_FALSE(unreadable.blank);
+    EXPECT_EQ(unreadable.blocksUsed, 4096u);
+    EXPECT_TRUE(unreadable.erasable && unreadable.overwritable);
+    const auto writes = state()["writes"];
+    EXPECT_EQ(burn(layout("OVER")).error->code, ErrorCode::MediaNotBlank);
+    EXPECT_EQ(state()["writes"], writes);
+    change("faults", Json::object());
+    EXPECT_TRUE(extracted("noise.bin") == noise(360'000));
+}
+
+// Some drives give no zeros for what was never written.
+TEST_P(PhysicalOverwritten, AStartThatWasNeverWrittenIsBlank) {
+    std::vector<int> never(32);
+    std::iota(never.begin(), never.end(), 0);
+    insert(GetParam(), {{"capacity", 4096}, {"formatted", true}, {"faults", {{"notWritten", never}}}});
+    ASSERT_TRUE(drive()->closeTray().ok());
+    EXPECT_TRUE(medium().blank);
 }
 
 INSTANTIATE_TEST_SUITE_P(All, PhysicalOverwritten, ::testing::Values("DVD+RW", "DVD-RAM", "BD-RE"),

@@ -95,6 +95,24 @@ class Case(RecorderTest):
         self.change(faults={"readErrors": [60]})
         self.refuse("(?i)can't be read", "verify", DEVICE)
 
+    def test_verify_sound_that_was_written_track_by_track(self):
+        """The two blocks behind such a track belong to nobody."""
+        for way in ("-tao", "-sao"):
+            self.insert("CD-R")
+            sound = [self.file(name, self.noise(2352 * 350, seed)) for seed, name in enumerate(("one.raw", "two.raw"))]
+            self.tool("cdrskin", "dev=" + DEVICE, way, "-audio", *sound)
+            self.assertEqual([track["blocks"] for track in self.shown()["medium"]["sessions"][0]["tracks"]], [350, 350])
+            self.succeed("verify", DEVICE)
+
+    def test_a_drive_that_nobody_may_open(self):
+        self.insert("DVD+RW", forbidden=True)
+        sentence = 'You may not use the drive "/dev/sr0"; join the group that its device belongs to, and log in again.'
+        said = self.succeed("list")
+        self.assertRegex(said, r"(?m)^/dev/sr0 .*unusable")
+        self.assertIn(sentence, said)
+        for command in ("eject", "verify"):
+            self.refuse(sentence, command, DEVICE)
+
     def test_erase(self):
         for medium, option in (("CD-RW", ()), ("DVD+RW", ("--complete",)), ("DVD-RW", ())):
             self.burned(medium)

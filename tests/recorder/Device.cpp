@@ -151,6 +151,10 @@ size_t deviceCount() noexcept { return devices().all.size(); }
 
 bool isAttached(int device) { return !devices().all[static_cast<size_t>(device)]->recorder.isGone(); }
 
+int attachment(int device) { return devices().all[static_cast<size_t>(device)]->recorder.attachment(); }
+
+bool canWrite(int device) { return devices().all[static_cast<size_t>(device)]->recorder.canWrite(); }
+
 std::string mountPoint(int device) {
     return devices().all[static_cast<size_t>(device)]->recorder.mountedAt();
 }
@@ -159,6 +163,10 @@ int openDevice(int device, int flags) {
     Device& own = *devices().all[static_cast<size_t>(device)];
     if (own.recorder.isGone()) {
         errno = ENXIO;
+        return -1;
+    }
+    if (own.recorder.isForbidden()) {
+        errno = EACCES;
         return -1;
     }
     const std::string& folder = own.recorder.folder();

@@ -12,6 +12,10 @@ int deviceNamed(const char* path) noexcept;
 size_t deviceCount() noexcept;
 /// Still on the bus.
 bool isAttached(int device);
+/// Which drive it is of those that were attached here one after another.
+int attachment(int device);
+/// It is no drive for reading only.
+bool canWrite(int device);
 /// Where its disc is mounted; empty when it is not.
 std::string mountPoint(int device);
 

@@ -67,6 +67,7 @@ struct Track {
 /// What goes wrong on request.
 struct Faults {
     std::vector<int64_t> readErrors;  ///< blocks that can't be read
+    std::vector<int64_t> notWritten;  ///< blocks that a drive says were never written, when they are read
     std::vector<int64_t> writeErrors; ///< blocks that can't be written
     bool powerCalibration = false;
     int64_t goneAfterWrites = -1;   ///< the drive leaves the bus after that many WRITE commands
@@ -94,7 +95,9 @@ struct Written {
 struct State : Written {
     std::string vendor = "TESTLAB", product = "MMC RECORDER", revision = "1.00", serial = "0001";
     bool trayOpen = false, locked = false, gone = false, attention = false;
-    bool canWrite = true; ///< else it is a drive for reading
+    bool canWrite = true;   ///< else it is a drive for reading
+    bool forbidden = false; ///< nobody may open it
+    int attachment = 0;     ///< another number is another drive at the same place
     bool canTestWrite = true, canWriteCDRW = true;
     int loadingMechanism = 1; ///< as in mode page 2A: 0 caddy or slot, 1 tray, 2 pop-up
     bool canEject = true;

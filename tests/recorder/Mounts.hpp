@@ -1,4 +1,4 @@
-// The kernel's table of what is mounted, with the recorders' discs in it.
+// The kernel's tables of what is mounted and of drives, with the recorders in them.
 #pragma once
 
 namespace recorder {
@@ -7,5 +7,9 @@ bool isMountTable(const char* path) noexcept;
 
 /// Takes a descriptor of the table, and gives one of a table with the discs that are mounted behind the others.
 int withOwnMounts(int table);
+
+/// What drives can do, for everybody to read. There is none where no drive is.
+bool isDriveTable(const char* path) noexcept;
+int ownDriveTable();
 
 } // namespace recorder

@@ -28,6 +28,7 @@ template <typename... Arguments>
 int openAny(const char* name, const char* path, int flags, mode_t mode, Arguments... before) {
     const int device = deviceNamed(path);
     if (device >= 0) return openDevice(device, flags);
+    if (isDriveTable(path)) return ownDriveTable();
     const int opened =
         next<int (*)(Arguments..., const char*, int, mode_t)>(name)(before..., path, flags, mode);
     return isMountTable(path) ? withOwnMounts(opened) : opened;

@@ -15,6 +15,8 @@ const Track* requireReadable(const State& state, int64_t block) {
         sense.block = static_cast<int32_t>(block);
         refuse(sense);
     }
+    const auto& never = state.faults.notWritten;
+    require(std::find(never.begin(), never.end(), block) == never.end(), senses::blankCheck);
     if (state.writing() == Writing::Overwrite) {
         require(state.formatted, senses::blankCheck);
         require(block >= 0 && block < state.capacity, senses::blockOutOfRange);

@@ -93,6 +93,18 @@ bool Recorder::canWrite() {
     return state.canWrite;
 }
 
+bool Recorder::isForbidden() {
+    const Lock lock(folder_);
+    load();
+    return state.forbidden;
+}
+
+int Recorder::attachment() {
+    const Lock lock(folder_);
+    load();
+    return state.attachment;
+}
+
 std::string Recorder::mountedAt() {
     const Lock lock(folder_);
     load();

@@ -32,6 +32,9 @@ class Recorder {
     bool isGone();
     /// It is no drive for reading only.
     bool canWrite();
+    /// Nobody may open it.
+    bool isForbidden();
+    int attachment();
     std::string mountedAt();
     /// CDS_* of <linux/cdrom.h>.
     int driveStatus();

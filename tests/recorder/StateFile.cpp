@@ -58,6 +58,7 @@ Track readTrack(const Json& json) {
 Faults readFaults(const Json& json) {
     Faults faults;
     faults.readErrors = json.value("readErrors", faults.readErrors);
+    faults.notWritten = json.value("notWritten", faults.notWritten);
     faults.writeErrors = json.value("writeErrors", faults.writeErrors);
     faults.powerCalibration = json.value("powerCalibration", false);
     faults.goneAfterWrites = json.value("goneAfterWrites", int64_t{-1});
@@ -74,6 +75,7 @@ Faults readFaults(const Json& json) {
 
 Json written(const Faults& faults) {
     return {{"readErrors", faults.readErrors},
+            {"notWritten", faults.notWritten},
             {"writeErrors", faults.writeErrors},
             {"powerCalibration", faults.powerCalibration},
             {"goneAfterWrites", faults.goneAfterWrites},
@@ -101,6 +103,8 @@ State loadState(const std::string& folder) {
     state.gone = json.value("gone", false);
     state.attention = json.value("attention", false);
     state.canWrite = json.value("canWrite", true);
+    state.forbidden = json.value("forbidden", false);
+    state.attachment = json.value("attachment", 0);
     state.canTestWrite = json.value("canTestWrite", true);
     state.canWriteCDRW = json.value("canWriteCDRW", true);
     state.loadingMechanism = json.value("loadingMechanism", 1);
@@ -137,6 +141,8 @@ void saveState(const std::string& folder, const State& state) {
                  {"gone", state.gone},
                  {"attention", state.attention},
                  {"canWrite", state.canWrite},
+                 {"forbidden", state.forbidden},
+                 {"attachment", state.attachment},
                  {"canTestWrite", state.canTestWrite},
                  {"canWriteCDRW", state.canWriteCDRW},
                  {"loadingMechanism", state.loadingMechanism},

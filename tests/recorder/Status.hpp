@@ -26,7 +26,8 @@ int describe(int device, Status* status) {
     std::memset(status, 0, sizeof *status);
     status->st_mode = S_IFBLK | 0660;
     status->st_rdev = makedev(11, static_cast<unsigned>(device));
-    status->st_ino = static_cast<ino_t>(1000 + device);
+    status->st_ino =
+        static_cast<ino_t>(1000 + device + 64 * attachment(device)); // the kernel makes a new node
     status->st_dev = makedev(0, 5);
     status->st_nlink = 1;
     status->st_blksize = 4096;

@@ -19,7 +19,8 @@ char severity[] = "SORRY";
 char never[] = "NEVER";
 char nothing[] = "";
 
-// "... [3 0C 00] Write error." is how the library tells a drive's sense.
+// "... [3 0C 00] Write error." is how the library tells a drive's sense; one that it has no words for as
+// "... Sense Key 8 "Blank/Nonblank", ASC 00 ASCQ 00.".
 std::optional<Sense> senseIn(const std::string& text) {
     for (size_t at = text.find('['); at != std::string::npos; at = text.find('[', at + 1)) {
         unsigned key = 0, code = 0, qualifier = 0;
@@ -29,6 +30,12 @@ std::optional<Sense> senseIn(const std::string& text) {
             return Sense{static_cast<uint8_t>(key), static_cast<uint8_t>(code),
                          static_cast<uint8_t>(qualifier)};
     }
+    unsigned key = 0, code = 0, qualifier = 0;
+    const size_t at = text.find("Sense Key ");
+    if (at != std::string::npos &&
+        std::sscanf(text.c_str() + at, "Sense Key %1x \"%*[^\"]\", ASC %2x ASCQ %2x", &key, &code,
+                    &qualifier) == 3)
+        return Sense{static_cast<uint8_t>(key), static_cast<uint8_t>(code), static_cast<uint8_t>(qualifier)};
     return std::nullopt;
 }
 

@@ -4,10 +4,15 @@
 #include "../Files.hpp"
 #include "DriveQuestion.hpp"
 
+#include <algorithm>
+#include <cerrno>
 #include <fcntl.h>
+#include <filesystem>
+#include <iterator>
 #include <sstream>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
+#include <vector>
 
 namespace engine {
 namespace {
@@ -59,6 +64,42 @@ Error inUseError(const std::string& path, const std::string& name) {
             "The drive " + inQuotes(name) + " is in use by another program; try again later.",
             path,
             {}};
+}
+
+std::optional<Error> forbiddenError(const std::string& path) {
+    const Descriptor node(::open(path.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC));
+    const int problem = errno;
+    if (node || (problem != EACCES && problem != EPERM)) return std::nullopt;
+    return Error{ErrorCode::DeviceAccess,
+                 "You may not use the drive " + inQuotes(path) +
+                     "; join the group that its device belongs to, and log in again.",
+                 path + ": " + systemText(problem),
+                 {}};
+}
+
+// A line has what it is about, a colon, and a word for each drive; "drive name" comes first.
+std::optional<bool> isWriterInTable(const std::string& path) {
+    const auto table = guarded([] { return readSmallFile(AT_FDCWD, "/proc/sys/dev/cdrom/info"); });
+    if (!table || !*table) return std::nullopt;
+    const std::string name = std::filesystem::path(path).filename().string();
+    std::optional<size_t> column;
+    std::istringstream lines(**table);
+    for (std::string line; std::getline(lines, line);) {
+        const size_t colon = line.find(':');
+        if (colon == std::string::npos) continue;
+        const std::string about = line.substr(0, colon);
+        std::istringstream words(line.substr(colon + 1));
+        const std::vector<std::string> each{std::istream_iterator<std::string>(words), {}};
+        if (about == "drive name") {
+            const auto found = std::find(each.begin(), each.end(), name);
+            if (found == each.end()) return std::nullopt;
+            column = static_cast<size_t>(found - each.begin());
+        }
+        const bool isOfWriting = about == "Can write CD-R" || about == "Can write CD-RW" ||
+                                 about == "Can write DVD-R" || about == "Can write DVD-RAM";
+        if (isOfWriting && column && *column < each.size() && each[*column] != "0") return true;
+    }
+    return column ? std::optional(false) : std::nullopt;
 }
 
 void requireRest(int device, const std::string& name) {

@@ -31,8 +31,7 @@ bool PhysicalDrive::isTrayOpen() const { return status() == CDS_TRAY_OPEN; }
 void PhysicalDrive::mechanics(unsigned long request, const char* what) {
     requireValid();
     waitUntilLetGo();
-    const std::lock_guard commands(commands_);
-    const std::lock_guard lock(mutex_);
+    const Turn turn = turnUnless([this] { return burning_; });
     if (burning_)
         fail(ErrorCode::DeviceBusy,
              "The drive " + inQuotes(displayName()) + " is writing; wait until it is done.");
@@ -60,9 +59,17 @@ Result<void> PhysicalDrive::openTray() {
         const int now = status();
         if (now == CDS_TRAY_OPEN) return;
         requireTray();
-        if (now != CDS_NO_DISC)
+        if (now == CDS_DISC_OK)
             fail(ErrorCode::BurnNotAllowed,
                  "There is a disc in " + inQuotes(displayName()) + ": eject it instead.");
+        if (!openForStatus())
+            fail(ErrorCode::DeviceAccess, "The drive " + inQuotes(displayName()) + " can't be used.",
+                 systemText(errno));
+        if (now != CDS_NO_DISC)
+            fail(ErrorCode::DeviceNotReady,
+                 "The drive " + inQuotes(displayName()) +
+                     " does not say yet whether there is a disc in it; try again in "
+                     "a moment.");
         mechanics(CDROMEJECT, "open");
     });
 }

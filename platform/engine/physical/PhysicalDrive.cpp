@@ -31,10 +31,11 @@ std::string trimmed(const char* text) {
     return result;
 }
 
-std::optional<uint64_t> deviceNumber(const std::string& path) {
+// The number tells the place only; the kernel makes a new node for what is attached there next.
+std::optional<PhysicalDrive::Node> nodeAt(const std::string& path) {
     struct stat found {};
     if (::stat(path.c_str(), &found) != 0 || !S_ISBLK(found.st_mode)) return std::nullopt;
-    return static_cast<uint64_t>(found.st_rdev);
+    return PhysicalDrive::Node{found.st_rdev, found.st_ino};
 }
 
 // Whether a feature of the drive is there, and allows test writing.
@@ -70,9 +71,9 @@ void describeConnection(DriveIdentity& identity) {
 std::shared_ptr<PhysicalDrive> PhysicalDrive::open(const std::string& path) {
     startBurnLibrary();
     const std::shared_ptr<PhysicalDrive> drive(new PhysicalDrive);
-    const auto number = deviceNumber(path);
-    if (!number) fail(ErrorCode::DeviceInvalid, "There is no drive at " + inQuotes(path) + ".");
-    drive->device_ = *number;
+    const auto node = nodeAt(path);
+    if (!node) fail(ErrorCode::DeviceInvalid, "There is no drive at " + inQuotes(path) + ".");
+    drive->node_ = *node;
     drive->identity_.id = path;
     if (const Descriptor device = drive->openForStatus()) requireRest(device.get(), path);
     drive->attach();
@@ -141,7 +142,7 @@ void PhysicalDrive::learn() {
 
 bool PhysicalDrive::isValid() const {
     if (gone_) return false;
-    const bool present = deviceNumber(path()) == device_;
+    const bool present = nodeAt(path()) == node_;
     if (!present) gone_ = true;
     return present;
 }
@@ -152,14 +153,14 @@ void PhysicalDrive::requireValid() const {
              "The drive " + inQuotes(displayName()) + " is no longer there; choose another one.", path());
 }
 
+// Who has the drive has it for the whole program: another one is counted, also while a job keeps the commands.
 void PhysicalDrive::grab() {
-    const std::lock_guard commands(commands_);
-    const std::lock_guard lock(mutex_);
+    const Turn turn = turnUnless([this] { return grabs_ > 0; });
     requireValid();
     if (grabs_ == 0) {
         dropLibraryMessages();
-        const Descriptor turn = takeTurn(path());
-        if (turn) requireRest(turn.get(), displayName());
+        const Descriptor among = takeTurn(path()); // programs
+        if (among) requireRest(among.get(), displayName());
         if (burn_drive_grab(drive_, 0) != 1) {
             const Error use = inUseError(path(), displayName());
             throw Failure(libraryError(use.code, use.message));
@@ -169,6 +170,13 @@ void PhysicalDrive::grab() {
 }
 
 void PhysicalDrive::release() {
+    {
+        const std::lock_guard lock(mutex_);
+        if (grabs_ > 1) {
+            --grabs_;
+            return;
+        }
+    }
     const std::lock_guard commands(commands_);
     const std::lock_guard lock(mutex_);
     if (--grabs_ == 0 && infos_ != nullptr) burn_drive_release(drive_, 0);
@@ -212,11 +220,9 @@ Result<std::optional<MediumInfo>> PhysicalDrive::readMedium() const {
             medium_.reset();
             return std::nullopt;
         }
-        const std::lock_guard commands(commands_);
-        {
-            const std::lock_guard lock(mutex_);
-            if (medium_ && std::chrono::steady_clock::now() - seen_ < mediumIsFresh) return medium_;
-        }
+        Turn turn = turnUnless([this] { return burning_; });
+        if (burning_ || (medium_ && std::chrono::steady_clock::now() - seen_ < mediumIsFresh)) return medium_;
+        turn.lock.unlock();
         const auto self = std::const_pointer_cast<PhysicalDrive>(shared_from_this());
         const auto hold = guarded([&] { return std::make_unique<Hold>(self); });
         if (!hold) {

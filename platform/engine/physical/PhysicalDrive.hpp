@@ -8,6 +8,8 @@
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
+#include <thread>
+#include <utility>
 
 #include "LibBurn.hpp"
 
@@ -73,6 +75,9 @@ class PhysicalDrive final : public Drive, public std::enable_shared_from_this<Ph
     void endBurn();
     const std::string& path() const noexcept { return identity_.id; }
 
+    /// Where a drive is attached, and which of those that were there.
+    using Node = std::pair<uint64_t, uint64_t>;
+
   private:
     PhysicalDrive() = default;
     void attach();
@@ -87,6 +92,24 @@ class PhysicalDrive final : public Drive, public std::enable_shared_from_this<Ph
     Descriptor openForStatus() const; ///< none where the device can't be opened
     int status() const;
     void waitUntilLetGo();
+
+    /// The commands, and what is guarded by mutex_. A job may have the commands for half an hour: as soon as `holds`,
+    /// which is asked with mutex_ held, there is a turn without them.
+    struct Turn {
+        std::unique_lock<std::mutex> lock;
+        std::unique_lock<std::recursive_mutex> commands;
+    };
+    template <typename Condition>
+    Turn turnUnless(Condition holds) const {
+        for (;;) {
+            Turn turn{std::unique_lock(mutex_), {}};
+            if (holds()) return turn;
+            turn.commands = std::unique_lock(commands_, std::try_to_lock);
+            if (turn.commands) return turn;
+            turn.lock.unlock();
+            std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        }
+    }
     void mechanics(unsigned long request, const char* what);
 
     DriveIdentity identity_;
@@ -94,7 +117,7 @@ class PhysicalDrive final : public Drive, public std::enable_shared_from_this<Ph
     LoadingMechanism mechanism_;
     burn_drive_info* infos_ = nullptr;
     burn_drive* drive_ = nullptr;
-    uint64_t device_ = 0; ///< the node's number
+    Node node_;
     mutable std::atomic<bool> gone_{false};
 
     mutable std::recursive_mutex commands_;

@@ -24,7 +24,7 @@ constexpr auto patience = std::chrono::seconds(2);
 struct Refusal {
     Clock::time_point when;
     std::optional<Error> use; ///< else it is of no use
-    bool isRecorder = false;  ///< it can write; asked of one that is in use only
+    bool isRecorder = false;  ///< it can write; asked of one that is in use, or that nobody may open, only
 };
 
 struct Attached {
@@ -66,13 +66,17 @@ std::string pathOf(int number) { return "/dev/sr" + std::to_string(number); }
 // The kernel has asked the drive when it was attached, and tells whoever opens it, also while somebody has it.
 bool isRecorder(const std::string& path) {
     const Descriptor node(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
-    const int can = node ? ::ioctl(node.get(), CDROM_GET_CAPABILITY, 0) : -1;
+    // One that nobody may open is meant to be used: a recorder, unless it is known for none.
+    if (!node) return isWriterInTable(path).value_or(true);
+    const int can = ::ioctl(node.get(), CDROM_GET_CAPABILITY, 0);
     return can >= 0 && (can & (CDC_CD_R | CDC_CD_RW | CDC_DVD_R | CDC_DVD_RAM)) != 0;
 }
 
 Refusal refusalOf(const std::string& path, const std::optional<Error>& problem = {}) {
     Refusal refusal{Clock::now(), {}, false};
-    if (isInUse(path))
+    if (auto forbidden = forbiddenError(path))
+        refusal.use = std::move(forbidden);
+    else if (isInUse(path))
         refusal.use = inUseError(path, path);
     else if (problem && meansInUse(problem->code))
         refusal.use = problem;

@@ -4,6 +4,7 @@
 #include "DriveQuestion.hpp"
 #include "PhysicalDrive.hpp"
 #include "PhysicalTarget.hpp"
+#include "Sense.hpp"
 
 #include <algorithm>
 #include <array>
@@ -24,6 +25,7 @@ struct Deleter {
 
 constexpr int quietly = 1 << 1 | 1 << 2;      // read without a message, without a second attempt
 constexpr int quietRunOut = quietly | 1 << 4; // and run-out is no error
+constexpr int onceAndTold = 1 << 2;           // without a second attempt
 constexpr uint64_t descriptorBlock = 16;
 constexpr uint64_t alignment = 32;
 
@@ -31,6 +33,18 @@ bool readBlocks(burn_drive* drive, uint64_t block, std::span<char> bytes) {
     off_t count = 0;
     return burn_read_data(drive, static_cast<off_t>(block * blockSize), bytes.data(),
                           static_cast<off_t>(bytes.size()), &count, quietly) > 0;
+}
+
+// Whether nothing is found where readers look. A start that can't be read is none that nobody wrote, unless the drive says
+// just that.
+bool startsWithNothing(burn_drive* drive) {
+    std::vector<char> start(32 * blockSize);
+    off_t count = 0;
+    dropLibraryMessages();
+    if (burn_read_data(drive, 0, start.data(), static_cast<off_t>(start.size()), &count, onceAndTold) > 0)
+        return std::all_of(start.begin(), start.end(), [](char each) { return each == 0; });
+    const auto sense = senseOf(libraryError(ErrorCode::MediaInvalid, {}).sense);
+    return sense && sense->key == blankCheckKey;
 }
 
 /// The ISO 9660 descriptor of a file system that begins at a block.
@@ -76,13 +90,17 @@ bool isLastSessionOpen(const std::string& path) {
 }
 
 // The two blocks behind a track written at once belong to nobody.
-uint64_t withoutRunOut(burn_drive* drive, uint64_t start, uint64_t blocks) {
-    if (blocks <= 2) return blocks;
-    std::array<char, 2 * blockSize> bytes{};
+uint64_t withoutRunOut(burn_drive* drive, const TrackInfo& track) {
+    if (track.blocks <= 2) return track.blocks;
+    std::array<char, size_t{2} * 2352> bytes{};
     off_t count = 0;
-    const auto address = static_cast<off_t>((start + blocks - 2) * blockSize);
-    const bool isThere = burn_read_data(drive, address, bytes.data(), sizeof bytes, &count, quietRunOut) > 0;
-    return isThere ? blocks : blocks - 2;
+    const uint64_t block = track.startBlock + track.blocks - 2;
+    const int done =
+        track.form == BlockForm::Audio
+            ? burn_read_audio(drive, static_cast<int>(block), bytes.data(), sizeof bytes, &count, quietRunOut)
+            : burn_read_data(drive, static_cast<off_t>(block * blockSize), bytes.data(),
+                             static_cast<off_t>(2 * blockSize), &count, quietRunOut);
+    return done > 0 ? track.blocks : track.blocks - 2;
 }
 
 TrackInfo describeTrack(burn_drive* drive, burn_track* track, uint32_t number, bool isCD) {
@@ -97,9 +115,9 @@ TrackInfo describeTrack(burn_drive* drive, burn_track* track, uint32_t number, b
         info.preEmphasis = (entry.control & 1) != 0;
         info.copyPermitted = (entry.control & 2) != 0;
         info.fourChannel = (entry.control & 8) != 0;
-        return info;
     }
-    if (isCD) info.blocks = withoutRunOut(drive, info.startBlock, info.blocks);
+    if (isCD) info.blocks = withoutRunOut(drive, info);
+    if (info.form == BlockForm::Audio) return info;
     if (const auto volume = volumeAt(drive, info.startBlock)) info.volumeName = volume->name;
     return info;
 }
@@ -159,10 +177,7 @@ void describeOverwritable(burn_drive* drive, MediumInfo& medium) {
             track.blocks = std::min(volume->blocks, medium.capacityBlocks);
             track.volumeName = volume->name;
         } else {
-            std::vector<char> start(32 * blockSize);
-            const bool isZero = !readBlocks(drive, 0, start) ||
-                                std::all_of(start.begin(), start.end(), [](char each) { return each == 0; });
-            if (!isZero) track.blocks = medium.capacityBlocks;
+            if (!startsWithNothing(drive)) track.blocks = medium.capacityBlocks;
         }
         medium.blank = track.blocks == 0;
         if (!medium.blank) medium.sessions = {SessionInfo{1, {track}}};

@@ -16,6 +16,9 @@ struct Sense {
     uint8_t key = 0, code = 0, qualifier = 0;
 };
 
+/// What was read, nobody has written.
+inline constexpr uint8_t blankCheckKey = 0x8;
+
 /// The three numbers of 18 bytes; empty for what is no sense data.
 std::optional<Sense> senseOf(std::span<const uint8_t> bytes) noexcept;
 std::vector<uint8_t> bytesOf(const Sense& sense);
