@@ -102,7 +102,9 @@ void Compiler::define(PendingClass& pending) {
     };
     spec.destructor = [code = pending.destructor](REALobject self) {
         noteGone(self);
-        if (code) CodeBody{code}(self, {});
+        if (!code) return;
+        const Context::RaisedAside aside(Context::ofThisThread());
+        CodeBody{code}(self, {});
     };
     try {
         pending.made = &defineClass(std::move(spec));

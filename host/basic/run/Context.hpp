@@ -47,6 +47,26 @@ class Context {
     /// run programs that nobody has looked at.
     uint32_t turnsLeft = 0;
 
+    /// A destructor may run while an exception is on its way out, which is still found where it was raised.
+    class RaisedAside {
+      public:
+        explicit RaisedAside(Context& context)
+            : context_(context), place_(context.place), raised_(context.raised_),
+              raisedPlace_(context.raisedPlace_) {}
+        ~RaisedAside() {
+            context_.place = place_;
+            context_.keepRaised(raised_, raisedPlace_);
+        }
+        RaisedAside(const RaisedAside&) = delete;
+        RaisedAside& operator=(const RaisedAside&) = delete;
+
+      private:
+        Context& context_;
+        Place place_;
+        Value raised_;
+        Place raisedPlace_;
+    };
+
   private:
     Context();
     [[noreturn]] static void overflow();
