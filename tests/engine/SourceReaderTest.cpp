@@ -2,15 +2,52 @@
 #include "SourceReader.hpp"
 #include "Failure.hpp"
 #include "Fixture.hpp"
+#include "NoThreads.hpp"
 
+#include <condition_variable>
+#include <cstdarg>
 #include <cstring>
+#include <functional>
+#include <mutex>
+#include <set>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 
 using namespace engine;
 
 namespace {
 
 constexpr size_t pageBytes = 2048;
+
+// Told of every name that is opened in a folder, before that and after it.
+std::function<void(const std::string& name, bool isOver)> whenOpened;
+
+// Two names are opened at the same time; the second waits until nothing came of the first.
+class Meeting {
+  public:
+    Meeting(std::string first, std::string second) : first_(std::move(first)), second_(std::move(second)) {
+        whenOpened = [this](const std::string& name, bool isOver) { meet(name, isOver); };
+    }
+    ~Meeting() { whenOpened = nullptr; }
+    Meeting(const Meeting&) = delete;
+    Meeting& operator=(const Meeting&) = delete;
+
+  private:
+    void meet(const std::string& name, bool isOver) {
+        if (name != first_ && name != second_) return;
+        std::unique_lock lock(mutex_);
+        (isOver ? over_ : begun_).insert(name);
+        changed_.notify_all();
+        if (isOver) return;
+        const auto isMet = [&] { return name == first_ ? begun_.contains(second_) : over_.contains(first_); };
+        EXPECT_TRUE(changed_.wait_for(lock, std::chrono::seconds(20), isMet)) << name << " is alone";
+    }
+
+    const std::string first_, second_;
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    std::set<std::string> begun_, over_;
+};
 
 // Gives one letter, and notes where it was asked.
 class Letter : public FileProducer {
@@ -181,6 +218,34 @@ TEST_F(SourceReaderTest, theFirstThatIsWrongIsNamed) {
     EXPECT_EQ(problem(3 * pageBytes), changed(paths[20], "went away")) << "by one thread";
 }
 
+// Two parts of thirteen files, on two threads. Who fails first has nearly always told so before the other fails.
+TEST_F(SourceReaderTest, theFirstThatIsWrongIsNamedWhicheverFailsFirst) {
+    addFolder("a");
+    for (size_t file = 0; file < 26; ++file)
+        addFile("f" + std::to_string(file), 3000);
+    plan();
+    fs::remove(paths[3]);
+    fs::remove(paths[20]);
+    for (int round = 0; round < 50; ++round) {
+        for (const auto& [first, second] : {std::pair("f20", "f3"), std::pair("f3", "f20")}) {
+            const Meeting meeting(first, second);
+            ASSERT_EQ(problem(), changed(paths[3], "went away")) << first << " failed first";
+        }
+    }
+}
+
+TEST_F(SourceReaderTest, oneThreadDoesItAllWhenNoOtherIsToBeHad) {
+    addFolder("a");
+    for (size_t file = 0; file < 100; ++file)
+        addFile("f" + std::to_string(file), 3000);
+    plan();
+    const NoThreads none;
+    EXPECT_TRUE(all(1u << 20) == expected);
+    fs::remove(paths[60]);
+    fs::remove(paths[20]);
+    EXPECT_EQ(problem(), changed(paths[20], "went away"));
+}
+
 TEST_F(SourceReaderTest, aFolderThatBecameAnotherOneIsNamed) {
     for (const char* name : {"a", "b", "c"}) {
         addFolder(name);
@@ -195,3 +260,17 @@ TEST_F(SourceReaderTest, aFolderThatBecameAnotherOneIsNamed) {
 }
 
 } // namespace
+
+// Stands in for the C library's.
+extern "C" int openat(int folder, const char* path, int flags, ...) {
+    va_list more;
+    va_start(more, flags);
+    const auto mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(more, mode_t) : mode_t{0};
+    va_end(more);
+    if (whenOpened) whenOpened(path, false);
+    const auto file = static_cast<int>(::syscall(SYS_openat, folder, path, flags | O_LARGEFILE, mode));
+    const int problem = errno;
+    if (whenOpened) whenOpened(path, true);
+    errno = problem;
+    return file;
+}
