@@ -2,7 +2,7 @@
 '
 '   disc-basic erase.bas [--complete] [--yes] [DRIVE]
 '
-'   --complete    overwrites every block, instead of only what it takes to be blank
+'   --complete    leaves nothing readable: overwrites what a virtual medium holds, and a physical disc from end to end
 '   --yes         doesn't ask before data is lost
 '
 ' DRIVE is the name of its folder, or the one that list-drives.bas shows. Without it, the first drive's disc is erased.

@@ -150,7 +150,9 @@ void addMediumCommands(CommandSet& set, Given& given) {
     CLI::App* erase = set.onDrive("erase", "Make a re-writable medium blank again",
                                   "  disc-drives erase burner\n  disc-drives erase burner --complete --force",
                                   [&] { return eraseMedium(given.common, given.name, given.complete); });
-    erase->add_flag("--complete", given.complete, "Overwrite every block that was written");
+    erase->add_flag(
+        "--complete", given.complete,
+        "Leave nothing readable: overwrite what a virtual medium holds, a physical disc from end to end");
     set.mayLose(erase);
 }
 
@@ -159,7 +161,8 @@ int report(const Common& common, const engine::Error& error) {
     if (!error.info.empty() && error.message.find(error.info) == std::string::npos)
         line += " (" + error.info + ')';
     std::fprintf(stderr, "%s\n", line.c_str());
-    if (common.json) printJson(Json{{"error", jsonOf(error)}});
+    // Whether anybody reads it or not, the sentence above says why.
+    if (common.json) static_cast<void>(engine::guarded([&] { printJson(Json{{"error", jsonOf(error)}}); }));
     return failed;
 }
 

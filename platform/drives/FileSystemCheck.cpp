@@ -1,12 +1,14 @@
 // An ISO 9660 reader that believes nothing.
 #include "FileSystemCheck.hpp"
 #include "Console.hpp"
+#include "Failure.hpp"
 #include "Files.hpp"
 #include "MediumKind.hpp"
 #include "Utf8.hpp"
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstring>
 #include <fcntl.h>
 #include <set>
@@ -117,10 +119,32 @@ class Walk {
     std::set<uint32_t> seen_;
 };
 
+bool isHFSPlusHeader(const Block& block) {
+    constexpr size_t offset = 1024;
+    return std::memcmp(block.data() + offset, "H+", 2) == 0 ||
+           std::memcmp(block.data() + offset, "HX", 2) == 0;
+}
+
+std::vector<std::string> otherSystems(const BlockReader& read, uint64_t start, uint64_t end) {
+    std::vector<std::string> others;
+    Block block;
+    if (start < end && read(start, block) && isHFSPlusHeader(block)) others.push_back("HFS+");
+    for (uint64_t index = firstDescriptor; index < firstDescriptor + mostDescriptors; ++index) {
+        if (start + index >= end || !read(start + index, block)) break;
+        if (hasIdentifier(block, "NSR02") || hasIdentifier(block, "NSR03")) {
+            others.push_back("UDF");
+            break;
+        }
+        if (!hasIdentifier(block, "CD001") && !hasIdentifier(block, "BEA01")) break;
+    }
+    return others;
+}
+
 } // namespace
 
 FileSystemReport checkFileSystem(const BlockReader& read, uint64_t start, uint64_t end) {
     FileSystemReport report;
+    report.others = otherSystems(read, start, end);
     Block block;
     for (uint64_t index = firstDescriptor; index < firstDescriptor + mostDescriptors; ++index) {
         if (start + index >= end) break;
@@ -154,6 +178,9 @@ FileSystemReport checkFileSystem(const BlockReader& read, uint64_t start, uint64
 
 std::optional<std::string> volumeIn(const std::string& path) {
     const engine::Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    if (!file)
+        engine::fail(engine::ErrorCode::FileLocationConflict, engine::inQuotes(path) + " can't be read.",
+                     engine::systemText(errno));
     Block block;
     const auto readAt = [&](uint64_t number) {
         return ::pread(file.get(), block.data(), block.size(), static_cast<off_t>(number * block.size())) ==
@@ -161,8 +188,7 @@ std::optional<std::string> volumeIn(const std::string& path) {
     };
     if (readAt(firstDescriptor) && hasIdentifier(block, "CD001")) return volumeNameIn(block);
     if (readAt(firstDescriptor) && hasIdentifier(block, "BEA01")) return "";
-    // HFS+ has its header at byte 1024.
-    if (readAt(0) && std::memcmp(block.data() + 1024, "H+", 2) == 0) return "";
+    if (readAt(0) && isHFSPlusHeader(block)) return "";
     return std::nullopt;
 }
 

@@ -7,6 +7,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <vector>
 
 namespace drives {
 
@@ -17,6 +18,7 @@ struct FileSystemReport {
     bool isISO9660 = false;
     std::string volumeName;
     uint64_t files = 0, folders = 0;
+    std::vector<std::string> others; ///< UDF and HFS+, whose folders are not looked into
     std::string problem; ///< empty: all folders can be read, and all files lie inside of what was written
 };
 
@@ -24,7 +26,7 @@ struct FileSystemReport {
 FileSystemReport checkFileSystem(const BlockReader& read, uint64_t start, uint64_t end);
 
 /// The name of the volume in an image file; empty when it has none, nothing when there is no file system that
-/// is known (ISO 9660, UDF, HFS+).
+/// is known (ISO 9660, UDF, HFS+). Throws Failure when the file can't be read.
 std::optional<std::string> volumeIn(const std::string& path);
 
 } // namespace drives

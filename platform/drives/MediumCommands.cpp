@@ -37,25 +37,33 @@ Found usableDrive(const std::string& name) {
     return found;
 }
 
-// Asks before a copy of the drive's medium takes the place of a person's files, and answers whether there are any. The
-// caller has the drive for himself.
-bool requireConsentToReplace(const Common& common, const engine::VirtualDrive& drive,
-                             const std::string& folder) {
+// A link that leads nowhere is there, too.
+bool isThere(const fs::path& path) {
+    std::error_code ignored;
+    return fs::exists(fs::symlink_status(path, ignored));
+}
+
+// Asks before a copy of the drive's medium takes the place of a person's files, and answers which may go. The caller has
+// the drive for himself.
+std::set<std::string> requireConsentToReplace(const Common& common, const engine::VirtualDrive& drive,
+                                              const std::string& folder) {
     engine::recoverMedium(drive.folder());
     const auto record = engine::loadMedium(drive.folder());
-    if (!record) return false;
+    if (!record) return {};
     std::vector<std::string> names = dataFilesOf(*record);
     names.insert(names.begin(), engine::names::medium);
+    if (common.force) return {names.begin(), names.end()};
     std::string there;
+    std::set<std::string> replaceable;
     for (const std::string& name : names) {
-        std::error_code ignored;
-        if (fs::exists(fs::symlink_status(fs::path(folder) / name, ignored)))
-            there += (there.empty() ? "" : ", ") + engine::printable(name);
+        if (!isThere(fs::path(folder) / name)) continue;
+        there += (there.empty() ? "" : ", ") + engine::printable(name);
+        replaceable.insert(name);
     }
     if (!there.empty())
-        requireConsent(common.force, inQuotes(folder) + " has files of these names: " + there + '.',
+        requireConsent(false, inQuotes(folder) + " has files of these names: " + there + '.',
                        "Overwrite them");
-    return !there.empty();
+    return replaceable;
 }
 
 } // namespace
@@ -93,8 +101,8 @@ int ejectMedium(const Common& common, const Ejecting& ejecting) {
     const Exclusive mine(*drive);
     if (asked) asked->requireUnchanged();
     if (!ejecting.takeTo.empty()) {
-        requireConsentToReplace(common, *drive, ejecting.takeTo);
-        copyOut(*drive, ejecting.takeTo, common.json);
+        const auto replaceable = requireConsentToReplace(common, *drive, ejecting.takeTo);
+        copyOut(*drive, ejecting.takeTo, replaceable, common.json);
     }
     take(drive->eject());
     takeOutOf(*drive);
@@ -129,10 +137,11 @@ int makeBlankMedium(const Common& common, const NewMedium& medium) {
     std::error_code ignored;
     if (fs::is_directory(medium.file, ignored))
         fail(ErrorCode::FileLocationConflict, inQuotes(medium.file) + " is a folder; give a file's name.");
-    if (fs::exists(medium.file, ignored))
+    const bool mayReplace = common.force || isThere(medium.file);
+    if (mayReplace)
         requireConsent(common.force, "There is a file " + inQuotes(medium.file) + " already.",
                        "Overwrite it");
-    writeBlankMedium(record, medium.file);
+    writeBlankMedium(record, medium.file, mayReplace);
     if (common.json) {
         printJson(Json{{"file", fs::absolute(medium.file).string()}, {"medium", jsonOf(record.info(""))}});
     } else {
@@ -148,11 +157,11 @@ int exportMedium(const Common& common, const std::string& name, const std::strin
     if (fs::exists(folder, ignored) && !fs::is_directory(folder, ignored))
         fail(ErrorCode::FileLocationConflict, inQuotes(folder) + " is no folder.");
     const Exclusive mine(*drive);
-    if (!requireConsentToReplace(common, *drive, folder) && fs::is_directory(folder, ignored) &&
-        !fs::is_empty(folder, ignored))
+    const auto replaceable = requireConsentToReplace(common, *drive, folder);
+    if (replaceable.empty() && fs::is_directory(folder, ignored) && !fs::is_empty(folder, ignored))
         requireConsent(common.force, "The folder " + inQuotes(folder) + " is not empty.",
                        "Write the medium's files into it");
-    copyOut(*drive, folder, common.json);
+    copyOut(*drive, folder, replaceable, common.json);
     const auto record = engine::loadMedium(drive->folder());
     Json files = Json::array({engine::names::medium});
     std::string sentence = "The " + kindOf(*record) + " lies in " + inQuotes(folder) + " as medium.json";

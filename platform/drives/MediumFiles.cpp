@@ -41,6 +41,24 @@ void rename(const std::string& from, const std::string& to) {
              engine::systemText(errno));
 }
 
+// What was not asked about is a person's, saved while we were at work.
+void renameNew(const std::string& from, const std::string& to) {
+    int result = ::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE);
+    // Not every file system can do that in one step.
+    if (result != 0 && (errno == EINVAL || errno == ENOSYS)) {
+        std::error_code ignored;
+        const bool isThere = fs::exists(fs::symlink_status(to, ignored));
+        result = isThere ? -1 : ::rename(from.c_str(), to.c_str());
+        if (isThere) errno = EEXIST;
+    }
+    if (result == 0) return;
+    if (errno == EEXIST)
+        fail(ErrorCode::BurnNotAllowed,
+             inQuotes(to) + " was made by another program meanwhile, and is not overwritten.");
+    fail(ErrorCode::MediaWriteFailure, inQuotes(to) + " can't be put in its place.",
+         engine::systemText(errno));
+}
+
 bool looksLikeADescription(const std::string& path) {
     std::FILE* file = std::fopen(path.c_str(), "rbe");
     const int first = file != nullptr ? std::fgetc(file) : EOF;
@@ -198,6 +216,7 @@ void putInto(const engine::VirtualDrive& drive, const MediumFiles& staged) {
         throw engine::Failure(recovered.error());
     engine::MediumRecord record = staged.record;
     std::map<std::string, std::string> renamed;
+    std::set<std::string> taken;
     forEachFile(record, [&](std::string& name) {
         const auto known = renamed.find(name);
         const std::string before = name;
@@ -211,7 +230,12 @@ void putInto(const engine::VirtualDrive& drive, const MediumFiles& staged) {
             name = engine::names::subchannelBeside(sectors->second);
         else
             name = newNameFor(name, renamed.size());
-        if (known == renamed.end()) renamed.emplace(before, name);
+        if (known != renamed.end()) return;
+        if (!taken.insert(name).second)
+            fail(ErrorCode::MediaInvalid, "The medium's description names two files that would both become " +
+                                              inQuotes(name) + "; rename " + inQuotes(before) +
+                                              ", there and in the folder.");
+        renamed.emplace(before, name);
     });
     for (const auto& [before, after] : renamed)
         rename(staged.folder + '/' + before, drive.path() + '/' + after);
@@ -228,7 +252,8 @@ void takeOutOf(const engine::VirtualDrive& drive) {
         ::unlinkat(drive.folder(), name.c_str(), 0);
 }
 
-void copyOut(const engine::VirtualDrive& drive, const std::string& folder, bool quiet) {
+void copyOut(const engine::VirtualDrive& drive, const std::string& folder,
+             const std::set<std::string>& replaceable, bool quiet) {
     engine::recoverMedium(drive.folder());
     const auto record = engine::loadMedium(drive.folder());
     if (!record)
@@ -240,20 +265,23 @@ void copyOut(const engine::VirtualDrive& drive, const std::string& folder, bool 
     for (const std::string& name : dataFilesOf(*record))
         copyFile(drive.path() + '/' + name, staging.path() + '/' + name, progress);
     engine::saveMedium(openFolder(staging.path()).get(), *record);
+    const auto put = [&](const std::string& name) {
+        (replaceable.contains(name) ? rename : renameNew)(staging.path() + '/' + name, folder + '/' + name);
+    };
     for (const std::string& name : dataFilesOf(*record))
-        rename(staging.path() + '/' + name, folder + '/' + name);
-    rename(staging.path() + '/' + engine::names::medium, folder + '/' + engine::names::medium);
+        put(name);
+    put(engine::names::medium);
     engine::syncFolder(openFolder(folder).get());
 }
 
-void writeBlankMedium(const engine::MediumRecord& record, const std::string& file) {
+void writeBlankMedium(const engine::MediumRecord& record, const std::string& file, bool mayReplace) {
     const fs::path parent = fs::absolute(file).parent_path();
     std::error_code ignored;
     if (!fs::is_directory(parent, ignored))
         fail(ErrorCode::FileLocationConflict, "There is no folder " + inQuotes(parent.string()) + '.');
     const Staging staging(parent.string());
     engine::saveMedium(openFolder(staging.path()).get(), record);
-    rename(staging.path() + '/' + engine::names::medium, file);
+    (mayReplace ? rename : renameNew)(staging.path() + '/' + engine::names::medium, file);
 }
 
 } // namespace drives

@@ -5,6 +5,7 @@
 #include "VirtualDrive.hpp"
 
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -32,11 +33,12 @@ void putInto(const engine::VirtualDrive& drive, const MediumFiles& staged);
 /// There is no medium in the drive from here on.
 void takeOutOf(const engine::VirtualDrive& drive);
 
-/// Copies the drive's medium to a folder, as what stageMedium() takes; files of the same names are replaced
-/// one by one, the description last.
-void copyOut(const engine::VirtualDrive& drive, const std::string& folder, bool quiet);
+/// Copies the drive's medium to a folder, as what stageMedium() takes; files take their names one by one, the
+/// description last. Throws Failure when another file has one of them that is not `replaceable`.
+void copyOut(const engine::VirtualDrive& drive, const std::string& folder,
+             const std::set<std::string>& replaceable, bool quiet);
 
 /// Writes the description of a blank medium to a file.
-void writeBlankMedium(const engine::MediumRecord& record, const std::string& file);
+void writeBlankMedium(const engine::MediumRecord& record, const std::string& file, bool mayReplace);
 
 } // namespace drives

@@ -179,6 +179,7 @@ Json jsonOf(const Result& result) {
                           {"volumeName", each.files.volumeName},
                           {"files", each.files.files},
                           {"folders", each.files.folders},
+                          {"notLookedInto", each.files.others},
                           {"compared", each.track.sum.has_value()},
                           {"good", each.problem.empty()},
                           {"problem", each.problem}});
@@ -213,6 +214,10 @@ std::string textOf(const Result& result) {
                        each.problem.empty() ? "good" : each.problem});
         text += table.text();
     }
+    for (const TrackResult& each : result.tracks)
+        for (const std::string& other : each.files.others)
+            text += name + ": The folders that track " + std::to_string(each.track.number) + " has in " +
+                    other + " were not looked into.\n";
     text += name + ": ";
     if (result.medium->blank && result.tracks.empty()) return text + "The " + kind + " is blank.\n";
     if (result.isGood()) return text + "Every block of the " + kind + " can be read, and is as described.\n";

@@ -135,7 +135,7 @@ struct MediumInfo {
 
 enum class EraseType : uint8_t {
     Quick,    ///< only what it takes to be blank again
-    Complete, ///< every block that was written is overwritten first
+    Complete, ///< what a virtual medium holds is overwritten first, a physical disc from end to end
 };
 
 /// Told how far an erase is, from 0 to 1, or -1 where that can't be measured. Answers false to cut it off, where
@@ -203,8 +203,8 @@ class Drive {
     /// Someone, this process included, writes to the medium or keeps the drive for himself.
     virtual bool isBusy() const = 0;
 
-    /// Keeps every other process out until released as often as acquired. DeviceBusy when another process (or
-    /// a job of this one) has it. A job of this process may run while this process holds it.
+    /// Keeps every other process out until released as often as acquired. DeviceBusy when another process has it.
+    /// A job of this process may run while this process holds it.
     virtual Result<void> acquireExclusiveAccess() = 0;
     virtual void releaseExclusiveAccess() = 0;
     virtual bool hasExclusiveAccess() const = 0;
@@ -229,10 +229,10 @@ class Drive {
 
 using DriveRef = std::shared_ptr<Drive>;
 
-/// The drives attached now, in the order of their ids; the same object for the same drive at every call. When
-/// no drive is configured and none attached that can write, one is made with a blank DVD+RW (see README.md for where, and
-/// for how to have none); a physical drive that another program uses is left out until it is free. An error is an unusable
-/// drives folder (DeviceAccess); single broken drives are left out.
+/// The drives attached now, physical ones first, then in the order of their ids; the same object for the same drive at
+/// every call. When no drive is configured and none attached that can write, one is made with a blank DVD+RW (README.md
+/// says where, and how to have none); a physical drive that another program uses is left out until it is free. An error is
+/// an unusable drives folder (DeviceAccess); single broken drives are left out.
 Result<std::vector<DriveRef>> drives();
 
 } // namespace engine

@@ -56,6 +56,9 @@ Result<std::vector<DriveRef>> drives() {
         if (!wantsNone)
             for (auto& drive : physicalDrives())
                 found.push_back(std::move(drive));
+        std::sort(found.begin(), found.end(), [](const DriveRef& one, const DriveRef& other) {
+            return one->identity().id < other->identity().id;
+        });
         const bool isAnyRecorder = std::any_of(found.begin(), found.end(), [](const DriveRef& each) {
             return !each->capabilities().writes.empty();
         });
@@ -78,9 +81,6 @@ Result<std::vector<DriveRef>> drives() {
             }
             found.push_back(known->second);
         }
-        std::sort(found.begin(), found.end(), [](const DriveRef& one, const DriveRef& other) {
-            return one->identity().id < other->identity().id;
-        });
         return found;
     });
 }

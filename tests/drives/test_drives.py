@@ -319,11 +319,12 @@ class Drives(DrivesCase):
         self.assertIn(error["message"], done.stderr)
 
     def test_output_that_nobody_reads_is_a_failure(self):
-        with open("/dev/full", "w") as full:
-            done = subprocess.run([COMMAND, "list"], stdout=full, stderr=subprocess.PIPE, text=True,
-                                  env=self.environment(), check=False)
-        self.assertEqual(done.returncode, 1)
-        self.assertIn("output can't be written", done.stderr)
+        for words in (["list"], ["--json", "list"]):
+            with open("/dev/full", "w") as full:
+                done = subprocess.run([COMMAND, *words], stdout=full, stderr=subprocess.PIPE, text=True,
+                                      env=self.environment(), check=False)
+            self.assertEqual(done.returncode, 1, done.stderr)
+            self.assertRegex(done.stderr, "^disc-drives: .*output can't be written.*\n$")
 
 
 if __name__ == "__main__":

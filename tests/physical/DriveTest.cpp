@@ -1,5 +1,6 @@
 // A physical drive as a drive: who it is, what it can do, its tray.
 #include "Fixture.hpp"
+#include "VirtualDrive.hpp"
 #include "physical/CapabilitiesPage.hpp"
 
 #include <unistd.h>
@@ -87,6 +88,23 @@ TEST_F(PhysicalTest, TwoDrives) {
     EXPECT_EQ((*all)[1]->identity().id, "/dev/sr1");
     EXPECT_EQ((*all)[0]->mediumInfo()->kind, MediumKind::CDRW);
     EXPECT_EQ((*all)[1]->mediumInfo()->kind, MediumKind::DVDPlusRW);
+}
+
+// A program's first drive is the recorder, wherever the folder of the virtual ones lies.
+TEST_F(PhysicalTest, ComeBeforeVirtualOnesWhosePathsSortFirst) {
+    insert("CD-RW");
+    insert("DVD+RW", {}, second);
+    std::string own = "/dev/shm/disc-test-XXXXXX"; // in front of /dev/sr0
+    ASSERT_NE(::mkdtemp(own.data()), nullptr);
+    ::setenv("DISC_DRIVES", own.c_str(), 1);
+    for (const char* name : {"b", "a"})
+        EXPECT_TRUE(makeVirtualDrive(own + '/' + name, {}).ok());
+    const auto all = drives();
+    fs::remove_all(own);
+    std::vector<std::string> ids;
+    for (const DriveRef& each : *all)
+        ids.push_back(each->identity().id);
+    EXPECT_EQ(ids, (std::vector<std::string>{"/dev/sr0", "/dev/sr1", own + "/a", own + "/b"}));
 }
 
 TEST_F(PhysicalTest, NoneWhereNotWanted) {
