@@ -41,7 +41,7 @@ struct DRBurnInside;
 
 /**
  * Starts the burn and returns; what becomes of it stands in the status. With DRSynchronousBehaviorKey it
- * returns when the burn has ended. A layout is a DRTrack (one session), an array of DRTracks (one session),
+ * returns when the burn has ended; until then producers are called on this thread. A layout is a DRTrack (one session), an array of DRTracks (one session),
  * or an array of such arrays (a session each), or
  * what layoutForImageFile: answered. Nil does nothing, and the burn can still be used.
  *

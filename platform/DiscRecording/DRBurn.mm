@@ -9,9 +9,11 @@
 #include "LivingObjects.hpp"
 #include "Notifications.hpp"
 #include "StatusDictionaries.hpp"
+#include "WaitingThread.hpp"
 
 #include <memory>
 #include <mutex>
+#include <optional>
 
 struct DRBurnInside {
     uint64_t number = 0; // as a living object
@@ -126,10 +128,17 @@ Result<void> fillPlan(BurnPlan& plan, DRDevice* device, NSArray* sessions, DRIma
     _sessions = [sessions retain];
     BurnPlan plan;
     const auto filled = fillPlan(plan, _device, sessions, image, _properties, _inside->number);
-    // Who waits for the end is told nothing on the way.
+    // Who waits for the end is told nothing on the way, but runs what the program has to do with it.
     const bool waits = discrecording::burnFlag(_properties, DRSynchronousBehaviorKey, false);
+    std::optional<discrecording::WaitingThread> waiting;
     engine::BurnJob::Observer observer;
-    if (!waits) {
+    if (waits) {
+        waiting.emplace();
+        observer = [&waiting](const engine::BurnStatus& status) {
+            if (status.isFinal())
+                waiting->end();
+        };
+    } else {
         const uint64_t number = _inside->number;
         observer = [=](const engine::BurnStatus& status) {
             discrecording::postBurnStatus(number, status);
@@ -146,8 +155,14 @@ Result<void> fillPlan(BurnPlan& plan, DRDevice* device, NSArray* sessions, DRIma
             filled.ok() ? std::nullopt : std::make_optional(filled.error()), std::move(observer));
         _inside->run = run;
     }
-    if (waits)
-        run->wait();
+    if (!waits)
+        return;
+    // What a program's event does may give up the last reference to this burn.
+    [self retain];
+    waiting->run();
+    run->wait();
+    waiting.reset();
+    [self release];
 }
 
 - (void)abort {

@@ -2,6 +2,7 @@
 #include "FileProducers.hpp"
 #import "DRFilePrivate.h"
 #import "ProducerCalls.h"
+#include "WaitingThread.hpp"
 
 #include <cstdlib>
 #include <limits>
@@ -14,8 +15,10 @@ constexpr uint32_t blockSize = 2048;
 
 // What the producer raises becomes a C++ exception, which the engine reports with the file's name.
 template <typename Body> void call(Body body) {
-    const std::unique_ptr<char, void (*)(void*)> reason(
-        DRCallProducer([](void* context) { (*static_cast<Body*>(context))(); }, &body), std::free);
+    std::unique_ptr<char, void (*)(void*)> reason(nullptr, std::free);
+    callWhereWaited([&] {
+        reason.reset(DRCallProducer([](void* context) { (*static_cast<Body*>(context))(); }, &body));
+    });
     if (reason)
         throw std::runtime_error(reason.get());
 }

@@ -6,12 +6,26 @@
 #include "PathStrings.hpp"
 #import "Raised.h"
 #include "TrackUse.hpp"
+#include "WaitingThread.hpp"
 
+#include <optional>
 #include <stdexcept>
+#include <string>
 #include <utility>
 
 namespace discrecording {
 namespace {
+
+// Runs what is the producer's; answers what it raised.
+template <typename Body> std::optional<std::string> raisedByProducer(Body body) {
+    std::optional<std::string> reason;
+    callWhereWaited([&] {
+        const EngineThread thread;
+        if (NSString* raised = raisedBy(body); raised != nil)
+            reason = pathnames::bytesOf(raised);
+    });
+    return reason;
+}
 
 class ProducerBridge final : public engine::TrackProducer {
   public:
@@ -127,8 +141,7 @@ class ProducerBridge final : public engine::TrackProducer {
         if (!std::exchange(isKept_, false))
             return;
         endTrackWork(track_, work());
-        const EngineThread thread;
-        raisedBy([&] {
+        raisedByProducer([&] {
             [producer_ release];
             [track_ release];
         });
@@ -137,9 +150,8 @@ class ProducerBridge final : public engine::TrackProducer {
     TrackWork work() const noexcept { return for_.burn == 0 ? TrackWork::SpeedTest : TrackWork::Burn; }
 
     bool responds(SEL selector) const {
-        const EngineThread thread;
         bool answer = false;
-        raisedBy([&] { answer = [producer_ respondsToSelector:selector] != NO; });
+        raisedByProducer([&] { answer = [producer_ respondsToSelector:selector] != NO; });
         return answer;
     }
 
@@ -147,24 +159,21 @@ class ProducerBridge final : public engine::TrackProducer {
     // detail is what was raised.
     template <typename Answer, typename Call>
     Answer ask(SEL selector, Answer otherwise, const Call& call) const {
-        const EngineThread thread;
         Answer answer = otherwise;
-        NSString* raised = raisedBy([&] {
+        const auto raised = raisedByProducer([&] {
             if ([producer_ respondsToSelector:selector])
                 answer = call();
         });
-        if (raised != nil)
-            throw std::runtime_error(pathnames::bytesOf(raised));
+        if (raised)
+            throw std::runtime_error(*raised);
         return answer;
     }
 
     template <typename Call> size_t produced(engine::ProduceFlags& flags, const Call& call) const {
-        const EngineThread thread;
         uint32_t bits = bits_;
         size_t count = 0;
-        NSString* raised = raisedBy([&] { count = call(&bits); });
-        if (raised != nil)
-            throw std::runtime_error(pathnames::bytesOf(raised));
+        if (const auto raised = raisedByProducer([&] { count = call(&bits); }))
+            throw std::runtime_error(*raised);
         flags.noMoreData = (bits & DRFlagNoMoreData) != 0;
         return count;
     }
