@@ -84,12 +84,24 @@ static void TestOrder(void) {
     PASS("estimated by the producer", [track estimateLength] == 4321);
     ExpectDone("unverified", BurnOn(device, track, nil));
     SAME("in order", producer->calls, Words(@"prepare produce cleanup"));
-    PASS("in sequence, and not on the main thread", !producer->outOfOrder && !producer->onMainThread);
+    PASS("in sequence, and on the thread that waits", !producer->outOfOrder && producer->onMainThread);
     PASS("more than a block at once", producer->largest > 2048);
     PASS("told for what", producer->burnSeen != nil);
     SAME("and onto what", [producer->mediaSeen objectForKey:DRDeviceMediaStateKey],
          DRDeviceMediaStateMediaPresent);
     PASS("all of it is on the disc", IsProduced(Image(device, @"medium.iso"), 0, 1500 * 2048, 0));
+
+    Producer* elsewhere = [[Producer new] autorelease];
+    DRBurn* burn = [DRBurn burnForDevice:Device("DVD+RW")];
+    [burn setCompletionAction:DRBurnCompletionActionMount];
+    [burn writeLayout:DataTrack(elsewhere, 1500)];
+    NSString* state = nil;
+    do {
+        usleep(1000);
+        state = [[burn status] objectForKey:DRStatusStateKey];
+    } while (![state isEqual:DRStatusStateDone] && ![state isEqual:DRStatusStateFailed]);
+    SAME("a burn that nobody waits for", state, DRStatusStateDone);
+    PASS("has calls in sequence, and not on the main thread", !elsewhere->outOfOrder && !elsewhere->onMainThread);
 
     device = Device("DVD+RW");
     Terse* terse = [[Terse new] autorelease];
