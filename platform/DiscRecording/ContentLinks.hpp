@@ -14,15 +14,13 @@
 
 namespace discrecording {
 
-/// The links of one tree. Each stands in the file systems of its mask, where it may have a path of its own.
+/// The links of one tree. Each stands in the file systems of its mask.
 class ContentLinks {
   public:
     ContentLinks(DRFolder* root, bool hasRockRidge) : root_(root), hasRockRidge_(hasRockRidge) {}
 
-    /// A link of the tree, in the file systems of `mask`; `way` are the indices that lead to it. The path of a symbolic link is
-    /// known when all names are.
-    engine::Result<engine::Content> contentOf(DRFile* link, std::string name, uint8_t mask,
-                                              const std::vector<size_t>& way);
+    /// A link of the tree, in the file systems of `mask`. The path of a symbolic link is known when all names are.
+    engine::Result<engine::Content> contentOf(DRFile* link, std::string name, uint8_t mask);
 
     /// Gives symbolic links their paths.
     engine::Result<void> finish(engine::Content& root);
@@ -34,24 +32,16 @@ class ContentLinks {
     struct Link {
         DRFile* file;
         DRFSObject* target;
-        std::vector<size_t> way;
     };
-    struct Path {
-        std::string text;
-        uint8_t filesystems; ///< where it is that
-    };
-
     bool isInTree(DRFSObject* target);
-    void list(const engine::Content& root);
-    engine::Result<std::vector<Path>> pathsOf(const Link& link) const;
-    engine::Result<std::string> pathIn(uint8_t bit, const char* filesystemName, const Link& link) const;
-    static void place(const Link& link, const std::vector<Path>& paths, engine::Content& root);
+    void list(engine::Content& root);
+    engine::Result<std::string> pathOf(const Link& link, const engine::Content& item) const;
 
     DRFolder* root_;
     bool hasRockRidge_;
-    std::unordered_set<DRFSObject*> tree_;                          ///< all in it, once there is a link
-    std::vector<Link> links_;                                       ///< symbolic ones
-    std::unordered_map<DRFSObject*, const engine::Content*> items_; ///< what became of each
+    std::unordered_set<DRFSObject*> tree_;                    ///< all in it, once there is a link
+    std::vector<Link> links_;                                 ///< symbolic ones
+    std::unordered_map<DRFSObject*, engine::Content*> items_; ///< what became of each
 };
 
 } // namespace discrecording

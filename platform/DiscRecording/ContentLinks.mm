@@ -6,7 +6,6 @@
 
 #include "Elements.hpp"
 
-#include <algorithm>
 #include <utility>
 
 namespace discrecording {
@@ -41,23 +40,9 @@ Error lost(const std::string& name, const std::string& where = {}) {
             {}};
 }
 
-// Rock Ridge has the item's name itself; elsewhere an item without a name of its own has that, too.
-const std::string& nameIn(uint8_t bit, const Content& item) {
-    if (item.names != nullptr && bit == filesystem::udf && !item.names->udf.empty())
-        return item.names->udf;
-    if (item.names != nullptr && bit == filesystem::hfsPlus && !item.names->hfsPlus.empty())
-        return item.names->hfsPlus;
-    return item.name;
-}
-
-std::vector<Content>& childrenOf(Content& folder) {
-    return std::get<engine::VirtualFolder>(folder.source).children;
-}
-
 } // namespace
 
-Result<Content> ContentLinks::contentOf(DRFile* link, std::string name, uint8_t mask,
-                                        const std::vector<size_t>& way) {
+Result<Content> ContentLinks::contentOf(DRFile* link, std::string name, uint8_t mask) {
     DRFSObject* target = [link target];
     if (!isInTree(target))
         return lost(name);
@@ -73,7 +58,7 @@ Result<Content> ContentLinks::contentOf(DRFile* link, std::string name, uint8_t 
     if ((mask & filesystem::iso9660) != 0 && !hasRockRidge_)
         return notHeld("symbolic link \"" + name + "\"", "ISO 9660, which holds none without Rock Ridge",
                        "without ISO 9660");
-    links_.push_back({link, target, way});
+    links_.push_back({link, target});
     return Content::link(std::move(name), ".");
 }
 
@@ -81,16 +66,14 @@ Result<void> ContentLinks::finish(Content& root) {
     if (links_.empty())
         return {};
     list(root);
-    std::vector<std::vector<Path>> paths; // all of them before anything is placed, which moves items
     for (const Link& link : links_) {
-        auto found = pathsOf(link);
-        if (!found.ok())
-            return found.error();
-        paths.push_back(std::move(*found));
+        Content& item = *items_.at(link.file);
+        auto path = pathOf(link, item);
+        if (!path.ok())
+            return path.error();
+        item.source = engine::SymbolicLink{std::move(*path), true};
     }
     items_.clear();
-    for (size_t i = 0; i < links_.size(); ++i)
-        place(links_[i], paths[i], root);
     return {};
 }
 
@@ -123,80 +106,43 @@ bool ContentLinks::isInTree(DRFSObject* target) {
     return tree_.contains(target);
 }
 
-void ContentLinks::list(const Content& root) {
-    std::vector<const Content*> waiting{&root};
+void ContentLinks::list(Content& root) {
+    std::vector<Content*> waiting{&root};
     while (!waiting.empty()) {
-        const Content* item = waiting.back();
+        Content* item = waiting.back();
         waiting.pop_back();
         items_[reinterpret_cast<DRFSObject*>(static_cast<uintptr_t>(item->identity))] = item;
-        if (const auto* folder = std::get_if<engine::VirtualFolder>(&item->source))
-            for (const Content& child : folder->children)
+        if (auto* folder = std::get_if<engine::VirtualFolder>(&item->source))
+            for (Content& child : folder->children)
                 waiting.push_back(&child);
     }
 }
 
-// Each file system has its own names, so a link of several may have several paths.
-Result<std::vector<ContentLinks::Path>> ContentLinks::pathsOf(const Link& link) const {
-    std::vector<Path> paths;
-    const uint8_t mask = items_.at(link.file)->filesystems;
-    for (const auto& [bit, filesystemName] : filesystemNames) {
-        if ((mask & bit) == 0)
-            continue;
-        auto path = pathIn(bit, filesystemName, link);
-        if (!path.ok())
-            return path.error();
-        const auto same = std::ranges::find(paths, *path, &Path::text);
-        if (same == paths.end())
-            paths.push_back({std::move(*path), bit});
-        else
-            same->filesystems |= bit;
-    }
-    return paths;
-}
-
-// From the link's folder up as far as it must be, and down to the target.
-Result<std::string> ContentLinks::pathIn(uint8_t bit, const char* filesystemName, const Link& link) const {
+// From the link's folder up as far as it must be, and down to the target, by the items' names: where a file system has others,
+// the engine puts these.
+Result<std::string> ContentLinks::pathOf(const Link& link, const Content& item) const {
     std::unordered_set<DRFSObject*> above;
     for (DRFSObject* folder = [link.file parent]; folder != nil; folder = [folder parent])
         above.insert(folder);
     std::string down;
+    uint8_t missing = 0;
     DRFSObject* meeting = link.target;
     for (; !above.contains(meeting); meeting = [meeting parent]) {
         const auto found = items_.find(meeting);
         if (found == items_.end())
-            return lost(items_.at(link.file)->name);
-        if ((found->second->filesystems & bit) == 0)
-            return lost(items_.at(link.file)->name, filesystemName);
-        const std::string& name = nameIn(bit, *found->second);
-        down = down.empty() ? name : name + '/' + down;
+            return lost(item.name);
+        missing |= static_cast<uint8_t>(item.filesystems & ~found->second->filesystems);
+        down = down.empty() ? found->second->name : found->second->name + '/' + down;
     }
+    for (const auto& [bit, filesystemName] : filesystemNames)
+        if ((missing & bit) != 0)
+            return lost(item.name, filesystemName);
     std::string path;
     for (DRFSObject* folder = [link.file parent]; folder != meeting; folder = [folder parent])
         path += path.empty() ? ".." : "/..";
     if (!down.empty())
         path += path.empty() ? down : '/' + down;
     return path.empty() ? std::string(".") : path;
-}
-
-// Paths behind the first are items of their own, behind all others of the folder, where no way leads.
-void ContentLinks::place(const Link& link, const std::vector<Path>& paths, Content& root) {
-    Content* folder = &root;
-    for (size_t i = 0; i + 1 < link.way.size(); ++i)
-        folder = &childrenOf(*folder)[link.way[i]];
-    std::vector<Content>& children = childrenOf(*folder);
-    const size_t first = link.way.back();
-    const uint64_t identity = children[first].identity;
-    // Only a Finder alias can lead to a symbolic link itself: to the one of HFS+.
-    const auto named = std::ranges::find_if(
-        paths, [](const Path& path) { return (path.filesystems & filesystem::hfsPlus) != 0; });
-    for (auto path = paths.begin(); path != paths.end(); ++path) {
-        if (path != paths.begin())
-            children.push_back(children[first]);
-        Content& item = path == paths.begin() ? children[first] : children.back();
-        item.source = engine::SymbolicLink{path->text};
-        item.filesystems = path->filesystems;
-        item.identity = path == (named == paths.end() ? paths.begin() : named) ? identity : 0;
-    }
 }
 
 } // namespace discrecording

@@ -212,12 +212,10 @@ class ContentReader {
         // that passes is left to the caller's pool, since it may lie in this one.
         NSAutoreleasePool* left = [NSAutoreleasePool new];
         for (size_t i = 0; i < members.size(); ++i) {
-            way_.push_back(i);
             auto content =
                 contentOf(members[i].object, pathnames::encode(names[i]), members[i].mask, depth + 1);
             if (content.ok())
                 content->names = namesOf(members[i], siblings[i].isFolder, names[i], *content, inFilesystems);
-            way_.pop_back();
             if (!content.ok()) {
                 [left release];
                 return content.error();
@@ -235,7 +233,7 @@ class ContentReader {
 
     Result<Content> fileContent(DRFile* file, std::string name, uint8_t mask) {
         if ([file linkType] != nil)
-            return links_.contentOf(file, std::move(name), mask, way_);
+            return links_.contentOf(file, std::move(name), mask);
         if ([file producer] != nil)
             return Content::produced(std::move(name), producerOfFile(file, estimating_));
         if (![file hasData]) {
@@ -303,7 +301,6 @@ class ContentReader {
     bool hasRockRidge_;
     engine::plan::IsoForm isoForm_;
     NameRule isoRule_;
-    std::vector<size_t> way_; ///< to the item that is read
     std::shared_ptr<KeptFiles> kept_ = std::make_shared<KeptFiles>();
 };
 

@@ -81,6 +81,8 @@ struct ProducedFile {
 
 struct SymbolicLink {
     std::string target;
+    /// Whether the target has the names of items, and is to lead to them where a file system has others.
+    bool leadsToItems = false;
 };
 
 /// Another name of a file of the tree, the one with that identity; its bytes are on the disc once.

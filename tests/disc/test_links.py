@@ -83,6 +83,17 @@ class Links(ExamplesCase):
             self.assertEqual(reader(self.image())[path]["data"], letter)
         self.assertEqual(jury.grub(self.image(), "loop0,apple3", "same_001.txt"), b"2")
 
+    def test_a_link_in_a_later_session_leads_to_what_it_is_made_for(self):
+        def burn(*lines):
+            text = "\n".join(['Dim root As DRFolderQRX = DRFolderQRX.virtualFolderWithName("Disc")', "root.explicitFilesystemMask = 9",
+                              "Dim data As New MemoryBlock(1)", *lines]) + BURN.replace("burn.writeLayout", "burn.appendable = True\nburn.writeLayout")
+            said = self.succeed(self.write("program.bas", text.encode(), self.scratch)).splitlines()
+            self.assertEqual(said, ["DRStatusStateDone"])
+        burn(*self.file("a", "Readme", "o"))
+        burn(*self.file("b", "README", "n"), *self.link("way", "b", "DRHFSPlus"), *self.link("ridge", "b"))
+        self.check({"DRISO9660": {"ridge": "README"}, "DRHFSPlus": {"way": "README_001"}})
+        self.assertEqual(jury.hfs_7zz(self.image())["README_001"]["data"], b"n")
+
     # ---- masks that a program sets later ----------------------------------------------------------------------------
 
     NAMES = ('a.specificNameForFilesystem(DRFSObjectQRX.DRUDF) = "in UDF"',

@@ -192,6 +192,7 @@ class Earlier {
         describe(node, old);
         if (old.kind == iso::NodeKind::SymbolicLink) {
             node.kind = NodeKind::SymbolicLink;
+            node.leadsToItems = true;
             tree_.setTarget(node, from.targetOf(old));
         } else if (old.kind == iso::NodeKind::Folder) {
             node.kind = NodeKind::Folder;

@@ -167,7 +167,7 @@ uint32_t FolderWalker::addLeaf(const Place& place, const struct stat& status, bo
     describe(node, status);
     if (S_ISLNK(status.st_mode)) {
         node.kind = NodeKind::SymbolicLink;
-        node.isLinkOnDisk = true;
+        node.leadsToItems = true;
         tree_.setTarget(node, readLink(place.folder, place.name, place.path));
         return tree_.addNode(node);
     }

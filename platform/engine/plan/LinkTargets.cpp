@@ -1,4 +1,4 @@
-// What symbolic links that were read from disk lead to.
+// What symbolic links lead to whose targets have the names of items.
 #include "LinkTargets.hpp"
 
 #include <algorithm>
@@ -7,7 +7,7 @@
 namespace engine::plan {
 
 LinkTargets::LinkTargets(const Tree& tree)
-    : tree_(tree), hasLinks_(std::ranges::any_of(tree.nodes, &Node::isLinkOnDisk)) {}
+    : tree_(tree), hasLinks_(std::ranges::any_of(tree.nodes, &Node::leadsToItems)) {}
 
 void LinkTargets::addFolder(uint32_t folder, const std::vector<const Entry*>& shown,
                             const std::vector<std::string>& names, const std::vector<uint32_t>& numbers) {
@@ -15,11 +15,11 @@ void LinkTargets::addFolder(uint32_t folder, const std::vector<const Entry*>& sh
     std::vector<Item>& items = items_[folder];
     items.reserve(shown.size());
     for (size_t i = 0; i < shown.size(); ++i) {
-        const std::string_view onDisk = tree_.nameOf(*shown[i]);
+        const std::string_view given = tree_.nameOf(*shown[i]);
         const Node& node = tree_.nodes[shown[i]->node];
         const uint32_t number = numbers[shown[i]->node];
-        hasOtherNames_ = hasOtherNames_ || names[i] != onDisk;
-        items.push_back({onDisk, names[i], number, &node});
+        hasOtherNames_ = hasOtherNames_ || names[i] != given;
+        items.push_back({given, names[i], number, &node});
         if (node.kind == NodeKind::Folder) parents_.emplace(number, folder);
     }
 }
@@ -31,7 +31,7 @@ std::vector<std::pair<uint32_t, std::string>> LinkTargets::changed() const {
     std::unordered_set<uint32_t> seen;
     for (const auto& [folder, items] : items_) {
         for (const Item& item : items) {
-            if (!item.node->isLinkOnDisk || !seen.insert(item.number).second) continue;
+            if (!item.node->leadsToItems || !seen.insert(item.number).second) continue;
             const std::string_view target = tree_.targetOf(*item.node);
             if (target.starts_with('/')) continue;
             std::string other = rewritten(target, folder, known);
@@ -58,7 +58,7 @@ std::string LinkTargets::rewritten(std::string_view target, uint32_t folder,
             if (isNew)
                 if (const auto items = items_.find(folder); items != items_.end())
                     for (const Item& item : items->second)
-                        place->second.emplace(item.onDisk, &item);
+                        place->second.emplace(item.given, &item);
             const auto found = place->second.find(part);
             isInside = found != place->second.end();
             if (isInside) {

@@ -1,4 +1,4 @@
-// What symbolic links that were read from disk lead to in a file system where items have other names than on disk.
+// What symbolic links whose targets have the names of items lead to in a file system where these have others.
 #pragma once
 
 #include "Tree.hpp"
@@ -16,7 +16,7 @@ namespace engine::plan {
 /// The items of a file system as they are shown, folder by folder in the order of their numbers.
 class LinkTargets {
   public:
-    /// Does nothing where no link was read from disk.
+    /// Does nothing where there is no such link.
     explicit LinkTargets(const Tree& tree);
 
     /// All in the next folder, and the names that they have there.
@@ -30,7 +30,7 @@ class LinkTargets {
 
   private:
     struct Item {
-        std::string_view onDisk;
+        std::string_view given;
         std::string name;
         uint32_t number;
         const Node* node;

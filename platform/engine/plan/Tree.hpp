@@ -34,7 +34,7 @@ struct Node {
     uint16_t mode = 0; ///< permission bits, 07777
     NodeKind kind = NodeKind::File;
     bool invisible = false;
-    bool isLinkOnDisk = false; ///< a symbolic link whose target has the names that items have on disk
+    bool leadsToItems = false; ///< a symbolic link whose target has the names that items have in Rock Ridge
     bool isRealTime = false;   ///< UDF says so
     uint8_t udfPermissions = asWhoWrites; ///< for changing attributes and deleting, two bits each
 

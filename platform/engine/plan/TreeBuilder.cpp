@@ -189,6 +189,7 @@ class TreeBuilder {
                      "The symbolic link " + inQuotes(names.name) + " points nowhere.");
             Node node = virtualNode({}, 0777);
             node.kind = NodeKind::SymbolicLink;
+            node.leadsToItems = link->leadsToItems;
             tree_.setTarget(node, link->target);
             return tree_.addNode(node);
         }

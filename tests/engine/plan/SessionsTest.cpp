@@ -262,6 +262,25 @@ TEST_F(PlanSessions, WhatHasANameOfItsOwnInHFSPlusIsTheSameAgain) {
     EXPECT_EQ(shown("hfsplus"), "HFS file=2 HFS folder/ HFS folder/in 1=1 HFS folder/in 2=2 ");
 }
 
+// In HFS+ the old item keeps its name, and one that differs in capitals only gets a number.
+TEST_F(PlanSessions, LinksLeadToTheirItemsWhereTheseGetNumbersBesideOldOnes) {
+    const uint8_t both = filesystem::iso9660 | filesystem::hfsPlus;
+    const auto drive = makeDrive(MediumKind::BDRE);
+    EXPECT_DONE(burn(drive, discOf(Content::folder("Disc", {Content::file("Readme", "old")}), both), open()));
+    std::vector<Content> children;
+    children.push_back(Content::file("README", "new"));
+    children.push_back({"way", SymbolicLink{"README", true}});
+    children.push_back({"said", SymbolicLink{"README"}});
+    EXPECT_DONE(burn(drive, discOf(Content::folder("Disc", std::move(children)), both), open()));
+    extractAll(image(), both, "Disc");
+    EXPECT_EQ(shown("rr"), "README=new Readme=old said->README way->README ");
+    EXPECT_EQ(shown("hfsplus"), "README_001=new Readme=old said->README way->README_001 ");
+    // Of what is read from Rock Ridge nobody knows any more who said it.
+    EXPECT_DONE(burn(drive, discOf(Content::folder("Disc", {Content::file("third", "3")}), both), open()));
+    extractAll(image(), both, "Disc");
+    EXPECT_EQ(shown("hfsplus"), "README_001=new Readme=old said->README_001 third=3 way->README_001 ");
+}
+
 TEST_F(PlanSessions, WhatIsInvisibleStaysSoUntilItIsAddedAgain) {
     const auto drive = makeDrive(MediumKind::DVDPlusRW);
     std::vector<Content> children;
