@@ -1,6 +1,7 @@
 """A random tree for a disc, as a program that makes and burns it, and as what each file system is to show of it."""
 import os
 import stat
+import sys
 import time
 import unicodedata
 
@@ -10,6 +11,7 @@ MASKS = (1, 3, 3, 5, 7, 9, 11, 13, 15, 15)
 OPEN_MASKS = (1, 3, 9, 11)  # of a disc that is overwritten in place and left open
 LETTERS = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789"
 TAME = LETTERS + " _-+()äößéñ日本語Жя"
+LATEST_HERE = (1 << 31) - 86400 if sys.maxsize < 1 << 32 else sys.maxsize  # that this Python has a clock for
 ODD = TAME + TAME + ".,;*?\"'<>|\\!$&%#@~`^[]{}=Å𝄞\u0301"
 
 
@@ -77,7 +79,7 @@ class Tree:
     def moment(self):
         """To the second, and one that the clock shows once."""
         while True:
-            moment = self.dice.randrange(86400, self.latest)
+            moment = self.dice.randrange(86400, min(self.latest, LATEST_HERE))
             if time.mktime(time.localtime(moment)[:8] + (-1,)) == moment and \
                     time.localtime(moment - 3600).tm_isdst == time.localtime(moment + 3600).tm_isdst:
                 return moment

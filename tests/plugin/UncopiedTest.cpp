@@ -55,7 +55,7 @@ TEST_F(Uncopied, EveryByteOfADataTrackIsWrittenFromTheEventsBuffer) {
     ASSERT_EQ(image.size(), bytes);
     for (uint64_t block = 0; block < blocks; ++block) {
         uint64_t stamp = 0;
-        std::memcpy(&stamp, &image[block * 2048], sizeof stamp);
+        std::memcpy(&stamp, &image[static_cast<size_t>(block) * 2048], sizeof stamp);
         ASSERT_EQ(stamp, block);
     }
 }

@@ -6,6 +6,7 @@
 
 #include <cstdlib>
 #include <ctime>
+#include <limits>
 
 namespace {
 
@@ -98,10 +99,16 @@ TEST_F(Berlin, InAutumnAnHourComesTwice) {
 
 // One that counts years or days would take seconds.
 TEST_F(Berlin, FarDatesGoOverAndBack) {
-    for (const int32_t year : {1, 2, 400, 401, 2400, 2800, 2801, 3200, 3201, 20'000'000, 200'000'000})
+    const int32_t last = // that the platform has whole
+        sizeof(long) == 4 ? 4000 : std::numeric_limits<int32_t>::max();
+    for (const int32_t year : {1, 2, 400, 401, 2400, 2800, 2801, 3200, 3201, 4000, 20'000'000, 200'000'000}) {
+        if (year > last) break;
         EXPECT_EQ(partsAt(instantOf(year, 2, 28, 9, 5, 7)), std::to_string(year) + " 2 28 9 5 7");
-    for (const int year : {2027, 2800, 2801, 3200, 9999})
+    }
+    for (const int32_t year : {2027, 2800, 2801, 3200, 4000, 9999}) {
+        if (year > last) break;
         EXPECT_EQ(instantOf(year, 12, 31, 23, 59, 58), utc(year, 12, 31, 22, 59, 58));
+    }
 }
 
 TEST_F(Berlin, DatesGoOverAndBackOnEveryDayOfAYear) {

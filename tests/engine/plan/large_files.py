@@ -95,5 +95,8 @@ for name in sizes:
 check("UDF", reader(extents))
 disc.close()
 for who, place in (("grub", "loop0"), ("grub in HFS+", "loop0,apple3")):
-    check(who, lambda name, at, count, place=place: run("grub-fstest", "-s", str(at), "-n", str(count), image, "cat",
-                                                        f"({place})/{name}"))
+    def through_grub(name, at, count, place=place):
+        skipped = min(at, (1 << 32) - 1)  # more a 32-bit one does not understand
+        return run("grub-fstest", "-s", str(skipped), "-n", str(at - skipped + count), image, "cat",
+                   f"({place})/{name}")[at - skipped:]
+    check(who, through_grub)
