@@ -41,24 +41,12 @@ std::vector<Sibling> withSuffixes(size_t count) {
     return all;
 }
 
-/// One after the other, each asked for as it comes.
-std::vector<std::u16string> oneByOne(NameRule rule, const std::vector<Sibling>& siblings) {
-    GrowingNames growing(rule, {}, {});
-    std::vector<std::u16string> names;
-    for (const Sibling& each : siblings)
-        names.push_back(growing.add(each).value());
-    return names;
-}
-
 struct Growth {
     benchmark::Shortest some, all;
     double times() const { return all.nanoseconds() / some.nanoseconds(); }
 };
 
-using Naming = std::vector<std::u16string>(NameRule, const std::vector<Sibling>&);
-
-void measure(const char* what, NameRule rule, const char* how, std::vector<Sibling> (*make)(size_t),
-             Naming* naming = mangledNames) {
+void measure(const char* what, NameRule rule, const char* how, std::vector<Sibling> (*make)(size_t)) {
     const std::vector<Sibling> some = make(few), all = make(4 * few);
     std::vector<std::u16string> someNames = mangledNames(rule, some), allNames = mangledNames(rule, all);
     std::mt19937 random(1);
@@ -68,8 +56,8 @@ void measure(const char* what, NameRule rule, const char* how, std::vector<Sibli
         std::vector<std::u16string> sorted = names;
         std::sort(sorted.begin(), sorted.end());
     };
-    const auto nameSome = [&] { (void)naming(rule, some); };
-    const auto nameAll = [&] { (void)naming(rule, all); };
+    const auto nameSome = [&] { (void)mangledNames(rule, some); };
+    const auto nameAll = [&] { (void)mangledNames(rule, all); };
     const auto sortSome = [&] { sort(someNames); };
     const auto sortAll = [&] { sort(allNames); };
     Growth names, sorts;
@@ -99,6 +87,5 @@ int main() {
         measure(what, rule, "one name", same);
         measure(what, rule, "by the hundred", byTheHundred);
         measure(what, rule, "with suffixes", withSuffixes);
-        measure(what, rule, "one by one", same, oneByOne);
     }
 }
