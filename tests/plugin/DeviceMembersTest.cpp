@@ -221,6 +221,25 @@ Id listRefused(Id, Sel) {
     return nullptr;
 }
 
+objc::Boolean comparisonRefused(Id, Sel, Id) {
+    raiseTestException();
+    return 1;
+}
+
+TEST_F(DeviceMembers, AnInterconnectOrAComparisonThatRaisesAnswersNothing) {
+    replaceMethod<"info", listRefused>("NotingDrive");
+    replaceMethod<"isEqualToDevice:", comparisonRefused>("NotingDrive");
+    testing::internal::CaptureStderr();
+    for (const char* declaration :
+         {"PhysicalInterconnect as string", "PhysicalInterconnectLocation as string"}) {
+        EXPECT_EQ((call<REALstring>(className, declaration, drive.get())), nullptr) << declaration;
+        EXPECT_EQ(raised()->className, "RuntimeException") << declaration;
+    }
+    EXPECT_FALSE(call<bool>(className, isEqual, drive.get(), drive.get()));
+    EXPECT_EQ(raised()->className, "RuntimeException");
+    testing::internal::GetCapturedStderr();
+}
+
 TEST_F(DeviceMembers, AListThatRaisesMidwayHoldsTheDrivesThatCameBefore) {
     onlyDrive = platform;
     replaceClassMethod<"devices", listThatRaises>("DRDevice");

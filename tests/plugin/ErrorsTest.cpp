@@ -15,6 +15,8 @@
 #include <utility>
 #include <vector>
 
+extern "C" void NSDeallocateObject(objc::Id object);
+
 namespace {
 
 using namespace test;
@@ -261,6 +263,12 @@ TEST_F(Startup, IsRunByTheSharedFactories) {
     expectRun("trackForRootFolder");
 }
 
+Id makesNothing(Id, objc::Sel, Id) { return nullptr; }
+Id beginsNothing(Id self, objc::Sel, Id) {
+    NSDeallocateObject(self); // as an initialiser does with an object that it does not answer
+    return nullptr;
+}
+
 // The drives' and the jobs' too. What they look for is not there, so no wrapper is made that would run it as well.
 TEST_F(Startup, IsRunByTheFactoriesOfDrivesAndJobsAlsoWhenTheyFindNothing) {
     const OwnDrives none(false);
@@ -285,6 +293,18 @@ TEST_F(Startup, IsRunByTheFactoriesOfDrivesAndJobsAlsoWhenTheyFindNothing) {
     for (const char* name : {"deviceForBSDName(bsdName as string) as DRDeviceQRX",
                              "deviceForIORegistryEntryPath(path as string) as DRDeviceQRX"})
         expectRun(name, [&] { call<REALobject>("DRDeviceQRX", name, REALstring{nullptr}); });
+    replaceClassMethod<"burnForDevice:", makesNothing>("DRBurn");
+    replaceMethod<"initWithDevice:", beginsNothing>("DRErase");
+    expectRun("burnForDevice", [&] {
+        EXPECT_EQ((call<REALobject>("DRBurnQRX", "burnForDevice(device as DRDeviceQRX) as DRBurnQRX",
+                                    REALobject{nullptr})),
+                  nullptr);
+    });
+    expectRun("eraseForDevice", [&] {
+        EXPECT_EQ((call<REALobject>("DREraseQRX", "eraseForDevice(device as DRDeviceQRX) as DREraseQRX",
+                                    REALobject{nullptr})),
+                  nullptr);
+    });
 }
 
 Id nothingFrom(Id, objc::Sel, Id) { return nullptr; }

@@ -108,6 +108,15 @@ TEST_F(JobArguments, AConstructorThatThePlatformRefusesRaisesAndLeavesTheObjectE
     }
 }
 
+TEST_F(JobArguments, AnEraseOfTheFactoryThatThePlatformRefusesRaisesAndIsNil) {
+    replaceMethod<"initWithDevice:", refuses>("DRErase");
+    const Ref drive = device();
+    testing::internal::CaptureStderr();
+    EXPECT_EQ((call<REALobject>("DREraseQRX", eraseFactory, drive.get())), nullptr);
+    testing::internal::GetCapturedStderr();
+    EXPECT_EQ(raised()->className, "RuntimeException");
+}
+
 TEST_F(JobArguments, ASecondConstructorLeavesTheFirstPlatformBurnInPlace) {
     const Ref burn = jobOf("DRBurnQRX");
     const Id held = frame::slot(burn.get());
