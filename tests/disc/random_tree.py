@@ -228,6 +228,8 @@ class Tree:
             parts = ", ".join(str(part) for part in time.localtime(item.time)[:6])
             lines.append(f"{n}.setProperty(New Date({parts}), DRFSObjectQRX.DRContentModificationDate, "
                          "DRFSObjectQRX.DRAllFilesystems)")
+            if item.time > 2212122495:  # HFS+ holds no later one, and the burn would fail
+                lines.append(f"{n}.setProperty(New Date(2040, 1, 1), DRFSObjectQRX.DRContentModificationDate, DRFSObjectQRX.DRHFSPlus)")
         return lines + [f"n{item.parent.number}.addChild({n})"]
 
     def named(self, number, system, name):
