@@ -41,20 +41,22 @@ void rename(const std::string& from, const std::string& to) {
              engine::systemText(errno));
 }
 
+[[noreturn]] void cameMeanwhile(const std::string& path) {
+    fail(ErrorCode::BurnNotAllowed,
+         inQuotes(path) + " was made by another program meanwhile, and is not overwritten.");
+}
+
 // What was not asked about is a person's, saved while we were at work.
 void renameNew(const std::string& from, const std::string& to) {
     int result = ::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE);
     // Not every file system can do that in one step.
     if (result != 0 && (errno == EINVAL || errno == ENOSYS)) {
         std::error_code ignored;
-        const bool isThere = fs::exists(fs::symlink_status(to, ignored));
-        result = isThere ? -1 : ::rename(from.c_str(), to.c_str());
-        if (isThere) errno = EEXIST;
+        if (fs::exists(fs::symlink_status(to, ignored))) cameMeanwhile(to);
+        result = ::rename(from.c_str(), to.c_str());
     }
     if (result == 0) return;
-    if (errno == EEXIST)
-        fail(ErrorCode::BurnNotAllowed,
-             inQuotes(to) + " was made by another program meanwhile, and is not overwritten.");
+    if (errno == EEXIST) cameMeanwhile(to);
     fail(ErrorCode::MediaWriteFailure, inQuotes(to) + " can't be put in its place.",
          engine::systemText(errno));
 }
@@ -265,12 +267,19 @@ void copyOut(const engine::VirtualDrive& drive, const std::string& folder,
     for (const std::string& name : dataFilesOf(*record))
         copyFile(drive.path() + '/' + name, staging.path() + '/' + name, progress);
     engine::saveMedium(openFolder(staging.path()).get(), *record);
-    const auto put = [&](const std::string& name) {
-        (replaceable.contains(name) ? rename : renameNew)(staging.path() + '/' + name, folder + '/' + name);
-    };
-    for (const std::string& name : dataFilesOf(*record))
-        put(name);
-    put(engine::names::medium);
+    std::vector<std::string> names = dataFilesOf(*record), placed;
+    names.emplace_back(engine::names::medium);
+    try {
+        for (const std::string& name : names) {
+            const std::string to = folder + '/' + name;
+            (replaceable.contains(name) ? rename : renameNew)(staging.path() + '/' + name, to);
+            if (!replaceable.contains(name)) placed.push_back(to);
+        }
+    } catch (...) { // a part of a medium is of no use to anybody
+        for (const std::string& path : placed)
+            ::unlink(path.c_str());
+        throw;
+    }
     engine::syncFolder(openFolder(folder).get());
 }
 

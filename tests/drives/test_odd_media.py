@@ -70,6 +70,21 @@ class OddMedia(DrivesCase):
             self.succeed(*command, self.path(folder), "--force")
             self.succeed("delete", "one", "--force")
 
+    def test_of_several_files_none_is_put_beside_one_that_was_saved_meanwhile(self):
+        with open(self.path("song.bin"), "wb") as file:
+            file.write(os.urandom(2352 * 1000))
+        with open(self.path("song.cue"), "w", encoding="ascii") as file:
+            file.write('FILE "song.bin" BINARY\n  TRACK 01 AUDIO\n    INDEX 01 00:00:00\n')
+        self.succeed("create", "one", "--kind", "none")
+        self.succeed("insert", "one", self.path("song.cue"))
+        os.makedirs(self.path("desk"))
+        self.save("desk", "medium.json")
+        status, screen = self.while_asked(lambda: self.save("desk", "medium.cue"), "export", "one", self.path("desk"))
+        self.assertEqual(status, 1, screen)
+        self.assertEqual(sorted(os.listdir(self.path("desk"))), ["medium.cue", "medium.json"])
+        for name in ("medium.cue", "medium.json"):
+            self.is_mine("desk", name)
+
     def test_a_file_that_a_link_names_is_asked_about(self):
         os.symlink("a disk that is not there", self.path("blank.medium"))
         self.refuse("There is a file .* already", "blank-medium", "CD-R", self.path("blank.medium"))
