@@ -101,7 +101,8 @@ static void TestOrder(void) {
         state = [[burn status] objectForKey:DRStatusStateKey];
     } while (![state isEqual:DRStatusStateDone] && ![state isEqual:DRStatusStateFailed]);
     SAME("a burn that nobody waits for", state, DRStatusStateDone);
-    PASS("has calls in sequence, and not on the main thread", !elsewhere->outOfOrder && !elsewhere->onMainThread);
+    PASS("has calls in sequence, and not on the main thread",
+         !elsewhere->outOfOrder && !elsewhere->onMainThread);
 
     device = Device("DVD+RW");
     Terse* terse = [[Terse new] autorelease];

@@ -65,6 +65,12 @@ void startBurnLibrary() {
         fail(ErrorCode::DeviceAccess, "The drives of this computer can't be used: libburn does not start.");
 }
 
+void GiveUp::operator()(burn_disc* disc) const noexcept { burn_disc_free(disc); }
+void GiveUp::operator()(burn_session* session) const noexcept { burn_session_free(session); }
+void GiveUp::operator()(burn_source* source) const noexcept { burn_source_free(source); }
+void GiveUp::operator()(burn_track* track) const noexcept { burn_track_free(track); }
+void GiveUp::operator()(burn_write_opts* options) const noexcept { burn_write_opts_free(options); }
+
 void dropLibraryMessages() { takeMessages(); }
 
 Error libraryError(ErrorCode otherwise, const std::string& message) {

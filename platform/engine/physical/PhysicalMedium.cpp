@@ -18,11 +18,6 @@
 namespace engine {
 namespace {
 
-struct Deleter {
-    void operator()(burn_disc* disc) const noexcept { burn_disc_free(disc); }
-    void operator()(burn_write_opts* options) const noexcept { burn_write_opts_free(options); }
-};
-
 constexpr int quietly = 1 << 1 | 1 << 2;      // read without a message, without a second attempt
 constexpr int quietRunOut = quietly | 1 << 4; // and run-out is no error
 constexpr int onceAndTold = 1 << 2;           // without a second attempt
@@ -123,7 +118,7 @@ TrackInfo describeTrack(burn_drive* drive, burn_track* track, uint32_t number, b
 }
 
 void describeSessions(burn_drive* drive, MediumInfo& medium, bool isCD) {
-    const std::unique_ptr<burn_disc, Deleter> disc(burn_drive_get_disc(drive));
+    const Handle<burn_disc> disc(burn_drive_get_disc(drive));
     if (!disc) return;
     int count = 0;
     burn_session** sessions = burn_disc_get_sessions(disc.get(), &count);
@@ -210,7 +205,7 @@ void describeSequential(burn_drive* drive, const std::string& path, MediumInfo& 
         medium.blocksUsed = last.startBlock + last.blocks;
     }
     if (medium.appendable) {
-        const std::unique_ptr<burn_write_opts, Deleter> options(burn_write_opts_new(drive));
+        const Handle<burn_write_opts> options(burn_write_opts_new(drive));
         if (isSequentialDVDMinus(drive) && !takesIncrements(drive))
             burn_write_opts_set_write_type(options.get(), BURN_WRITE_SAO, BURN_BLOCK_SAO);
         else

@@ -31,7 +31,7 @@ WriteJob::WriteJob(std::shared_ptr<PhysicalDrive::Hold> hold, const BurnPlan& pl
                    bool anyOrder, bool atOnce)
     : hold_(std::move(hold)), disc_(burn_disc_create()), session_(burn_session_create()),
       options_(burn_write_opts_new(hold_->get())) {
-    burn_disc_add_session(disc_, session_, BURN_POS_END);
+    burn_disc_add_session(disc_.get(), session_.get(), BURN_POS_END);
     const std::vector<PlannedTrack>& tracks = plan.sessions[session];
     for (size_t index = 0; index < tracks.size(); ++index)
         addTrack(tracks[index], index, index == 0);
@@ -39,7 +39,7 @@ WriteJob::WriteJob(std::shared_ptr<PhysicalDrive::Hold> hold, const BurnPlan& pl
     dropLibraryMessages();
     std::array<char, BURN_REASONS_LEN> reasons{};
     // A refused burn looks like a good one afterwards, so it must not begin.
-    if (burn_precheck_write(options_, disc_, reasons.data(), 1) <= 0) {
+    if (burn_precheck_write(options_.get(), disc_.get(), reasons.data(), 1) <= 0) {
         Error error =
             libraryError(ErrorCode::BurnNotAllowed, "The drive " + inQuotes(hold_->drive().displayName()) +
                                                         " can't write this on the disc that is in it.");
@@ -48,19 +48,15 @@ WriteJob::WriteJob(std::shared_ptr<PhysicalDrive::Hold> hold, const BurnPlan& pl
     }
     burn_drive_set_speed(hold_->get(), 0, plan.speed < maximumSpeed ? static_cast<int>(plan.speed) : 0);
     dropLibraryMessages();
-    burn_disc_write(options_, disc_);
+    burn_disc_write(options_.get(), disc_.get());
 }
 
-WriteJob::~WriteJob() {
-    cancel();
-    burn_write_opts_free(options_);
-    burn_session_free(session_);
-    burn_disc_free(disc_);
-}
+WriteJob::~WriteJob() { cancel(); }
 
 void WriteJob::addTrack(const PlannedTrack& planned, size_t index, bool isFirst) {
     const TrackInfo& info = planned.info;
-    burn_track* track = burn_track_create();
+    const Handle<burn_track> own(burn_track_create());
+    burn_track* const track = own.get();
     burn_track_define_data(track, 0, 0, 1, modeOf(info));
     uint64_t blocks = info.blocks;
     const bool isAtOnce = info.form == BlockForm::Audio || info.preGapBlocks != usualPreGap;
@@ -83,11 +79,9 @@ void WriteJob::addTrack(const PlannedTrack& planned, size_t index, bool isFirst)
     }
     const uint64_t bytes = blocks * bytesPerBlock(info.form);
     bytes_ += bytes;
-    burn_source* source = feed_->sourceOf(index, bytes);
-    burn_track_set_source(track, source);
-    burn_source_free(source);
-    burn_session_add_track(session_, track, BURN_POS_END);
-    burn_track_free(track);
+    const Handle<burn_source> source(feed_->sourceOf(index, bytes));
+    burn_track_set_source(track, source.get());
+    burn_session_add_track(session_.get(), track, BURN_POS_END);
 }
 
 void WriteJob::setOptions(const BurnPlan& plan, size_t session, bool anyOrder, bool atOnce) {
@@ -100,26 +94,26 @@ void WriteJob::setOptions(const BurnPlan& plan, size_t session, bool anyOrder, b
         return each.info.form == BlockForm::Audio;
     });
     if (atOnce)
-        burn_write_opts_set_write_type(options_, BURN_WRITE_SAO, BURN_BLOCK_SAO);
+        burn_write_opts_set_write_type(options_.get(), BURN_WRITE_SAO, BURN_BLOCK_SAO);
     else
-        burn_write_opts_set_write_type(options_, BURN_WRITE_TAO, BURN_BLOCK_MODE1);
-    burn_write_opts_set_perform_opc(options_, 0);
-    burn_write_opts_set_multi(options_, staysOpen && !anyOrder && !closes ? 1 : 0);
-    burn_write_opts_set_simulate(options_, plan.isTest ? 1 : 0);
-    burn_write_opts_set_underrun_proof(options_, plan.underrunProtection ? 1 : 0);
+        burn_write_opts_set_write_type(options_.get(), BURN_WRITE_TAO, BURN_BLOCK_MODE1);
+    burn_write_opts_set_perform_opc(options_.get(), 0);
+    burn_write_opts_set_multi(options_.get(), staysOpen && !anyOrder && !closes ? 1 : 0);
+    burn_write_opts_set_simulate(options_.get(), plan.isTest ? 1 : 0);
+    burn_write_opts_set_underrun_proof(options_.get(), plan.underrunProtection ? 1 : 0);
     if (anyOrder)
-        burn_write_opts_set_start_byte(options_,
+        burn_write_opts_set_start_byte(options_.get(),
                                        static_cast<off_t>(tracks.front().info.startBlock * blockSize));
     if (plan.mediaCatalogNumber.size() == mediaCatalogNumberCharacters) {
         std::array<unsigned char, mediaCatalogNumberCharacters> digits{};
         std::copy(plan.mediaCatalogNumber.begin(), plan.mediaCatalogNumber.end(), digits.begin());
-        burn_write_opts_set_mediacatalog(options_, digits.data());
-        burn_write_opts_set_has_mediacatalog(options_, 1);
+        burn_write_opts_set_mediacatalog(options_.get(), digits.data());
+        burn_write_opts_set_has_mediacatalog(options_.get(), 1);
     }
     if (atOnce && isSheet && session == 0 && !plan.cdText.empty()) {
         std::vector<unsigned char> packs(plan.cdText.begin(), plan.cdText.end());
-        if (burn_write_opts_set_leadin_text(options_, packs.data(), static_cast<int>(packs.size() / 18), 0) <=
-            0)
+        if (burn_write_opts_set_leadin_text(options_.get(), packs.data(), static_cast<int>(packs.size() / 18),
+                                            0) <= 0)
             throw Failure(libraryError(ErrorCode::CantWriteCDText, "The CD-Text can't be written."));
     }
 }

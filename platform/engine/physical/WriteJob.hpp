@@ -38,9 +38,9 @@ class WriteJob {
 
     std::shared_ptr<PhysicalDrive::Hold> hold_;
     std::shared_ptr<TrackFeed> feed_ = std::make_shared<TrackFeed>();
-    burn_disc* disc_ = nullptr;
-    burn_session* session_ = nullptr;
-    burn_write_opts* options_ = nullptr;
+    Handle<burn_disc> disc_;
+    Handle<burn_session> session_;
+    Handle<burn_write_opts> options_;
     uint64_t bytes_ = 0;
 };
 
