@@ -29,7 +29,8 @@ class Medium final : public MediumReader {
             if (from == damagedAt) fail(ErrorCode::MediaInvalid, "A scratch.", "here");
             if (inside.exchange(true)) ADD_FAILURE() << "two threads read";
             const size_t count = std::min(buffer.size(), from < bytes.size() ? bytes.size() - from : 0);
-            std::copy_n(std::as_bytes(std::span(bytes)).begin() + block * 2048, count, buffer.begin());
+            std::copy_n(std::as_bytes(std::span(bytes)).begin() + static_cast<std::ptrdiff_t>(block * 2048),
+                        count, buffer.begin());
             EXPECT_EQ(track.number, 1u);
             inside = false;
             const std::lock_guard lock(mutex);
