@@ -20,6 +20,7 @@ class ExamplesCase(unittest.TestCase):
         self.drives = os.path.join(self.scratch, "drives")
         self.source = os.path.join(self.scratch, "Holiday")
         os.makedirs(self.drives)
+        self.temporary = tempfile.mkdtemp(dir=self.scratch)  # no other test's short-lived files are there
         self.write("letter.txt", b"Dear reader,\n")
 
     def write(self, name, data, folder=None):
@@ -30,7 +31,7 @@ class ExamplesCase(unittest.TestCase):
         return path
 
     def environment(self):
-        return dict(os.environ, DISC_DRIVES=self.drives, LC_ALL="C.UTF-8")
+        return dict(os.environ, DISC_DRIVES=self.drives, TMPDIR=self.temporary, LC_ALL="C.UTF-8")
 
     def command(self, program, *arguments):
         return [HOST, *OPTIONS, "run", os.path.join(ROOT, "examples", program), *arguments]

@@ -473,7 +473,7 @@ class Audio(ExamplesCase):
             self.assertEqual(len(shown[2][1]), 4)
             self.assertEqual(shown[2][1]["/letter.txt"], b"Dear reader, once more: 3\n")
             self.assertEqual(shown, self.shown("a"), kind)
-            self.assertFalse([name for name in os.listdir(tempfile.gettempdir()) if name.startswith("copy-disc-")])
+            self.assertFalse([name for name in os.listdir(self.temporary) if name.startswith("copy-disc-")])
             for drive in ("a", "b"):
                 shutil.rmtree(os.path.join(self.drives, drive))
 

@@ -2,7 +2,6 @@
 """What copy-disc refuses, and what it leaves behind then: nothing."""
 import os
 import subprocess
-import tempfile
 import unittest
 
 from examples_case import HOST, LIMIT, OPTIONS, ExamplesCase
@@ -11,14 +10,6 @@ HERE = os.path.dirname(os.path.abspath(__file__))
 
 
 class CopyDisc(ExamplesCase):
-    def setUp(self):
-        super().setUp()
-        # For the sheets that copy-disc makes: no other test's are among them.
-        self.temporary = tempfile.mkdtemp(dir=self.scratch)
-
-    def environment(self):
-        return dict(super().environment(), TMPDIR=self.temporary)
-
     def burn_torn(self, drive, how):
         done = subprocess.run([HOST, *OPTIONS, "run", os.path.join(HERE, "torn.bas"), drive, how], capture_output=True,
                               text=True, timeout=LIMIT, env=self.environment(), check=False)
