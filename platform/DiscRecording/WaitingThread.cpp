@@ -27,24 +27,33 @@ Waiting& waiting() {
     return *instance;
 }
 
+thread_local unsigned own = 0; // of this thread
+
 } // namespace
 
 WaitingThread::WaitingThread() {
     const std::lock_guard lock(waiting().mutex);
     ++waiting().threads;
+    ++own;
 }
 
-// What came last is done here as well: who called waits for it.
+// What came last is done here as well: who called waits for it. No lock is given up between the look that finds nothing and the
+// end, so nothing is left behind.
 WaitingThread::~WaitingThread() {
-    end();
-    run();
-    const std::lock_guard lock(waiting().mutex);
+    std::unique_lock lock(waiting().mutex);
+    isOver_ = true;
+    serve(lock);
     --waiting().threads;
+    --own;
 }
 
 void WaitingThread::run() {
+    std::unique_lock lock(waiting().mutex);
+    serve(lock);
+}
+
+void WaitingThread::serve(std::unique_lock<std::mutex>& lock) {
     Waiting& all = waiting();
-    std::unique_lock lock(all.mutex);
     for (;;) {
         all.changed.wait(lock, [&] { return isOver_ || !all.calls.empty(); });
         if (all.calls.empty()) return;
@@ -66,8 +75,9 @@ void WaitingThread::end() {
 
 void callWhereWaited(const std::function<void()>& body) {
     Waiting& all = waiting();
-    if (all.threads.load(std::memory_order_relaxed) >
-        0) { // a burn's calls come after its thread said that it waits
+    // A burn's calls come after its thread said that it waits. What that thread itself calls, in an event or beside one, nobody
+    // else would do.
+    if (own == 0 && all.threads.load(std::memory_order_relaxed) > 0) {
         std::unique_lock lock(all.mutex);
         if (all.threads > 0) {
             Call call{body};

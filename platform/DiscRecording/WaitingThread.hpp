@@ -2,11 +2,12 @@
 #pragma once
 
 #include <functional>
+#include <mutex>
 
 namespace discrecording {
 
 /// A program's events may need what the thread holds that waits: they would wait for each other for ever. So as long as
-/// one of these lives, callWhereWaited() calls there. Made before the burn begins.
+/// one of these lives, callWhereWaited() calls there. Made before the burn begins, and gone on the thread that made it.
 class WaitingThread {
   public:
     WaitingThread();
@@ -20,6 +21,8 @@ class WaitingThread {
     void end();
 
   private:
+    void serve(std::unique_lock<std::mutex>& lock);
+
     bool isOver_ = false;
 };
 
