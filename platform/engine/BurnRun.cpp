@@ -34,18 +34,23 @@ std::optional<Error> BurnRun::cleanUp() noexcept {
     if (items_.empty()) return std::nullopt;
     const auto state = std::make_shared<Done>();
     try {
-        runInBackground("disc-clean", [state, items = std::exchange(items_, {})]() mutable {
+        const auto work = [state, items = std::make_shared<decltype(items_)>(std::exchange(items_, {}))] {
             std::optional<Error> first;
-            for (const Item& item : items) {
+            for (const Item& item : *items) {
                 auto problem = item.source->cleanUp();
                 if (!first) first = std::move(problem);
             }
-            items.clear();
+            items->clear();
             const std::lock_guard lock(state->mutex);
             state->problem = std::move(first);
             state->done = true;
             state->changed.notify_all();
-        });
+        };
+        try {
+            runInBackground("disc-clean", work);
+        } catch (const Failure&) { // no thread, so it is done here, as long as it may take its time
+            if (!signal_->isCanceled()) work();
+        }
         std::unique_lock lock(state->mutex);
         const auto isDone = [&] { return state->done; };
         while (!signal_->isCanceled() && !isDone())

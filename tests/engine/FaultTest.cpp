@@ -258,6 +258,37 @@ TEST_F(FaultTest, aComputerWithoutThreads) {
     EXPECT_DONE(burn(drive, layout()));
 }
 
+// Its thread is not to be had when all is written; what the producer then throws counts as ever.
+TEST_F(FaultTest, aComputerThatStartsNoMoreThreadsCleansUpAllTheSame) {
+    class Last final : public TestProducer {
+      public:
+        Last() : TestProducer(blockSize) {}
+        bool cleanupAfterVerification() override {
+            none.emplace();
+            return true;
+        }
+        void cleanupAfterBurn() override {
+            ++cleanups;
+            throw std::runtime_error("no");
+        }
+        std::optional<NoThreads> none;
+        int cleanups = 0;
+    };
+    auto drive = makeDrive();
+    const auto last = std::make_shared<Last>();
+    Track track;
+    ProducedTrack data;
+    data.blocks = 640;
+    data.producer = last;
+    track.content = data;
+    track.verification = Verification::ProduceAgain;
+    const BurnStatus status = burn(drive, Layout::ofTrack(track));
+    EXPECT_EQ(last->cleanups, 1);
+    EXPECT_EQ(nameOf(status.state), "Failed");
+    ASSERT_TRUE(status.error);
+    EXPECT_EQ(status.error->code, ErrorCode::DataProduction) << status.error->message;
+}
+
 // What is on the disc by then counts, not that nobody tidies up beside it.
 TEST_F(FaultTest, aComputerThatStartsNoMoreThreadsAtTheEnd) {
     class Last final : public TestProducer {
