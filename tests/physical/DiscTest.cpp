@@ -57,6 +57,36 @@ TEST_F(PhysicalTest, SoundDiscOfAnotherProgram) {
     EXPECT_TRUE(bytes == noise(2352 * 350));
 }
 
+// Who observes drives looks every other second, and a drive that goes to the end of each track does nothing else.
+TEST_F(PhysicalTest, LookingAgainAtASoundDiscReadsNoneOfIt) {
+    const fs::path said = first.parent_path() / "commands";
+    ::setenv("DISC_RECORDER_TRACE", said.c_str(), 1); // before the recorder's first command
+    insert("CD-R");
+    file("one.raw", noise(2352 * 400));
+    file("two.raw", noise(2352 * 350));
+    run("cdrskin dev=/dev/sr0 -tao -swab -audio '" + (source / "one.raw").string() + "' '" +
+        (source / "two.raw").string() + "'");
+    const auto reads = [&] {
+        std::ostringstream text;
+        text << std::ifstream(said).rdbuf();
+        const std::string all = text.str();
+        size_t count = 0;
+        for (size_t at = all.find("READ CD "); at != all.npos; at = all.find("READ CD ", at + 1))
+            ++count;
+        return count;
+    };
+    const size_t none = reads();
+    const MediumInfo info = medium();
+    ASSERT_EQ(info.trackCount(), 2u);
+    EXPECT_EQ(info.sessions.front().tracks[0].blocks, 400u);
+    const size_t once = reads();
+    EXPECT_GT(once, none);
+    ASSERT_TRUE(drive()->acquireExclusiveAccess().ok()); // the look before counts no more
+    drive()->releaseExclusiveAccess();
+    EXPECT_EQ(medium().sessions.front().tracks[1].blocks, info.sessions.front().tracks[1].blocks);
+    EXPECT_EQ(reads(), once);
+}
+
 TEST_F(PhysicalTest, RunOutIsNoPartOfATrack) {
     insert("CD-R");
     file("image", noise(2048 * 400));

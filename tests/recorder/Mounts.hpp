@@ -8,7 +8,7 @@ bool isMountTable(const char* path) noexcept;
 /// Takes a descriptor of the table, and gives one of a table with the discs that are mounted behind the others.
 int withOwnMounts(int table);
 
-/// What drives can do, for everybody to read. There is none where no drive is.
+/// What drives can do, for everybody to read.
 bool isDriveTable(const char* path) noexcept;
 int ownDriveTable();
 

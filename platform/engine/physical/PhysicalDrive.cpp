@@ -230,7 +230,11 @@ Result<std::optional<MediumInfo>> PhysicalDrive::readMedium() const {
             if (meansInUse(hold.error().code) && medium_) return medium_;
             throw Failure(hold.error());
         }
-        auto medium = describeMedium(drive_, path());
+        const auto before = [this] {
+            const std::lock_guard lock(mutex_);
+            return medium_;
+        }();
+        auto medium = describeMedium(drive_, path(), before ? &*before : nullptr);
         const std::lock_guard lock(mutex_);
         medium_ = medium;
         seen_ = std::chrono::steady_clock::now();

@@ -131,8 +131,10 @@ class PhysicalDrive final : public Drive, public std::enable_shared_from_this<Ph
     mutable std::chrono::steady_clock::time_point seen_;
 };
 
-/// The medium in a drive that is held, with commands held; empty when there is none. Throws.
-std::optional<MediumInfo> describeMedium(burn_drive* drive, const std::string& path);
+/// The medium in a drive that is held, with commands held; empty when there is none. `before`: as it was seen at the last look,
+/// where it may be the same. Throws.
+std::optional<MediumInfo> describeMedium(burn_drive* drive, const std::string& path,
+                                         const MediumInfo* before = nullptr);
 
 /// Waits until the library's job is over. `poll` is called about every 10 ms.
 void waitUntilIdle(burn_drive* drive, const std::function<void()>& poll);

@@ -18,7 +18,8 @@
 namespace engine {
 namespace {
 
-constexpr int quietly = 1 << 1 | 1 << 2;      // read without a message, without a second attempt
+constexpr int quietly = 1 << 1 | 1 << 2; // read without a message, without a second attempt
+constexpr uint64_t runOutBlocks = 2;
 constexpr int quietRunOut = quietly | 1 << 4; // and run-out is no error
 constexpr int onceAndTold = 1 << 2;           // without a second attempt
 constexpr uint64_t descriptorBlock = 16;
@@ -84,21 +85,36 @@ bool isLastSessionOpen(const std::string& path) {
     return last == LastSession::Incomplete || last == LastSession::Damaged;
 }
 
-// The two blocks behind a track written at once belong to nobody.
-uint64_t withoutRunOut(burn_drive* drive, const TrackInfo& track) {
-    if (track.blocks <= 2) return track.blocks;
-    std::array<char, size_t{2} * 2352> bytes{};
+// What was found of the same track at the look before.
+std::optional<uint64_t> blocksBefore(const MediumInfo* before, const TrackInfo& track) {
+    if (before != nullptr)
+        for (const SessionInfo& session : before->sessions)
+            for (const TrackInfo& each : session.tracks)
+                if (each.number == track.number && each.startBlock == track.startBlock &&
+                    each.form == track.form &&
+                    (each.blocks == track.blocks || each.blocks + runOutBlocks == track.blocks))
+                    return each.blocks;
+    return std::nullopt;
+}
+
+// The two blocks behind a track written at once belong to nobody. Who looks again and again at one disc doesn't have the drive
+// go to the end of each track every time.
+uint64_t withoutRunOut(burn_drive* drive, const TrackInfo& track, const MediumInfo* before) {
+    if (track.blocks <= runOutBlocks) return track.blocks;
+    if (const auto known = blocksBefore(before, track)) return *known;
+    std::array<char, runOutBlocks * 2352> bytes{};
     off_t count = 0;
-    const uint64_t block = track.startBlock + track.blocks - 2;
+    const uint64_t block = track.startBlock + track.blocks - runOutBlocks;
     const int done =
         track.form == BlockForm::Audio
             ? burn_read_audio(drive, static_cast<int>(block), bytes.data(), sizeof bytes, &count, quietRunOut)
             : burn_read_data(drive, static_cast<off_t>(block * blockSize), bytes.data(),
-                             static_cast<off_t>(2 * blockSize), &count, quietRunOut);
-    return done > 0 ? track.blocks : track.blocks - 2;
+                             static_cast<off_t>(runOutBlocks * blockSize), &count, quietRunOut);
+    return done > 0 ? track.blocks : track.blocks - runOutBlocks;
 }
 
-TrackInfo describeTrack(burn_drive* drive, burn_track* track, uint32_t number, bool isCD) {
+TrackInfo describeTrack(burn_drive* drive, burn_track* track, uint32_t number, bool isCD,
+                        const MediumInfo* before) {
     burn_toc_entry entry{};
     burn_track_get_entry(track, &entry);
     TrackInfo info;
@@ -111,13 +127,13 @@ TrackInfo describeTrack(burn_drive* drive, burn_track* track, uint32_t number, b
         info.copyPermitted = (entry.control & 2) != 0;
         info.fourChannel = (entry.control & 8) != 0;
     }
-    if (isCD) info.blocks = withoutRunOut(drive, info);
+    if (isCD) info.blocks = withoutRunOut(drive, info, before);
     if (info.form == BlockForm::Audio) return info;
     if (const auto volume = volumeAt(drive, info.startBlock)) info.volumeName = volume->name;
     return info;
 }
 
-void describeSessions(burn_drive* drive, MediumInfo& medium, bool isCD) {
+void describeSessions(burn_drive* drive, MediumInfo& medium, bool isCD, const MediumInfo* before) {
     const Handle<burn_disc> disc(burn_drive_get_disc(drive));
     if (!disc) return;
     int count = 0;
@@ -129,7 +145,7 @@ void describeSessions(burn_drive* drive, MediumInfo& medium, bool isCD) {
         int tracks = 0;
         burn_track** list = burn_session_get_tracks(sessions[index], &tracks);
         for (int track = 0; track < tracks; ++track)
-            session.tracks.push_back(describeTrack(drive, list[track], ++number, isCD));
+            session.tracks.push_back(describeTrack(drive, list[track], ++number, isCD, before));
         medium.sessions.push_back(std::move(session));
     }
 }
@@ -190,7 +206,7 @@ void describeOverwritable(burn_drive* drive, MediumInfo& medium) {
 }
 
 void describeSequential(burn_drive* drive, const std::string& path, MediumInfo& medium,
-                        burn_disc_status status) {
+                        burn_disc_status status, const MediumInfo* before) {
     const MediumFacts& facts = factsOf(medium.kind);
     const bool isCD = facts.mediumClass == MediumClass::CD;
     medium.blank = status == BURN_DISC_BLANK;
@@ -199,7 +215,7 @@ void describeSequential(burn_drive* drive, const std::string& path, MediumInfo& 
     medium.state = medium.blank        ? MediumState::Blank
                    : medium.appendable ? MediumState::Appendable
                                        : MediumState::Complete;
-    if (!medium.blank) describeSessions(drive, medium, isCD);
+    if (!medium.blank) describeSessions(drive, medium, isCD, before);
     if (!medium.sessions.empty() && !medium.sessions.back().tracks.empty()) {
         const TrackInfo& last = medium.sessions.back().tracks.back();
         medium.blocksUsed = last.startBlock + last.blocks;
@@ -247,7 +263,8 @@ void describeSequential(burn_drive* drive, const std::string& path, MediumInfo& 
 
 } // namespace
 
-std::optional<MediumInfo> describeMedium(burn_drive* drive, const std::string& path) {
+std::optional<MediumInfo> describeMedium(burn_drive* drive, const std::string& path,
+                                         const MediumInfo* before) {
     burn_disc_status status = burn_disc_get_status(drive);
     for (int attempt = 0; status == BURN_DISC_UNREADY && attempt < 100; ++attempt) {
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
@@ -268,7 +285,7 @@ std::optional<MediumInfo> describeMedium(burn_drive* drive, const std::string& p
     if (takesBlocksInAnyOrder(drive))
         describeOverwritable(drive, medium);
     else
-        describeSequential(drive, path, medium, status);
+        describeSequential(drive, path, medium, status, before);
     if (medium.blank) medium.path.clear();
     if (factsOf(*kind).mediumClass == MediumClass::CD && !medium.blank) {
         unsigned char* packs = nullptr;
