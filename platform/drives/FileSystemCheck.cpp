@@ -125,10 +125,32 @@ bool isHFSPlusHeader(const Block& block) {
            std::memcmp(block.data() + offset, "HX", 2) == 0;
 }
 
+// At the start of the disc, or where the partition map that stands there leads: its entries have 512 bytes, and count from the
+// medium's start in such units (engine/hfsplus/PartitionMap.hpp).
+bool hasHFSPlus(const BlockReader& read, uint64_t start, uint64_t end) {
+    constexpr size_t unit = 512, unitsInBlock = engine::blockSize / unit, mostEntries = 8;
+    constexpr size_t startAt = 8, typeAt = 48;
+    Block block;
+    if (start >= end || !read(start, block)) return false;
+    if (isHFSPlusHeader(block)) return true;
+    if (std::memcmp(block.data(), "ER", 2) != 0) return false;
+    for (size_t entry = 1; entry < mostEntries; ++entry) {
+        if (!read(start + entry / unitsInBlock, block)) return false;
+        const auto at = std::span(block).subspan(entry % unitsInBlock * unit, unit);
+        if (std::memcmp(at.data(), "PM", 2) != 0) return false;
+        if (std::memcmp(at.data() + typeAt, "Apple_HFS", 10) != 0) continue;
+        uint32_t first = 0;
+        for (size_t index = 0; index < 4; ++index)
+            first = first << 8 | byteAt(at, startAt + index);
+        return read(first / unitsInBlock, block) && isHFSPlusHeader(block);
+    }
+    return false;
+}
+
 std::vector<std::string> otherSystems(const BlockReader& read, uint64_t start, uint64_t end) {
     std::vector<std::string> others;
     Block block;
-    if (start < end && read(start, block) && isHFSPlusHeader(block)) others.push_back("HFS+");
+    if (hasHFSPlus(read, start, end)) others.push_back("HFS+");
     for (uint64_t index = firstDescriptor; index < firstDescriptor + mostDescriptors; ++index) {
         if (start + index >= end || !read(start + index, block)) break;
         if (hasIdentifier(block, "NSR02") || hasIdentifier(block, "NSR03")) {

@@ -111,6 +111,26 @@ class OddMedia(DrivesCase):
         self.succeed("insert", "one", self.image(), "--force")
         self.assertNotIn("looked into", self.succeed("verify", "one"))
 
+    # A map leads to HFS+ where it does not begin with the disc.
+    def test_verify_says_that_it_did_not_look_into_hfs_plus_of_a_disc_that_was_burned(self):
+        program = self.path("burn.bas")
+        with open(program, "w", encoding="utf-8") as file:
+            file.write("\n".join((
+                'Dim root As DRFolderQRX = DRFolderQRX.virtualFolderWithName("DISC")',
+                "root.explicitFilesystemMask = DRFSObjectQRX.DRFilesystemInclusionMaskISO9660 Or DRFSObjectQRX.DRFilesystemInclusionMaskHFSPlus",
+                "Dim data As New MemoryBlock(5)",
+                'root.addChild(DRFileQRX.virtualFileWithName("file", data))',
+                "Dim burn As New DRBurnQRX(DRDeviceQRX.device(0))",
+                "burn.completionAction = DRBurnQRX.DRBurnCompletionActionMount",
+                "burn.writeLayout(DRTrackQRX.trackForRootFolder(root))",
+                "Do",
+                "    App.DoEvents(10)",
+                "Loop Until burn.status.Value(DRBurnQRX.DRStatusStateKey) = DRBurnQRX.DRStatusStateDone",
+            )))
+        self.succeed("create", "one", "--kind", "CD-R")
+        subprocess.run([os.environ["DISC_BASIC"], "run", program], env=self.environment(), check=True, timeout=LIMIT)
+        self.assertIn("one: The folders that track 1 has in HFS+ were not looked into.\n", self.succeed("verify", "one"))
+
 
 if __name__ == "__main__":
     unittest.main()
