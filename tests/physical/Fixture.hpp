@@ -14,6 +14,7 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
+#include <sys/file.h>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
@@ -31,21 +32,40 @@ class PhysicalTest : public ::testing::Test {
         setGone(second);
     }
 
+    /// The recorder does nothing meanwhile: what it had read before would be written over what a test says.
+    class Turn {
+      public:
+        explicit Turn(const fs::path& folder)
+            : lock_(::open((folder / "lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666)) {
+            EXPECT_EQ(::flock(lock_, LOCK_EX), 0);
+        }
+        Turn(const Turn&) = delete;
+        Turn& operator=(const Turn&) = delete;
+        ~Turn() { ::close(lock_); }
+
+      private:
+        int lock_;
+    };
     /// In one step: whoever looks at the recorder meanwhile finds the state before or after.
     static void write(const fs::path& folder, const Json& state) {
         std::ofstream(folder / "recorder.json.test") << state.dump();
         fs::rename(folder / "recorder.json.test", folder / "recorder.json");
     }
-    static void setGone(const fs::path& folder) { write(folder, {{"gone", true}}); }
+    static void setGone(const fs::path& folder) {
+        const Turn turn(folder);
+        write(folder, {{"gone", true}});
+    }
     /// A new medium in a drive.
     void insert(const std::string& kind, Json more = Json::object(), const fs::path& folder = {}) {
         const fs::path& where = folder.empty() ? first : folder;
+        const Turn turn(where);
         std::ofstream(where / "data").flush(); // emptied: this process may have it open
         more["medium"] = kind;
         write(where, more);
     }
     Json state() const { return Json::parse(std::ifstream(first / "recorder.json")); }
     void change(const std::string& key, const Json& value) {
+        const Turn turn(first);
         Json now = state();
         now[key] = value;
         write(first, now);
