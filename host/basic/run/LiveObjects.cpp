@@ -19,19 +19,18 @@ std::unordered_set<REALobject>& alive() {
     return objects;
 }
 
-// What has none can hold nobody.
+// What has none can't let go of anybody. It is known all the same as long as it lives, such as a produced file: that and the
+// platform's object for it hold each other.
 bool hasFields(REALobject object) { return classOf(object).shape().fieldCount > 0; }
 
 } // namespace
 
 void noteAlive(REALobject object) {
-    if (!hasFields(object)) return;
     const std::lock_guard guard(mutex);
     alive().insert(object);
 }
 
 void noteGone(REALobject object) {
-    if (!hasFields(object)) return;
     const std::lock_guard guard(mutex);
     alive().erase(object);
 }
@@ -41,7 +40,7 @@ void dropCycles() {
     {
         const std::lock_guard guard(mutex);
         for (REALobject object : alive())
-            left.push_back(Ref::borrow(object));
+            if (hasFields(object)) left.push_back(Ref::borrow(object));
     }
     std::vector<Value> fields; // dropped only when no object refers to another any more
     for (const Ref& object : left) {
